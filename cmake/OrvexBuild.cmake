@@ -1,0 +1,14 @@
+# How all of our own code is compiled.
+option(ORVEX_WERROR "treat warnings as errors" ON)
+set(ORVEX_SANITIZE "" CACHE STRING "sanitizers to build with: address,undefined or thread")
+
+# Link to this in every target of ours.
+add_library(orvex_build INTERFACE)
+target_compile_options(orvex_build INTERFACE -Wall -Wextra -Wshadow -Wconversion $<$<BOOL:${ORVEX_WERROR}>:-Werror>)
+# One rounding per operation on every machine, so that the detector's figures are the same everywhere.
+target_compile_options(orvex_build INTERFACE -ffp-contract=off)
+
+if(ORVEX_SANITIZE)
+  add_compile_options(-fsanitize=${ORVEX_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${ORVEX_SANITIZE})
+endif()

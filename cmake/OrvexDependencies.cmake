@@ -1,0 +1,13 @@
+# Third-party libraries, all of them Debian packages. Their headers are SYSTEM includes: our warnings are about our code.
+find_package(PkgConfig REQUIRED)
+find_package(Threads REQUIRED)
+find_package(GTest REQUIRED)
+find_package(Boost 1.74 REQUIRED)
+
+foreach(pair ecore:ecore ecore_file:ecore-file alsa:alsa jsoncpp:jsoncpp samplerate:samplerate sndfile:sndfile
+             cli11:CLI11)
+  string(REPLACE ":" ";" pair ${pair})
+  list(GET pair 0 name)
+  list(GET pair 1 module)
+  pkg_check_modules(${name} REQUIRED IMPORTED_TARGET ${module})
+endforeach()
