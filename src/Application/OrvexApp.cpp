@@ -1,0 +1,69 @@
+// The application object.
+#include "Application/OrvexApp.h"
+
+#include <new>
+
+#include "Util/OrvexLog.h"
+#include "orvex/platform/tv_service.h"
+#include "orvex/platform/watchdog.h"
+
+COrvexApp* g_pOrvexApp = nullptr;
+
+COrvexApp::COrvexApp() : FwEflApplication("org.velta.orvex-service") {
+  g_pOrvexApp = this;
+}
+
+COrvexApp::~COrvexApp() = default;
+
+COrvexApp* COrvexApp::CreateAtProgramStart() {
+  static_cast<void>(tv_get_hdmi_input_count());
+  return new (std::nothrow) COrvexApp;
+}
+
+bool COrvexApp::t_OnCreate() {
+  ORVEX_INFO("Orvex Service Create!");
+  m_CreateGravet();
+  m_CreateWatchDogAlarm();
+  m_Manager.Create(this);
+  ORVEX_INFO("Orvex Service Create Done");
+  return true;
+}
+
+void COrvexApp::m_CreateGravet() {
+  if (watchdog_register(m_WatchDogTimeout) == -1) {
+    ORVEX_FAILURE("Failed to register Orvex Service in gravet!");
+  }
+}
+
+void COrvexApp::m_CreateWatchDogAlarm() {
+  m_pWatchDogAlarm = std::make_unique<FwAlarm>();
+  static_cast<void>(m_pWatchDogAlarm->Create(this, m_WatchDogPeriod, FwAlarm::kRepeatForever));
+  m_pWatchDogAlarm->SetAlarmCallback(m_OnWatchDogCallBack, this);
+}
+
+bool COrvexApp::m_OnWatchDogCallBack(void* /*data*/) {
+  ORVEX_DEBUG("notify systemd...");
+  if (watchdog_notify() == -1) {
+    ORVEX_FAILURE("Failed to notify watchdog");
+    return false;
+  }
+  return true;
+}
+
+void COrvexApp::t_OnDestroy() {
+  m_Manager.Destroy();
+  if (m_pWatchDogAlarm != nullptr) {
+    if (m_pWatchDogAlarm->IsActive()) {
+      m_pWatchDogAlarm->Destroy();
+    }
+    m_pWatchDogAlarm.reset();
+  }
+}
+
+bool COrvexApp::t_OnEvent(FwEvent* event) {
+  ORVEX_MILESTONE("pEvent.type %d", event->GetType());
+  if (!FwEventIO::t_OnEvent(event)) {
+    m_Manager.OnEvent(*event);
+  }
+  return true;
+}

@@ -1,0 +1,42 @@
+// The application object: lifecycle, watchdog, and the way of events to the run controller.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "Application/OrvexManager.h"
+#include "orvex/platform/application.h"
+
+// One per process, made before main() and living until the process ends. All operations run on the main loop.
+class COrvexApp : public FwEflApplication {
+public:
+  COrvexApp();
+  ~COrvexApp() override;
+
+  // What happens before main(): greets the television's service layer and makes the application object. Null, and
+  // nothing else happens, when there is no memory for it.
+  static COrvexApp* CreateAtProgramStart();
+
+  bool t_HasWindow() override { return false; }
+  bool t_IsSuspendable() override { return false; }
+  bool t_RunsInBackground() override { return true; }
+  // Starts watchdog and run. Always true.
+  bool t_OnCreate() override;
+  void t_OnDestroy() override;
+  bool t_OnEvent(FwEvent* event) override;
+
+  const OrvexManager& GetManager() const { return m_Manager; }
+
+private:
+  void m_CreateGravet();
+  void m_CreateWatchDogAlarm();
+  static bool m_OnWatchDogCallBack(void* data);
+
+  std::unique_ptr<FwAlarm> m_pWatchDogAlarm;
+  OrvexManager m_Manager;
+  std::int32_t m_WatchDogTimeout = 120;    // in the watchdog's own unit
+  std::uint32_t m_WatchDogPeriod = 60000;  // ms
+};
+
+// The application object, null before it exists. The object sets it when it is made.
+extern COrvexApp* g_pOrvexApp;
