@@ -1,0 +1,50 @@
+// The shape of the test sound: what it consists of, and the limits that it must keep for a run to succeed.
+#pragma once
+
+namespace orvex::tools {
+
+constexpr int kSoundRateHz = 48000;
+constexpr double kLeftToneHz = 17000.0;   // television's speaker
+constexpr double kRightToneHz = 19000.0;  // optical output
+
+// Two tones pair up when the second comes at most 19 microphone buffers after the first.
+constexpr double kPairingSpanMs = 19 * 768 * 1000.0 / 46545.0;
+// The largest difference between the two ways to the microphone that a run is expected to correct.
+constexpr double kLargestDifferenceMs = 280.0;
+// The end of the playback drops what the device has not played yet.
+constexpr double kDeviceBufferMs = 102.4;
+// From the microphone to the detector, one buffer of collecting included.
+constexpr double kVoiceLatencyMs = 100.0;
+
+// What every fit sound keeps. Optical receivers mute their first moments while they lock, hence the lead-in; the tail
+// is what must still be heard, or may be dropped, after the last burst.
+constexpr double kMinLeadInMs = 150.0;
+constexpr double kMinTailMs = kPairingSpanMs + kDeviceBufferMs + kVoiceLatencyMs;
+constexpr double kMaxDurationMs = 6000.0;
+constexpr double kMinBurstMs = 5.0;
+constexpr double kMaxBurstMs = 30.0;  // longer bursts cost accuracy
+constexpr double kMaxPeakDbfs = -6.0;
+constexpr double kMinPeakDbfs = -30.0;
+// After a missed tone the pair after next is the first that can succeed.
+constexpr int kMinPairs = 3;
+constexpr int kMaxPairs = 8;
+
+// Bursts closer than this are taken for the other tone of the wrong pair.
+constexpr double MinSpacingMs(double burstMs) {
+  return kPairingSpanMs + kLargestDifferenceMs + burstMs;
+}
+
+// One test sound: silence, then pairs of bursts at the same instant (17 kHz left, 19 kHz right), then silence.
+struct SoundDesign {
+  double leadInMs = 200.0;
+  int pairs = 4;
+  double spacingMs = 640.0;  // from the start of one pair to the start of the next
+  double burstMs = 18.0;     // ramps included
+  double rampMs = 4.0;       // raised-cosine rise, and the same fall
+  double tailMs = 600.0;     // from the end of the last burst
+  double levelDbfs = -6.0;   // peak of each channel
+
+  double DurationMs() const { return leadInMs + (pairs - 1) * spacingMs + burstMs + tailMs; }
+};
+
+}  // namespace orvex::tools

@@ -1,0 +1,36 @@
+// Canonical PCM WAV files, in the layout that the player trusts: 12 bytes RIFF, the format chunk, the data chunk.
+#pragma once
+
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace orvex::tools {
+
+// A file that cannot be read or written; the text names it and the cause.
+class WaveFileError : public std::runtime_error {
+public:
+  using std::runtime_error::runtime_error;
+};
+
+// What stands in a file, at the places where the player looks.
+struct WaveFile {
+  std::string riffId, waveId, formatId, dataId;
+  std::uint32_t riffSize = 0, formatSize = 0, dataSize = 0;
+  std::uint16_t formatTag = 0, channels = 0, blockAlign = 0, bitsPerSample = 0;
+  std::uint32_t sampleRate = 0, byteRate = 0;
+  std::uint64_t fileSize = 0;
+  std::uint64_t dataOffset = 0;       // first byte after the data chunk's header
+  std::vector<std::int16_t> samples;  // what the file has of `dataSize`, as 16-bit little-endian
+};
+
+// Reads without judging: what a short file lacks reads as zero or empty. Throws WaveFileError when the file cannot be
+// read or is larger than 64 MiB.
+WaveFile ReadWaveFile(const std::string& path);
+
+// Writes 48000 Hz, 2 channels, 16 bits, byte for byte the same for the same samples. A reader never sees half a file.
+// Throws WaveFileError.
+void WriteWaveFile(const std::string& path, const std::vector<std::int16_t>& samples);
+
+}  // namespace orvex::tools
