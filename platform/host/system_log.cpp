@@ -16,10 +16,12 @@
 #include <string>
 
 #include "television.h"
+#include "utc_time.h"
 
 namespace {
 
 using orvex::host::Television;
+using orvex::host::UtcNow;
 
 // Keeps the signal of a broken stderr from ending the process while an object of this class lives.
 class PipeSignalGuard {
@@ -77,18 +79,6 @@ std::optional<std::string> FormatRecord(const char* format, va_list arguments) {
   }
   va_end(again);
   return length >= 0 ? std::optional<std::string>(record) : std::nullopt;
-}
-
-std::string UtcNow() {
-  timespec now{};
-  clock_gettime(CLOCK_REALTIME, &now);
-  tm utc{};
-  gmtime_r(&now.tv_sec, &utc);
-  std::array<char, 32> seconds{};
-  std::strftime(seconds.data(), seconds.size(), "%Y-%m-%dT%H:%M:%S", &utc);
-  std::array<char, 16> fraction{};
-  std::snprintf(fraction.data(), fraction.size(), ".%06ldZ", now.tv_nsec / 1000);
-  return std::string(seconds.data()) + fraction.data();
 }
 
 char PriorityLetter(LogPriority priority) {

@@ -11,7 +11,8 @@ namespace {
 constexpr std::int64_t kMin32 = std::numeric_limits<std::int32_t>::min();
 constexpr std::int64_t kMax32 = std::numeric_limits<std::int32_t>::max();
 constexpr std::int64_t kMaxUnsigned32 = std::numeric_limits<std::uint32_t>::max();
-const std::string kSettingsFolder = "settings/";
+// Literals only: values are read before this file's own static objects would exist.
+constexpr const char* kSettingsFolder = "settings/";
 
 bool IsPlainPath(const std::string& path) {
   std::size_t begin = 0;

@@ -1,0 +1,54 @@
+// Turns the television's exceptions into result codes and reports.
+#include "service_values.h"
+
+#include "report.h"
+#include "television.h"
+
+namespace orvex::host {
+namespace {
+
+bool MayBeMissing(const std::string& name) {
+  return name.rfind("settings/", 0) == 0 || name.rfind("tv/", 0) == 0;
+}
+
+AccessResult ResultOf(TelevisionError::Cause cause) {
+  switch (cause) {
+    case TelevisionError::Cause::kUnknownName:
+    case TelevisionError::Cause::kMissing:
+      return AccessResult::kMissing;
+    case TelevisionError::Cause::kBadValue:
+      return AccessResult::kBadValue;
+    case TelevisionError::Cause::kInaccessible:
+      break;
+  }
+  return AccessResult::kInaccessible;
+}
+
+template <typename Work>
+AccessResult Attempt(const std::string& name, Work work) {
+  try {
+    work(Television::Instance());
+    return AccessResult::kDone;
+  } catch (const TelevisionError& error) {
+    if (error.GetCause() != TelevisionError::Cause::kMissing || !MayBeMissing(name)) {
+      ReportProblem(error.what());
+    }
+    return ResultOf(error.GetCause());
+  }
+}
+
+}  // namespace
+
+AccessResult ReadNumber(const std::string& name, std::int64_t* number) {
+  return Attempt(name, [&](const Television& television) { *number = television.GetNumber(name); });
+}
+
+AccessResult ReadText(const std::string& name, std::string* text) {
+  return Attempt(name, [&](const Television& television) { *text = television.Get(name); });
+}
+
+AccessResult WriteNumber(const std::string& name, std::int64_t number) {
+  return Attempt(name, [&](const Television& television) { television.Set(name, std::to_string(number)); });
+}
+
+}  // namespace orvex::host

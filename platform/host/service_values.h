@@ -1,0 +1,17 @@
+// Values of this process's television for the contract's functions: result codes instead of exceptions.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace orvex::host {
+
+enum class AccessResult { kDone, kMissing, kBadValue, kInaccessible };
+
+// A failure is reported, except a missing file where that is a state of its own: below settings/ and tv/. Any thread.
+// `*number` and `*text` are untouched by a failure.
+AccessResult ReadNumber(const std::string& name, std::int64_t* number);
+AccessResult ReadText(const std::string& name, std::string* text);
+AccessResult WriteNumber(const std::string& name, std::int64_t number);
+
+}  // namespace orvex::host
