@@ -46,7 +46,7 @@ public:
   void SetSpdifDelayMs(double delayMs);  // positive: later; below 0, or no number, counts as 0
 
   // Adds a sound to the microphone's noise, over and over, with the room's noiseFileGainDb. Full scale is 1.0. Throws
-  // std::invalid_argument for a rate outside 1000 to 1000000 or a sample that is no finite number. Empty: none.
+  // std::invalid_argument for a rate outside 1000 to 1000000 or a sample outside -1000 to 1000. Empty: none.
   void SetNoise(const std::vector<float>& samples, double rateHz);
 
   // Begins a recording: the microphone's sample 0 is taken at `at`, not before the end of an earlier recording.

@@ -2,6 +2,7 @@
 // living room in which the optical output is 40 ms late while its delay is 100 ms.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <stdexcept>
@@ -38,7 +39,7 @@ struct RoomConfig {
   bool opticalMuted = false;   // the external device is silent
   double opticalLockMs = 0.0;  // 0 to 10000, what its receiver loses at the start of a stream while it locks
 
-  double microphoneRateHz = 46545.0;        // 16000 to 96000, nominal
+  double microphoneRateHz = 46545.0;        // 20000 to 96000, nominal
   double rateErrorPpm = 0.0;                // -100000 to 100000; positive: the remote samples faster than nominal
   std::optional<double> noiseDbfs = -70.0;  // -200 to 0, RMS of white noise, 0 dBFS = 32768; none: no noise
   std::string noiseFile;         // path of a recording that adds to the noise, empty: none; see Room::SetNoise()

@@ -1,0 +1,17 @@
+// The arithmetic of the real misalignment.
+#include "orvex/sim/truth.h"
+
+namespace orvex::sim {
+namespace {
+
+double ArrivalMs(const PathConfig& path) {
+  return path.latencyMs + path.distanceM / kSpeedOfSoundMPerS * 1e3;
+}
+
+}  // namespace
+
+double MisalignmentMs(const RoomConfig& config, double spdifDelayMs) {
+  return spdifDelayMs + ArrivalMs(config.optical) - ArrivalMs(config.tv);
+}
+
+}  // namespace orvex::sim
