@@ -1,0 +1,47 @@
+// What a world saw: every call of the platform and every log line, in order, with its time and thread.
+#pragma once
+
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "scheduler.h"
+
+namespace orvex::world {
+
+// One line. `text` is what tests compare:
+//   log line       "<D|I|W|E><buffer> <message>", the message without colours, such as "E2 Assertion failed"
+//   platform call  "> name(arguments) = result"
+struct Entry {
+  Time at;
+  std::string thread;
+  std::string text;
+  std::string file;      // of a log line
+  std::string function;  // of a log line
+};
+
+class Journal {
+public:
+  void Add(Entry entry) { m_Entries.push_back(std::move(entry)); }
+  void Clear() { m_Entries.clear(); }
+  const std::vector<Entry>& Entries() const { return m_Entries; }
+
+  // Texts of all entries, of the log lines, of the calls.
+  std::vector<std::string> Texts() const;
+  std::vector<std::string> Logs() const;
+  std::vector<std::string> Calls() const;
+  // How often `text` is there.
+  int Count(const std::string& text) const;
+  bool Has(const std::string& text) const { return Count(text) > 0; }
+  // How many texts begin with `beginning`.
+  int CountStartingWith(const std::string& beginning) const;
+  // The first entry with this text; throws std::out_of_range when there is none.
+  const Entry& Find(const std::string& text) const;
+  // The whole journal, a line each: milliseconds, thread, text.
+  void Print(std::ostream& out) const;
+
+private:
+  std::vector<Entry> m_Entries;
+};
+
+}  // namespace orvex::world

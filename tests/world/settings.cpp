@@ -1,0 +1,68 @@
+// The settings store in virtual time.
+#include "orvex/platform/settings.h"
+
+#include <algorithm>
+
+#include "world.h"
+
+using orvex::world::Lane;
+using orvex::world::Quoted;
+using orvex::world::Subscription;
+using orvex::world::World;
+
+struct SettingsNode {
+  const char* name;
+};
+
+int settings_get_int(const char* key, int* value) {
+  World& world = World::Current();
+  const auto answer = world.answers.Take("settings_get_int");
+  const auto setting = world.settings.find(key);
+  const int result = answer.has_value() ? static_cast<int>(*answer) : setting == world.settings.end() ? -1 : 0;
+  if (result == 0) {
+    *value = setting->second;
+  }
+  world.Call("settings_get_int(" + Quoted(key) + ") = " + std::to_string(result));
+  return result;
+}
+
+int settings_subscribe(const char* key, SettingsChangedCallback callback, void* userData) {
+  World& world = World::Current();
+  const int result = static_cast<int>(world.answers.Take("settings_subscribe").value_or(0));
+  if (result == 0) {
+    world.subscriptions.push_back({key, callback, userData});
+  }
+  world.Call("settings_subscribe(" + Quoted(key) + ") = " + std::to_string(result));
+  return result;
+}
+
+int settings_unsubscribe(const char* key, SettingsChangedCallback callback) {
+  World& world = World::Current();
+  auto& all = world.subscriptions;
+  const auto found = std::find_if(all.begin(), all.end(), [&](const Subscription& subscription) {
+    return subscription.key == key && subscription.callback == callback;
+  });
+  const int result = found == all.end() ? -1 : 0;
+  if (result == 0) {
+    all.erase(found);
+  }
+  world.Call("settings_unsubscribe(" + Quoted(key) + ") = " + std::to_string(result));
+  return result;
+}
+
+const char* settings_node_name(const SettingsNode* node) {
+  return node->name;
+}
+
+void World::NotifySetting(const std::string& key, const char* name) {
+  const std::string nodeName = name == nullptr ? "" : name;
+  scheduler.At(scheduler.Now(), Lane::kMainLoop, [this, key, isNamed = name != nullptr, nodeName] {
+    const SettingsNode node{isNamed ? nodeName.c_str() : nullptr};
+    const std::vector<Subscription> current = subscriptions;
+    for (const Subscription& subscription : current) {
+      if (subscription.key == key && !m_EndRequested) {
+        subscription.callback(&node, subscription.userData);
+      }
+    }
+  });
+}

@@ -1,0 +1,203 @@
+// A television in virtual time.
+#include "world.h"
+
+#include <stdexcept>
+
+namespace orvex::world {
+
+namespace {
+
+World* g_World = nullptr;
+
+constexpr Time kLongestRun = std::chrono::seconds(60);
+constexpr Time kLongestDrain = std::chrono::seconds(6);
+
+Time Milliseconds(double milliseconds) {
+  return Time(static_cast<std::int64_t>(milliseconds * 1e6));
+}
+
+}  // namespace
+
+void Answers::Next(const std::string& function, const std::vector<long>& results) {
+  m_Next[function].insert(m_Next[function].end(), results.begin(), results.end());
+}
+
+std::optional<long> Answers::Take(const std::string& function) {
+  const auto next = m_Next.find(function);
+  if (next != m_Next.end() && !next->second.empty()) {
+    const long result = next->second.front();
+    next->second.pop_front();
+    return result;
+  }
+  const auto always = m_Always.find(function);
+  return always == m_Always.end() ? std::nullopt : std::optional<long>(always->second);
+}
+
+World::World() {
+  if (g_World != nullptr) {
+    throw std::logic_error("there is a world already");
+  }
+  g_World = this;
+}
+
+World::~World() {
+  scheduler.UnwindAll();
+  g_World = nullptr;
+}
+
+World& World::Current() {
+  if (g_World == nullptr) {
+    throw std::logic_error("there is no world");
+  }
+  return *g_World;
+}
+
+World* World::CurrentOrNull() {
+  return g_World;
+}
+
+void World::Call(const std::string& text) {
+  journal.Add({scheduler.Now(), scheduler.CurrentThread(), "> " + text, "", ""});
+}
+
+void World::Create(FwEflApplication& application) {
+  m_Application = &application;
+  m_CreatedAt = scheduler.Now();
+  if (!application.t_OnCreate()) {
+    RequestEnd();
+  }
+  AfterItem();
+}
+
+void World::AdvanceMs(double milliseconds) {
+  const Time until = scheduler.Now() + Milliseconds(milliseconds);
+  scheduler.RunUntil(until, [this] {
+    AfterItem();
+    return m_Ended;
+  });
+}
+
+bool World::RunToEnd() {
+  const Time until = scheduler.Now() + kLongestRun;
+  while (!m_Ended && scheduler.Now() < until) {
+    AdvanceMs(100);
+  }
+  return m_Ended;
+}
+
+double World::EndedAtMs() const {
+  return std::chrono::duration<double, std::milli>(m_EndedAt - m_CreatedAt).count();
+}
+
+// The end that a port gives an application: the destroy step, then the pool's workers.
+void World::AfterItem() {
+  if (!m_EndRequested || m_Application == nullptr || m_Destroyed) {
+    return;
+  }
+  m_Destroyed = true;
+  m_Application->t_OnDestroy();
+  scheduler.RunUntil(scheduler.Now() + (runningWorkers > 0 ? kLongestDrain : Time(0)),
+                     [this] { return runningWorkers == 0; });
+  m_Ended = true;
+  m_EndedAt = scheduler.Now();
+}
+
+bool World::SendEventFromService(const FwEvent& event) {
+  if (m_EndRequested) {
+    return false;
+  }
+  if (event.GetReceiver() != nullptr) {
+    scheduler.At(scheduler.Now(), Lane::kMainLoop, [this, event] {
+      if (!m_EndRequested) {
+        FwEvent delivered = event;
+        static_cast<void>(event.GetReceiver()->GetApplication().t_OnEvent(&delivered));
+      }
+    });
+  }
+  return true;
+}
+
+void World::Inject(std::int32_t eventType) {
+  static_cast<void>(SendEventFromService(FwEvent(eventType, m_Application->GetEventReceiver())));
+}
+
+void World::ChangeSetting(const std::string& key, int value) {
+  settings[key] = value;
+  NotifySetting(key, key.c_str());
+}
+
+FwMessage World::SendMessage(const FwMessage& message, FwMessage reply) {
+  static_cast<void>(m_Application->IfMessageReceived("tester", message, reply));
+  return reply;
+}
+
+bool World::Deliver(const VoiceData* record) {
+  if (voiceCallback == nullptr) {
+    return false;
+  }
+  scheduler.RunAs("delivery", [&] { voiceCallback(record, voiceUserData); });
+  return true;
+}
+
+bool World::Deliver(const std::vector<std::int16_t>& samples) {
+  std::vector<std::uint8_t> bytes;
+  for (const std::int16_t sample : samples) {
+    bytes.push_back(static_cast<std::uint8_t>(static_cast<std::uint16_t>(sample) & 0xFFU));
+    bytes.push_back(static_cast<std::uint8_t>(static_cast<std::uint16_t>(sample) >> 8U));
+  }
+  const VoiceData record{static_cast<std::uint16_t>(bytes.size()), bytes.data()};
+  return Deliver(&record);
+}
+
+void World::UseRoom(const sim::RoomConfig& config) {
+  room = std::make_unique<sim::Room>(config);
+  m_Voice = std::make_unique<sim::VoiceChannel>(*room);
+}
+
+void World::StartVoice() {
+  voiceSending = true;
+  if (m_Voice != nullptr) {
+    m_Voice->Start(scheduler.Now());
+    ScheduleDelivery();
+  }
+}
+
+void World::ExtendVoice() {
+  if (m_Voice != nullptr) {
+    m_Voice->Extend(scheduler.Now());
+    ScheduleDelivery();
+  }
+}
+
+void World::StopVoice() {
+  voiceSending = false;
+  if (m_Voice != nullptr) {
+    m_Voice->Stop();
+    ScheduleDelivery();
+  }
+}
+
+void World::ScheduleDelivery() {
+  if (m_NextDelivery.has_value()) {
+    scheduler.Cancel(*m_NextDelivery);
+    m_NextDelivery.reset();
+  }
+  const std::optional<Time> due = m_Voice->NextDelivery();
+  if (!due.has_value()) {
+    return;
+  }
+  m_NextDelivery = scheduler.At(*due, Lane::kElsewhere, [this] {
+    m_NextDelivery.reset();
+    sim::VoiceChannel::Block block{};
+    if (m_Voice->TakeBlock(block)) {
+      static_cast<void>(Deliver(std::vector<std::int16_t>(block.begin(), block.end())));
+    }
+    ScheduleDelivery();
+  });
+}
+
+std::string Quoted(const char* text) {
+  return text == nullptr ? "null" : '"' + std::string(text) + '"';
+}
+
+}  // namespace orvex::world

@@ -1,0 +1,145 @@
+// A television in virtual time: the state behind the platform contract, ALSA, Ecore and POSIX calls of the service.
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "journal.h"
+#include "orvex/platform/application.h"
+#include "orvex/platform/event_log.h"
+#include "orvex/platform/output_delay.h"
+#include "orvex/platform/remote_voice.h"
+#include "orvex/platform/settings.h"
+#include "orvex/platform/tv_service.h"
+#include "orvex/sim/room.h"
+#include "orvex/sim/voice_channel.h"
+#include "pcm_device.h"
+#include "scheduler.h"
+
+namespace orvex::world {
+
+// Results that calls answer instead of doing their work, by the name of the function.
+class Answers {
+public:
+  // The next calls answer these, in this order; the ones after them work.
+  void Next(const std::string& function, const std::vector<long>& results);
+  // From the call after the ones given by Next() on, every call answers this.
+  void Always(const std::string& function, long result) { m_Always[function] = result; }
+  // What this call has to answer; none: it works.
+  std::optional<long> Take(const std::string& function);
+
+private:
+  std::map<std::string, std::deque<long>> m_Next;
+  std::map<std::string, long> m_Always;
+};
+
+struct Subscription {
+  std::string key;
+  SettingsChangedCallback callback;
+  void* userData;
+};
+
+struct EventRecord {
+  std::string service, event, category, value;
+};
+
+// One at a time; the functions of the port act on the one that exists. Without one, POSIX calls go to the system.
+class World {
+public:
+  World();
+  ~World();
+  World(const World&) = delete;
+  World& operator=(const World&) = delete;
+
+  static World& Current();
+  static World* CurrentOrNull();
+
+  // Runs the application's create step; its events are delivered as time advances.
+  void Create(FwEflApplication& application);
+  // Lets time pass. When the main loop was asked to end, the destroy step runs and the pool's workers end.
+  void AdvanceMs(double milliseconds);
+  // Lets time pass until the process would have ended, at most 60 s. False when it would not.
+  bool RunToEnd();
+  bool HasEnded() const { return m_Ended; }
+  // Time from Create() to the end of the process, in ms.
+  double EndedAtMs() const;
+  void RequestEnd() { m_EndRequested = true; }
+
+  // Journal of a platform call on the running thread.
+  void Call(const std::string& text);
+
+  // Things that happen on the television.
+  void Inject(std::int32_t eventType);
+  void ChangeSetting(const std::string& key, int value);  // and tells the subscribers, on the main loop
+  void NotifySetting(const std::string& key, const char* name);
+  FwMessage SendMessage(const FwMessage& message, FwMessage reply);
+  // The remote delivers a block, now, on its delivery thread; false when nobody receives it.
+  bool Deliver(const VoiceData* record);
+  bool Deliver(const std::vector<std::int16_t>& samples);
+  // From now on the sound is played into this room, and the remote hears it.
+  void UseRoom(const sim::RoomConfig& config);
+
+  Scheduler scheduler;
+  Journal journal;
+  Answers answers;
+
+  std::map<std::string, int> settings{{"db/device-detector-service/optical_change_flag", 0},
+                                      {"db/menu/tessar/homedatacontrol/defaultdisclaimeragree", 0}};
+  std::vector<Subscription> subscriptions;
+  bool muted = false;
+  std::int32_t volume = 15;
+  std::int32_t speaker = 0;
+  std::uint32_t delayMs = 100;
+  bool hasAudioControl = true;
+  std::int32_t codec = 2;
+  std::optional<std::string> brand = "acme";
+  std::int32_t deviceType = 3;
+  std::int32_t resolution = 7;
+  std::int32_t frequency = 60;
+  std::int32_t source = 5;
+  bool hasEventLog = true;
+  std::vector<EventRecord> events;
+  // Where the test sound's fixed path leads.
+  std::string soundFile;
+  // Wall clock at virtual time 0, microseconds since 1970.
+  std::int64_t wallClockUs = 1'700'000'000'000'000;
+
+  // Used by the port's functions.
+  bool SendEventFromService(const FwEvent& event);
+  bool consumesEvents = false;  // the framework's own share takes every event
+  VoiceDataCallback voiceCallback = nullptr;
+  void* voiceUserData = nullptr;
+  bool voiceSending = false;
+  void StartVoice();
+  void ExtendVoice();
+  void StopVoice();
+  std::unique_ptr<sim::Room> room;
+  std::unique_ptr<PcmDevice> pcm;  // of the open device
+  PcmDevice::Limits pcmLimits;
+  int runningWorkers = 0;
+  int openAlarms = 0;
+  int openTimers = 0;
+
+private:
+  void AfterItem();
+  void ScheduleDelivery();
+
+  FwEflApplication* m_Application = nullptr;
+  bool m_EndRequested = false;
+  bool m_Destroyed = false;
+  bool m_Ended = false;
+  Time m_CreatedAt{0};
+  Time m_EndedAt{0};
+  std::unique_ptr<sim::VoiceChannel> m_Voice;
+  std::optional<Scheduler::Id> m_NextDelivery;
+};
+
+// "name" or null as a text, for the journal.
+std::string Quoted(const char* text);
+
+}  // namespace orvex::world
