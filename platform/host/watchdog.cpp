@@ -1,0 +1,39 @@
+// The watchdog by systemd's notification protocol. Without a notification socket there is nobody who watches: that is
+// the usual state of a computer and no failure, so the service is told that all is well.
+#include "orvex/platform/watchdog.h"
+
+#include <string>
+
+#include "faults.h"
+#include "notify_socket.h"
+#include "report.h"
+
+namespace {
+
+using orvex::host::Faults;
+
+constexpr int kFailed = -1;
+bool isRegistered = false;
+
+}  // namespace
+
+int watchdog_register(std::int32_t timeout) {
+  if (const auto fault = Faults::Instance().Next("watchdog.register")) {
+    return *fault;
+  }
+  if (timeout <= 0) {
+    orvex::host::ReportProblem("watchdog timeout " + std::to_string(timeout) + ": expected at least 1 s");
+    return kFailed;
+  }
+  const std::string ready = "READY=1\nWATCHDOG_USEC=" + std::to_string(timeout) + "000000";
+  isRegistered = !orvex::host::HasNotifySocket() || orvex::host::SendNotification(ready);
+  return isRegistered ? 0 : kFailed;
+}
+
+int watchdog_notify() {
+  if (const auto fault = Faults::Instance().Next("watchdog.notify")) {
+    return *fault;
+  }
+  const bool isTaken = isRegistered && (!orvex::host::HasNotifySocket() || orvex::host::SendNotification("WATCHDOG=1"));
+  return isTaken ? 0 : kFailed;
+}
