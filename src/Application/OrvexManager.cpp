@@ -35,17 +35,20 @@ void OrvexManager::Create(COrvexApp* app) {
   m_pApp = app;
   m_pRunningTimer = ecore_timer_add(kRunningTimeLimitS, m_OnRunningTimeEndTimerCallback, this);
   static_cast<void>(settings_subscribe(kOpticalChangeFlagKey, m_OnOpticalVconfCallback, this));
+  m_PrepareVolumeCondition();
   m_SendOrvexEvent(ORVEX_START_SYNC);
 }
 
 void OrvexManager::Destroy() {
   ORVEX_INFO("Destroy");
   static_cast<void>(settings_unsubscribe(kOpticalChangeFlagKey, m_OnOpticalVconfCallback));
+  m_SendKPILogEndTime();
   m_StopOrvex(ORVEX_WORKER_BT_RECORDER | ORVEX_WORKER_SOUND_PLAYER);
   if (m_pRunningTimer != nullptr) {
     static_cast<void>(ecore_timer_del(m_pRunningTimer));
     m_pRunningTimer = nullptr;
   }
+  m_RestoreVolumeCondition();
 }
 
 void OrvexManager::m_SendOrvexEvent(OrvexEventId id) {
@@ -164,6 +167,8 @@ void OrvexManager::m_OnOpticalVconfCallback(const SettingsNode* node, void* data
   }
   const std::string key(settings_node_name(node));
   if (key == kOpticalChangeFlagKey) {
+    // Whoever switched the output wants to hear it: the speaker is not muted again.
+    pThis->m_SavedMute = false;
     pThis->m_SendOrvexEvent(ORVEX_EXIT);
   }
 }

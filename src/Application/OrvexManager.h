@@ -10,6 +10,8 @@
 #include "Application/OrvexEventId.h"
 #include "Application/OrvexReceiver.h"
 #include "Application/OrvexSoundPlayer.h"
+#include "UI/OrvexUI.h"
+#include "Util/OrvexLogManager.h"
 #include "orvex/platform/application.h"
 #include "orvex/platform/settings.h"
 
@@ -32,9 +34,9 @@ public:
   OrvexManager(const OrvexManager&) = delete;
   OrvexManager& operator=(const OrvexManager&) = delete;
 
-  // Starts the run: the running-time limit of 10.0 s, then the first event. `app` receives the events.
+  // Starts the run: the running-time limit of 10.0 s, the speaker guard, the first event. `app` receives the events.
   void Create(COrvexApp* app);
-  // Ends it: stops what still runs.
+  // Ends it: reports the outcome, stops what still runs, gives the speaker back.
   void Destroy();
   // Does what an event asks for.
   void OnEvent(const FwEvent& event);
@@ -46,6 +48,14 @@ public:
   bool m_StartOrvex(int worker);
   // The recorder first, then the player. May take as long as the remote takes to answer.
   void m_StopOrvex(int mask);
+
+  // The speaker volume guard: out of mute with volume 0, if it was muted, and back. Restoring twice restores once.
+  void m_PrepareVolumeCondition();
+  void m_RestoreVolumeCondition();
+
+  // The telemetry records of a run.
+  void m_SendKPILogStartTime();
+  void m_SendKPILogEndTime();
 
   // Wall clock in milliseconds modulo 2^32; differences of two values are right across the wrap.
   static std::uint32_t m_GetCurrentTime();
@@ -85,10 +95,14 @@ private:
   bool m_bBTRecorderStarted = false;
   bool m_bSoundPlayerStarted = false;
   std::uint32_t m_BaseSpdifDelay = 0;  // ms
+  OrvexUI m_UI;
   std::int32_t m_RetryCount = 0;
   [[maybe_unused]] bool m_bReservedFlag = false;
   std::uint32_t m_SyncStartTime = 0;  // ms
+  bool m_SavedMute = false;           // the speaker was muted and is not now
+  std::int32_t m_SavedVolume = -1;    // -1: nothing saved
   Ecore_Timer* m_pRunningTimer = nullptr;
   bool m_SyncResult = false;
   std::atomic<const char*> m_TerminateStatus{"etc"};
+  COrvexLogManager m_LogManager;
 };

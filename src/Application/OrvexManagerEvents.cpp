@@ -62,6 +62,7 @@ void OrvexManager::OnEvent(const FwEvent& event) {
 }
 
 void OrvexManager::m_OnStartSync() {
+  m_SendKPILogStartTime();
   m_BaseSpdifDelay = CSingleton<CAudioControl>::GetInstance()->GetSpdifOutDelay();
   m_SendOrvexEvent(ORVEX_START_BT_RECODING);
   m_SyncStartTime = m_GetCurrentTime();
@@ -73,6 +74,7 @@ void OrvexManager::m_OnEndSync() {
   CSingleton<CAudioControl>::GetInstance()->SaveCurrentStatus();
   CSingleton<CAudioControl>::GetInstance()->DumpCurrentStatus();
   CSingleton<CDebugDump>::GetInstance()->Stop();
+  m_SendKPILogEndTime();
 }
 
 // The optical output is late by `diffSeconds`: its delay is shortened by as many whole milliseconds.
