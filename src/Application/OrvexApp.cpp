@@ -9,6 +9,19 @@
 
 COrvexApp* g_pOrvexApp = nullptr;
 
+namespace {
+
+// The message's method; empty when there is none, or when the body or the method is nothing that has a text.
+std::string Method(const FwMessage& message) {
+  if (!message.body.isObject()) {
+    return {};
+  }
+  const Json::Value& method = message.body["method"];
+  return method.isConvertibleTo(Json::stringValue) ? method.asString() : std::string();
+}
+
+}  // namespace
+
 COrvexApp::COrvexApp() : FwEflApplication("org.velta.orvex-service") {
   g_pOrvexApp = this;
 }
@@ -64,6 +77,20 @@ bool COrvexApp::t_OnEvent(FwEvent* event) {
   ORVEX_MILESTONE("pEvent.type %d", event->GetType());
   if (!FwEventIO::t_OnEvent(event)) {
     m_Manager.OnEvent(*event);
+  }
+  return true;
+}
+
+bool COrvexApp::IfMessageReceived(const std::string& /*sender*/, const FwMessage& received, FwMessage& reply) {
+  const std::string method = Method(received);
+  ORVEX_INFO("IfMessageReceived called,  message Type: %s, method: %s", received.type.c_str(), method.c_str());
+  if (!method.empty()) {
+    ORVEX_FAILURE("UNKNOWN MESSAGE");
+  }
+  if (reply.body.empty()) {
+    ORVEX_INFO("reply empty...");
+  } else {
+    ORVEX_INFO("reply not empty!");
   }
   return true;
 }

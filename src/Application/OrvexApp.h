@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 
 #include "Application/OrvexManager.h"
 #include "orvex/platform/application.h"
@@ -18,6 +19,8 @@ public:
   static COrvexApp* CreateAtProgramStart();
 
   bool t_HasWindow() override { return false; }
+  // Takes every message and knows no method; the reply goes back as it came. Always true.
+  bool IfMessageReceived(const std::string& sender, const FwMessage& received, FwMessage& reply) override;
   bool t_IsSuspendable() override { return false; }
   bool t_RunsInBackground() override { return true; }
   // Starts watchdog and run. Always true.
