@@ -30,6 +30,9 @@ std::string Quote(const Json::Value& value) {
 }
 
 Json::Value ParseObject(const std::string& text, const std::string& nameForErrors) {
+  if (const std::size_t zero = text.find('\0'); zero != std::string::npos) {  // the parser would stop there
+    throw RoomError(nameForErrors + ": no valid JSON, expected one object: byte " + std::to_string(zero) + " is 0");
+  }
   Json::CharReaderBuilder builder;
   Json::CharReaderBuilder::strictMode(&builder.settings_);
   const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
