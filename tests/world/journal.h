@@ -18,6 +18,7 @@ struct Entry {
   std::string text;
   std::string file;      // of a log line
   std::string function;  // of a log line
+  std::string record{};  // of a log line: all that the system log was given
 };
 
 class Journal {

@@ -25,7 +25,8 @@ constexpr Style kStyles[] = {{LogPriority::kDebug, 'D', "\033[37m"},
 // Takes "file: function(line) > <colour>message<reset>" apart; a line of another form, colour or tag stands out.
 orvex::world::Entry Parse(LogBuffer buffer, LogPriority priority, const std::string& tag, const std::string& record) {
   World& world = World::Current();
-  orvex::world::Entry entry{world.scheduler.Now(), world.scheduler.CurrentThread(), "MALFORMED " + record, "", ""};
+  orvex::world::Entry entry{
+      world.scheduler.Now(), world.scheduler.CurrentThread(), "MALFORMED " + record, "", "", record};
   const std::string reset = "\033[0m\n";
   const std::size_t colourAt = record.find(") > ");
   for (const Style& style : kStyles) {

@@ -58,6 +58,9 @@ World* World::CurrentOrNull() {
 
 void World::Call(const std::string& text) {
   journal.Add({scheduler.Now(), scheduler.CurrentThread(), "> " + text, "", ""});
+  if (onCall) {
+    onCall(text);
+  }
 }
 
 void World::Create(FwEflApplication& application) {

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -72,6 +73,8 @@ public:
 
   // Journal of a platform call on the running thread.
   void Call(const std::string& text);
+  // Happens right after each call is in the journal, on the same thread: what the world does at just that moment.
+  std::function<void(const std::string& text)> onCall;
 
   // Things that happen on the television.
   void Inject(std::int32_t eventType);
