@@ -1,0 +1,86 @@
+// Names of values, and collected records as a table.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "temporary_folder.h"
+#include "tv/errors.h"
+#include "tv/event_records.h"
+#include "tv/value_names.h"
+
+namespace orvex::tools {
+namespace {
+
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+TEST(FullValueName, AcceptsFullNamesAndAnyPartThatOnlyOneHas) {
+  EXPECT_EQ("delay/spdif", FullValueName("delay/spdif"));
+  EXPECT_EQ("delay/spdif", FullValueName("delay"));
+  EXPECT_EQ("delay/spdif", FullValueName("spdif"));
+  EXPECT_EQ("sound/mute", FullValueName("mute"));
+  EXPECT_EQ("settings/db/menu/tessar/homedatacontrol/defaultdisclaimeragree", FullValueName("defaultdisclaimeragree"));
+  EXPECT_EQ("settings/db/any/key", FullValueName("settings/db/any/key"));
+}
+
+std::string Refusal(const std::string& name) {
+  try {
+    return "accepted as " + FullValueName(name);
+  } catch (const UsageError& error) {
+    return error.what();
+  }
+}
+
+TEST(FullValueName, ListsWhatIsKnownOrMeant) {
+  EXPECT_THAT(Refusal("volum"), AllOf(HasSubstr("\"volum\""), HasSubstr("sound/volume"), HasSubstr("tv/codec")));
+  EXPECT_THAT(Refusal("sound"), AllOf(HasSubstr("sound/volume"), HasSubstr("sound/mute"), Not(HasSubstr("tv/codec"))));
+  EXPECT_THAT(Refusal(""), HasSubstr("\"\""));
+  EXPECT_THAT(Refusal("settings/../../escape"), HasSubstr("no value"));
+}
+
+const char kStart[] =
+    R"({"category":"EV013","event":"ORVEXENV","service":"21_remocon","time":"2031-05-04T09:08:07Z","value":"{codec=0}"})";
+const char kEnd[] = R"({"category":"EV012","event":"ORVEXSET","value":"two\nlines"})";
+
+TEST(ReadEventRecords, ReadsRecordsInOrderAndSaysWhatItSkipped) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Write(
+      "events.jsonl", std::string(kStart) + "\n[1]\n\n" + kEnd + "\n" + std::string(5000, '[') + "\n" + R"({"cat)");
+  const EventRecords events = ReadEventRecords(path);
+  ASSERT_EQ(2u, events.records.size());
+  EXPECT_EQ("EV013", events.records[0]["category"].asString());
+  EXPECT_EQ("EV012", events.records[1]["category"].asString());
+  EXPECT_THAT(events.problems,
+              ElementsAre(path + ": line 2: no JSON object, skipped", HasSubstr(": line 5: nested too deeply, skipped"),
+                          HasSubstr(": line 6: no whole JSON value, skipped")));
+}
+
+TEST(ReadEventRecords, BeginsWhereItIsTold) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Write("events.jsonl", std::string(kStart) + "\n");
+  const std::uint64_t before = EventFileSize(path);
+  folder.Write("events.jsonl", std::string(kStart) + "\n" + kEnd + "\n");
+  const EventRecords events = ReadEventRecords(path, before);
+  ASSERT_EQ(1u, events.records.size());
+  EXPECT_EQ("ORVEXSET", events.records[0]["event"].asString());
+}
+
+TEST(ReadEventRecords, FindsNothingInAMissingFile) {
+  const TemporaryFolder folder;
+  EXPECT_EQ(0u, EventFileSize(folder / "events.jsonl"));
+  const EventRecords events = ReadEventRecords(folder / "events.jsonl");
+  EXPECT_TRUE(events.records.empty() && events.problems.empty());
+}
+
+TEST(EventTable, AlignsColumnsAndKeepsARecordOnOneLine) {
+  const TemporaryFolder folder;
+  const EventRecords events = ReadEventRecords(folder.Write("events.jsonl", std::string(kStart) + "\n" + kEnd + "\n"));
+  EXPECT_EQ(
+      "time                  service     category  event     value\n"
+      "2031-05-04T09:08:07Z  21_remocon  EV013     ORVEXENV  {codec=0}\n"
+      "-                     -           EV012     ORVEXSET  two lines\n",
+      EventTable(events.records));
+}
+
+}  // namespace
+}  // namespace orvex::tools

@@ -1,0 +1,97 @@
+// What is printed of a run.
+#include <memory>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <json/reader.h>
+
+#include "tv/run_summary.h"
+
+namespace orvex::tools {
+namespace {
+
+using testing::HasSubstr;
+
+RunSummary GoodRun() {
+  RunSummary summary;
+  summary.report = {100u, 18u, 5 * 768 / 46545.0, "done", "pass", "/tmp/dump", "/tmp/result"};
+  summary.ending.exitCode = 0;
+  summary.ending.duration = std::chrono::milliseconds(3290);
+  summary.misalignmentBeforeMs = 90.0;
+  summary.misalignmentAfterMs = 8.0;
+  Json::Value event;
+  event["event"] = "ORVEXSET";
+  summary.events.push_back(event);
+  return summary;
+}
+
+Json::Value Parsed(const RunSummary& summary) {
+  const std::string text = SummaryJson(summary);
+  Json::Value value;
+  const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
+  EXPECT_TRUE(reader->parse(text.data(), text.data() + text.size(), &value, nullptr)) << text;
+  return value;
+}
+
+TEST(SummaryJson, SaysEverythingAboutAGoodRun) {
+  const Json::Value json = Parsed(GoodRun());
+  EXPECT_EQ("done", json["terminate"].asString());
+  EXPECT_EQ("pass", json["result"].asString());
+  EXPECT_EQ(100, json["base_ms"].asInt());
+  EXPECT_EQ(18, json["applied_ms"].asInt());
+  EXPECT_DOUBLE_EQ(5 * 768 / 46545.0, json["difference_s"].asDouble());
+  EXPECT_DOUBLE_EQ(90.0, json["misalignment_before_ms"].asDouble());
+  EXPECT_DOUBLE_EQ(8.0, json["misalignment_after_ms"].asDouble());
+  EXPECT_EQ(3290, json["duration_ms"].asInt());
+  EXPECT_EQ(0, json["exit_code"].asInt());
+  EXPECT_EQ("/tmp/dump", json["dump_file"].asString());
+  EXPECT_EQ("/tmp/result", json["result_file"].asString());
+  ASSERT_EQ(1u, json["events"].size());
+  EXPECT_EQ("ORVEXSET", json["events"][0]["event"].asString());
+}
+
+TEST(SummaryJson, SaysNullWhereThereIsNothing) {
+  const Json::Value json = Parsed(RunSummary{});
+  for (const char* const key : {"base_ms", "difference_s", "applied_ms", "misalignment_before_ms",
+                                "misalignment_after_ms", "exit_code", "dump_file", "result_file"}) {
+    EXPECT_TRUE(json.isMember(key) && json[key].isNull()) << key;
+  }
+  EXPECT_TRUE(json["events"].isArray());
+  EXPECT_EQ(0u, json["events"].size());
+  EXPECT_EQ(12u, json.size());
+}
+
+TEST(RunSummary, IsDoneOnlyWhenTheServiceSaysSoAndEndsInOrder) {
+  RunSummary summary = GoodRun();
+  EXPECT_TRUE(summary.Done());
+  summary.ending.exitCode = 139;
+  EXPECT_FALSE(summary.Done());
+  summary = GoodRun();
+  summary.report.terminate = "diff_fail";
+  EXPECT_FALSE(summary.Done());
+}
+
+TEST(SummaryText, ShowsDelaysDifferenceAndTruth) {
+  const std::string text = SummaryText(GoodRun());
+  for (const char* const part :
+       {"100 ms", "+82.5 ms", "18 ms", "+90.0 ms before, +8.0 ms after", "done (pass) after 3.29 s"}) {
+    EXPECT_THAT(text, HasSubstr(part));
+  }
+  EXPECT_THAT(SummaryText(RunSummary{}), HasSubstr("none, left as it was"));
+}
+
+TEST(ServiceEnding, NamesWhatWentWrong) {
+  ServiceEnding ending;
+  ending.exitCode = 0;
+  EXPECT_EQ("", ending.Problem());
+  ending.exitCode = 3;
+  EXPECT_EQ("the service ended with exit code 3", ending.Problem());
+  ending.exitCode = 139;
+  EXPECT_EQ("the service was ended by signal 11 (Segmentation fault)", ending.Problem());
+  ending.limitReached = true;
+  ending.duration = std::chrono::milliseconds(30001);
+  EXPECT_EQ("the service did not end within 30001 ms and was killed", ending.Problem());
+}
+
+}  // namespace
+}  // namespace orvex::tools

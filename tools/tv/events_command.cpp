@@ -1,0 +1,26 @@
+// orvex-tv events: the telemetry records that a virtual television has collected.
+#include <cstdio>
+#include <memory>
+
+#include "tv/commands.h"
+#include "tv/errors.h"
+#include "tv/event_records.h"
+#include "tv/television_option.h"
+
+namespace orvex::tools {
+
+void AddEventsCommand(CLI::App& app, int& exitCode) {
+  const auto directory = std::make_shared<std::string>();
+  CLI::App* const command = app.add_subcommand("events", "print the collected telemetry records as a table");
+  AddTelevisionOption(*command, *directory);
+  command->callback([=, &exitCode] {
+    const EventRecords events = ReadEventRecords(TelevisionOf(*directory).PathOf("events.jsonl").string());
+    std::fputs(EventTable(events.records).c_str(), stdout);
+    for (const std::string& problem : events.problems) {
+      std::fprintf(stderr, "%s\n", problem.c_str());
+    }
+    exitCode = kExitGood;
+  });
+}
+
+}  // namespace orvex::tools

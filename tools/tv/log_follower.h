@@ -1,0 +1,58 @@
+// Understands a run from the service's log lines.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace orvex::tools {
+
+// What the lines have told so far. An empty optional or text: not told.
+struct RunReport {
+  std::optional<std::uint32_t> baseMs;     // delay of the optical output before the run
+  std::optional<std::uint32_t> appliedMs;  // the delay that was put in force
+  std::optional<double> differenceS;       // arrival of 19 kHz minus that of 17 kHz; never 0
+  std::string terminate = "etc";           // how the run ended, in the service's words
+  std::string result = "fail";             // "pass" or "fail"
+  std::string dumpFile;
+  std::string resultFile;
+};
+
+// Lines in, report out.
+class LogFollower {
+public:
+  // One line without its line end, colours allowed. The answer, if any, is news for a person who watches the run.
+  std::optional<std::string> Follow(const std::string& line);
+
+  const RunReport& GetReport() const { return m_Report; }
+
+private:
+  struct Rule;  // what a message of one kind means
+  using News = std::optional<std::string>;
+
+  News OnStartSync(const std::string& rest);
+  News OnDelayRead(const std::string& rest);
+  News OnAmbientNoise(const std::string& rest);
+  News OnWriting(const std::string& rest);
+  News OnTvFirst(const std::string& rest);
+  News OnOpticalFirst(const std::string& rest);
+  News OnPair(const std::string& rest);
+  News OnDifference(const std::string& rest);
+  News OnDelayWritten(const std::string& rest);
+  News OnDumpFiles(const std::string& rest);
+  News OnEndRecord(const std::string& rest);
+  News OnNoDifference(const std::string& rest);
+  News OnPlayFailure(const std::string& rest);
+  News OnRecorderFailure(const std::string& rest);
+  News OnAbnormalInput(const std::string& rest);
+  News OnHostProblem(const std::string& rest);
+  News EndBy(const char* terminate, const char* result, const char* news);
+
+  RunReport m_Report;
+  std::optional<double> m_PairS;  // of the latest pair, in the resolution of the buffer numbers
+  bool m_BaseFollows = false;
+  bool m_Writing = false;
+  bool m_HasEndRecord = false;
+};
+
+}  // namespace orvex::tools

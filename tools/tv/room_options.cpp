@@ -1,0 +1,97 @@
+// The acoustic world as options of the command line.
+#include "tv/room_options.h"
+
+#include <algorithm>
+#include <filesystem>
+
+#include "orvex/sim/room_json.h"
+#include "tv/text_files.h"
+
+namespace orvex::tools {
+namespace {
+
+using sim::RoomConfig;
+
+struct NumberOption {
+  const char* name;
+  const char* unit;
+  const char* text;
+  void (*apply)(RoomConfig& room, double value);
+};
+
+constexpr NumberOption kNumberOptions[] = {
+    {"--tv-latency", "MS", "latency of the television's speaker", [](RoomConfig& r, double v) { r.tv.latencyMs = v; }},
+    {"--optical-latency", "MS", "own latency of the device at the optical output",
+     [](RoomConfig& r, double v) { r.optical.latencyMs = v; }},
+    {"--gain-tv", "DB", "gain from the speaker to the microphone", [](RoomConfig& r, double v) { r.tv.gainDb = v; }},
+    {"--gain-optical", "DB", "gain from the external device to the microphone",
+     [](RoomConfig& r, double v) { r.optical.gainDb = v; }},
+    {"--distance", "M", "from both sounds to the microphone",
+     [](RoomConfig& r, double v) { r.tv.distanceM = r.optical.distanceM = v; }},
+    {"--rt60", "S", "reverberation time; 0: none", [](RoomConfig& r, double v) { r.tv.rt60S = r.optical.rt60S = v; }},
+    {"--drr", "DB", "direct sound over reverberation",
+     [](RoomConfig& r, double v) { r.tv.directToReverberantDb = r.optical.directToReverberantDb = v; }},
+    {"--lock", "MS", "what the optical receiver loses at the start of a sound",
+     [](RoomConfig& r, double v) { r.opticalLockMs = v; }},
+    {"--rate", "HZ", "rate of the microphone", [](RoomConfig& r, double v) { r.microphoneRateHz = v; }},
+    {"--rate-error", "PPM", "error of that rate; positive: faster",
+     [](RoomConfig& r, double v) { r.rateErrorPpm = v; }},
+    {"--loss", "P", "probability that a block of the remote is lost",
+     [](RoomConfig& r, double v) { r.voiceLossProbability = v; }},
+    {"--jitter", "MS", "most that a block of the remote comes late",
+     [](RoomConfig& r, double v) { r.voiceJitterMs = v; }},
+};
+
+constexpr const char kNoNoise[] = "none";
+
+}  // namespace
+
+void RoomOptions::AddTo(CLI::App& app) {
+  const char* const kGroup = "Room";
+  app.add_option("--room", m_File, "room.json to begin with")->type_name("FILE")->group(kGroup);
+  for (const NumberOption& option : kNumberOptions) {
+    app.add_option(option.name, m_Numbers[option.name], option.text)->type_name(option.unit)->group(kGroup);
+  }
+  app.add_option("--noise", m_NoiseDbfs, "noise at the microphone, RMS of full scale, or \"none\"")
+      ->type_name("DBFS")
+      ->check(CLI::Number | CLI::IsMember({kNoNoise}))
+      ->group(kGroup);
+  app.add_flag("--optical-muted", m_OpticalMuted, "the external device is silent")->group(kGroup);
+  app.add_option("--seed", m_Seed, "of everything random")->type_name("N")->group(kGroup);
+}
+
+bool RoomOptions::Empty() const {
+  const auto given = [](const auto& entry) { return entry.second.has_value(); };
+  return m_File.empty() && m_NoiseDbfs.empty() && !m_Seed && !m_OpticalMuted &&
+         std::none_of(m_Numbers.begin(), m_Numbers.end(), given);
+}
+
+std::optional<RoomConfig> RoomOptions::ReadFile() const {
+  return m_File.empty() ? std::nullopt : std::optional<RoomConfig>(ReadRoomFile(m_File));
+}
+
+RoomConfig RoomOptions::Override(RoomConfig room) const {
+  for (const NumberOption& option : kNumberOptions) {
+    const auto given = m_Numbers.find(option.name);
+    if (given != m_Numbers.end() && given->second) {
+      option.apply(room, *given->second);
+    }
+  }
+  if (!m_NoiseDbfs.empty()) {
+    room.noiseDbfs = m_NoiseDbfs == kNoNoise ? std::nullopt : std::optional<double>(std::stod(m_NoiseDbfs));
+  }
+  room.seed = m_Seed.value_or(room.seed);
+  room.opticalMuted = room.opticalMuted || m_OpticalMuted;
+  sim::CheckRoom(room, "command line");
+  return room;
+}
+
+RoomConfig ReadRoomFile(const std::string& path) {
+  RoomConfig room = sim::ParseRoom(ReadTextFile(path), path);
+  if (!room.noiseFile.empty()) {
+    room.noiseFile = std::filesystem::absolute(std::filesystem::path(path).parent_path() / room.noiseFile).string();
+  }
+  return room;
+}
+
+}  // namespace orvex::tools

@@ -1,0 +1,100 @@
+// orvex-tv run: one calibration on a virtual television.
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <string>
+
+#include "tv/commands.h"
+#include "tv/errors.h"
+#include "tv/event_records.h"
+#include "tv/run_summary.h"
+#include "tv/run_television.h"
+
+namespace orvex::tools {
+namespace {
+
+struct Arguments {
+  TelevisionOptions television;
+  std::string service;
+  bool json = false;
+  bool verbose = false;
+};
+
+// --service, else ORVEX_SERVICE, else the program beside this one.
+std::filesystem::path FindService(const std::string& given) {
+  if (!given.empty()) {
+    return given;
+  }
+  const char* const named = std::getenv("ORVEX_SERVICE");
+  if (named != nullptr && *named != '\0') {
+    return named;
+  }
+  return std::filesystem::read_symlink("/proc/self/exe").parent_path() / "orvex-service";
+}
+
+// Shows what happens while it happens.
+class Watcher {
+public:
+  explicit Watcher(const Arguments& arguments) : m_Arguments(arguments) {}
+
+  void OnLine(const std::string& line) {
+    if (m_Arguments.verbose) {
+      std::fprintf(stderr, "%s\n", line.c_str());
+    }
+    const auto news = m_Follower.Follow(line);
+    if (news && !m_Arguments.json) {
+      const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - m_Start;
+      std::printf("%8.2f s  %s\n", elapsed.count(), news->c_str());
+      std::fflush(stdout);
+    }
+  }
+
+  const RunReport& Report() const { return m_Follower.GetReport(); }
+
+private:
+  const Arguments& m_Arguments;
+  LogFollower m_Follower;
+  std::chrono::steady_clock::time_point m_Start = std::chrono::steady_clock::now();
+};
+
+int Run(const Arguments& arguments) {
+  const RunTelevision television(arguments.television);
+  const std::uint64_t eventsBefore = EventFileSize(television.EventFile());
+  RunSummary summary;
+  summary.misalignmentBeforeMs = television.MisalignmentMs();
+  Watcher watcher(arguments);
+  summary.ending = RunService({FindService(arguments.service), television.Get().GetDirectory()},
+                              [&](const std::string& line) { watcher.OnLine(line); });
+  summary.report = watcher.Report();
+  summary.misalignmentAfterMs = television.MisalignmentMs();
+  summary.events = ReadEventRecords(television.EventFile(), eventsBefore).records;
+  if (const std::string problem = summary.ending.Problem(); !problem.empty()) {
+    std::fprintf(stderr, "orvex-tv: %s\n", problem.c_str());
+  }
+  std::fputs((arguments.json ? SummaryJson(summary) : SummaryText(summary)).c_str(), stdout);
+  return summary.Done() ? kExitGood : kExitFailed;
+}
+
+}  // namespace
+
+void AddRunCommand(CLI::App& app, int& exitCode) {
+  const auto arguments = std::make_shared<Arguments>();
+  CLI::App* const command = app.add_subcommand("run", "calibrate once and show what happens");
+  TelevisionOptions& television = arguments->television;
+  command->add_option("--tv", television.directory, "directory of the television, kept; default: a temporary one")
+      ->type_name("DIR");
+  command->add_option("--base-delay", television.baseDelayMs, "delay of the optical output before the run")
+      ->type_name("MS");
+  command->add_option("--faults", television.faultsFile, "faults.json to inject")->type_name("FILE");
+  command->add_option("--service", arguments->service, "the service; default: ORVEX_SERVICE, else beside orvex-tv")
+      ->type_name("PATH");
+  command->add_flag("--json", arguments->json, "print one JSON object and nothing else on stdout");
+  command->add_flag("-v,--verbose", arguments->verbose, "show the service's log on stderr");
+  television.room.AddTo(*command);
+  command->callback([=, &exitCode] { exitCode = Run(*arguments); });
+}
+
+}  // namespace orvex::tools

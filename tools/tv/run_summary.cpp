@@ -1,0 +1,80 @@
+// What a run came to, as text and as JSON.
+#include "tv/run_summary.h"
+
+#include <cstdio>
+
+#include <json/writer.h>
+
+namespace orvex::tools {
+namespace {
+
+template <typename T>
+Json::Value OrNull(const std::optional<T>& value) {
+  return value ? Json::Value(*value) : Json::Value();
+}
+
+Json::Value OrNull(const std::string& text) {
+  return text.empty() ? Json::Value() : Json::Value(text);
+}
+
+std::string Number(const char* format, std::optional<double> value) {
+  char text[60];
+  if (!value) {
+    return "unknown";
+  }
+  std::snprintf(text, sizeof text, format, *value);
+  return text;
+}
+
+std::string Line(const char* name, const std::string& value) {
+  std::string text = "  ";
+  text += name;
+  text.resize(26, ' ');
+  return text + value + "\n";
+}
+
+}  // namespace
+
+bool RunSummary::Done() const {
+  return report.terminate == "done" && ending.exitCode == 0;
+}
+
+std::string SummaryJson(const RunSummary& summary) {
+  Json::Value json(Json::objectValue);
+  json["terminate"] = summary.report.terminate;
+  json["result"] = summary.report.result;
+  json["base_ms"] = OrNull(summary.report.baseMs);
+  json["difference_s"] = OrNull(summary.report.differenceS);
+  json["applied_ms"] = OrNull(summary.report.appliedMs);
+  json["misalignment_before_ms"] = OrNull(summary.misalignmentBeforeMs);
+  json["misalignment_after_ms"] = OrNull(summary.misalignmentAfterMs);
+  json["duration_ms"] = Json::Int64(summary.ending.duration.count());
+  json["exit_code"] = OrNull(summary.ending.exitCode);
+  json["dump_file"] = OrNull(summary.report.dumpFile);
+  json["result_file"] = OrNull(summary.report.resultFile);
+  json["events"] = Json::Value(Json::arrayValue);
+  for (const Json::Value& event : summary.events) {
+    json["events"].append(event);
+  }
+  Json::StreamWriterBuilder writer;
+  writer["indentation"] = "  ";
+  return Json::writeString(writer, json) + "\n";
+}
+
+std::string SummaryText(const RunSummary& summary) {
+  const RunReport& report = summary.report;
+  const std::optional<double> differenceMs =
+      report.differenceS ? std::optional<double>(*report.differenceS * 1000.0) : std::nullopt;
+  std::string text;
+  text += Line("base delay", Number("%.0f ms", report.baseMs));
+  text += Line("measured difference",
+               differenceMs ? Number("%+.1f ms, optical output against speaker", differenceMs) : "none");
+  text += Line("applied delay", report.appliedMs ? Number("%.0f ms", report.appliedMs) : "none, left as it was");
+  text += Line("true misalignment", Number("%+.1f ms before, ", summary.misalignmentBeforeMs) +
+                                        Number("%+.1f ms after", summary.misalignmentAfterMs));
+  text += Line("ended", report.terminate + " (" + report.result + ") after " +
+                            Number("%.2f s", static_cast<double>(summary.ending.duration.count()) / 1000.0));
+  return text;
+}
+
+}  // namespace orvex::tools

@@ -1,0 +1,31 @@
+// What a run came to, as text and as JSON.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <json/value.h>
+
+#include "tv/log_follower.h"
+#include "tv/service_process.h"
+
+namespace orvex::tools {
+
+struct RunSummary {
+  RunReport report;
+  ServiceEnding ending;
+  std::optional<double> misalignmentBeforeMs;  // optical minus speaker, of the room itself
+  std::optional<double> misalignmentAfterMs;
+  std::vector<Json::Value> events;
+
+  // The delay was corrected and the service ended in order.
+  bool Done() const;
+};
+
+// One object with a line end; what is not known is null.
+std::string SummaryJson(const RunSummary& summary);
+// Some lines for a person.
+std::string SummaryText(const RunSummary& summary);
+
+}  // namespace orvex::tools

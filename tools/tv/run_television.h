@@ -1,0 +1,44 @@
+// The virtual television that a run takes place on: a directory that is made, filled and, if temporary, removed.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "orvex/sim/room_config.h"
+#include "television.h"
+#include "tv/room_options.h"
+
+namespace orvex::tools {
+
+struct TelevisionOptions {
+  std::string directory;  // empty: a temporary one
+  std::optional<std::uint32_t> baseDelayMs;
+  std::string faultsFile;
+  RoomOptions room;
+};
+
+// What the options do not say stays as it is on an existing television, and is the default on a new one.
+class RunTelevision {
+public:
+  // Throws UsageError, sim::RoomError or host::TelevisionError; a television that existed is then unchanged, its
+  // missing files aside.
+  explicit RunTelevision(const TelevisionOptions& options);
+  ~RunTelevision();
+  RunTelevision(const RunTelevision&) = delete;
+  RunTelevision& operator=(const RunTelevision&) = delete;
+
+  const host::Television& Get() const { return m_Television; }
+  std::string EventFile() const { return m_Television.PathOf("events.jsonl").string(); }
+  // True difference between optical output and speaker with the delay in force; empty when that cannot be read.
+  std::optional<double> MisalignmentMs() const;
+
+private:
+  void Prepare(const TelevisionOptions& options);
+
+  bool m_IsTemporary;
+  host::Television m_Television;
+  sim::RoomConfig m_Room;
+};
+
+}  // namespace orvex::tools

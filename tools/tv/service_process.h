@@ -1,0 +1,34 @@
+// Runs the service as a process of its own and hands its lines over.
+#pragma once
+
+#include <chrono>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace orvex::tools {
+
+struct ServiceCommand {
+  std::filesystem::path program;
+  std::filesystem::path television;  // the directory, for the service's ORVEX_TV
+  std::chrono::milliseconds limit{30000};
+};
+
+struct ServiceEnding {
+  std::string startError;       // not empty: it did not start, and why
+  std::optional<int> exitCode;  // 128 + signal number when a signal ended it; empty when it did not start
+  bool limitReached = false;    // it was killed because it did not end
+  std::chrono::milliseconds duration{0};
+
+  // "ended by signal 11 (Segmentation fault)" and the like; empty when it ended with exit code 0.
+  std::string Problem() const;
+};
+
+using LineReceiver = std::function<void(const std::string& line)>;
+
+// Starts the service and returns when it has ended. Its stdout and stderr come line by line; SIGINT and SIGTERM to this
+// process are passed on to it, and it is killed when this process dies. Call from a program of one thread.
+ServiceEnding RunService(const ServiceCommand& command, const LineReceiver& onLine);
+
+}  // namespace orvex::tools

@@ -1,0 +1,22 @@
+// The option that names a virtual television's directory.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include <CLI/CLI.hpp>
+
+#include "television.h"
+
+namespace orvex::tools {
+
+inline void AddTelevisionOption(CLI::App& command, std::string& directory) {
+  command.add_option("--tv", directory, "directory of the television; default: what ORVEX_TV names")->type_name("DIR");
+}
+
+inline host::Television TelevisionOf(const std::string& directory) {
+  return host::Television(directory.empty() ? host::Television::DirectoryFromEnvironment()
+                                            : std::filesystem::absolute(directory));
+}
+
+}  // namespace orvex::tools

@@ -1,0 +1,11 @@
+// Input files that a person names.
+#pragma once
+
+#include <string>
+
+namespace orvex::tools {
+
+// The whole file, of at most 1 MiB. Throws UsageError, which names the file.
+std::string ReadTextFile(const std::string& path);
+
+}  // namespace orvex::tools

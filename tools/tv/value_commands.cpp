@@ -1,0 +1,75 @@
+// orvex-tv get, set and list: the values of a virtual television.
+#include <cstdio>
+#include <memory>
+
+#include "tv/commands.h"
+#include "tv/errors.h"
+#include "tv/television_option.h"
+#include "tv/value_names.h"
+
+namespace orvex::tools {
+namespace {
+
+struct Arguments {
+  std::string directory;
+  std::string name;
+  std::string value;
+};
+
+void Get(const Arguments& arguments) {
+  const std::string name = FullValueName(arguments.name);
+  std::printf("%s\n", TelevisionOf(arguments.directory).Get(name).c_str());
+}
+
+void Set(const Arguments& arguments) {
+  const std::string name = FullValueName(arguments.name);
+  const host::Television television = TelevisionOf(arguments.directory);
+  television.Create();
+  television.Set(name, arguments.value);
+}
+
+// What the television has; a value that is missing or bad is shown as such.
+std::string ValueOrProblem(const host::Television& television, const std::string& name) {
+  try {
+    return television.Get(name);
+  } catch (const host::TelevisionError& error) {
+    return error.GetCause() == host::TelevisionError::Cause::kMissing ? "(missing)" : "(unreadable)";
+  }
+}
+
+std::string RangeOf(const host::TelevisionValue& value) {
+  return value.isText ? "text" : std::to_string(value.minimum) + ".." + std::to_string(value.maximum);
+}
+
+void List(const Arguments& arguments) {
+  const host::Television television = TelevisionOf(arguments.directory);
+  for (const host::TelevisionValue& value : host::TelevisionValues()) {
+    std::printf("%-62s %12s %-3s %-24s %s\n", value.name.c_str(), ValueOrProblem(television, value.name).c_str(),
+                value.unit.c_str(), RangeOf(value).c_str(), value.meaning.c_str());
+  }
+}
+
+}  // namespace
+
+void AddValueCommands(CLI::App& app, int& exitCode) {
+  const auto arguments = std::make_shared<Arguments>();
+  const auto add = [&](const char* name, const char* text, void (*action)(const Arguments&)) {
+    CLI::App* const command = app.add_subcommand(name, text);
+    AddTelevisionOption(*command, arguments->directory);
+    command->callback([=, &exitCode] {
+      action(*arguments);
+      exitCode = kExitGood;
+    });
+    return command;
+  };
+  CLI::App* const get = add("get", "print a value of the television", Get);
+  CLI::App* const set = add("set", "change a value of the television, which is made if it is missing", Set);
+  add("list", "print all values: name, value, unit, range, meaning", List);
+  for (CLI::App* const command : {get, set}) {
+    command->add_option("NAME", arguments->name, "full name, or a part that only one has, such as \"delay\"")
+        ->required();
+  }
+  set->add_option("VALUE", arguments->value, "the new value")->required();
+}
+
+}  // namespace orvex::tools

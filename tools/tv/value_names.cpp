@@ -1,0 +1,50 @@
+// Names of a virtual television's values as a person may write them.
+#include "tv/value_names.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <vector>
+
+#include "television_values.h"
+#include "tv/errors.h"
+
+namespace orvex::tools {
+namespace {
+
+bool HasPart(const std::string& path, const std::string& part) {
+  const std::filesystem::path parts(path);
+  return std::find(parts.begin(), parts.end(), std::filesystem::path(part)) != parts.end();
+}
+
+std::string Lines(const std::vector<std::string>& names) {
+  std::string text;
+  for (const std::string& name : names) {
+    text += "\n  " + name;
+  }
+  return text;
+}
+
+}  // namespace
+
+std::string FullValueName(const std::string& name) {
+  if (host::DescribeTelevisionValue(name)) {
+    return name;
+  }
+  std::vector<std::string> all;
+  std::vector<std::string> meant;
+  for (const host::TelevisionValue& value : host::TelevisionValues()) {
+    all.push_back(value.name);
+    if (HasPart(value.name, name)) {
+      meant.push_back(value.name);
+    }
+  }
+  if (meant.size() == 1) {
+    return meant.front();
+  }
+  if (meant.empty()) {
+    throw UsageError("\"" + name + "\" is no value of a television. Known are any settings/db/... and:" + Lines(all));
+  }
+  throw UsageError("\"" + name + "\" may be one of:" + Lines(meant));
+}
+
+}  // namespace orvex::tools
