@@ -78,6 +78,8 @@ public:
   static void m_OnCancelWavPlayCallback(void* data);
 
 private:
+  static_assert(std::atomic<const char*>::is_always_lock_free);
+
   void m_OnStartSync();
   void m_OnEndSync();
   void m_NeedToRetrySync();

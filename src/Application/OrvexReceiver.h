@@ -70,6 +70,8 @@ public:
   static void m_ReceiveBTAudioDataCB(const VoiceData* record, void* userData);
 
 private:
+  static_assert(std::atomic<std::int32_t>::is_always_lock_free && std::atomic<double>::is_always_lock_free);
+
   using Block = std::array<std::int16_t, kBlockSamples>;
 
   struct ToneMagnitudes {

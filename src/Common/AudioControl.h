@@ -20,6 +20,8 @@ public:
   void DumpCurrentStatus();
 
 private:
+  static_assert(std::atomic<std::uint32_t>::is_always_lock_free);
+
   static void m_PrintDebugSpdifOutDelay();
   static std::uint32_t m_ReadDelay();
 

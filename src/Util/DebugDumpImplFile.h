@@ -23,6 +23,8 @@ public:
   void DebugDump(const void* data, std::size_t size) override;
 
 private:
+  static_assert(std::atomic<std::FILE*>::is_always_lock_free);
+
   static void m_Close(std::atomic<std::FILE*>& file);
 
   std::int32_t m_StartCount = 0;
