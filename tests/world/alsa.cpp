@@ -16,10 +16,13 @@ struct _snd_pcm_hw_params {
   char unused;
 };
 struct _snd_pcm_sw_params {
-  snd_pcm_uframes_t availMin, startThreshold, stopThreshold;
+  PcmDevice::Thresholds thresholds;
 };
 
 namespace {
+
+constexpr long kChannels = 2;
+constexpr long kFrameBytes = 4;
 
 // Journals the call and says what it answers; `work` is done only when nothing else is to be answered.
 template <class Work>
@@ -39,6 +42,10 @@ PcmDevice& Device() {
   return *World::Current().pcm;
 }
 
+int Configured() {
+  return Device().IsConfigured() ? 0 : -EIO;
+}
+
 }  // namespace
 
 int snd_pcm_open(snd_pcm_t** pcm, const char* name, snd_pcm_stream_t stream, int mode) {
@@ -46,6 +53,9 @@ int snd_pcm_open(snd_pcm_t** pcm, const char* name, snd_pcm_stream_t stream, int
       Quoted(name) + ", " + (stream == SND_PCM_STREAM_PLAYBACK ? "playback" : "capture") + ", " + std::to_string(mode);
   return static_cast<int>(Answer("snd_pcm_open", arguments, [pcm] {
     World& world = World::Current();
+    if (world.pcm != nullptr) {
+      return -EBUSY;
+    }
     world.pcm = std::make_unique<PcmDevice>(
         world.scheduler, world.pcmLimits,
         [&world](Time start, const std::int16_t* stereo, std::size_t frames) {
@@ -69,17 +79,11 @@ int snd_pcm_close(snd_pcm_t* /*pcm*/) {
 }
 
 int snd_pcm_drop(snd_pcm_t* /*pcm*/) {
-  return static_cast<int>(Answer("snd_pcm_drop", "", [] {
-    Device().Drop();
-    return 0;
-  }));
+  return static_cast<int>(Answer("snd_pcm_drop", "", [] { return Device().Drop(); }));
 }
 
 int snd_pcm_prepare(snd_pcm_t* /*pcm*/) {
-  return static_cast<int>(Answer("snd_pcm_prepare", "", [] {
-    Device().Prepare();
-    return 0;
-  }));
+  return static_cast<int>(Answer("snd_pcm_prepare", "", [] { return Device().Prepare(); }));
 }
 
 snd_pcm_state_t snd_pcm_state(snd_pcm_t* /*pcm*/) {
@@ -87,48 +91,51 @@ snd_pcm_state_t snd_pcm_state(snd_pcm_t* /*pcm*/) {
 }
 
 ssize_t snd_pcm_frames_to_bytes(snd_pcm_t* /*pcm*/, snd_pcm_sframes_t frames) {
-  return Answer("snd_pcm_frames_to_bytes", std::to_string(frames), [frames] { return frames * 4; });
+  return Answer("snd_pcm_frames_to_bytes", std::to_string(frames),
+                [frames]() -> long { return Device().IsConfigured() ? frames * kFrameBytes : -EIO; });
 }
 
+// A scripted count is written, and no more; a scripted error also puts the device into the state that goes with it.
 snd_pcm_sframes_t snd_pcm_writei(snd_pcm_t* /*pcm*/, const void* buffer, snd_pcm_uframes_t size) {
   World& world = World::Current();
   const auto answer = world.answers.Take("snd_pcm_writei");
-  snd_pcm_sframes_t result = 0;
-  if (!answer.has_value()) {
-    result = Device().Write(buffer, size);
-  } else if (*answer > 0) {
-    result = Device().Write(buffer, static_cast<snd_pcm_uframes_t>(*answer));
-  } else {
-    result = *answer;
-    if (result == -EPIPE) {
-      Device().SetState(SND_PCM_STATE_XRUN);
-    } else if (result == -ESTRPIPE) {
-      Device().SetState(SND_PCM_STATE_SUSPENDED);
-    }
+  snd_pcm_sframes_t result = answer.value_or(0);
+  if (result == -EPIPE) {
+    Device().Fail(SND_PCM_STATE_XRUN);
+  } else if (result == -ESTRPIPE) {
+    Device().Fail(SND_PCM_STATE_SUSPENDED);
+  } else if (result == -ENODEV) {
+    Device().Fail(SND_PCM_STATE_DISCONNECTED);
+  } else if (!answer.has_value() || result > 0) {
+    result = Device().Write(buffer, answer.has_value() ? static_cast<snd_pcm_uframes_t>(result) : size);
+  }
+  if (result > 0) {
+    const auto* samples = static_cast<const std::int16_t*>(buffer);
+    world.samplesTaken.insert(world.samplesTaken.end(), samples, samples + result * kChannels);
   }
   world.Call("snd_pcm_writei(" + std::to_string(size) + ") = " + std::to_string(result));
   return result;
 }
 
 int snd_pcm_wait(snd_pcm_t* /*pcm*/, int timeout) {
-  return Step("snd_pcm_wait", std::to_string(timeout));
+  return static_cast<int>(
+      Answer("snd_pcm_wait", std::to_string(timeout), [timeout] { return Device().Wait(timeout); }));
 }
 
 int snd_pcm_resume(snd_pcm_t* /*pcm*/) {
-  return static_cast<int>(Answer("snd_pcm_resume", "", [] {
-    Device().SetState(SND_PCM_STATE_RUNNING);
-    return 0;
-  }));
+  return static_cast<int>(Answer("snd_pcm_resume", "", [] { return Device().Resume(); }));
 }
 
 int snd_pcm_recover(snd_pcm_t* /*pcm*/, int err, int silent) {
   return static_cast<int>(
       Answer("snd_pcm_recover", std::to_string(err) + ", " + std::to_string(silent), [err]() -> int {
-        if (err != -EPIPE && err != -ESTRPIPE && err != -EINTR) {
-          return err;
+        if (err == -EINTR) {
+          return 0;
         }
-        Device().Prepare();
-        return 0;
+        if (err == -ESTRPIPE && Device().Resume() >= 0) {
+          return 0;
+        }
+        return err == -EPIPE || err == -ESTRPIPE ? Device().Prepare() : err;
       }));
 }
 
@@ -190,36 +197,36 @@ int snd_pcm_hw_params_get_period_size(const snd_pcm_hw_params_t* /*params*/, snd
 
 int snd_pcm_hw_params(snd_pcm_t* /*pcm*/, snd_pcm_hw_params_t* /*params*/) {
   return static_cast<int>(Answer("snd_pcm_hw_params", "", [] {
-    Device().SetState(SND_PCM_STATE_SETUP);
+    Device().Configure();
     return 0;
   }));
 }
 
 int snd_pcm_sw_params_current(snd_pcm_t* /*pcm*/, snd_pcm_sw_params_t* params) {
-  *params = {1, 1, 0};
-  return Step("snd_pcm_sw_params_current", "");
+  return static_cast<int>(Answer("snd_pcm_sw_params_current", "", [params] {
+    params->thresholds = Device().GetThresholds();
+    return Configured();
+  }));
 }
 
 int snd_pcm_sw_params_set_avail_min(snd_pcm_t* /*pcm*/, snd_pcm_sw_params_t* params, snd_pcm_uframes_t frames) {
-  params->availMin = frames;
+  params->thresholds.availMin = frames;
   return Step("snd_pcm_sw_params_set_avail_min", std::to_string(frames));
 }
 
 int snd_pcm_sw_params_set_start_threshold(snd_pcm_t* /*pcm*/, snd_pcm_sw_params_t* params, snd_pcm_uframes_t frames) {
-  params->startThreshold = frames;
+  params->thresholds.start = frames;
   return Step("snd_pcm_sw_params_set_start_threshold", std::to_string(frames));
 }
 
 int snd_pcm_sw_params_set_stop_threshold(snd_pcm_t* /*pcm*/, snd_pcm_sw_params_t* params, snd_pcm_uframes_t frames) {
-  params->stopThreshold = frames;
+  params->thresholds.stop = frames;
   return Step("snd_pcm_sw_params_set_stop_threshold", std::to_string(frames));
 }
 
 int snd_pcm_sw_params(snd_pcm_t* /*pcm*/, snd_pcm_sw_params_t* params) {
   return static_cast<int>(Answer("snd_pcm_sw_params", "", [params] {
-    Device().availMin = params->availMin;
-    Device().startThreshold = params->startThreshold;
-    Device().stopThreshold = params->stopThreshold;
-    return 0;
+    Device().SetThresholds(params->thresholds);
+    return Configured();
   }));
 }

@@ -91,6 +91,7 @@ Ecore_Thread* ecore_thread_run(Ecore_Thread_Cb funcBlocking, Ecore_Thread_Cb fun
   }
   auto* worker = new Worker{funcBlocking, funcEnd, funcCancel, data};
   Alive().insert(worker);
+  world.poolJobs.push_back({funcBlocking, funcEnd, funcCancel});
   ++world.runningWorkers;
   static_cast<void>(world.scheduler.Spawn("worker", [worker] {
     worker->body(const_cast<void*>(worker->data), Handle(worker));

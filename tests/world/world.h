@@ -1,6 +1,8 @@
 // A television in virtual time: the state behind the platform contract, ALSA, Ecore and POSIX calls of the service.
 #pragma once
 
+#include <Ecore.h>
+
 #include <cstdint>
 #include <deque>
 #include <functional>
@@ -43,6 +45,12 @@ struct Subscription {
   std::string key;
   SettingsChangedCallback callback;
   void* userData;
+};
+
+struct PoolJob {
+  Ecore_Thread_Cb body;
+  Ecore_Thread_Cb end;
+  Ecore_Thread_Cb cancel;
 };
 
 struct EventRecord {
@@ -124,6 +132,8 @@ public:
   std::unique_ptr<sim::Room> room;
   std::unique_ptr<PcmDevice> pcm;  // of the open device
   PcmDevice::Limits pcmLimits;
+  std::vector<std::int16_t> samplesTaken;  // by sound devices, left and right in turn, played or not
+  std::vector<PoolJob> poolJobs;  // all that were started
   int runningWorkers = 0;
   int openAlarms = 0;
   int openTimers = 0;
