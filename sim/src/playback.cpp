@@ -86,8 +86,7 @@ void Playback::AddStretches(Stretch stretch, const std::int16_t* stereo, std::si
 
 void Playback::Cut(Time from) {
   for (Stretch& stretch : m_Stretches) {
-    const std::size_t kept = std::max(FramesBefore(from - stretch.start), stretch.used);
-    stretch.samples.resize(std::min(kept, stretch.samples.size()));
+    stretch.samples.resize(std::min(FramesBefore(from - stretch.start), stretch.samples.size()));
   }
   m_StreamEnd = std::min(m_StreamEnd, from);
 }

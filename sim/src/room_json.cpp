@@ -175,6 +175,7 @@ std::string Write(const Json::Value& root, int digits) {
   Json::StreamWriterBuilder builder;
   builder["indentation"] = "  ";
   builder["precision"] = digits;
+  builder["emitUTF8"] = true;  // leaves the bytes of a path as they are
   return Json::writeString(builder, root) + "\n";
 }
 

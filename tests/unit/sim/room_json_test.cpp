@@ -33,7 +33,7 @@ RoomConfig MakeUnusualRoom() {
   config.microphoneRateHz = 48000.0;
   config.rateErrorPpm = -14.4;
   config.noiseDbfs.reset();
-  config.noiseFile = "noise \"quoted\" \u00e4.wav";
+  config.noiseFile = "noise \"quoted\" \u00e4 \xff.wav";
   config.noiseFileGainDb = -15.5;
   config.voiceLatencyMs = 16.6;
   config.voiceJitterMs = 17.7;

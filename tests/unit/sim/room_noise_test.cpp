@@ -64,9 +64,9 @@ TEST(RoomNoiseTest, TheSameSeedGivesTheSameSamplesAndAnotherSeedOthers) {
   RoomConfig config;
   const Samples first = RecordNoise(config);
   EXPECT_EQ(first, RecordNoise(config));
-  config.seed += 1;
+  config.seed = 2;
   EXPECT_NE(first, RecordNoise(config));
-  config.seed += std::uint64_t{1} << 32U;
+  config.seed = 1 + (std::uint64_t{1} << 32U);
   EXPECT_NE(first, RecordNoise(config));
 }
 

@@ -75,6 +75,17 @@ TEST(RoomReverberationTest, DirectSoundOverTailIsTheRatioWithinOneDecibel) {
   }
 }
 
+TEST(RoomReverberationTest, TheTailHasAsMuchPositiveAsNegativePressure) {
+  const Samples recording = RecordImpulse(MakeReverberantRoom(0.4, -6.0, 1), kLeft, 0.6);
+  double sum = 0.0;
+  double magnitude = 0.0;
+  for (std::size_t i = kTailBegin; i < recording.size(); ++i) {
+    sum += recording[i];
+    magnitude += std::abs(recording[i]);
+  }
+  EXPECT_LT(std::abs(sum), 0.15 * magnitude);
+}
+
 TEST(RoomReverberationTest, EverySeedAndEveryPathHasATailOfItsOwn) {
   const Samples tv = RecordImpulse(MakeReverberantRoom(0.4, 0.0, 1), kLeft, 0.6);
   EXPECT_EQ(tv, RecordImpulse(MakeReverberantRoom(0.4, 0.0, 1), kLeft, 0.6));
