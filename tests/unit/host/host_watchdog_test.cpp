@@ -1,0 +1,165 @@
+// The watchdog: what is sent to a service manager's socket, and that nobody else sends.
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstring>
+
+#include "host_television.h"
+#include "loop_application.h"
+#include "orvex/platform/watchdog.h"
+
+namespace orvex::host {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+// The service manager's end: a datagram socket of the given name, "@" for an abstract one.
+class ManagerSocket {
+public:
+  explicit ManagerSocket(const std::string& name) : m_Fd(socket(AF_UNIX, SOCK_DGRAM | SOCK_NONBLOCK, 0)) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    std::memcpy(address.sun_path, name.data(), name.size());
+    if (name[0] == '@') {
+      address.sun_path[0] = '\0';
+    }
+    const auto length = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + name.size());
+    EXPECT_EQ(bind(m_Fd, reinterpret_cast<const sockaddr*>(&address), length), 0) << strerror(errno);
+  }
+  ~ManagerSocket() { close(m_Fd); }
+  ManagerSocket(const ManagerSocket&) = delete;
+  ManagerSocket& operator=(const ManagerSocket&) = delete;
+
+  std::vector<std::string> Received() const {
+    std::vector<std::string> states;
+    std::array<char, 4096> bytes{};
+    for (ssize_t count = 0; (count = recv(m_Fd, bytes.data(), bytes.size(), 0)) >= 0;) {
+      states.emplace_back(bytes.data(), static_cast<std::size_t>(count));
+    }
+    return states;
+  }
+
+private:
+  int m_Fd;
+};
+
+class HostWatchdog : public HostTelevision {
+protected:
+  ~HostWatchdog() override { unsetenv("NOTIFY_SOCKET"); }
+
+  // Runs a main loop in which `work` is done, with the environment that a service manager gives.
+  void RunUnder(const std::string& socket, const std::function<void()>& work) {
+    setenv("NOTIFY_SOCKET", socket.c_str(), 1);
+    setenv("WATCHDOG_USEC", "20000", 1);
+    m_Application.onCreate = [work] {
+      work();
+      ui_app_exit();
+    };
+    m_Application.Run();
+  }
+
+  LoopApplication m_Application;
+};
+
+TEST_F(HostWatchdog, RefusesANotificationWithoutRegistration) {
+  EXPECT_EQ(watchdog_notify(), -1);
+}
+
+TEST_F(HostWatchdog, RegistersAndNotifiesOverAPath) {
+  const std::string name = (Folder() / "notify").string();
+  const ManagerSocket manager(name);
+  RunUnder(name, [] {
+    EXPECT_EQ(watchdog_register(120), 0);
+    EXPECT_EQ(watchdog_notify(), 0);
+    EXPECT_EQ(watchdog_notify(), 0);
+  });
+  EXPECT_THAT(manager.Received(), ElementsAre("READY=1\nWATCHDOG_USEC=120000000", "WATCHDOG=1", "WATCHDOG=1"));
+}
+
+TEST_F(HostWatchdog, RegistersOverAnAbstractName) {
+  const std::string name = "@orvex-watchdog-test-" + std::to_string(getpid());
+  const ManagerSocket manager(name);
+  RunUnder(name, [] { EXPECT_EQ(watchdog_register(1), 0); });
+  EXPECT_THAT(manager.Received(), ElementsAre("READY=1\nWATCHDOG_USEC=1000000"));
+}
+
+TEST_F(HostWatchdog, IsTheOnlyOneWhoSends) {
+  const std::string name = (Folder() / "notify").string();
+  const ManagerSocket manager(name);
+  FwAlarm alarm;
+  int ticks = 0;
+  setenv("NOTIFY_SOCKET", name.c_str(), 1);
+  setenv("WATCHDOG_USEC", "20000", 1);
+  m_Application.onCreate = [&] {
+    EXPECT_EQ(getenv("NOTIFY_SOCKET"), nullptr);
+    EXPECT_EQ(getenv("WATCHDOG_USEC"), nullptr);
+    alarm.SetAlarmCallback(
+        [](void* count) {
+          if (++*static_cast<int*>(count) == 6) {
+            ui_app_exit();
+          }
+          return true;
+        },
+        &ticks);
+    EXPECT_TRUE(alarm.Create(nullptr, 20, FwAlarm::kRepeatForever));
+  };
+  m_Application.Run();
+  EXPECT_EQ(ticks, 6) << "120 ms, six times the period that the environment asked for";
+  EXPECT_THAT(manager.Received(), IsEmpty());
+}
+
+TEST_F(HostWatchdog, IsSatisfiedWithoutAServiceManager) {
+  RunUnder("", [] {
+    EXPECT_EQ(watchdog_register(120), 0);
+    EXPECT_EQ(watchdog_notify(), 0);
+  });
+}
+
+TEST_F(HostWatchdog, FailsOnASocketThatCannotBeUsed) {
+  const struct {
+    std::string socket;
+    const char* problem;
+  } rows[] = {{"relative/path", "expected an absolute path or @name"},
+              {"/", "expected an absolute path or @name"},
+              {"/" + std::string(200, 'x'), "of at most 107 bytes"},
+              {(Folder() / "nobody").string(), "No such file or directory"}};
+  for (const auto& row : rows) {
+    testing::internal::CaptureStderr();
+    RunUnder(row.socket, [] {
+      EXPECT_EQ(watchdog_register(120), -1);
+      EXPECT_EQ(watchdog_notify(), -1);
+    });
+    const std::string told = testing::internal::GetCapturedStderr();
+    EXPECT_THAT(told, HasSubstr("NOTIFY_SOCKET: \"" + row.socket + "\": "));
+    EXPECT_THAT(told, HasSubstr(row.problem));
+  }
+}
+
+TEST_F(HostWatchdog, RefusesATimeoutThatIsNone) {
+  RunUnder("", [] {
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(watchdog_register(0), -1);
+    EXPECT_EQ(watchdog_register(-1), -1);
+    EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("watchdog timeout -1: expected at least 1 s"));
+  });
+}
+
+TEST_F(HostWatchdog, AnswersAsInjectedAndSendsNothingThen) {
+  const std::string name = (Folder() / "notify").string();
+  const ManagerSocket manager(name);
+  SetFaults(R"({"watchdog.register": [-1], "watchdog.notify": [null, -1]})");
+  RunUnder(name, [] {
+    EXPECT_EQ(watchdog_register(120), -1);
+    EXPECT_EQ(watchdog_register(120), 0);
+    EXPECT_EQ(watchdog_notify(), 0);
+    EXPECT_EQ(watchdog_notify(), -1);
+  });
+  EXPECT_EQ(manager.Received().size(), 2U);
+}
+
+}  // namespace
+}  // namespace orvex::host
