@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <complex>
 
 #include "testsound/sound_design.h"
 
@@ -57,15 +56,18 @@ std::vector<Burst> FindBursts(const Channel& channel, double threshold, std::siz
   return bursts;
 }
 
+// Goertzel's recursion: one multiplication per sample.
 double ToneAmplitude(const Channel& channel, const Burst& burst, double frequencyHz) {
-  const std::complex<double> step = std::polar(1.0, -2.0 * kPi * frequencyHz / kSoundRateHz);
-  std::complex<double> turn = 1.0;
-  std::complex<double> sum = 0.0;
+  const double turn = 2.0 * std::cos(2.0 * kPi * frequencyHz / kSoundRateHz);
+  double last = 0.0;
+  double beforeLast = 0.0;
   for (std::size_t n = burst.begin; n < burst.end; ++n) {
-    sum += channel[n] * turn;
-    turn *= step;
+    const double next = channel[n] + turn * last - beforeLast;
+    beforeLast = last;
+    last = next;
   }
-  return 2.0 * std::abs(sum) / static_cast<double>(burst.end - burst.begin);
+  const double power = last * last + beforeLast * beforeLast - turn * last * beforeLast;
+  return 2.0 * std::sqrt(std::max(power, 0.0)) / static_cast<double>(burst.end - burst.begin);
 }
 
 double DominantFrequencyHz(const Channel& channel, const Burst& burst) {
