@@ -15,10 +15,9 @@ namespace {
 class HostSystemLog : public HostTelevision {
 protected:
   // One record, and what came to stderr.
-  template <typename... Arguments>
-  std::string Print(LogBuffer buffer, LogPriority priority, Arguments... arguments) {
+  std::string Print(LogBuffer buffer, LogPriority priority, const std::string& record) {
     testing::internal::CaptureStderr();
-    m_Result = system_log_print(buffer, priority, "Orvex", arguments...);
+    m_Result = system_log_print(buffer, priority, "Orvex", "%s", record.c_str());
     return testing::internal::GetCapturedStderr();
   }
 
@@ -29,11 +28,17 @@ protected:
 
 TEST_F(HostSystemLog, WritesTheRecordRawToStderrAndOneLineToTheFile) {
   const std::string record = "file.cpp: run(7) > \033[32mhello\033[0m\n";
-  EXPECT_EQ(Print(LogBuffer::kMain, LogPriority::kInfo, "%s", record.c_str()), record);
+  EXPECT_EQ(Print(LogBuffer::kMain, LogPriority::kInfo, record), record);
   EXPECT_EQ(m_Result, static_cast<int>(record.size()));
   EXPECT_TRUE(std::regex_match(LogLine(), std::regex("\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\d\\.\\d{6}Z main I "
                                                      "Orvex: file\\.cpp: run\\(7\\) > \x1b\\[32mhello\x1b\\[0m\n")))
       << LogLine();
+}
+
+TEST_F(HostSystemLog, FormatsAsPrintfDoes) {
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(system_log_print(LogBuffer::kMain, LogPriority::kInfo, "Orvex", "%05d|%s|%.2f\n", -42, "x", 0.5), 13);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "-0042|x|0.50\n");
 }
 
 TEST_F(HostSystemLog, NamesBufferAndPriority) {
@@ -60,7 +65,7 @@ TEST_F(HostSystemLog, CutsNoRecordHoweverLong) {
   for (const std::size_t length : {std::size_t{511}, std::size_t{512}, std::size_t{513}, std::size_t{300000}}) {
     Remove("service.log");
     const std::string record(length, 'x');
-    EXPECT_EQ(Print(LogBuffer::kMain, LogPriority::kInfo, "%s", record.c_str()), record);
+    EXPECT_EQ(Print(LogBuffer::kMain, LogPriority::kInfo, record), record);
     EXPECT_THAT(LogLine(), testing::EndsWith(": " + record + "\n"));
     EXPECT_EQ(m_Result, static_cast<int>(length));
   }

@@ -115,6 +115,30 @@ TEST_F(HostWorkers, HearNoEventWhileTheyAreWaitedFor) {
   EXPECT_THAT(m_Application.steps, ElementsAre("create", "destroy"));
 }
 
+TEST_F(HostWorkers, SeeNoAlarmGoOffWhileTheyAreWaitedFor) {
+  FwAlarm alarm;
+  int alarms = 0;
+  m_Application.onCreate = [&] {
+    m_Worker.Start();
+    m_Worker.WaitUntilItWorks();
+    alarm.SetAlarmCallback([](void* count) { return ++*static_cast<int*>(count) > 0; }, &alarms);
+    EXPECT_TRUE(alarm.Create(nullptr, 1, FwAlarm::kRepeatForever));
+    ui_app_exit();
+  };
+  m_Application.onDestroy = [&] {
+    constexpr double kMuchLaterSeconds = 0.03;
+    ecore_timer_add(
+        kMuchLaterSeconds,
+        [](void* worker) -> Eina_Bool {
+          static_cast<Worker*>(worker)->LetGo();
+          return ECORE_CALLBACK_CANCEL;
+        },
+        &m_Worker);
+  };
+  m_Application.Run();
+  EXPECT_EQ(alarms, 0);
+}
+
 TEST_F(HostWorkers, AreWaitedForNoLongerThanTheLimit) {
   ASSERT_TRUE(StartMainLoop());
   m_Worker.Start();
