@@ -11,8 +11,9 @@ using orvex::world::World;
 
 bool SendEvent(const FwEvent& event) {
   World& world = World::Current();
+  const bool isRefused = world.answers.Take("SendEvent").has_value();
   world.Call("SendEvent(" + std::to_string(event.GetType()) + (event.GetReceiver() == nullptr ? ", nobody)" : ")"));
-  return world.SendEventFromService(event);
+  return !isRefused && world.SendEventFromService(event);
 }
 
 bool FwEventIO::t_OnEvent(FwEvent* /*event*/) {

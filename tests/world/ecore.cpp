@@ -12,22 +12,34 @@ using orvex::world::World;
 
 namespace {
 
+struct Timer;
+
+// Timers that run.
+std::set<Timer*>& Timers() {
+  static std::set<Timer*> timers;
+  return timers;
+}
+
 struct Timer {
   Time interval;
   Ecore_Task_Cb callback;
   const void* data;
   Scheduler::Id next;
 
-  void Arm() {
+  void Arm(Time after) {
     Scheduler& scheduler = World::Current().scheduler;
-    next = scheduler.At(scheduler.Now() + interval, Lane::kMainLoop, [this] {
+    next = scheduler.At(scheduler.Now() + after, Lane::kMainLoop, [this] {
       if (callback(const_cast<void*>(data)) != ECORE_CALLBACK_CANCEL) {
-        Arm();
+        Arm(interval);
       } else {
-        --World::Current().openTimers;
-        delete this;
+        Forget();
       }
     });
+  }
+  void Forget() {
+    --World::Current().openTimers;
+    Timers().erase(this);
+    delete this;
   }
 };
 
@@ -67,7 +79,8 @@ Ecore_Timer* ecore_timer_add(double in, Ecore_Task_Cb func, const void* data) {
   }
   auto* timer = new Timer{Time(static_cast<std::int64_t>(in * 1e9)), func, data, {}};
   ++world.openTimers;
-  timer->Arm();
+  Timers().insert(timer);
+  timer->Arm(timer->interval);
   return reinterpret_cast<Ecore_Timer*>(timer);
 }
 
@@ -76,10 +89,16 @@ void* ecore_timer_del(Ecore_Timer* timer) {
   world.Call("ecore_timer_del()");
   auto* own = reinterpret_cast<Timer*>(timer);
   world.scheduler.Cancel(own->next);
-  --world.openTimers;
   void* data = const_cast<void*>(own->data);
-  delete own;
+  own->Forget();
   return data;
+}
+
+void World::RingTimers() {
+  for (Timer* timer : Timers()) {
+    scheduler.Cancel(timer->next);
+    timer->Arm(Time(0));
+  }
 }
 
 Ecore_Thread* ecore_thread_run(Ecore_Thread_Cb funcBlocking, Ecore_Thread_Cb funcEnd, Ecore_Thread_Cb funcCancel,

@@ -10,8 +10,9 @@ class CLogger {};
 CLogger* event_log_get_instance() {
   static CLogger logger;
   World& world = World::Current();
-  world.Call(std::string("event_log_get_instance() = ") + (world.hasEventLog ? "object" : "null"));
-  return world.hasEventLog ? &logger : nullptr;
+  const bool exists = world.hasEventLog && !world.answers.Take("event_log_get_instance").has_value();
+  world.Call(std::string("event_log_get_instance() = ") + (exists ? "object" : "null"));
+  return exists ? &logger : nullptr;
 }
 
 int event_log_add_sync(CLogger* /*logger*/, std::string service, std::string event, std::string category,

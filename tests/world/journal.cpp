@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <iomanip>
 #include <stdexcept>
+#include <utility>
 
 namespace orvex::world {
 
@@ -25,6 +26,13 @@ std::vector<std::string> TextsIf(const std::vector<Entry>& entries, Predicate wa
 }
 
 }  // namespace
+
+void Journal::Add(Entry entry) {
+  m_Entries.push_back(std::move(entry));
+  if (onAdd) {
+    onAdd();
+  }
+}
 
 std::vector<std::string> Journal::Texts() const {
   return TextsIf(m_Entries, [](const Entry&) { return true; });

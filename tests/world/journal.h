@@ -1,6 +1,7 @@
 // What a world saw: every call of the platform and every log line, in order, with its time and thread.
 #pragma once
 
+#include <functional>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -23,7 +24,9 @@ struct Entry {
 
 class Journal {
 public:
-  void Add(Entry entry) { m_Entries.push_back(std::move(entry)); }
+  void Add(Entry entry);
+  // Happens right after each entry is there, on the thread that made it.
+  std::function<void()> onAdd;
   void Clear() { m_Entries.clear(); }
   const std::vector<Entry>& Entries() const { return m_Entries; }
 

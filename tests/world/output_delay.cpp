@@ -56,6 +56,7 @@ public:
 IAudioControl* IAudioControl::getInstance() {
   static AudioControl control;
   World& world = World::Current();
-  world.Call(std::string("IAudioControl::getInstance() = ") + (world.hasAudioControl ? "object" : "null"));
-  return world.hasAudioControl ? &control : nullptr;
+  const bool exists = world.hasAudioControl && !world.answers.Take("IAudioControl::getInstance").has_value();
+  world.Call(std::string("IAudioControl::getInstance() = ") + (exists ? "object" : "null"));
+  return exists ? &control : nullptr;
 }

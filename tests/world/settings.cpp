@@ -42,8 +42,8 @@ int settings_unsubscribe(const char* key, SettingsChangedCallback callback) {
   const auto found = std::find_if(all.begin(), all.end(), [&](const Subscription& subscription) {
     return subscription.key == key && subscription.callback == callback;
   });
-  const int result = found == all.end() ? -1 : 0;
-  if (result == 0) {
+  const int result = static_cast<int>(world.answers.Take("settings_unsubscribe").value_or(found == all.end() ? -1 : 0));
+  if (found != all.end()) {
     all.erase(found);
   }
   world.Call("settings_unsubscribe(" + Quoted(key) + ") = " + std::to_string(result));

@@ -23,6 +23,11 @@ void Answers::Next(const std::string& function, const std::vector<long>& results
 }
 
 std::optional<long> Answers::Take(const std::string& function) {
+  const int number = ++m_Calls[function];
+  const auto numbered = m_OnCall.find(function);
+  if (numbered != m_OnCall.end() && numbered->second.count(number) > 0) {
+    return numbered->second.at(number);
+  }
   const auto next = m_Next.find(function);
   if (next != m_Next.end() && !next->second.empty()) {
     const long result = next->second.front();
@@ -154,6 +159,8 @@ bool World::Deliver(const std::vector<std::int16_t>& samples) {
 
 void World::UseRoom(const sim::RoomConfig& config) {
   room = std::make_unique<sim::Room>(config);
+  room->SetTvMuted(muted);
+  room->SetSpdifDelayMs(delayMs);
   m_Voice = std::make_unique<sim::VoiceChannel>(*room);
 }
 

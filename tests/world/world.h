@@ -4,11 +4,13 @@
 #include <Ecore.h>
 
 #include <cstdint>
+#include <cstdio>
 #include <deque>
 #include <functional>
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -33,12 +35,16 @@ public:
   void Next(const std::string& function, const std::vector<long>& results);
   // From the call after the ones given by Next() on, every call answers this.
   void Always(const std::string& function, long result) { m_Always[function] = result; }
+  // The call with this number answers this; 1 is the first one of this world. Before Next() and Always().
+  void OnCall(const std::string& function, int number, long result) { m_OnCall[function][number] = result; }
   // What this call has to answer; none: it works.
   std::optional<long> Take(const std::string& function);
 
 private:
   std::map<std::string, std::deque<long>> m_Next;
   std::map<std::string, long> m_Always;
+  std::map<std::string, std::map<int, long>> m_OnCall;
+  std::map<std::string, int> m_Calls;
 };
 
 struct Subscription {
@@ -88,11 +94,14 @@ public:
   void Inject(std::int32_t eventType);
   void ChangeSetting(const std::string& key, int value);  // and tells the subscribers, on the main loop
   void NotifySetting(const std::string& key, const char* name);
+  // Ecore's timers that run are due now.
+  void RingTimers();
   FwMessage SendMessage(const FwMessage& message, FwMessage reply);
   // The remote delivers a block, now, on its delivery thread; false when nobody receives it.
   bool Deliver(const VoiceData* record);
   bool Deliver(const std::vector<std::int16_t>& samples);
-  // From now on the sound is played into this room, and the remote hears it.
+  // From now on the sound is played into this room, and the remote hears it. Mute and delay of this moment hold there
+  // until the service changes them.
   void UseRoom(const sim::RoomConfig& config);
 
   Scheduler scheduler;
@@ -133,10 +142,12 @@ public:
   std::unique_ptr<PcmDevice> pcm;  // of the open device
   PcmDevice::Limits pcmLimits;
   std::vector<std::int16_t> samplesTaken;  // by sound devices, left and right in turn, played or not
-  std::vector<PoolJob> poolJobs;  // all that were started
+  std::vector<PoolJob> poolJobs;           // all that were started
   int runningWorkers = 0;
   int openAlarms = 0;
   int openTimers = 0;
+  std::set<void*> openBlocks;      // memory that the service asked for and may be refused
+  std::set<std::FILE*> openFiles;  // that the service opened by descriptor
 
 private:
   void AfterItem();
