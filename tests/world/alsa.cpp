@@ -24,12 +24,14 @@ namespace {
 constexpr long kChannels = 2;
 constexpr long kFrameBytes = 4;
 
-// Journals the call and says what it answers; `work` is done only when nothing else is to be answered.
+// Journals the call and says what it answers. A failure that is to be answered comes instead of `work`; a success that
+// is to be answered comes after it.
 template <class Work>
 long Answer(const char* function, const std::string& arguments, Work work) {
   World& world = World::Current();
   const auto answer = world.answers.Take(function);
-  const long result = answer.has_value() ? *answer : static_cast<long>(work());
+  const long worked = answer.value_or(0) < 0 ? 0 : static_cast<long>(work());
+  const long result = answer.value_or(worked);
   world.Call(std::string(function) + "(" + arguments + ") = " + std::to_string(result));
   return result;
 }
@@ -126,17 +128,16 @@ int snd_pcm_resume(snd_pcm_t* /*pcm*/) {
   return static_cast<int>(Answer("snd_pcm_resume", "", [] { return Device().Resume(); }));
 }
 
+// A recovery that succeeds, also one that was told to, leaves the device prepared.
 int snd_pcm_recover(snd_pcm_t* /*pcm*/, int err, int silent) {
-  return static_cast<int>(
-      Answer("snd_pcm_recover", std::to_string(err) + ", " + std::to_string(silent), [err]() -> int {
-        if (err == -EINTR) {
-          return 0;
-        }
-        if (err == -ESTRPIPE && Device().Resume() >= 0) {
-          return 0;
-        }
-        return err == -EPIPE || err == -ESTRPIPE ? Device().Prepare() : err;
-      }));
+  const std::string arguments = std::to_string(err) + ", " + std::to_string(silent);
+  const int result = static_cast<int>(Answer("snd_pcm_recover", arguments, [err]() -> int {
+    return err == -EPIPE || err == -ESTRPIPE ? Device().Prepare() : err == -EINTR ? 0 : err;
+  }));
+  if (result >= 0 && err != -EINTR) {
+    static_cast<void>(Device().Prepare());
+  }
+  return result;
 }
 
 const char* snd_strerror(int errnum) {
