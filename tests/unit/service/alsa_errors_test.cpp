@@ -1,0 +1,294 @@
+// What a write that fails costs: the rest of a chunk, a pause, or all that follows.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cerrno>
+
+#include "Common/AlsaAudio.h"
+#include "sound_support.h"
+
+namespace {
+
+using namespace orvex::world;
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+
+// Two chunks of 32 frames on the small device; what the first meets, and what becomes of the second.
+class AlsaErrors : public testing::Test {
+protected:
+  AlsaErrors() {
+    world.pcmLimits = SmallDevice();
+    audio.Open();
+  }
+
+  Texts Play() {
+    return LinesOf(world, [this] { audio.Play(sound.data(), 256); });
+  }
+  static Texts FirstChunk(const Texts& lines) {
+    return Concat({PlayBegins(), ChunkIsCopied(0, 256, 128), DeviceIsPrepared(), WritingBegins(32), lines});
+  }
+  static Texts SecondChunk() { return Concat({ChunkIsCopied(128, 128, 128), ChunkIsWritten(32)}); }
+  static Texts SecondChunkAfterPrepare() {
+    return Concat({ChunkIsCopied(128, 128, 128), DeviceIsPrepared(), ChunkIsWritten(32)});
+  }
+
+  World world;
+  AlsaAudio audio;
+  const std::vector<std::uint8_t> sound = Sound(256);
+};
+
+TEST_F(AlsaErrors, AChunkForWhichTheDeviceCannotBePreparedIsSkipped) {
+  world.answers.Next("snd_pcm_prepare", {-EBUSY});
+  EXPECT_THAT(Play(),
+              ElementsAreArray(Concat({PlayBegins(),
+                                       ChunkIsCopied(0, 256, 128),
+                                       {"> snd_pcm_prepare() = -16", "E2 Prepare error: Device or resource busy"},
+                                       SecondChunkAfterPrepare()})));
+  EXPECT_EQ(world.samplesTaken, SamplesIn(sound, 128, 256));
+}
+
+TEST_F(AlsaErrors, APrepareThatAnswersAPositiveNumberHasWorked) {
+  world.answers.Next("snd_pcm_prepare", {1});
+  world.answers.Next("snd_pcm_writei", {32});
+  Play();
+  EXPECT_EQ(world.journal.CountStartingWith("E2 Prepare error"), 0);
+  EXPECT_EQ(world.journal.CountStartingWith("I0 pcm start writing"), 2);
+}
+
+TEST_F(AlsaErrors, ADeviceThatIsNotReadyIsWaitedForAndWrittenAgain) {
+  world.answers.Next("snd_pcm_writei", {-EAGAIN, 12, -EAGAIN, -EAGAIN});
+  world.answers.Next("snd_pcm_wait", {1, 0, -EPIPE});
+  EXPECT_THAT(Play(), ElementsAreArray(Concat({FirstChunk(WriteOf(32, -11)),
+                                               {"E2 write wait : read_size:32, cnt:-11", "> snd_pcm_wait(1000) = 1"},
+                                               WriteOf(32, 12),
+                                               WriteOf(20, -11),
+                                               {"E2 write wait : read_size:20, cnt:-11", "> snd_pcm_wait(1000) = 0"},
+                                               WriteOf(20, -11),
+                                               {"E2 write wait : read_size:20, cnt:-11", "> snd_pcm_wait(1000) = -32"},
+                                               WriteOf(20, 20),
+                                               SecondChunk()})));
+  EXPECT_EQ(world.samplesTaken, SamplesIn(sound));
+}
+
+TEST_F(AlsaErrors, ADeviceThatIsNotReadyTakesItsTime) {
+  world.answers.Next("snd_pcm_writei", {-EAGAIN, -EAGAIN, -EAGAIN});
+  const Time begin = world.scheduler.Now();
+  Play();
+  EXPECT_GE(world.scheduler.Now() - begin, std::chrono::seconds(3));
+  EXPECT_EQ(world.samplesTaken, SamplesIn(sound));
+}
+
+TEST_F(AlsaErrors, AChunkOfNoFramesEndsWhenTheDeviceIsNotReady) {
+  audio.Destroy();
+  world.answers.Next("snd_pcm_frames_to_bytes", {0});
+  audio.Open();
+  world.answers.Next("snd_pcm_writei", {-EAGAIN});
+  world.answers.Next("snd_pcm_wait", {1});
+  EXPECT_THAT(Play(), ElementsAreArray(Concat({PlayBegins(),
+                                               ChunkIsCopied(0, 256, 128),
+                                               DeviceIsPrepared(),
+                                               WritingBegins(0),
+                                               WriteOf(0, -11),
+                                               {"E2 write wait : read_size:0, cnt:-11", "> snd_pcm_wait(1000) = 1"},
+                                               ChunkIsCopied(128, 128, 128),
+                                               ChunkIsWritten(0)})));
+}
+
+TEST_F(AlsaErrors, AnUnderrunLosesTheRestOfItsChunkOnly) {
+  world.answers.Next("snd_pcm_writei", {12, -EPIPE});
+  EXPECT_THAT(Play(), ElementsAreArray(Concat({FirstChunk(WriteOf(32, 12)),
+                                               WriteOf(20, -32),
+                                               {"E2 write error: read_size:20, cnt:-32, why:Broken pipe",
+                                                "E2 under run. state[4]", "> snd_pcm_recover(-32, 0) = 0"},
+                                               SecondChunk()})));
+  std::vector<std::int16_t> expected = SamplesIn(sound, 0, 48);
+  const std::vector<std::int16_t> second = SamplesIn(sound, 128, 256);
+  expected.insert(expected.end(), second.begin(), second.end());
+  EXPECT_EQ(world.samplesTaken, expected);
+}
+
+TEST_F(AlsaErrors, ADeviceThatRanDryBetweenTwoPlaysLosesTheFirstChunk) {
+  Play();
+  world.samplesTaken.clear();
+  world.AdvanceMs(100);
+  EXPECT_THAT(Play(), ElementsAreArray(Concat({PlayBegins(),
+                                               ChunkIsCopied(0, 256, 128),
+                                               WritingBegins(32),
+                                               WriteOf(32, -32),
+                                               {"E2 write error: read_size:32, cnt:-32, why:Broken pipe",
+                                                "E2 under run. state[4]", "> snd_pcm_recover(-32, 0) = 0"},
+                                               SecondChunk()})));
+  EXPECT_EQ(world.samplesTaken, SamplesIn(sound, 128, 256));
+}
+
+TEST_F(AlsaErrors, ARecoveryThatAnswersAPositiveNumberHasWorked) {
+  world.answers.Next("snd_pcm_writei", {-EPIPE, 32});
+  world.answers.Next("snd_pcm_recover", {1});
+  Play();
+  EXPECT_EQ(world.journal.Count("E2 write error: drop..."), 0);
+}
+
+TEST_F(AlsaErrors, AnUnderrunThatCannotBeRecoveredDropsAndPreparesAnew) {
+  world.answers.Next("snd_pcm_writei", {-EPIPE});
+  world.answers.Next("snd_pcm_recover", {-EIO});
+  EXPECT_THAT(Play(), ElementsAreArray(
+                          Concat({FirstChunk(WriteOf(32, -32)),
+                                  {"E2 write error: read_size:32, cnt:-32, why:Broken pipe", "E2 under run. state[4]",
+                                   "> snd_pcm_recover(-32, 0) = -5", "E2 write error: drop...", "> snd_pcm_drop() = 0"},
+                                  SecondChunkAfterPrepare()})));
+}
+
+// What a suspended device answers to resume and recover, and the lines from there to the second chunk.
+struct Suspension {
+  const char* name;
+  std::vector<long> resumes;
+  std::vector<long> recovers;
+  Texts lines;
+  int pausesS;
+  bool isDropped;
+};
+
+void PrintTo(const Suspension& suspension, std::ostream* out) {
+  *out << suspension.name;
+}
+
+std::string NameOf(const testing::TestParamInfo<Suspension>& info) {
+  return info.param.name;
+}
+
+class AlsaSuspend : public AlsaErrors, public testing::WithParamInterface<Suspension> {};
+
+TEST_P(AlsaSuspend, CostsTheRestOfItsChunkOnly) {
+  const Suspension& suspension = GetParam();
+  world.answers.Next("snd_pcm_writei", {12, -ESTRPIPE});
+  world.answers.Next("snd_pcm_resume", suspension.resumes);
+  world.answers.Next("snd_pcm_recover", suspension.recovers);
+  const Time begin = world.scheduler.Now();
+  EXPECT_THAT(Play(), ElementsAreArray(Concat({FirstChunk(WriteOf(32, 12)),
+                                               WriteOf(20, -86),
+                                               {"E2 write error: read_size:20, cnt:-86, why:Streams pipe error"},
+                                               suspension.lines,
+                                               suspension.isDropped ? SecondChunkAfterPrepare() : SecondChunk()})));
+  std::vector<std::int16_t> expected = SamplesIn(sound, 0, 48);
+  const std::vector<std::int16_t> second = SamplesIn(sound, 128, 256);
+  expected.insert(expected.end(), second.begin(), second.end());
+  EXPECT_EQ(world.samplesTaken, expected);
+  EXPECT_EQ(std::chrono::duration_cast<std::chrono::seconds>(world.scheduler.Now() - begin).count(),
+            suspension.pausesS);
+}
+
+const Texts kDrop = {"E2 write error: drop...", "> snd_pcm_drop() = 0"};
+const Texts kAgain = {"> snd_pcm_resume() = -11", "> sleep(1)"};
+
+INSTANTIATE_TEST_SUITE_P(
+    , AlsaSuspend,
+    testing::Values(Suspension{"ResumesAtOnce", {}, {}, {"> snd_pcm_resume() = 0"}, 0, false},
+                    Suspension{"ResumesWithAPositiveAnswer", {1}, {}, {"> snd_pcm_resume() = 1"}, 0, false},
+                    Suspension{"ResumesAfterThreePauses",
+                               {-EAGAIN, -EAGAIN, -EAGAIN},
+                               {},
+                               Concat({kAgain, kAgain, kAgain, {"> snd_pcm_resume() = 0"}}),
+                               3,
+                               false},
+                    Suspension{"CannotResumeButRecovers",
+                               {-ENOSYS},
+                               {0},
+                               {"> snd_pcm_resume() = -38", "> snd_pcm_recover(-38, 0) = 0"},
+                               0,
+                               false},
+                    Suspension{"RecoversWithAPositiveAnswer",
+                               {-ENOSYS},
+                               {1},
+                               {"> snd_pcm_resume() = -38", "> snd_pcm_recover(-38, 0) = 1"},
+                               0,
+                               false},
+                    Suspension{"RecoversFromWhatResumeAnsweredLast",
+                               {-EAGAIN, -EAGAIN, -EPIPE},
+                               {},
+                               Concat({kAgain, kAgain, {"> snd_pcm_resume() = -32", "> snd_pcm_recover(-32, 0) = 0"}}),
+                               2,
+                               false},
+                    Suspension{"CannotResumeAndIsDropped",
+                               {-ENOSYS},
+                               {},
+                               Concat({{"> snd_pcm_resume() = -38", "> snd_pcm_recover(-38, 0) = -38"}, kDrop}),
+                               0,
+                               true},
+                    Suspension{"CannotResumeAfterAPauseAndIsDropped",
+                               {-EAGAIN, -EIO},
+                               {},
+                               Concat({kAgain, {"> snd_pcm_resume() = -5", "> snd_pcm_recover(-5, 0) = -5"}, kDrop}),
+                               1,
+                               true}),
+    NameOf);
+
+// An error that nothing is known against.
+struct OtherError {
+  long error;
+  const char* text;
+};
+
+TEST_F(AlsaErrors, AnyOtherErrorDropsAndPreparesAnew) {
+  for (const OtherError& other :
+       {OtherError{-EIO, "Input/output error"}, OtherError{-EBADFD, "File descriptor in bad state"},
+        OtherError{-EINTR, "Interrupted system call"}, OtherError{-EINVAL, "Invalid argument"},
+        OtherError{-EPERM, "Operation not permitted"}}) {
+    audio.Destroy();
+    audio.Open();
+    world.samplesTaken.clear();
+    world.answers.Next("snd_pcm_writei", {12, other.error});
+    const std::string error = std::to_string(other.error);
+    EXPECT_THAT(Play(), ElementsAreArray(Concat({FirstChunk(WriteOf(32, 12)),
+                                                 WriteOf(20, static_cast<int>(other.error)),
+                                                 {"E2 write error: read_size:20, cnt:" + error + ", why:" + other.text},
+                                                 kDrop,
+                                                 SecondChunkAfterPrepare()})));
+    EXPECT_EQ(world.samplesTaken.size(), 24U + 64U);
+  }
+}
+
+TEST_F(AlsaErrors, ADropThatFailsDoesNotEndThePlay) {
+  world.answers.Next("snd_pcm_writei", {-EIO});
+  world.answers.Next("snd_pcm_drop", {-EIO});
+  EXPECT_THAT(Play(), ElementsAreArray(Concat({FirstChunk(WriteOf(32, -5)),
+                                               {"E2 write error: read_size:32, cnt:-5, why:Input/output error",
+                                                "E2 write error: drop...", "> snd_pcm_drop() = -5"},
+                                               SecondChunk()})));
+}
+
+// A device that is gone is not at rest: nothing prepares it, and every chunk finds that out for itself.
+TEST_F(AlsaErrors, ADeviceThatIsGoneIsTriedOncePerChunk) {
+  world.answers.Next("snd_pcm_writei", {12, -ENODEV});
+  const Texts gone = {"cnt:-19, why:No such device", "E2 write error: drop...", "> snd_pcm_drop() = -19"};
+  EXPECT_THAT(Play(), ElementsAreArray(Concat({FirstChunk(WriteOf(32, 12)),
+                                               WriteOf(20, -19),
+                                               {"E2 write error: read_size:20, " + gone[0], gone[1], gone[2]},
+                                               ChunkIsCopied(128, 128, 128),
+                                               WritingBegins(32),
+                                               WriteOf(32, -19),
+                                               {"E2 write error: read_size:32, " + gone[0], gone[1], gone[2]}})));
+}
+
+TEST_F(AlsaErrors, ErrorsWithoutEndEndWithTheSound) {
+  world.answers.Always("snd_pcm_writei", -EIO);
+  const std::vector<std::uint8_t> longSound = Sound(100 * 128);
+  audio.Play(longSound.data(), 100 * 128);
+  EXPECT_EQ(world.journal.Count("> snd_pcm_writei(32) = -5"), 100);
+  EXPECT_EQ(world.journal.Count("E2 write error: drop..."), 100);
+  EXPECT_EQ(world.journal.Count("> snd_pcm_prepare() = 0"), 100);
+}
+
+TEST_F(AlsaErrors, ADeviceClosedBehindTheWritersBackIsNotWrittenTo) {
+  world.answers.Next("snd_pcm_writei", {-ESTRPIPE});
+  world.answers.Next("snd_pcm_resume", {-EAGAIN, -ENODEV});
+  world.answers.Next("snd_pcm_recover", {-ENODEV});
+  world.answers.Next("snd_pcm_drop", {0, -EBADFD});
+  world.scheduler.At(world.scheduler.Now() + std::chrono::milliseconds(500), Lane::kElsewhere,
+                     [this] { audio.Destroy(); });
+  EXPECT_THAT(From(Play(), "E2 write error: drop..."),
+              ElementsAreArray(Concat({{"E2 write error: drop...", "> snd_pcm_drop() = -77"},
+                                       ChunkIsCopied(128, 128, 128),
+                                       {"E2 alsa device not open"}})));
+}
+
+}  // namespace

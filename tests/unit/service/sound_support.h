@@ -1,0 +1,121 @@
+// What tests of the sound device and of the sound player have in common.
+#pragma once
+
+#include <cctype>
+#include <cstdint>
+#include <cstring>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "world.h"
+
+namespace orvex::world {
+
+using Texts = std::vector<std::string>;
+
+inline std::string WithoutAddresses(const std::string& text) {
+  std::string result;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text.compare(i, 2, "0x") != 0) {
+      result += text[i];
+      continue;
+    }
+    result += "<address>";
+    ++i;
+    while (i + 1 < text.size() && std::isxdigit(static_cast<unsigned char>(text[i + 1])) != 0) {
+      ++i;
+    }
+  }
+  return result;
+}
+
+// What the world sees while `action` runs; every address reads "<address>".
+inline Texts LinesOf(World& world, const std::function<void()>& action) {
+  world.journal.Clear();
+  action();
+  Texts lines;
+  for (const std::string& text : world.journal.Texts()) {
+    lines.push_back(WithoutAddresses(text));
+  }
+  return lines;
+}
+
+inline Texts Concat(const std::vector<Texts>& parts) {
+  Texts all;
+  for (const Texts& part : parts) {
+    all.insert(all.end(), part.begin(), part.end());
+  }
+  return all;
+}
+
+// The texts from the first `from` on, or none.
+inline Texts From(const Texts& texts, const std::string& from) {
+  std::size_t i = 0;
+  while (i < texts.size() && texts[i] != from) {
+    ++i;
+  }
+  return Texts(texts.begin() + static_cast<std::ptrdiff_t>(i), texts.end());
+}
+
+// A device with periods of 4 frames, which makes chunks of 128 bytes or 32 frames. It starts with 8 frames.
+inline PcmDevice::Limits SmallDevice() {
+  return {333, 83, 16, 4};
+}
+
+// Bytes of sound, no two neighbouring frames alike.
+inline std::vector<std::uint8_t> Sound(std::size_t bytes) {
+  std::vector<std::uint8_t> sound;
+  for (std::size_t i = 0; i < bytes; ++i) {
+    sound.push_back(static_cast<std::uint8_t>(1 + i % 251));
+  }
+  return sound;
+}
+
+// The samples that lie in `bytes` from `from` up to `to`.
+inline std::vector<std::int16_t> SamplesIn(const std::vector<std::uint8_t>& bytes, std::size_t from, std::size_t to) {
+  std::vector<std::int16_t> samples((to - from) / sizeof(std::int16_t));
+  std::memcpy(samples.data(), bytes.data() + from, samples.size() * sizeof(std::int16_t));
+  return samples;
+}
+
+inline std::vector<std::int16_t> SamplesIn(const std::vector<std::uint8_t>& bytes) {
+  return SamplesIn(bytes, 0, bytes.size());
+}
+
+// Lines of a play on the small device.
+inline Texts PlayBegins() {
+  return {"I0 period size[4].", "E0 framesize = 4, periodsize = 4, chunkbytes = 128"};
+}
+
+inline Texts ChunkIsCopied(int offset, int left, int bytes) {
+  return {"D0 playOffset = " + std::to_string(offset) + ", leftLen = " + std::to_string(left),
+          "D0 playSize = " + std::to_string(bytes)};
+}
+
+inline Texts DeviceIsPrepared() {
+  return {"> snd_pcm_prepare() = 0"};
+}
+
+inline Texts WriteOf(int frames, int result) {
+  return {"> snd_pcm_writei(" + std::to_string(frames) + ") = " + std::to_string(result),
+          "I0 write return : " + std::to_string(result) + "."};
+}
+
+inline Texts WritingBegins(int frames) {
+  return {"I0 pcm start writing, buf <address>, frames to write" + std::to_string(frames) + "."};
+}
+
+inline Texts ChunkIsWritten(int frames) {
+  return Concat({WritingBegins(frames), WriteOf(frames, frames)});
+}
+
+inline Texts DeviceIsClosed() {
+  return {"I0 Destroy", "> snd_pcm_drop() = 0", "I0 Done drop", "> snd_pcm_close() = 0", "I0 Done close"};
+}
+
+inline Texts ClosedDeviceIsLeft() {
+  return {"I0 Destroy", "W0 alsa device not open"};
+}
+
+}  // namespace orvex::world
