@@ -1,0 +1,136 @@
+// Tones that do not stand out of their neighbours are counted as noise; too many of them are abnormal.
+#include "receiver_support.h"
+
+namespace {
+
+using namespace orvex::service_tests;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::Not;
+using testing::SizeIs;
+
+constexpr const char* kSigns = "I0 ###################################################";
+constexpr const char* kError = "E2 ERROR occured. Exit service";
+constexpr const char* kAbnormal = "E2 by abnormal input";
+constexpr const char* kCallback = "> abnormal status";
+
+class ReceiverNoise : public ReceiverTest {
+protected:
+  // Tones with much of a neighbour frequency.
+  const Samples noisy17 = Block({100.0, 0.0, 60.0, 30.0, 0.0, 0.0});
+  const Samples noisy19 = Block({30.0, 60.0, 0.0, 100.0, 0.0, 0.0});
+
+  std::string Noise17(int count) const {
+    return Text("I0 noise is high / %Lf / %d", LevelsOf(noisy17).Ratio17(), count);
+  }
+  // Of a 19 kHz tone, too, the ratio of 17 kHz is told.
+  std::string Noise19(int count) const {
+    return Text("I0 noise value is too high/ %Lf / %d", LevelsOf(noisy19).Ratio17(), count);
+  }
+};
+
+TEST_F(ReceiverNoise, ANoisyToneIsToldAndCountedAndBeginsNoPair) {
+  ASSERT_LT(LevelsOf(noisy17).Ratio17(), 5);
+  ASSERT_LT(LevelsOf(noisy19).Ratio19(), 5);
+  Start();
+  EXPECT_THAT(EventsAt(40, noisy17), ElementsAre(Found17(40, noisy17), kSigns, Noise17(1)));
+  EXPECT_THAT(EventsAt(41, noisy19), ElementsAre(Found19(41, noisy19), kSigns, Noise19(2)));
+  EXPECT_EQ(receiver.GetNoiseCount(), 2);
+  EXPECT_EQ(receiver.GetDirection(), 0);
+  EXPECT_EQ(receiver.GetSoundType(), 1);
+}
+
+TEST_F(ReceiverNoise, ANoisySecondToneEndsNoPair) {
+  Start();
+  EventsAt(40, Tone17(100));
+  EXPECT_THAT(EventsAt(41, noisy19), ElementsAre(Found19(41, noisy19), kSigns, Noise19(1)));
+  EXPECT_THAT(EventsAt(42, Tone19(100)), Contains("I0 @ [RESULT] [40] - [42] : 0.0330 s\n"));
+}
+
+TEST_F(ReceiverNoise, From11NoisyTonesOf19kHzOnEachOneIsAbnormal) {
+  Start();
+  for (int count = 1; count <= 10; ++count) {
+    EXPECT_THAT(EventsAt(39 + count, noisy19), ElementsAre(Found19(39 + count, noisy19), kSigns, Noise19(count)));
+    EXPECT_EQ(receiver.GetSoundType(), 1);
+  }
+  for (int count = 11; count <= 13; ++count) {
+    EXPECT_THAT(EventsAt(39 + count, noisy19),
+                ElementsAre(Found19(39 + count, noisy19), kSigns, Noise19(count), kError, kAbnormal, kCallback));
+    EXPECT_EQ(receiver.GetSoundType(), 0);
+  }
+  EXPECT_TRUE(receiver.IsRecording());
+}
+
+TEST_F(ReceiverNoise, NoisyTonesOf17kHzNeverStopTheRun) {
+  Start();
+  for (int count = 1; count <= 25; ++count) {
+    EXPECT_THAT(EventsAt(39 + count, noisy17), ElementsAre(Found17(39 + count, noisy17), kSigns, Noise17(count)));
+    EXPECT_EQ(receiver.GetSoundType(), count <= 10 ? 1 : 0);
+  }
+}
+
+TEST_F(ReceiverNoise, NoisyTonesOfBothFrequenciesCountTogether) {
+  Start();
+  for (int buffer = 40; buffer < 50; ++buffer) {
+    EventsAt(buffer, noisy17);
+  }
+  EXPECT_THAT(EventsAt(50, noisy19),
+              ElementsAre(Found19(50, noisy19), kSigns, Noise19(11), kError, kAbnormal, kCallback));
+}
+
+TEST_F(ReceiverNoise, TheProgressIsGoneBeforeTheOwnerIsTold) {
+  Start();
+  int progress = -1;
+  world.onCall = [&](const std::string& text) {
+    progress = text == "abnormal status" ? receiver.GetSoundType() : progress;
+  };
+  for (int buffer = 40; buffer <= 50; ++buffer) {
+    EventsAt(buffer, noisy19);
+  }
+  EXPECT_EQ(progress, 0);
+}
+
+TEST_F(ReceiverNoise, ACleanToneAfterAbnormalInputBeginsAPair) {
+  Start();
+  for (int buffer = 40; buffer <= 50; ++buffer) {
+    EventsAt(buffer, noisy19);
+  }
+  EXPECT_THAT(EventsAt(51, Tone17(100)), Contains("I0   ====> @ g_first index \n"));
+  EXPECT_EQ(receiver.GetSoundType(), 1);
+  EXPECT_THAT(EventsAt(52, Tone19(100)), Contains("> end of calculation"));
+}
+
+// A tone with so much of its neighbours that the ratio is close to 5.0, on the side that is asked for.
+Samples ToneNearTheLimit(bool of17kHz, bool clean) {
+  for (double neighbour = 300.0; neighbour < 500.0; neighbour += 0.1) {
+    Samples tone =
+        of17kHz ? Block({1000.0, 0.0, neighbour, 0.0, 0.0, 0.0}) : Block({0.0, 0.0, neighbour, 1000.0, 0.0, 0.0});
+    const long double ratio = of17kHz ? LevelsOf(tone).Ratio17() : LevelsOf(tone).Ratio19();
+    if (clean ? ratio >= 5.0L && ratio < 5.005L : ratio < 5.0L && ratio > 4.995L) {
+      return tone;
+    }
+  }
+  ADD_FAILURE() << "no such tone";
+  return Click(1);
+}
+
+TEST_F(ReceiverNoise, ATone5TimesAboveItsNeighboursIsClean) {
+  for (const bool of17kHz : {true, false}) {
+    Start();
+    EXPECT_THAT(EventsAt(40, ToneNearTheLimit(of17kHz, false)), Contains(kSigns));
+    EXPECT_EQ(receiver.GetDirection(), 0);
+    EXPECT_THAT(EventsAt(41, ToneNearTheLimit(of17kHz, true)), Not(Contains(kSigns)));
+    EXPECT_EQ(receiver.GetDirection(), of17kHz ? 1 : -1);
+    receiver.StopBTRecoder();
+  }
+}
+
+TEST_F(ReceiverNoise, BothNeighboursCount) {
+  for (const Sound& sound : {Sound{100.0, 60.0, 0.0, 0.0, 0.0, 0.0}, Sound{100.0, 0.0, 60.0, 0.0, 0.0, 0.0}}) {
+    Start();
+    EXPECT_THAT(EventsAt(40, Block(sound)), Contains(kSigns));
+    receiver.StopBTRecoder();
+  }
+}
+
+}  // namespace

@@ -1,0 +1,166 @@
+// Hundreds of random recordings, heard by the receiver and by a model of it: they have to say the same.
+#include <random>
+
+#include "receiver_model_support.h"
+#include "receiver_support.h"
+
+namespace {
+
+using namespace orvex::service_tests;
+
+// The same numbers on every machine.
+class Dice {
+public:
+  explicit Dice(unsigned int seed) : m_Engine(seed) {}
+  int Below(int limit) { return static_cast<int>(m_Engine() % static_cast<unsigned int>(limit)); }
+  bool OneIn(int chances) { return Below(chances) == 0; }
+
+private:
+  std::mt19937 m_Engine;
+};
+
+Samples Noise(Dice& dice, int loudest) {
+  Samples samples;
+  for (int n = 0; n < kBlockSamples; ++n) {
+    samples.push_back(static_cast<std::int16_t>(dice.Below(2 * loudest + 1) - loudest));
+  }
+  return samples;
+}
+
+Samples RandomAmbience(Dice& dice) {
+  switch (dice.Below(6)) {
+    case 0:
+      return Click(4);
+    case 1:
+      return dice.OneIn(4) ? Samples(kBlockSamples, 0) : Click(1);
+    case 2:
+      return Tone17(1.0 + dice.Below(4), 1.0);
+    case 3:
+      return Tone19(1.0 + dice.Below(4), 1.0);
+    default:
+      return Noise(dice, 1 + dice.Below(8));
+  }
+}
+
+// A sound of the time after the ambience: tones of all strengths, clean and noisy, alone and together.
+Samples RandomSound(Dice& dice, const Samples& ambience, bool noisyRoom) {
+  const double strong = dice.OneIn(3) ? 20.0 + dice.Below(3000) : 800.0 + dice.Below(100);
+  const double weak = strong * dice.Below(100) / 100.0;
+  const double neighbour = strong * (20 + dice.Below(60)) / 100.0;
+  switch (noisyRoom ? 5 + dice.Below(3) : dice.Below(9)) {
+    case 0:
+      return ambience;
+    case 1:
+    case 2:
+      return Tone17(strong, dice.OneIn(2) ? weak : 0.0);
+    case 3:
+    case 4:
+      return Tone19(strong, dice.OneIn(2) ? weak : 0.0);
+    case 5:
+      return Block({strong, 0.0, neighbour, weak, 0.0, 0.0});
+    case 6:
+      return Block({weak, neighbour, 0.0, strong, 0.0, 0.0});
+    case 7:
+      return Block({strong, 0.0, 0.0, weak, 100.0 * dice.Below(200), 0.0});
+    default:
+      return dice.OneIn(2) ? Click(static_cast<std::int16_t>(dice.Below(30000))) : Noise(dice, 1 + dice.Below(3000));
+  }
+}
+
+class RandomRecordings : public ReceiverTest, public testing::WithParamInterface<unsigned int> {
+protected:
+  void Record(Dice& dice);
+  void CompareBlock(const VoiceData* record);
+  void HearLike(Dice& dice, const Samples& sound);
+  void CompareFiles();
+
+  DetectorModel model;
+  // How often the model saw what a random recording is to bring about.
+  int pairs = 0;
+  int sequenceErrors = 0;
+  int abnormal = 0;
+};
+
+void RandomRecordings::CompareBlock(const VoiceData* record) {
+  const Texts expected = model.Hear(record);
+  const Texts seen = HearRecord(record);
+  ASSERT_TRUE(std::equal(expected.begin(), expected.end(), seen.begin(), seen.end(), SameLine))
+      << testing::PrintToString(seen) << "\nis not what was expected:\n"
+      << testing::PrintToString(expected);
+  ASSERT_EQ(receiver.GetBufferCount(), model.buffer);
+  ASSERT_EQ(receiver.GetBlockIndex(), model.analysed);
+  ASSERT_EQ(receiver.GetSoundType(), model.progress);
+  ASSERT_EQ(receiver.GetDirection(), model.direction);
+  ASSERT_EQ(receiver.GetNoiseCount(), model.noisy);
+  for (const std::string& text : expected) {
+    pairs += text == "> end of calculation" ? 1 : 0;
+    sequenceErrors += text == "I0 syquence error -> recheck \n" ? 1 : 0;
+    abnormal += text == "> abnormal status" ? 1 : 0;
+  }
+}
+
+// Most blocks come as they are; some are lost, or arrive short, odd or longer than they should be.
+void RandomRecordings::HearLike(Dice& dice, const Samples& sound) {
+  if (dice.OneIn(40)) {
+    CompareBlock(nullptr);
+    return;
+  }
+  std::vector<std::uint8_t> bytes = LittleEndian(sound);
+  if (dice.OneIn(40)) {
+    bytes.resize(static_cast<std::size_t>(dice.Below(2000)), 0x55);
+  }
+  const VoiceData record{static_cast<std::uint16_t>(bytes.size()), bytes.data()};
+  CompareBlock(&record);
+}
+
+// The last digits of the recording's end are compared exactly: the distance is a number of buffers.
+void RandomRecordings::CompareFiles() {
+  EXPECT_DOUBLE_EQ(receiver.GetAudioTimeDifference(), model.seconds);
+  EXPECT_EQ(DumpedResults(), model.results);
+  EXPECT_TRUE(DumpedAudio() == model.audio);
+}
+
+void RandomRecordings::Record(Dice& dice) {
+  const bool hearable = dice.OneIn(12);
+  model = DetectorModel();
+  model.hearable = hearable;
+  receiver.SetHearable(hearable);
+  Start();
+  const Samples ambience = RandomAmbience(dice);
+  // A few sounds that come again and again, so that levels are often equal to the last bit.
+  const bool noisyRoom = dice.OneIn(5);
+  std::vector<Samples> sounds;
+  for (int sound = 0; sound < 6; ++sound) {
+    sounds.push_back(RandomSound(dice, ambience, noisyRoom));
+  }
+  const int length = dice.OneIn(10) ? 300 : 80 + dice.Below(60);
+  for (int heard = 0, quietFor = 34; heard < length; ++heard, --quietFor) {
+    if (dice.OneIn(25)) {
+      quietFor = 12 + dice.Below(15);
+    }
+    if (dice.OneIn(60)) {
+      model.finished = dice.OneIn(3);
+      receiver.SetFinished(model.finished);
+    }
+    const Samples& loud = sounds[static_cast<std::size_t>(dice.Below(static_cast<int>(sounds.size())))];
+    ASSERT_NO_FATAL_FAILURE(HearLike(dice, quietFor > 0 ? ambience : loud)) << "block " << heard;
+  }
+  CompareFiles();
+  receiver.StopBTRecoder();
+}
+
+TEST_P(RandomRecordings, AreHeardAsTheModelHearsThem) {
+  constexpr unsigned int kRecordings = 40;
+  for (unsigned int recording = 0; recording < kRecordings; ++recording) {
+    SCOPED_TRACE("recording " + std::to_string(recording));
+    Dice dice(GetParam() * kRecordings + recording);
+    ASSERT_NO_FATAL_FAILURE(Record(dice));
+  }
+  EXPECT_GT(pairs, 25);
+  EXPECT_GT(sequenceErrors, 10);
+  EXPECT_GT(abnormal, 10);
+}
+
+INSTANTIATE_TEST_SUITE_P(Seeds, RandomRecordings, testing::Range(0U, 8U));
+
+}  // namespace

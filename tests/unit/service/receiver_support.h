@@ -1,0 +1,121 @@
+// A receiver on a television in virtual time, which hears blocks that the test makes.
+#pragma once
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "Application/OrvexReceiver.h"
+#include "Common/AudioControl.h"
+#include "Util/DebugDump.h"
+#include "Util/Singleton.h"
+#include "dump_support.h"
+#include "receiver_sound_support.h"
+#include "world.h"
+
+namespace orvex::service_tests {
+
+using Texts = std::vector<std::string>;
+
+class ReceiverTest : public testing::Test {
+protected:
+  ReceiverTest() {
+    CSingleton<CAudioControl>::GetInstance();
+    CSingleton<CDebugDump>::GetInstance();
+    world.journal.Clear();
+  }
+  ~ReceiverTest() override {
+    recordings.Note(world.journal);
+    CSingleton<CDebugDump>::GetInstance()->Stop();
+  }
+
+  void Forget() {
+    recordings.Note(world.journal);
+    world.journal.Clear();
+  }
+
+  // What the journal shows of something that happens.
+  template <class Action>
+  Texts During(Action action) {
+    Forget();
+    action();
+    return world.journal.Texts();
+  }
+
+  void Start() {
+    Forget();
+    receiver.StartBTRecoder();
+    ASSERT_TRUE(receiver.IsRecording());
+    Forget();
+  }
+
+  // What the journal shows of the next block.
+  Texts Hear(const Samples& block) {
+    return During([&] { EXPECT_TRUE(world.Deliver(block)); });
+  }
+  Texts HearRecord(const VoiceData* record) {
+    return During([&] { EXPECT_TRUE(world.Deliver(record)); });
+  }
+
+  // Quiet blocks until the next one has this number.
+  void BeQuietUntil(int buffer) {
+    while (receiver.GetBufferCount() < buffer - 1) {
+      Hear(quiet);
+    }
+  }
+  // The same without a sound: the port tells of lost blocks, which are counted but not analysed.
+  void LoseBlocksUntil(int buffer) {
+    while (receiver.GetBufferCount() < buffer - 1) {
+      HearRecord(nullptr);
+    }
+  }
+  // The journal of a block with this number but for the three lines that every block leaves.
+  Texts EventsAt(int buffer, const Samples& block) {
+    BeQuietUntil(buffer);
+    const std::string levels = Text("I0 %d / ", receiver.GetBlockIndex());
+    Texts events;
+    for (const std::string& text : Hear(block)) {
+      if (text != "I0 m_ReceiveBTAudioDataCB" && text != Text("I0 buffer: %d", buffer) && text.find(levels) != 0) {
+        events.push_back(text);
+      }
+    }
+    return events;
+  }
+  // The receiver's lines about a tone that stands out.
+  static std::string Found17(int buffer, const Samples& block) {
+    const Levels levels = LevelsOf(block);
+    return Text("I0 [%d] %0.4f s %.1Lf, %.1Lf\n", buffer, BufferSeconds(buffer), levels.at17000, levels.at19000);
+  }
+  static std::string Found19(int buffer, const Samples& block) {
+    const Levels levels = LevelsOf(block);
+    return Text("I0 (ruvo_19k)[%d] %0.4f s %.1Lf, %.1Lf\n", buffer, BufferSeconds(buffer), levels.at17000,
+                levels.at19000);
+  }
+
+  // What the recording left in its two files; ends the dump.
+  std::string DumpedAudio() {
+    CSingleton<CDebugDump>::GetInstance()->Stop();
+    return ContentOf(recordings.Last().audio);
+  }
+  std::string DumpedResults() {
+    CSingleton<CDebugDump>::GetInstance()->Stop();
+    return ContentOf(recordings.Last().results);
+  }
+
+  // An ambience of exactly 4 at every frequency: a tone needs 200.
+  const Samples quiet = Click(4);
+  DumpedRecordings recordings;
+  world::World world;
+  // Its callbacks show up in the journal beside the calls of the platform.
+  OrvexReceiver receiver{OrvexReceiverCallbacks{OnEndOfCalculation, OnEndOfAmbientNoise, OnAbnormalStatus, this}};
+
+private:
+  static void OnEndOfCalculation(void* context) { TestOf(context).world.Call("end of calculation"); }
+  static void OnEndOfAmbientNoise(void* context) { TestOf(context).world.Call("end of ambient noise"); }
+  static void OnAbnormalStatus(void* context) { TestOf(context).world.Call("abnormal status"); }
+  static ReceiverTest& TestOf(void* context) { return *static_cast<ReceiverTest*>(context); }
+};
+
+}  // namespace orvex::service_tests
