@@ -1,0 +1,51 @@
+// What a run must have left behind, and the comparison with what it has.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "expected_log.h"
+#include "scenario.h"
+
+namespace orvex::integration {
+
+struct Expectation {
+  Lines runLines;               // of main loop and recorder thread
+  std::string terminate;        // of the last end record
+  std::string result = "fail";  // of the last end record
+  int endRecords = 1;
+  // Delay of the optical output afterwards; empty: `baseMs` less the measured difference in whole milliseconds, or 0.
+  std::optional<std::int64_t> delayMs = 100;
+  std::int64_t baseMs = 100;
+  std::int64_t mute = 0;
+  std::int64_t volume = 15;
+  Lines hostLines;               // what the television complains of
+  std::optional<Lines> records;  // in events.jsonl, as "category event value"; empty: start and end records
+};
+
+// Reports every deviation as a test failure, under the scenario's name.
+void Check(const Observation& observation, const Expectation& expectation);
+
+// The parts of it that hold for every run.
+void CheckEnding(const Observation& observation);   // exit code 0, no sanitizer's report
+void CheckLogForm(const Observation& observation);  // every line: tag, prefix, colour of its level
+void CheckBlocks(const Observation& observation);   // numbers of blocks, size of the dump
+void CheckResultFile(const Observation& observation, std::int64_t baseMs);
+
+// Distance of the pair that the run has used, in seconds of whole buffers; 0: none was found.
+double MeasuredDifferenceS(const Observation& observation);
+// `baseMs` less the difference, as it must be applied.
+std::int64_t DelayFor(std::int64_t baseMs, double differenceS);
+// Values of the end records in the log, in order.
+Lines EndRecordsOf(const Observation& observation);
+// "du" of an end record, in milliseconds.
+std::int64_t DurationOf(const std::string& endRecord);
+// From the first line like `first` to the first one behind it like `second`; negative when one is missing.
+std::chrono::milliseconds TimeBetween(const Observation& observation, const std::string& first,
+                                      const std::string& second);
+// The collected records as "category event value".
+Lines RecordsOf(const Observation& observation);
+
+}  // namespace orvex::integration

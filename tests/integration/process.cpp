@@ -1,0 +1,136 @@
+// Starts programs by posix_spawn, which is safe from any thread, and waits for them by a process descriptor.
+#include "process.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/resource.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <system_error>
+
+namespace orvex::integration {
+namespace {
+
+// What would lead a service to another television, another sound device or another watchdog.
+constexpr std::array<const char*, 4> kKeptOut{"ORVEX_", "ALSA_", "NOTIFY_SOCKET=", "WATCHDOG_"};
+
+bool IsKeptOut(const std::string& variable) {
+  for (const char* const prefix : kKeptOut) {
+    if (variable.rfind(prefix, 0) == 0) {
+      return true;
+    }
+  }
+  return false;
+}
+
+std::vector<std::string> EnvironmentOf(const ProcessCommand& command) {
+  std::vector<std::string> variables;
+  for (char** variable = environ; *variable != nullptr; ++variable) {
+    if (!IsKeptOut(*variable)) {
+      variables.emplace_back(*variable);
+    }
+  }
+  for (const auto& [name, value] : command.environment) {
+    variables.push_back(name + "=" + value);
+  }
+  return variables;
+}
+
+std::vector<char*> Pointers(std::vector<std::string>& texts) {
+  std::vector<char*> pointers;
+  for (std::string& text : texts) {
+    pointers.push_back(text.data());
+  }
+  pointers.push_back(nullptr);
+  return pointers;
+}
+
+class FileActions {
+public:
+  explicit FileActions(const ProcessCommand& command) {
+    constexpr int kWrite = O_WRONLY | O_CREAT | O_APPEND;
+    posix_spawn_file_actions_init(&m_Actions);
+    posix_spawn_file_actions_addopen(&m_Actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    posix_spawn_file_actions_addopen(&m_Actions, STDOUT_FILENO, command.output.c_str(), kWrite, 0600);
+    posix_spawn_file_actions_addopen(&m_Actions, STDERR_FILENO, command.errors.c_str(), kWrite, 0600);
+  }
+  ~FileActions() { posix_spawn_file_actions_destroy(&m_Actions); }
+  FileActions(const FileActions&) = delete;
+  FileActions& operator=(const FileActions&) = delete;
+
+  const posix_spawn_file_actions_t* Get() const { return &m_Actions; }
+
+private:
+  posix_spawn_file_actions_t m_Actions{};
+};
+
+double Seconds(const timeval& time) {
+  return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) * 1e-6;
+}
+
+}  // namespace
+
+std::string Describe(const ProcessEnding& ending) {
+  if (ending.isLate) {
+    return "killed, as it did not end";
+  }
+  return ending.exitCode ? "exit code " + std::to_string(*ending.exitCode) : "signal " + std::to_string(ending.signal);
+}
+
+Process::Process(const ProcessCommand& command) {
+  std::vector<std::string> arguments{command.program.string()};
+  arguments.insert(arguments.end(), command.arguments.begin(), command.arguments.end());
+  std::vector<std::string> environment = EnvironmentOf(command);
+  const FileActions actions(command);
+  const int result = posix_spawn(&m_Id, command.program.c_str(), actions.Get(), nullptr, Pointers(arguments).data(),
+                                 Pointers(environment).data());
+  if (result != 0) {
+    throw std::system_error(result, std::generic_category(), command.program.string());
+  }
+  m_EndDescriptor = static_cast<int>(::syscall(SYS_pidfd_open, m_Id, 0));
+}
+
+Process::~Process() {
+  static_cast<void>(WaitForEnd(std::chrono::milliseconds(0)));
+  ::close(m_EndDescriptor);
+}
+
+void Process::Signal(int number) const {
+  if (!m_Ending) {
+    ::kill(m_Id, number);
+  }
+}
+
+bool Process::HasEnded() const {
+  pollfd ended{m_EndDescriptor, POLLIN, 0};
+  return m_Ending || ::poll(&ended, 1, 0) == 1;
+}
+
+ProcessEnding Process::WaitForEnd(std::chrono::milliseconds patience) {
+  if (m_Ending) {
+    return *m_Ending;
+  }
+  ProcessEnding ending;
+  pollfd ended{m_EndDescriptor, POLLIN, 0};
+  if (::poll(&ended, 1, static_cast<int>(patience.count())) != 1) {
+    ending.isLate = true;
+    ::kill(m_Id, SIGKILL);
+  }
+  int status = 0;
+  rusage usage{};
+  ::wait4(m_Id, &status, 0, &usage);
+  ending.exitCode = WIFEXITED(status) ? std::optional<int>(WEXITSTATUS(status)) : std::nullopt;
+  ending.signal = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
+  ending.processorSeconds = Seconds(usage.ru_utime) + Seconds(usage.ru_stime);
+  ending.peakMemoryKib = usage.ru_maxrss;
+  m_Ending = ending;
+  return ending;
+}
+
+}  // namespace orvex::integration

@@ -1,0 +1,59 @@
+// A program as a child process: its own environment and output files, waited for with a deadline, never left behind.
+#pragma once
+
+#include <sys/types.h>
+
+#include <chrono>
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace orvex::integration {
+
+// Far longer than anything here lasts, also on a busy machine.
+constexpr std::chrono::seconds kPatience{45};
+
+struct ProcessCommand {
+  std::filesystem::path program;
+  std::vector<std::string> arguments;
+  std::map<std::string, std::string> environment;  // on top of this process's, without its ORVEX_ variables
+  std::filesystem::path output;                    // file that takes stdout
+  std::filesystem::path errors;                    // file that takes stderr
+};
+
+struct ProcessEnding {
+  std::optional<int> exitCode;    // empty: a signal ended it
+  int signal = 0;                 // 0: none
+  bool isLate = false;            // it did not end in time and was killed
+  double processorSeconds = 0.0;  // user and system
+  long peakMemoryKib = 0;         // resident
+};
+
+// As a phrase: "exit code 0", "signal 11", "killed, as it did not end".
+std::string Describe(const ProcessEnding& ending);
+
+class Process {
+public:
+  // Throws std::system_error when the program cannot be started.
+  explicit Process(const ProcessCommand& command);
+  ~Process();  // kills it if it still runs
+  Process(const Process&) = delete;
+  Process& operator=(const Process&) = delete;
+
+  pid_t GetId() const { return m_Id; }
+  // Readable once the process has ended.
+  int GetEndDescriptor() const { return m_EndDescriptor; }
+  void Signal(int number) const;
+  bool HasEnded() const;
+  // Returns when it has ended; after `patience` it is killed.
+  ProcessEnding WaitForEnd(std::chrono::milliseconds patience = kPatience);
+
+private:
+  pid_t m_Id = -1;
+  int m_EndDescriptor = -1;
+  std::optional<ProcessEnding> m_Ending;
+};
+
+}  // namespace orvex::integration

@@ -1,0 +1,121 @@
+// Performs scenarios and collects what they leave behind.
+#include "scenario.h"
+
+#include <algorithm>
+#include <atomic>
+#include <filesystem>
+#include <thread>
+
+#include "tv/event_records.h"
+
+namespace orvex::integration {
+namespace {
+
+// A run is mostly waiting; more at a time would make the machine the subject of the test.
+constexpr unsigned kAtATime = 4;
+
+std::int64_t NumberOrMinusOne(const TestTelevision& television, const char* name) {
+  try {
+    return television.Get(name);
+  } catch (const host::TelevisionError&) {
+    return -1;
+  }
+}
+
+void TakeSteps(const Scenario& scenario, ServiceRun& run, Observation& observation) {
+  for (const Step& step : scenario.steps) {
+    if (!run.WaitFor(step.line)) {
+      observation.problem += "no line \"" + step.line + "\" came; ";
+      return;
+    }
+    step.act(run);
+  }
+}
+
+void Collect(const TestTelevision& television, const ServiceRun& run, Observation& observation) {
+  observation.lines = run.GetLines();
+  observation.output = run.ReadOutput();
+  observation.dump = run.ReadDump(1);
+  observation.result = run.ReadResult(1);
+  observation.secondDump = run.ReadDump(2);
+  const std::filesystem::path recordFile = television.PathOf("events.jsonl");
+  observation.hasRecordFile = std::filesystem::exists(recordFile);
+  observation.records = tools::ReadEventRecords(recordFile.string()).records;
+  observation.delayMs = NumberOrMinusOne(television, "delay/spdif");
+  observation.mute = NumberOrMinusOne(television, "sound/mute");
+  observation.volume = NumberOrMinusOne(television, "sound/volume");
+}
+
+}  // namespace
+
+Observation Perform(const Scenario& scenario) {
+  Observation observation;
+  observation.name = scenario.name;
+  try {
+    const TestTelevision television;
+    scenario.prepare(television);
+    ServiceRun run(television, scenario.environment);
+    TakeSteps(scenario, run, observation);
+    observation.ending = run.WaitForEnd();
+    Collect(television, run, observation);
+  } catch (const std::exception& error) {
+    observation.problem += error.what();
+  }
+  return observation;
+}
+
+std::vector<Observation> Perform(const std::vector<Scenario>& scenarios) {
+  std::vector<Observation> observations(scenarios.size());
+  std::atomic<std::size_t> next{0};
+  std::vector<std::thread> performers;
+  for (std::size_t n = 0; n < std::min<std::size_t>(kAtATime, scenarios.size()); ++n) {
+    performers.emplace_back([&] {
+      for (std::size_t row = next++; row < scenarios.size(); row = next++) {
+        observations[row] = Perform(scenarios[row]);
+      }
+    });
+  }
+  for (std::thread& performer : performers) {
+    performer.join();
+  }
+  return observations;
+}
+
+Step SignalAt(const std::string& line, int number) {
+  return {line, [number](ServiceRun& run) { run.Signal(number); }};
+}
+
+Step SetAt(const std::string& line, const std::string& name, const std::string& text) {
+  return {line, [name, text](ServiceRun& run) { run.GetTelevision().Set(name, text); }};
+}
+
+std::function<void(const TestTelevision&)> WithFaults(const std::string& json) {
+  return [json](const TestTelevision& television) { television.SetFaults(json); };
+}
+
+std::function<void(const TestTelevision&)> WithRoom(const sim::RoomConfig& room) {
+  return [room](const TestTelevision& television) { television.SetRoom(room); };
+}
+
+sim::RoomConfig RoomWithDifference(double differenceMs, double delayMs) {
+  constexpr double kLatencyMs = 20.0;
+  sim::RoomConfig room;
+  const double lead = differenceMs - delayMs;  // of the television's speaker, without the delay
+  room.tv.latencyMs = kLatencyMs + std::max(-lead, 0.0);
+  room.optical.latencyMs = kLatencyMs + std::max(lead, 0.0);
+  return room;
+}
+
+sim::RoomConfig RoomWithoutOpticalSound() {
+  sim::RoomConfig room;
+  room.opticalMuted = true;
+  return room;
+}
+
+sim::RoomConfig RoomWithoutBlocks() {
+  sim::RoomConfig room;
+  room.voiceLossProbability = 1.0;
+  return room;
+}
+
+}  // namespace orvex::integration

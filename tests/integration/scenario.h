@@ -1,0 +1,70 @@
+// One run of the service as a row of a table: the television before, what happens meanwhile, what is there afterwards.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <json/value.h>
+
+#include "service_run.h"
+
+namespace orvex::integration {
+
+struct Step {
+  std::string line;  // pattern; waited for behind the line of the step before
+  std::function<void(ServiceRun&)> act;
+};
+
+struct Scenario {
+  std::string name;
+  std::function<void(const TestTelevision&)> prepare;
+  std::vector<Step> steps;
+  std::map<std::string, std::string> environment;
+};
+
+// What a run has left behind.
+struct Observation {
+  std::string name;
+  ProcessEnding ending;
+  std::string problem;  // a step that could not be taken; empty: none
+  std::vector<LogLine> lines;
+  std::string output;
+  std::string dump;  // of the first recording
+  std::string result;
+  std::string secondDump;            // empty: no second recording
+  std::vector<Json::Value> records;  // of events.jsonl
+  bool hasRecordFile = false;
+  std::int64_t delayMs = -1;  // -1: unreadable, as are the two below
+  std::int64_t mute = -1;
+  std::int64_t volume = -1;
+};
+
+// Runs the scenarios, some at a time, each on a television of its own. The order of the answers is that of the rows.
+std::vector<Observation> Perform(const std::vector<Scenario>& scenarios);
+Observation Perform(const Scenario& scenario);
+
+// Steps that are met often.
+Step SignalAt(const std::string& line, int number);
+Step SetAt(const std::string& line, const std::string& name, const std::string& text);
+
+// Lines that tell how far a run has come.
+constexpr char kIsConstructed[] = "m_ElapsedTimeStr: *";
+constexpr char kIsCreating[] = "Orvex Service Create!";
+constexpr char kIsRecording[] = "Temp file name=*";
+constexpr char kIsLearningNoise[] = "buffer: 20";
+constexpr char kIsPlaying[] = "m_StartPlay";
+constexpr char kIsHearingTones[] = "  ====> @ g_first index \n";
+
+// Ways to prepare a television.
+std::function<void(const TestTelevision&)> WithFaults(const std::string& json);
+std::function<void(const TestTelevision&)> WithRoom(const sim::RoomConfig& room);
+
+// Rooms.
+sim::RoomConfig RoomWithDifference(double differenceMs, double delayMs);  // with that delay of the optical output
+sim::RoomConfig RoomWithoutOpticalSound();
+sim::RoomConfig RoomWithoutBlocks();  // the remote accepts every command and delivers nothing
+
+}  // namespace orvex::integration

@@ -1,0 +1,51 @@
+// The service as a process on a virtual television, and its log while it runs.
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "log_lines.h"
+#include "process.h"
+#include "test_television.h"
+
+namespace orvex::integration {
+
+class ServiceRun {
+public:
+  // `environment` comes on top of what names the television.
+  ServiceRun(const TestTelevision& television, const std::map<std::string, std::string>& environment);
+  // Ends the service and removes the files that it has left in /tmp.
+  ~ServiceRun();
+  ServiceRun(const ServiceRun&) = delete;
+  ServiceRun& operator=(const ServiceRun&) = delete;
+
+  // Waits until the log has a line that matches `pattern`, behind the one that was found before. False: the service has
+  // ended without, or too much time has passed.
+  bool WaitFor(const std::string& pattern);
+  void Signal(int number) const { m_Process.Signal(number); }
+  // Sends one line to the service's message socket and returns its reply.
+  std::string Exchange(const std::string& line) const;
+  ProcessEnding WaitForEnd();
+
+  const TestTelevision& GetTelevision() const { return m_Television; }
+  const std::vector<LogLine>& GetLines() const { return m_Log.GetLines(); }
+  // What recording `number` has left.
+  std::string ReadDump(int number) const;
+  std::string ReadResult(int number) const;
+  // What went to stdout and stderr, the log's lines included.
+  std::string ReadOutput() const;
+
+private:
+  bool FindBehind(const std::string& pattern);
+  bool WaitForNews(std::chrono::steady_clock::time_point deadline) const;
+
+  const TestTelevision& m_Television;
+  int m_Notification;  // inotify
+  std::string m_OutputFile;
+  Process m_Process;
+  LogFile m_Log;
+  std::size_t m_Position = 0;  // lines up to here have been looked at
+};
+
+}  // namespace orvex::integration
