@@ -1,0 +1,53 @@
+// A run whose journal is compared with a golden one: a television, a remote that hears what it is told, and a sound.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+
+#include "golden_steps.h"
+#include "scripted_remote.h"
+#include "service_run.h"
+#include "unit/service/silent_wave.h"
+
+namespace orvex::runs {
+
+class GoldenRun : public testing::Test {
+protected:
+  using Workers = RunGolden::Workers;
+  using EndRecord = RunGolden::EndRecord;
+  using Consent = RunGolden::Consent;
+  using Speaker = RunGolden::Speaker;
+
+  static constexpr int kSoundFrames = 24000;
+  static constexpr Workers kBoth{true, true};
+  static constexpr Workers kRecorder{true, false};
+  static constexpr Workers kNobody{false, false};
+
+  // Does `action` on the main loop at this time.
+  void AtMs(double milliseconds, const std::function<void()>& action) {
+    run.world.scheduler.At(world::Time(static_cast<std::int64_t>(milliseconds * 1e6)), world::Lane::kMainLoop, action);
+  }
+  // Does `action` right after the first line that reads `text`.
+  void After(const std::string& text, const std::function<void()>& action) {
+    run.world.journal.onAdd = [this, text, action] {
+      if (run.world.journal.Entries().back().text == text) {
+        run.world.journal.onAdd = nullptr;
+        action();
+      }
+    };
+  }
+  void RunToEnd() {
+    ASSERT_TRUE(run.Start());
+    ASSERT_TRUE(run.ToEnd());
+  }
+  void ExpectGolden() { EXPECT_TRUE(Agree(golden, run.world.journal)); }
+
+  test::SilentWave sound{kSoundFrames / 48000.0};
+  ServiceRun run{sound.Path()};
+  ScriptedRemote remote{run.world};
+  RunGolden golden{remote, kSoundFrames};
+};
+
+}  // namespace orvex::runs
