@@ -107,6 +107,16 @@ TEST_F(LogManager, AsksForTheCollectorUntilItIsThereAndThenNeverAgain) {
   EXPECT_THAT(ValuesSent(), ElementsAre("first", "second"));
 }
 
+TEST_F(LogManager, LosesARecordForWhichThereIsNoCollector) {
+  Consent(1);
+  world.hasEventLog = false;
+  Add("lost", 0);
+  world.hasEventLog = true;
+  Write(1);
+  EXPECT_EQ(Add("sent", 1).back(), "I0 add event log sync:1");
+  EXPECT_THAT(ValuesSent(), ElementsAre("sent"));
+}
+
 TEST_F(LogManager, DoesNotAskForTheCollectorBeforeItHasSomethingToSend) {
   Consent(0);
   Add("kept", 1);
