@@ -274,6 +274,16 @@ TEST_F(HostMessageSocket, KeepsManyAnswersForAClientThatReadsLate) {
   EXPECT_EQ(m_MessageCount, kMessages + 1);
 }
 
+TEST_F(HostMessageSocket, SendsAReplyThatIsLargerThanAnyBuffer) {
+  const std::string large(4000000, 'v');
+  m_Application.onMessage = [&](const FwMessage&) { return Json::Value(large); };
+  RunWith([&] {
+    Client client(Path());
+    client.Send("{}\n");
+    EXPECT_EQ(client.Line(), '"' + large + '"');
+  });
+}
+
 TEST_F(HostMessageSocket, TurnsAwayTheNinthClientAndTakesItWhenAnotherHasGone) {
   RunWith([this] {
     std::list<Client> clients;

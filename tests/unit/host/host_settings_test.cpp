@@ -233,6 +233,21 @@ TEST_F(HostSettings, MayBeUnsubscribedByTheirOwnCallback) {
   EXPECT_EQ(m_Counts[kFlag], 1);
 }
 
+TEST_F(HostSettings, MayBeUnsubscribedByTheCallbackBeforeThem) {
+  Subscribe(kFlag);
+  static int otherCount = 0;
+  const SettingsChangedCallback other = [](const SettingsNode*, void*) { ++otherCount; };
+  EXPECT_EQ(settings_subscribe(kFlag, other, nullptr), 0);
+  m_OnChanged = [other](const std::string& key) {
+    if (key == kFlag) {
+      EXPECT_EQ(settings_unsubscribe(kFlag, other), 0);
+    }
+  };
+  RunWith([this] { Echo(FileOf(kFlag), "1\n"); });
+  EXPECT_EQ(m_Counts[kFlag], 1);
+  EXPECT_EQ(otherCount, 0);
+}
+
 TEST_F(HostSettings, AreSilentOnceTheEndIsRequested) {
   Subscribe(kFlag);
   m_Application.onCreate = [this] { m_Application.Send(1); };

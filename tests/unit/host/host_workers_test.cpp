@@ -3,6 +3,7 @@
 #include <signal.h>
 
 #include <future>
+#include <thread>
 
 #include "host_television.h"
 #include "loop_application.h"
@@ -145,6 +146,19 @@ TEST_F(HostWorkers, AreWaitedForNoLongerThanTheLimit) {
   m_Worker.WaitUntilItWorks();
   EXPECT_FALSE(DrainWorkers(std::chrono::milliseconds(50)));
   m_Worker.LetGo();
+  EXPECT_TRUE(DrainWorkers(std::chrono::seconds(30)));
+  EXPECT_EQ(m_Worker.ends, 1);
+  StopMainLoop();
+}
+
+TEST_F(HostWorkers, HaveTheirEndFunctionRunThoughTheirThreadIsGone) {
+  ASSERT_TRUE(StartMainLoop());
+  m_Worker.Start();
+  m_Worker.LetGo();
+  while (ecore_thread_active_get() > 0) {
+    std::this_thread::yield();
+  }
+  EXPECT_EQ(m_Worker.ends, 0) << "it waits in the main loop's queue";
   EXPECT_TRUE(DrainWorkers(std::chrono::seconds(30)));
   EXPECT_EQ(m_Worker.ends, 1);
   StopMainLoop();
