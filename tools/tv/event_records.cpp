@@ -3,10 +3,8 @@
 
 #include <algorithm>
 #include <array>
-#include <filesystem>
 #include <fstream>
 #include <memory>
-#include <system_error>
 
 #include <json/reader.h>
 
@@ -57,10 +55,9 @@ std::string Print(const std::vector<Row>& rows) {
 
 }  // namespace
 
-EventRecords ReadEventRecords(const std::string& path, std::uint64_t offset) {
+EventRecords ReadEventRecords(const std::string& path) {
   EventRecords events;
   std::ifstream in(path, std::ios::binary);
-  in.seekg(static_cast<std::streamoff>(offset));
   std::string line;
   for (int number = 1; std::getline(in, line); ++number) {
     Json::Value record;
@@ -72,12 +69,6 @@ EventRecords ReadEventRecords(const std::string& path, std::uint64_t offset) {
     }
   }
   return events;
-}
-
-std::uint64_t EventFileSize(const std::string& path) {
-  std::error_code error;
-  const std::uintmax_t size = std::filesystem::file_size(path, error);
-  return error ? 0 : size;
 }
 
 std::string EventTable(const std::vector<Json::Value>& records) {

@@ -1,7 +1,6 @@
 // The records that a virtual television's event-log collector has accepted.
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -14,11 +13,8 @@ struct EventRecords {
   std::vector<std::string> problems;  // lines that were skipped: file, line number, why
 };
 
-// What stands in the file from byte `offset` on; a missing file has no records.
-EventRecords ReadEventRecords(const std::string& path, std::uint64_t offset = 0);
-
-// Size of the file now, 0 when it is missing.
-std::uint64_t EventFileSize(const std::string& path);
+// A missing file has no records.
+EventRecords ReadEventRecords(const std::string& path);
 
 // The records as a table with a heading line; every cell is one line of printable text.
 std::string EventTable(const std::vector<Json::Value>& records);

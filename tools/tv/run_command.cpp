@@ -1,11 +1,12 @@
 // orvex-tv run: one calibration on a virtual television.
-#include <unistd.h>
-
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "tv/commands.h"
 #include "tv/errors.h"
@@ -60,9 +61,16 @@ private:
   std::chrono::steady_clock::time_point m_Start = std::chrono::steady_clock::now();
 };
 
+// Those of this run only: a television that is kept has the records of earlier runs.
+std::vector<Json::Value> EventsSince(const std::string& file, std::size_t countBefore) {
+  std::vector<Json::Value> records = ReadEventRecords(file).records;
+  records.erase(records.begin(), records.begin() + static_cast<std::ptrdiff_t>(std::min(countBefore, records.size())));
+  return records;
+}
+
 int Run(const Arguments& arguments) {
   const RunTelevision television(arguments.television);
-  const std::uint64_t eventsBefore = EventFileSize(television.EventFile());
+  const std::size_t eventsBefore = ReadEventRecords(television.EventFile()).records.size();
   RunSummary summary;
   summary.misalignmentBeforeMs = television.MisalignmentMs();
   Watcher watcher(arguments);
@@ -70,7 +78,7 @@ int Run(const Arguments& arguments) {
                               [&](const std::string& line) { watcher.OnLine(line); });
   summary.report = watcher.Report();
   summary.misalignmentAfterMs = television.MisalignmentMs();
-  summary.events = ReadEventRecords(television.EventFile(), eventsBefore).records;
+  summary.events = EventsSince(television.EventFile(), eventsBefore);
   if (const std::string problem = summary.ending.Problem(); !problem.empty()) {
     std::fprintf(stderr, "orvex-tv: %s\n", problem.c_str());
   }

@@ -55,19 +55,8 @@ TEST(ReadEventRecords, ReadsRecordsInOrderAndSaysWhatItSkipped) {
                           HasSubstr(": line 6: no whole JSON value, skipped")));
 }
 
-TEST(ReadEventRecords, BeginsWhereItIsTold) {
-  const TemporaryFolder folder;
-  const std::string path = folder.Write("events.jsonl", std::string(kStart) + "\n");
-  const std::uint64_t before = EventFileSize(path);
-  folder.Write("events.jsonl", std::string(kStart) + "\n" + kEnd + "\n");
-  const EventRecords events = ReadEventRecords(path, before);
-  ASSERT_EQ(1u, events.records.size());
-  EXPECT_EQ("ORVEXSET", events.records[0]["event"].asString());
-}
-
 TEST(ReadEventRecords, FindsNothingInAMissingFile) {
   const TemporaryFolder folder;
-  EXPECT_EQ(0u, EventFileSize(folder / "events.jsonl"));
   const EventRecords events = ReadEventRecords(folder / "events.jsonl");
   EXPECT_TRUE(events.records.empty() && events.problems.empty());
 }

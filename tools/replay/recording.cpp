@@ -1,0 +1,76 @@
+// Reads debug dumps and WAV files.
+#include "recording.h"
+
+#include <sndfile.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <iterator>
+#include <memory>
+
+#include "Application/OrvexReceiver.h"
+
+namespace orvex::tools {
+namespace {
+
+struct FileCloser {
+  void operator()(std::FILE* file) const { std::fclose(file); }
+};
+
+struct SoundFileCloser {
+  void operator()(SNDFILE* file) const { sf_close(file); }
+};
+
+bool IsWave(const std::vector<std::uint8_t>& bytes) {
+  return bytes.size() >= 12 && std::memcmp(bytes.data(), "RIFF", 4) == 0 &&
+         std::memcmp(bytes.data() + 8, "WAVE", 4) == 0;
+}
+
+std::vector<std::uint8_t> ReadBytes(const std::string& path) {
+  const std::unique_ptr<std::FILE, FileCloser> file(std::fopen(path.c_str(), "rb"));
+  std::vector<std::uint8_t> bytes;
+  std::uint8_t piece[65536];
+  for (std::size_t count = 0; file != nullptr && (count = std::fread(piece, 1, sizeof piece, file.get())) > 0;) {
+    bytes.insert(bytes.end(), piece, piece + count);
+  }
+  if (file == nullptr || std::ferror(file.get()) != 0) {
+    throw RecordingError(path + ": cannot be read: " + std::strerror(errno) + "; expected a debug dump or a WAV file");
+  }
+  return bytes;
+}
+
+Recording ReadWave(const std::string& path) {
+  SF_INFO info{};
+  const std::unique_ptr<SNDFILE, SoundFileCloser> file(sf_open(path.c_str(), SFM_READ, &info));
+  if (file == nullptr) {
+    throw RecordingError(path + ": no usable WAV file: " + sf_strerror(nullptr));
+  }
+  if (info.channels != 1) {
+    throw RecordingError(path + ": " + std::to_string(info.channels) + " channels, expected 1");
+  }
+  Recording recording;
+  if (info.samplerate != static_cast<int>(OrvexReceiver::kSampleRateHz)) {
+    recording.warning = path + ": " + std::to_string(info.samplerate) + " Hz, taken as the remote's " +
+                        std::to_string(static_cast<int>(OrvexReceiver::kSampleRateHz)) + " Hz";
+  }
+  std::int16_t samples[OrvexReceiver::kBlockSamples];
+  for (sf_count_t count = 0; (count = sf_read_short(file.get(), samples, std::size(samples))) > 0;) {
+    for (sf_count_t i = 0; i < count; ++i) {
+      const auto bits = static_cast<std::uint16_t>(samples[i]);
+      recording.bytes.push_back(static_cast<std::uint8_t>(bits & 0xFFU));
+      recording.bytes.push_back(static_cast<std::uint8_t>(bits >> 8U));
+    }
+  }
+  return recording;
+}
+
+}  // namespace
+
+Recording ReadRecording(const std::string& path) {
+  Recording recording;
+  recording.bytes = ReadBytes(path);
+  return IsWave(recording.bytes) ? ReadWave(path) : recording;
+}
+
+}  // namespace orvex::tools

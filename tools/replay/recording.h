@@ -1,0 +1,27 @@
+// A recording to be replayed: a debug dump, raw signed 16-bit little-endian mono samples, or a WAV file of one channel.
+#pragma once
+
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace orvex::tools {
+
+// A file that cannot be replayed. The text names the file, what was found and what was expected.
+class RecordingError : public std::runtime_error {
+public:
+  using std::runtime_error::runtime_error;
+};
+
+// The bytes of the recording's samples as the remote delivers them. A WAV file of another sample format is converted;
+// its rate is taken as the remote's whatever it says, and a rate that is not the remote's is told in `warning`.
+struct Recording {
+  std::vector<std::uint8_t> bytes;
+  std::string warning;
+};
+
+// Throws RecordingError.
+Recording ReadRecording(const std::string& path);
+
+}  // namespace orvex::tools

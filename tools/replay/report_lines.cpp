@@ -1,0 +1,94 @@
+// What the receiver reports about a recording, as JSON objects.
+#include "report_lines.h"
+
+#include <utility>
+
+namespace orvex::tools {
+namespace {
+
+// Blocks over which the receiver takes its ambient mean.
+constexpr std::int32_t kAmbientBlocks = 30;
+constexpr int kDigits = 17;  // enough to read the same double back
+
+std::unique_ptr<Json::StreamWriter> MakeWriter() {
+  Json::StreamWriterBuilder builder;
+  builder["indentation"] = "";
+  builder["precision"] = kDigits;
+  return std::unique_ptr<Json::StreamWriter>(builder.newStreamWriter());
+}
+
+}  // namespace
+
+ReportLines::ReportLines(std::ostream& out, std::string file, bool trace)
+    : m_Out(out), m_File(std::move(file)), m_Trace(trace), m_Writer(MakeWriter()) {}
+
+void ReportLines::OnBlock(std::int32_t buffer, const BlockLevels& levels) {
+  m_Last = levels;
+  if (!m_Trace) {
+    return;
+  }
+  Json::Value members;
+  members["m17000"] = levels.at17000;
+  members["m17500"] = levels.at17500;
+  members["m18000"] = levels.at18000;
+  members["m19000"] = levels.at19000;
+  members["r17"] = levels.ratio17;
+  members["r19"] = levels.ratio19;
+  Write("block", buffer, members);
+}
+
+void ReportLines::OnFirst(std::int32_t buffer, Tone tone) {
+  Write(tone == Tone::k17000Hz ? "first17" : "first19", buffer);
+}
+
+void ReportLines::OnNoisy(std::int32_t buffer, Tone tone, std::int32_t count) {
+  Json::Value members;
+  members["count"] = count;
+  Write(tone == Tone::k17000Hz ? "noisy17" : "noisy19", buffer, members);
+}
+
+void ReportLines::OnResult(std::int32_t buffer, std::int32_t first, std::int32_t second, double differenceS) {
+  Json::Value members;
+  members["first"] = first;
+  members["second"] = second;
+  members["difference_s"] = differenceS;
+  Write("result", buffer, members);
+}
+
+void ReportLines::WriteSummary(ReceiverRig& rig) {
+  const OrvexReceiver& receiver = rig.GetReceiver();
+  Json::Value summary;
+  summary["event"] = "summary";
+  summary["buffers"] = receiver.GetBufferCount();
+  summary["blocks"] = receiver.GetBlockIndex();
+  // Up to the block that ends the ambient phase the last block shows the sums.
+  const bool hasMeans = receiver.GetBlockIndex() > kAmbientBlocks;
+  const double divisor = receiver.GetBlockIndex() == kAmbientBlocks + 1 ? kAmbientBlocks : 1.0;
+  const std::pair<const char*, double> ambient[] = {{"17000", m_Last.ambient17000},
+                                                    {"17500", m_Last.ambient17500},
+                                                    {"18000", m_Last.ambient18000},
+                                                    {"19000", m_Last.ambient19000}};
+  for (const auto& [frequency, level] : ambient) {
+    summary["ambient"][frequency] = hasMeans ? Json::Value(level / divisor) : Json::Value();
+  }
+  summary["difference_s"] = rig.GetDifferenceS();
+  summary["direction"] = receiver.GetDirection();
+  summary["noise_count"] = receiver.GetNoiseCount();
+  WriteObject(summary);
+}
+
+void ReportLines::Write(const char* event, std::int32_t buffer, Json::Value members) {
+  members["event"] = event;
+  members["buffer"] = buffer;
+  WriteObject(std::move(members));
+}
+
+void ReportLines::WriteObject(Json::Value object) {
+  if (!m_File.empty()) {
+    object["file"] = m_File;
+  }
+  m_Writer->write(object, &m_Out);
+  m_Out << '\n';
+}
+
+}  // namespace orvex::tools
