@@ -50,7 +50,7 @@ int VirtualPcm::Create(const char* name, snd_pcm_stream_t direction, int mode) {
   }
   m_Io.version = SND_PCM_IOPLUG_VERSION;
   m_Io.name = "Orvex virtual sound device";
-  m_Io.flags = SND_PCM_IOPLUG_FLAG_MONOTONIC | SND_PCM_IOPLUG_FLAG_BOUNDARY_WA;
+  m_Io.flags = SND_PCM_IOPLUG_FLAG_MONOTONIC;
   m_Io.poll_fd = m_Timer;
   m_Io.poll_events = POLLIN;
   m_Io.callback = &Callbacks();
@@ -98,8 +98,7 @@ int VirtualPcm::SetConstraints() {
 }
 
 int VirtualPcm::TakeSwParams(snd_pcm_sw_params_t* params) {
-  const int result = snd_pcm_sw_params_get_avail_min(params, &m_AvailMin);
-  return result < 0 ? result : snd_pcm_sw_params_get_boundary(params, &m_Boundary);
+  return snd_pcm_sw_params_get_avail_min(params, &m_AvailMin);
 }
 
 void VirtualPcm::Start() {
@@ -133,15 +132,15 @@ snd_pcm_sframes_t VirtualPcm::Pointer() {
   snd_pcm_sframes_t result = 0;
   if (m_Stream.TakeFault(now, fault)) {
     result = Strike(fault);
-  } else if (HasRunDry(now) && m_Io.state != SND_PCM_STATE_DRAINING) {
+  } else if (HasRunDry(now)) {
     m_Stream.Halt(now);
-    result = -EPIPE;
+    result = -EPIPE;  // to libasound an underrun, or the end of a drain
   }
   if (m_IsStalled && m_Io.state == SND_PCM_STATE_DRAINING) {
-    result = -EIO;  // else the program would wait for ever
+    result = -EIO;  // ends the drain, else the program would wait for ever
   }
   SetTimer();
-  return result < 0 ? result : AlsaPosition(now);
+  return result < 0 ? result : PositionInBuffer(now);
 }
 
 snd_pcm_sframes_t VirtualPcm::Strike(PcmFault fault) {
@@ -186,9 +185,10 @@ bool VirtualPcm::HasRunDry(MonotonicTime now) const {
   return m_Stream.GetProgress() == PcmStream::Progress::kPlaying && m_Stream.Position(now) == m_Stream.Written();
 }
 
-snd_pcm_sframes_t VirtualPcm::AlsaPosition(MonotonicTime now) const {
-  const std::uint64_t position = m_Stream.Position(now);
-  return static_cast<snd_pcm_sframes_t>(m_Boundary == 0 ? position : position % m_Boundary);
+// Never a whole buffer ahead of the position before: that buffer would have run dry.
+snd_pcm_sframes_t VirtualPcm::PositionInBuffer(MonotonicTime now) const {
+  const bool isConfigured = m_Io.buffer_size > 0;
+  return isConfigured ? static_cast<snd_pcm_sframes_t>(m_Stream.Position(now) % m_Io.buffer_size) : 0;
 }
 
 // When a program that waits for room, or for the end of a drain, is to look again; empty: not before something is done.
@@ -196,10 +196,8 @@ std::optional<MonotonicTime> VirtualPcm::EndOfWait(MonotonicTime now) const {
   const std::uint64_t needed = m_Stream.Written() + m_AvailMin;
   const std::uint64_t roomAt = needed - std::min<std::uint64_t>(needed, m_Io.buffer_size);
   switch (m_Stream.GetProgress()) {
-    case PcmStream::Progress::kPlaying: {
-      const bool isDraining = m_Io.state == SND_PCM_STATE_DRAINING;
-      return m_Stream.TimeOfPosition(std::min(isDraining ? m_Stream.Written() : roomAt, m_Stream.FaultFrame()));
-    }
+    case PcmStream::Progress::kPlaying:
+      return m_Stream.TimeOfPosition(m_Io.state == SND_PCM_STATE_DRAINING ? m_Stream.Written() : roomAt);
     case PcmStream::Progress::kHalted:
       return m_IsStalled ? std::nullopt : std::optional(now);
     case PcmStream::Progress::kStopped:

@@ -51,7 +51,7 @@ private:
   snd_pcm_sframes_t Transfer(const snd_pcm_channel_area_t* areas, snd_pcm_uframes_t offset, snd_pcm_uframes_t count);
   snd_pcm_sframes_t Strike(PcmFault fault);
   bool HasRunDry(MonotonicTime now) const;
-  snd_pcm_sframes_t AlsaPosition(MonotonicTime now) const;
+  snd_pcm_sframes_t PositionInBuffer(MonotonicTime now) const;
   std::optional<MonotonicTime> EndOfWait(MonotonicTime now) const;
   void SetTimer();
 
@@ -61,7 +61,6 @@ private:
   int m_Timer = -1;
   bool m_IsStalled = false;  // by a fault, until the stream is stopped or prepared
   snd_pcm_uframes_t m_AvailMin = 1;
-  snd_pcm_uframes_t m_Boundary = 0;  // libasound's positions wrap here
 };
 
 }  // namespace orvex::host

@@ -74,6 +74,28 @@ TEST_F(HostPcmDevice, DrainsAFullBufferToItsEnd) {
   EXPECT_EQ(snd_pcm_state(Pcm()), SND_PCM_STATE_SETUP);
 }
 
+TEST_F(HostPcmDevice, ADrainThatDoesNotBlockWakesItsWaiterAtTheEnd) {
+  ASSERT_EQ(m_Player->Write(PcmPlayer::Silence(4915)), 4915);
+  ASSERT_EQ(snd_pcm_nonblock(Pcm(), 1), 0);
+  pollfd descriptor{};
+  ASSERT_EQ(snd_pcm_poll_descriptors(Pcm(), &descriptor, 1), 1);
+  int waits = 0;
+  while (snd_pcm_drain(Pcm()) == -EAGAIN && waits < 1000) {
+    ASSERT_EQ(::poll(&descriptor, 1, 10000), 1);
+    ++waits;
+  }
+  EXPECT_LE(waits, 1);
+  EXPECT_EQ(snd_pcm_state(Pcm()), SND_PCM_STATE_SETUP);
+}
+
+TEST_F(HostPcmDevice, TellsItsStatusBeforeItIsConfigured) {
+  m_Player.emplace();
+  snd_pcm_status_t* status = nullptr;
+  snd_pcm_status_alloca(&status);
+  ASSERT_EQ(snd_pcm_status(Pcm(), status), 0);
+  EXPECT_EQ(snd_pcm_status_get_state(status), SND_PCM_STATE_OPEN);
+}
+
 TEST_F(HostPcmDevice, PlaysAgainAfterADrop) {
   ASSERT_EQ(m_Player->WriteThrough(PcmPlayer::Silence(6000)), 6000);
   ASSERT_EQ(snd_pcm_drop(Pcm()), 0);

@@ -69,7 +69,6 @@ protected:
     return hearing;
   }
 
-private:
   template <typename Deed>
   static Span Timed(const Deed& deed) {
     const MonotonicTime before = MonotonicNow();
@@ -102,6 +101,27 @@ TEST_F(HostPcmRoom, AMutedSpeakerIsNotHeard) {
   const Hearing hearing = Listen(Click(true, false));
   EXPECT_EQ(std::count(hearing.samples.begin(), hearing.samples.end(), 0),
             static_cast<std::ptrdiff_t>(hearing.samples.size()));
+}
+
+// A recording that began anew would lack what was heard between the last block and the second start.
+TEST_F(HostPcmRoom, AStartWhileSendingKeepsTheRecording) {
+  Write("room.json", kDryRoom);
+  VoiceRecorder recorder;
+  ASSERT_EQ(recorder.Register(), 0);
+  const Span start = Timed([] { EXPECT_EQ(StartVoice(), 0); });
+  ASSERT_TRUE(recorder.WaitForBlocks(3));
+  ASSERT_EQ(StartVoice(), 0);
+  const MonotonicTime click = MonotonicNow() + std::chrono::milliseconds(50);
+  const std::int16_t frame[] = {30000, 0};
+  LivingRoom::Instance().Play(click, frame, 1);
+  const std::size_t needed = recorder.Blocks().size() + 15;  // 247 ms
+  ASSERT_TRUE(recorder.WaitForBlocks(needed));
+  recorder.Unregister();
+  const auto samples = recorder.Samples();
+  const auto loudest = static_cast<double>(LoudestSample(samples, 0, samples.size()));
+  const double way = 0.050 * kMicrophoneRateHz;
+  EXPECT_GE(loudest, SamplesIn(click - start.latest) + way - 1.0);
+  EXPECT_LE(loudest, SamplesIn(click - start.earliest) + way + 1.0);
 }
 
 TEST_F(HostPcmRoom, FramesThatADropCutsOffAreNotHeard) {
