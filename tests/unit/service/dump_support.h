@@ -17,6 +17,14 @@ struct DumpFiles {
   std::string results;
 };
 
+// Names of this process' files.
+inline std::string AudioName(int recording) {
+  return "/tmp/audio_dump_" + std::to_string(getpid()) + "_" + std::to_string(recording);
+}
+inline std::string ResultName(int recording) {
+  return "/tmp/audio_result_" + std::to_string(getpid()) + "_" + std::to_string(recording) + ".csv";
+}
+
 // The whole content of a file; "(no file)" when there is none.
 inline std::string ContentOf(const std::string& name) {
   std::ifstream in(name, std::ios::binary);

@@ -1,0 +1,93 @@
+// The process-wide dump: hands everything to its writer, and says so when there is none.
+#include "Util/DebugDump.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <utility>
+
+#include "Util/Singleton.h"
+#include "dump_support.h"
+#include "world.h"
+
+namespace {
+
+using orvex::service_tests::ContentOf;
+using orvex::service_tests::DumpedRecordings;
+using orvex::world::World;
+using testing::ElementsAre;
+using testing::InSequence;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+class MockWriter : public IDebugDumpImpl {
+public:
+  ~MockWriter() override { Die(); }
+  MOCK_METHOD(void, Start, (), (override));
+  MOCK_METHOD(void, Stop, (), (override));
+  MOCK_METHOD(void, DebugDump, (const std::string& text), (override));
+  MOCK_METHOD(void, DebugDump, (const void* data, std::size_t size), (override));
+  MOCK_METHOD(void, Die, ());
+};
+
+TEST(DebugDump, HandsEverythingToItsWriterAndOwnsIt) {
+  World world;
+  auto writer = std::make_unique<testing::StrictMock<MockWriter>>();
+  const char data[] = {1, 2, 3};
+  const std::string text("line\n\0more", 10);
+  const InSequence inThisOrder;
+  EXPECT_CALL(*writer, Start());
+  EXPECT_CALL(*writer, DebugDump(text));
+  EXPECT_CALL(*writer, DebugDump(static_cast<const void*>(data), 3U));
+  EXPECT_CALL(*writer, Stop());
+  EXPECT_CALL(*writer, Die());
+  {
+    CDebugDump dump(std::move(writer));
+    dump.Start();
+    dump.DebugDump(text);
+    dump.DebugDump(data, sizeof data);
+    dump.Stop();
+  }
+  EXPECT_THAT(world.journal.Texts(), IsEmpty());
+}
+
+TEST(DebugDump, WithoutAWriterEveryOperationIsAFailedAssertion) {
+  World world;
+  CDebugDump dump(nullptr);
+  dump.Start();
+  EXPECT_THAT(world.journal.Texts(), ElementsAre("E2 Assertion failed"));
+  dump.DebugDump(std::string("text"));
+  EXPECT_EQ(world.journal.Count("E2 Assertion failed"), 2);
+  dump.DebugDump("data", 4);
+  EXPECT_EQ(world.journal.Count("E2 Assertion failed"), 3);
+  dump.Stop();
+  EXPECT_EQ(world.journal.Count("E2 Assertion failed"), 4);
+  EXPECT_EQ(world.journal.Entries().size(), 4U);
+}
+
+TEST(DebugDump, WritesFilesUnlessItIsToldOtherwise) {
+  DumpedRecordings recordings;
+  World world;
+  CDebugDump dump;
+  dump.Start();
+  dump.DebugDump(std::string("result\n"));
+  dump.DebugDump("audio", 5);
+  dump.Stop();
+  EXPECT_THAT(world.journal.Texts(),
+              ElementsAre("I0 CDebugDumpImplFile start", StartsWith("E0 Temp file name=[/tmp/audio_dump_"),
+                          "I0 CDebugDumpImplFile Stop"));
+  recordings.Note(world.journal);
+  EXPECT_EQ(ContentOf(recordings.Last().results), "result\n");
+  EXPECT_EQ(ContentOf(recordings.Last().audio), "audio");
+}
+
+TEST(DebugDump, IsOneForTheProcess) {
+  World world;
+  CDebugDump* dump = CSingleton<CDebugDump>::GetInstance();
+  ASSERT_NE(dump, nullptr);
+  EXPECT_EQ(CSingleton<CDebugDump>::GetInstance(), dump);
+  EXPECT_LE(world.journal.Count("I0 [singleton] new instance"), 1);
+}
+
+}  // namespace
