@@ -9,6 +9,8 @@ namespace orvex::host {
 using MonotonicTime = std::chrono::nanoseconds;
 
 // The standard library's steady clock is CLOCK_MONOTONIC.
-inline MonotonicTime MonotonicNow() { return std::chrono::steady_clock::now().time_since_epoch(); }
+inline MonotonicTime MonotonicNow() {
+  return std::chrono::steady_clock::now().time_since_epoch();
+}
 
 }  // namespace orvex::host
