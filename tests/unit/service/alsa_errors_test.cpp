@@ -4,38 +4,14 @@
 
 #include <cerrno>
 
-#include "Common/AlsaAudio.h"
-#include "sound_support.h"
+#include "two_chunks_support.h"
 
 namespace {
 
 using namespace orvex::world;
-using testing::ElementsAre;
 using testing::ElementsAreArray;
 
-// Two chunks of 32 frames on the small device; what the first meets, and what becomes of the second.
-class AlsaErrors : public testing::Test {
-protected:
-  AlsaErrors() {
-    world.pcmLimits = SmallDevice();
-    audio.Open();
-  }
-
-  Texts Play() {
-    return LinesOf(world, [this] { audio.Play(sound.data(), 256); });
-  }
-  static Texts FirstChunk(const Texts& lines) {
-    return Concat({PlayBegins(), ChunkIsCopied(0, 256, 128), DeviceIsPrepared(), WritingBegins(32), lines});
-  }
-  static Texts SecondChunk() { return Concat({ChunkIsCopied(128, 128, 128), ChunkIsWritten(32)}); }
-  static Texts SecondChunkAfterPrepare() {
-    return Concat({ChunkIsCopied(128, 128, 128), DeviceIsPrepared(), ChunkIsWritten(32)});
-  }
-
-  World world;
-  AlsaAudio audio;
-  const std::vector<std::uint8_t> sound = Sound(256);
-};
+using AlsaErrors = TwoChunks;
 
 TEST_F(AlsaErrors, AChunkForWhichTheDeviceCannotBePreparedIsSkipped) {
   world.answers.Next("snd_pcm_prepare", {-EBUSY});
@@ -138,90 +114,6 @@ TEST_F(AlsaErrors, AnUnderrunThatCannotBeRecoveredDropsAndPreparesAnew) {
                                   SecondChunkAfterPrepare()})));
 }
 
-// What a suspended device answers to resume and recover, and the lines from there to the second chunk.
-struct Suspension {
-  const char* name;
-  std::vector<long> resumes;
-  std::vector<long> recovers;
-  Texts lines;
-  int pausesS;
-  bool isDropped;
-};
-
-void PrintTo(const Suspension& suspension, std::ostream* out) {
-  *out << suspension.name;
-}
-
-std::string NameOf(const testing::TestParamInfo<Suspension>& info) {
-  return info.param.name;
-}
-
-class AlsaSuspend : public AlsaErrors, public testing::WithParamInterface<Suspension> {};
-
-TEST_P(AlsaSuspend, CostsTheRestOfItsChunkOnly) {
-  const Suspension& suspension = GetParam();
-  world.answers.Next("snd_pcm_writei", {12, -ESTRPIPE});
-  world.answers.Next("snd_pcm_resume", suspension.resumes);
-  world.answers.Next("snd_pcm_recover", suspension.recovers);
-  const Time begin = world.scheduler.Now();
-  EXPECT_THAT(Play(), ElementsAreArray(Concat({FirstChunk(WriteOf(32, 12)),
-                                               WriteOf(20, -86),
-                                               {"E2 write error: read_size:20, cnt:-86, why:Streams pipe error"},
-                                               suspension.lines,
-                                               suspension.isDropped ? SecondChunkAfterPrepare() : SecondChunk()})));
-  std::vector<std::int16_t> expected = SamplesIn(sound, 0, 48);
-  const std::vector<std::int16_t> second = SamplesIn(sound, 128, 256);
-  expected.insert(expected.end(), second.begin(), second.end());
-  EXPECT_EQ(world.samplesTaken, expected);
-  EXPECT_EQ(std::chrono::duration_cast<std::chrono::seconds>(world.scheduler.Now() - begin).count(),
-            suspension.pausesS);
-}
-
-const Texts kDrop = {"E2 write error: drop...", "> snd_pcm_drop() = 0"};
-const Texts kAgain = {"> snd_pcm_resume() = -11", "> sleep(1)"};
-
-INSTANTIATE_TEST_SUITE_P(
-    , AlsaSuspend,
-    testing::Values(Suspension{"ResumesAtOnce", {}, {}, {"> snd_pcm_resume() = 0"}, 0, false},
-                    Suspension{"ResumesWithAPositiveAnswer", {1}, {}, {"> snd_pcm_resume() = 1"}, 0, false},
-                    Suspension{"ResumesAfterThreePauses",
-                               {-EAGAIN, -EAGAIN, -EAGAIN},
-                               {},
-                               Concat({kAgain, kAgain, kAgain, {"> snd_pcm_resume() = 0"}}),
-                               3,
-                               false},
-                    Suspension{"CannotResumeButRecovers",
-                               {-ENOSYS},
-                               {0},
-                               {"> snd_pcm_resume() = -38", "> snd_pcm_recover(-38, 0) = 0"},
-                               0,
-                               false},
-                    Suspension{"RecoversWithAPositiveAnswer",
-                               {-ENOSYS},
-                               {1},
-                               {"> snd_pcm_resume() = -38", "> snd_pcm_recover(-38, 0) = 1"},
-                               0,
-                               false},
-                    Suspension{"RecoversFromWhatResumeAnsweredLast",
-                               {-EAGAIN, -EAGAIN, -EPIPE},
-                               {},
-                               Concat({kAgain, kAgain, {"> snd_pcm_resume() = -32", "> snd_pcm_recover(-32, 0) = 0"}}),
-                               2,
-                               false},
-                    Suspension{"CannotResumeAndIsDropped",
-                               {-ENOSYS},
-                               {},
-                               Concat({{"> snd_pcm_resume() = -38", "> snd_pcm_recover(-38, 0) = -38"}, kDrop}),
-                               0,
-                               true},
-                    Suspension{"CannotResumeAfterAPauseAndIsDropped",
-                               {-EAGAIN, -EIO},
-                               {},
-                               Concat({kAgain, {"> snd_pcm_resume() = -5", "> snd_pcm_recover(-5, 0) = -5"}, kDrop}),
-                               1,
-                               true}),
-    NameOf);
-
 // An error that nothing is known against.
 struct OtherError {
   long error;
@@ -241,7 +133,7 @@ TEST_F(AlsaErrors, AnyOtherErrorDropsAndPreparesAnew) {
     EXPECT_THAT(Play(), ElementsAreArray(Concat({FirstChunk(WriteOf(32, 12)),
                                                  WriteOf(20, static_cast<int>(other.error)),
                                                  {"E2 write error: read_size:20, cnt:" + error + ", why:" + other.text},
-                                                 kDrop,
+                                                 DeviceIsDropped(),
                                                  SecondChunkAfterPrepare()})));
     EXPECT_EQ(world.samplesTaken.size(), 24U + 64U);
   }

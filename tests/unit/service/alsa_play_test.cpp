@@ -2,7 +2,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <set>
 
 #include "Common/AlsaAudio.h"
 #include "sound_support.h"
@@ -106,6 +108,20 @@ TEST_F(AlsaPlay, WithoutMemoryForAChunkIsRefused) {
   world.answers.Next("malloc", {0});
   EXPECT_THAT(Play(Sound(128)), ElementsAreArray(Concat({PlayBegins(), {"E2 Assertion failed"}})));
   EXPECT_THAT(world.samplesTaken, ElementsAre());
+}
+
+TEST_F(AlsaPlay, AsksForMemoryOnceAndGivesItBack) {
+  audio.Open();
+  const std::set<void*> before = world.openBlocks;
+  std::size_t atMost = 0;
+  world.onCall = [&](const std::string&) { atMost = std::max(atMost, world.openBlocks.size() - before.size()); };
+  world.answers.OnCall("malloc", 2, 0);
+  const std::vector<std::uint8_t> sound = Sound(128 * 5);
+  Play(sound);
+  world.onCall = nullptr;
+  EXPECT_EQ(world.samplesTaken, SamplesIn(sound));
+  EXPECT_EQ(atMost, 1U);
+  EXPECT_EQ(world.openBlocks, before);
 }
 
 TEST_F(AlsaPlay, GoesOnBehindWhatAShortWriteHasTaken) {

@@ -1,0 +1,240 @@
+// Playing the test sound: the worker, its end, and who is called when.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cerrno>
+
+#include "player_support.h"
+
+namespace {
+
+using namespace orvex::world;
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+using testing::IsEmpty;
+
+using Player = PlayerFixture;
+
+TEST_F(Player, OpensTheDeviceAndStartsAWorker) {
+  const Texts lines = PlayWave();
+  EXPECT_TRUE(started);
+  ASSERT_GE(lines.size(), 3U);
+  EXPECT_EQ(lines[0], "I0 start Player ");
+  EXPECT_EQ(lines[1], "> snd_pcm_open(\"hw:0,8\", playback, 0) = 0");
+  EXPECT_THAT(From(lines, "I0 frame size =  4"), ElementsAre("I0 frame size =  4", "> ecore_thread_run()"));
+}
+
+TEST_F(Player, PlaysTheFileOnceThenCallsItsOwnerAndClosesTheDevice) {
+  PlayWave();
+  EXPECT_THAT(Rest(),
+              ElementsAreArray(Concat({LoadingBegins(), {"I0 buffer length 256"}, SoundIsWritten(), PlayEnds()})));
+  EXPECT_EQ(world.samplesTaken, SamplesIn(sound));
+}
+
+TEST_F(Player, LoadsAndWritesOnTheWorkerAndCallsBackOnTheMainLoop) {
+  PlayWave();
+  Rest();
+  for (const char* text : {"I0 m_StartPlay", "I0 ", "I0 buffer length 256", "> snd_pcm_writei(32) = 32"}) {
+    EXPECT_EQ(world.journal.Find(text).thread, "worker") << text;
+  }
+  for (const char* text : {"I0 m_EndPlayerCB", "> end callback", "> snd_pcm_close() = 0"}) {
+    EXPECT_EQ(world.journal.Find(text).thread, "main") << text;
+  }
+}
+
+TEST_F(Player, ThatStopsWhileWritingPlaysToTheEndFirst) {
+  world.pcmLimits = {};
+  const Bytes longSound = Sound(2 * 48000 * 4);
+  file.Write(WaveOf(longSound));
+  PlayWave();
+  world.AdvanceMs(300);
+  EXPECT_THAT(StopWave(), ElementsAre("I0 cancel_thread", "> ecore_thread_cancel()"));
+  world.AdvanceMs(1500);
+  EXPECT_FALSE(world.journal.Has("I0 m_CancelPlayCB"));
+  world.AdvanceMs(300);
+  EXPECT_EQ(world.samplesTaken, SamplesIn(longSound));
+  EXPECT_THAT(From(world.journal.Texts(), "I0 m_CancelPlayCB"),
+              ElementsAreArray(Concat({{"I0 m_CancelPlayCB"}, DeviceIsClosed(), {"> cancel callback"}})));
+  EXPECT_FALSE(world.journal.Has("I0 m_EndPlayerCB"));
+  EXPECT_EQ(world.journal.Find("> cancel callback").thread, "main");
+}
+
+// What the owner and the device see of the samples.
+class PlayerSamples : public Player {
+protected:
+  PlayerSamples() {
+    world.onCall = [this](const std::string& call) {
+      if (call == "end callback" || call == "cancel callback" || call == "snd_pcm_close() = 0") {
+        sights.push_back(call + (SamplesAreHeld() ? ", samples held" : ", samples free"));
+      }
+    };
+  }
+  ~PlayerSamples() override { world.onCall = nullptr; }
+  PlayerSamples(const PlayerSamples&) = delete;
+  PlayerSamples& operator=(const PlayerSamples&) = delete;
+
+  Texts sights;
+};
+
+TEST_F(PlayerSamples, AreFreedBeforeTheOwnerIsCalledAtTheEnd) {
+  PlayWave();
+  Rest();
+  EXPECT_THAT(sights, ElementsAre("end callback, samples free", "snd_pcm_close() = 0, samples free"));
+}
+
+TEST_F(PlayerSamples, AreFreedBetweenDeviceAndOwnerAfterACancel) {
+  PlayWave();
+  StopWave();
+  Rest();
+  EXPECT_THAT(sights, ElementsAre("snd_pcm_close() = 0, samples held", "cancel callback, samples free"));
+}
+
+TEST_F(Player, ThatStopsWithoutAWorkerClosesTheDevice) {
+  EXPECT_THAT(StopWave(), ElementsAreArray(Concat({{"E2 already thread stop"}, ClosedDeviceIsLeft()})));
+}
+
+TEST_F(Player, ThatStopsTwiceHasNoWorkerTheSecondTime) {
+  PlayWave();
+  StopWave();
+  Rest();
+  EXPECT_THAT(StopWave(), ElementsAreArray(Concat({{"E2 already thread stop"}, ClosedDeviceIsLeft()})));
+}
+
+TEST_F(Player, ThatStopsAfterANormalEndCancelsAFinishedWorkerWithoutEffect) {
+  PlayWave();
+  Rest();
+  EXPECT_THAT(StopWave(), ElementsAre("I0 cancel_thread", "> ecore_thread_cancel()"));
+  EXPECT_THAT(Rest(), IsEmpty());
+  EXPECT_THAT(StopWave(), ElementsAreArray(Concat({{"E2 already thread stop"}, ClosedDeviceIsLeft()})));
+}
+
+TEST_F(Player, ThatCannotOpenTheDeviceSaysSoAndStartsNoWorker) {
+  world.answers.Next("snd_pcm_open", {-EBUSY});
+  EXPECT_THAT(PlayWave(),
+              ElementsAre("I0 start Player ", "> snd_pcm_open(\"hw:0,8\", playback, 0) = -16", "E2 Assertion failed"));
+  EXPECT_FALSE(started);
+  EXPECT_THAT(Rest(), IsEmpty());
+}
+
+TEST_F(Player, WhoseWorkerCannotStartCountsAsStartedAndCallsNobody) {
+  world.answers.Next("ecore_thread_run", {0});
+  EXPECT_THAT(From(PlayWave(), "> ecore_thread_run()"), ElementsAre("> ecore_thread_run()", "E2 Assertion failed"));
+  EXPECT_TRUE(started);
+  EXPECT_THAT(Rest(), IsEmpty());
+}
+
+TEST_F(Player, WhoseWorkerCouldNotStartClosesTheDeviceWhenStopped) {
+  world.answers.Next("ecore_thread_run", {0});
+  PlayWave();
+  EXPECT_THAT(StopWave(), ElementsAreArray(Concat({{"E2 already thread stop"}, DeviceIsClosed()})));
+}
+
+TEST_F(Player, WhoseWorkerCouldNotStartPlaysOnTheOpenDeviceNextTime) {
+  world.answers.Next("ecore_thread_run", {0});
+  PlayWave();
+  EXPECT_THAT(PlayWave(), ElementsAre("I0 start Player ", "W0 alsa device alreay open", "> ecore_thread_run()"));
+  EXPECT_TRUE(started);
+  Rest();
+  EXPECT_EQ(world.samplesTaken, SamplesIn(sound));
+}
+
+TEST_F(Player, PlaysAgainAfterANormalEndAndNotesTheFinishedWorker) {
+  PlayWave();
+  Rest();
+  world.samplesTaken.clear();
+  const Texts lines = PlayWave();
+  ASSERT_GE(lines.size(), 3U);
+  EXPECT_EQ(lines[0], "I0 m_PlayerThread already Started");
+  EXPECT_EQ(lines[1], "I0 start Player ");
+  EXPECT_EQ(lines[2], "> snd_pcm_open(\"hw:0,8\", playback, 0) = 0");
+  EXPECT_THAT(Rest(),
+              ElementsAreArray(Concat({LoadingBegins(), {"I0 buffer length 256"}, SoundIsWritten(), PlayEnds()})));
+  EXPECT_EQ(world.samplesTaken, SamplesIn(sound));
+}
+
+TEST_F(Player, PlaysAgainAfterACancelAsIfForTheFirstTime) {
+  const Texts first = PlayWave();
+  StopWave();
+  Rest();
+  EXPECT_THAT(PlayWave(), ElementsAreArray(first));
+  EXPECT_THAT(Rest(),
+              ElementsAreArray(Concat({LoadingBegins(), {"I0 buffer length 256"}, SoundIsWritten(), PlayEnds()})));
+}
+
+TEST_F(Player, ThatCannotOpenTheDeviceAgainStillNotesTheFinishedWorker) {
+  PlayWave();
+  Rest();
+  world.answers.Next("snd_pcm_open", {-EBUSY});
+  EXPECT_THAT(PlayWave(), ElementsAre("I0 m_PlayerThread already Started", "I0 start Player ",
+                                      "> snd_pcm_open(\"hw:0,8\", playback, 0) = -16", "E2 Assertion failed"));
+  EXPECT_FALSE(started);
+}
+
+TEST_F(Player, WithNobodyToCallEndsAndCancelsAllTheSame) {
+  player->Prepare("/res/sound/test.wav", nullptr, nullptr, nullptr);
+  PlayWave();
+  EXPECT_THAT(From(Rest(), "I0 m_EndPlayerCB"), ElementsAreArray(Concat({{"I0 m_EndPlayerCB"}, DeviceIsClosed()})));
+  PlayWave();
+  StopWave();
+  EXPECT_THAT(From(Rest(), "I0 m_CancelPlayCB"), ElementsAreArray(Concat({{"I0 m_CancelPlayCB"}, DeviceIsClosed()})));
+}
+
+TEST_F(Player, WhoseWorkerIsCalledWithoutAPlayerRefuses) {
+  PlayWave();
+  Rest();
+  const PoolJob& job = world.poolJobs.front();
+  EXPECT_THAT(LinesOf(world, [&] { job.body(nullptr, nullptr); }),
+              ElementsAre("I0 m_StartPlay", "E2 Assertion failed"));
+  EXPECT_THAT(LinesOf(world, [&] { job.end(nullptr, nullptr); }),
+              ElementsAre("I0 m_EndPlayerCB", "E2 Assertion failed"));
+  EXPECT_THAT(LinesOf(world, [&] { job.cancel(nullptr, nullptr); }),
+              ElementsAre("I0 m_CancelPlayCB", "E2 Assertion failed"));
+}
+
+// The worker's body runs twice before its end function: the file may say what it likes by then.
+TEST_F(Player, ThatHoldsSamplesPlaysThemAgainWithoutLoading) {
+  PlayWave();
+  Rest();
+  const PoolJob job = world.poolJobs.front();
+  world.answers.Next("ecore_thread_run", {0});
+  PlayWave();
+  job.body(player.get(), nullptr);
+  file.Write(WaveOf(Sound(4)));
+  world.samplesTaken.clear();
+  EXPECT_THAT(LinesOf(world, [&] { job.body(player.get(), nullptr); }),
+              ElementsAreArray(Concat({{"I0 m_StartPlay", "I0 ", "E2 audio data is not null"},
+                                       PlayBegins(),
+                                       ChunkIsCopied(0, 256, 128),
+                                       ChunkIsWritten(32),
+                                       ChunkIsCopied(128, 128, 128),
+                                       ChunkIsWritten(32)})));
+  EXPECT_EQ(world.samplesTaken, SamplesIn(sound));
+  EXPECT_TRUE(SamplesAreHeld());
+  job.end(player.get(), nullptr);
+  EXPECT_FALSE(SamplesAreHeld());
+}
+
+TEST_F(Player, ThatNeverPlayedEndsWithAClosedDevice) {
+  EXPECT_THAT(LinesOf(world, [this] { player.reset(); }),
+              ElementsAreArray(Concat(
+                  {{"E2 already thread stop"}, ClosedDeviceIsLeft(), ClosedDeviceIsLeft(), ClosedDeviceIsLeft()})));
+}
+
+TEST_F(Player, WithAnOpenDeviceClosesItOnceAtItsOwnEnd) {
+  world.answers.Next("ecore_thread_run", {0});
+  PlayWave();
+  EXPECT_THAT(LinesOf(world, [this] { player.reset(); }),
+              ElementsAreArray(
+                  Concat({{"E2 already thread stop"}, DeviceIsClosed(), ClosedDeviceIsLeft(), ClosedDeviceIsLeft()})));
+}
+
+TEST_F(Player, ThatHasPlayedCancelsItsFinishedWorkerAtItsOwnEnd) {
+  PlayWave();
+  Rest();
+  EXPECT_THAT(LinesOf(world, [this] { player.reset(); }),
+              ElementsAreArray(Concat(
+                  {{"I0 cancel_thread", "> ecore_thread_cancel()"}, ClosedDeviceIsLeft(), ClosedDeviceIsLeft()})));
+  EXPECT_THAT(Rest(), IsEmpty());
+}
+
+}  // namespace
