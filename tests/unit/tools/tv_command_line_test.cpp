@@ -1,0 +1,151 @@
+// orvex-tv as it is called: what it prints and its exit codes.
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <json/reader.h>
+
+#include "temporary_folder.h"
+#include "tv/command_line.h"
+
+namespace orvex::tools {
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+
+struct Outcome {
+  int exitCode;
+  std::string out;
+  std::string error;
+};
+
+Outcome Call(std::vector<const char*> arguments) {
+  arguments.insert(arguments.begin(), "orvex-tv");
+  testing::internal::CaptureStdout();
+  testing::internal::CaptureStderr();
+  Outcome outcome{RunCommandLine(static_cast<int>(arguments.size()), arguments.data()), "", ""};
+  outcome.out = testing::internal::GetCapturedStdout();
+  outcome.error = testing::internal::GetCapturedStderr();
+  return outcome;
+}
+
+class CommandLine : public testing::Test {
+protected:
+  // A service of `lines` shell commands.
+  std::string Service(const std::string& lines) const {
+    const std::string path = m_Folder.Write("service", "#!/bin/sh\n" + lines);
+    std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+    return path;
+  }
+
+  const TemporaryFolder m_Folder;
+  const std::string m_Tv = m_Folder / "tv";
+};
+
+TEST_F(CommandLine, SetsAndGetsAValueByItsShortName) {
+  EXPECT_EQ(0, Call({"set", "--tv", m_Tv.c_str(), "delay", "120"}).exitCode);
+  const Outcome get = Call({"get", "--tv", m_Tv.c_str(), "delay/spdif"});
+  EXPECT_EQ(0, get.exitCode);
+  EXPECT_EQ("120\n", get.out);
+}
+
+TEST_F(CommandLine, RefusesUnknownNamesAndBadValues) {
+  const Outcome name = Call({"get", "--tv", m_Tv.c_str(), "colour"});
+  EXPECT_EQ(2, name.exitCode);
+  EXPECT_THAT(name.error, AllOf(HasSubstr("\"colour\""), HasSubstr("delay/spdif")));
+  const Outcome value = Call({"set", "--tv", m_Tv.c_str(), "mute", "2"});
+  EXPECT_EQ(2, value.exitCode);
+  EXPECT_THAT(value.error, AllOf(HasSubstr("sound/mute: \"2\""), HasSubstr("an integer from 0 to 1")));
+}
+
+TEST_F(CommandLine, SaysWhenThereIsNoSuchTelevision) {
+  const Outcome get = Call({"get", "--tv", m_Tv.c_str(), "delay"});
+  EXPECT_EQ(1, get.exitCode);
+  EXPECT_THAT(get.error, HasSubstr(m_Tv + "/delay/spdif does not exist"));
+  EXPECT_FALSE(std::filesystem::exists(m_Tv));
+}
+
+TEST_F(CommandLine, ListsEveryValueWithItsMeaning) {
+  Call({"set", "--tv", m_Tv.c_str(), "delay", "77"});
+  std::filesystem::remove(m_Tv + "/tv/brand");
+  m_Folder.Write("tv/sound/volume", "loud\n");
+  const Outcome list = Call({"list", "--tv", m_Tv.c_str()});
+  EXPECT_EQ(0, list.exitCode);
+  EXPECT_THAT(list.out, testing::ContainsRegex("delay/spdif +77 ms +0\\.\\.4294967295 +delay of the optical output"));
+  EXPECT_THAT(list.out, testing::ContainsRegex("tv/brand +\\(missing\\)"));
+  EXPECT_THAT(list.out, testing::ContainsRegex("sound/volume +\\(unreadable\\)"));
+}
+
+TEST_F(CommandLine, PrintsRecordsAndComplainsAboutTheOthers) {
+  Call({"set", "--tv", m_Tv.c_str(), "delay", "77"});
+  m_Folder.Write("tv/events.jsonl", "{\"event\":\"ORVEXENV\"}\n{\"eve");
+  const Outcome events = Call({"events", "--tv", m_Tv.c_str()});
+  EXPECT_EQ(0, events.exitCode);
+  EXPECT_THAT(events.out, HasSubstr("ORVEXENV"));
+  EXPECT_THAT(events.error, HasSubstr("line 2: no whole JSON value, skipped"));
+}
+
+TEST_F(CommandLine, SaysThatNoServiceListens) {
+  const Outcome send = Call({"send", "--tv", m_Tv.c_str(), "{}"});
+  EXPECT_EQ(1, send.exitCode);
+  EXPECT_THAT(send.error, HasSubstr("messages.sock: no service listens"));
+}
+
+TEST_F(CommandLine, ExplainsItselfAndRefusesWhatItDoesNotKnow) {
+  EXPECT_EQ(0, Call({"--help"}).exitCode);
+  EXPECT_EQ(0, Call({"run", "--help"}).exitCode);
+  EXPECT_EQ(2, Call({}).exitCode);
+  EXPECT_EQ(2, Call({"dance"}).exitCode);
+  EXPECT_EQ(2, Call({"run", "--base-delay", "-1"}).exitCode);
+  EXPECT_EQ(2, Call({"run", "--base-delay", "4294967296"}).exitCode);
+}
+
+TEST_F(CommandLine, PrintsOneObjectOfARunWithTheRecordsOfThisRunOnly) {
+  Call({"set", "--tv", m_Tv.c_str(), "delay", "100"});
+  m_Folder.Write("tv/events.jsonl", "{\"event\":\"BEFORE\"}\n");
+  const std::string service = Service(
+      "echo 'A.cpp: f(1) > ORVEX_START_SYNC'; echo 'A.cpp: f(1) > avoc delay = 100'\n"
+      "echo 'A.cpp: f(1) > diff time = 0.0400'; echo 'A.cpp: f(1) > after delay = 60'\n"
+      "echo 60 >$ORVEX_TV/delay/spdif; echo '{\"event\":\"ORVEXSET\"}' >>$ORVEX_TV/events.jsonl\n");
+  const Outcome run = Call({"run", "--json", "--tv", m_Tv.c_str(), "--service", service.c_str()});
+  EXPECT_EQ(0, run.exitCode) << run.error;
+  Json::Value json;
+  const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
+  ASSERT_TRUE(reader->parse(run.out.data(), run.out.data() + run.out.size(), &json, nullptr)) << run.out;
+  EXPECT_EQ("done", json["terminate"].asString());
+  EXPECT_DOUBLE_EQ(40.0, json["misalignment_before_ms"].asDouble());
+  EXPECT_DOUBLE_EQ(0.0, json["misalignment_after_ms"].asDouble());
+  ASSERT_EQ(1u, json["events"].size());
+  EXPECT_EQ("ORVEXSET", json["events"][0]["event"].asString());
+}
+
+TEST_F(CommandLine, FailsWhenTheRunDoesNotEndDoneOrInOrder) {
+  const auto run = [&](const std::string& lines) {
+    const std::string service = Service(lines);
+    return Call({"run", "--service", service.c_str()});
+  };
+  EXPECT_EQ(1, run("echo 'A.cpp: f(1) > no_diff_detected!!'\n").exitCode);
+  const Outcome crashed = run("echo 'A.cpp: f(1) > after delay = 60'; kill -ABRT $$\n");
+  EXPECT_EQ(1, crashed.exitCode);
+  EXPECT_THAT(crashed.error, HasSubstr("the service was ended by signal 6"));
+  const Outcome missing = Call({"run", "--json", "--service", "/nonexistent/service"});
+  EXPECT_EQ(1, missing.exitCode);
+  EXPECT_THAT(missing.error, HasSubstr("/nonexistent/service cannot be started"));
+  EXPECT_THAT(missing.out, HasSubstr("\"exit_code\" : null"));
+}
+
+TEST_F(CommandLine, ShowsTheRunAndOnRequestTheLog) {
+  const std::string service = Service("echo 'A.cpp: f(1) > completed ambient noise' >&2\n");
+  const Outcome quiet = Call({"run", "--service", service.c_str()});
+  EXPECT_THAT(quiet.out, AllOf(HasSubstr("ambient noise measured"), HasSubstr("true misalignment")));
+  EXPECT_EQ("", quiet.error);
+  const Outcome verbose = Call({"run", "--verbose", "--service", service.c_str()});
+  EXPECT_EQ("A.cpp: f(1) > completed ambient noise\n", verbose.error);
+}
+
+}  // namespace
+}  // namespace orvex::tools

@@ -1,0 +1,55 @@
+// The command line of orvex-tv: which subcommands there are, and which exit code an error leads to.
+#include "tv/command_line.h"
+
+#include <cstdio>
+#include <exception>
+
+#include "orvex/sim/room_config.h"
+#include "television.h"
+#include "tv/commands.h"
+#include "tv/errors.h"
+
+namespace orvex::tools {
+namespace {
+
+int ExitCodeOf(const host::TelevisionError& error) {
+  using Cause = host::TelevisionError::Cause;
+  const bool usage = error.GetCause() == Cause::kUnknownName || error.GetCause() == Cause::kBadValue;
+  return usage ? kExitUsage : kExitFailed;
+}
+
+int Complain(const std::exception& error, int exitCode) {
+  std::fprintf(stderr, "orvex-tv: %s\n", error.what());
+  return exitCode;
+}
+
+}  // namespace
+
+int RunCommandLine(int argc, const char* const* argv) {
+  CLI::App app(
+      "A virtual television: run the calibration service on it, read and change its values, send messages.\n"
+      "Exit code: 0 done, 1 it could not be done or the calibration did not succeed, 2 wrong usage or bad "
+      "input.");
+  app.require_subcommand(1);
+  int exitCode = kExitGood;
+  AddRunCommand(app, exitCode);
+  AddValueCommands(app, exitCode);
+  AddSendCommand(app, exitCode);
+  AddEventsCommand(app, exitCode);
+  try {
+    app.parse(argc, argv);
+    return exitCode;
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? kExitGood : kExitUsage;
+  } catch (const UsageError& error) {
+    return Complain(error, kExitUsage);
+  } catch (const sim::RoomError& error) {
+    return Complain(error, kExitUsage);
+  } catch (const host::TelevisionError& error) {
+    return Complain(error, ExitCodeOf(error));
+  } catch (const std::exception& error) {
+    return Complain(error, kExitFailed);
+  }
+}
+
+}  // namespace orvex::tools
