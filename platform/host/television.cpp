@@ -83,7 +83,7 @@ const Television& Television::Instance() {
     try {
       made->Create();
     } catch (const std::exception& problem) {
-      const std::string line = std::string("orvex-tv: ") + problem.what() + "\n";
+      const std::string line = std::string("orvex-host: ") + problem.what() + "\n";
       [[maybe_unused]] const ssize_t count = ::write(STDERR_FILENO, line.data(), line.size());
     }
     return made;

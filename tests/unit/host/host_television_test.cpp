@@ -53,6 +53,19 @@ TEST(HostTelevisionPlace, IsNamedByTheFirstVariableThatIsSet) {
   }
 }
 
+TEST(HostTelevisionPlace, LeavesAProcessRunningThatCannotMakeIt) {
+  testing::GTEST_FLAG(death_test_style) = "threadsafe";  // in a process that has no television yet
+  const auto use = [] {
+    setenv("ORVEX_TV", "/proc/version/tv", 1);
+    const Television& television = Television::Instance();
+    EXPECT_THROW(television.Get("sound/volume"), TelevisionError);
+    EXPECT_THROW(television.Set("sound/volume", "1"), TelevisionError);
+    std::exit(testing::Test::HasFailure() ? 1 : 0);
+  };
+  EXPECT_EXIT(use(), testing::ExitedWithCode(0),
+              "^orvex-host: cannot make the directory /proc/version/tv: Not a directory\n$");
+}
+
 class HostTelevisionDirectory : public HostTelevision {
 protected:
   const Television& m_Television = Television::Instance();
