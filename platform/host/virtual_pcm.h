@@ -19,8 +19,8 @@ struct PcmSlot {
   std::deque<PcmFaultPoint> faults;  // that have not struck yet; the open handle's alone
 };
 
-// One open handle. libasound's lock of the handle guards it, except in Prepare() and AnswerPoll(): a program that prepares
-// does nothing else with the handle meanwhile.
+// One open handle. libasound's lock of the handle guards it, except in Prepare() and AnswerPoll(): a program that
+// prepares does nothing else with the handle meanwhile.
 //
 // The poll descriptor is a timer that stands at the moment at which waiting ends. It stays readable until it is set
 // anew, so a waiter never misses it, and no thread of our own is needed.
