@@ -16,34 +16,44 @@ namespace orvex::host {
 // A process has one television, so each test needs a process of its own, as ctest gives it.
 class PcmTelevision : public testing::Test {
 protected:
-  PcmTelevision() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "orvex pcm XXXXXX").string();
-    m_IsMade = mkdtemp(pattern.data()) != nullptr;
-    m_Folder = pattern;
-    setenv("ORVEX_TV", pattern.c_str(), 1);
-    ConfigureAlsa();
-    m_IsMade = m_IsMade && Television::Instance().GetDirectory() == m_Folder;
-    unsetenv("ORVEX_TV");  // a process started by the test makes its own
-  }
-
-  ~PcmTelevision() override {
-    std::error_code ignored;
-    std::filesystem::remove_all(m_Folder, ignored);
-  }
-
   void SetUp() override {
-    if (!m_IsMade) {
+    static bool isTaken = false;
+    if (isTaken || !TheFolder().isMade) {
       GTEST_SKIP() << "needs a process of its own, and no ORVEX_TV: run it by ctest, or alone by --gtest_filter";
     }
+    isTaken = true;
   }
 
   // To be called before the first use of room and faults.
-  void Write(const std::string& name, const std::string& content) const { std::ofstream(m_Folder / name) << content; }
-  std::filesystem::path Folder() const { return m_Folder; }
+  static void Write(const std::string& name, const std::string& content) { std::ofstream(Folder() / name) << content; }
+  static std::filesystem::path Folder() { return TheFolder().path; }
 
 private:
-  std::filesystem::path m_Folder;
-  bool m_IsMade = false;
+  // Removed at the end of the process, so that one that a test ends by exit() leaves nothing either.
+  struct TemporaryFolder {
+    TemporaryFolder() {
+      std::string pattern = (std::filesystem::temp_directory_path() / "orvex pcm XXXXXX").string();
+      const bool hasFolder = mkdtemp(pattern.data()) != nullptr;
+      path = pattern;
+      setenv("ORVEX_TV", pattern.c_str(), 1);
+      ConfigureAlsa();
+      isMade = hasFolder && Television::Instance().GetDirectory() == path;
+      unsetenv("ORVEX_TV");  // a process started by the test makes its own
+    }
+    ~TemporaryFolder() {
+      std::error_code ignored;
+      std::filesystem::remove_all(path, ignored);
+    }
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+    std::filesystem::path path;
+    bool isMade = false;
+  };
+  static const TemporaryFolder& TheFolder() {
+    static const TemporaryFolder folder;
+    return folder;
+  }
 };
 
 }  // namespace orvex::host
