@@ -19,6 +19,7 @@ struct Expectation {
   // Delay of the optical output afterwards; empty: `baseMs` less the measured difference in whole milliseconds, or 0.
   std::optional<std::int64_t> delayMs = 100;
   std::int64_t baseMs = 100;
+  std::int64_t savedMs = 100;  // delay at the start of the recording, for the result file
   std::int64_t mute = 0;
   std::int64_t volume = 15;
   Lines hostLines;               // what the television complains of
@@ -31,8 +32,8 @@ void Check(const Observation& observation, const Expectation& expectation);
 // The parts of it that hold for every run.
 void CheckEnding(const Observation& observation);   // exit code 0, no sanitizer's report
 void CheckLogForm(const Observation& observation);  // every line: tag, prefix, colour of its level
-void CheckBlocks(const Observation& observation);   // numbers of blocks, size of the dump
-void CheckResultFile(const Observation& observation, std::int64_t baseMs);
+void CheckBlocks(const Observation& observation);   // numbers of blocks, size of the dumps
+void CheckResultFile(const Observation& observation, std::int64_t savedMs);
 
 // Distance of the pair that the run has used, in seconds of whole buffers; 0: none was found.
 double MeasuredDifferenceS(const Observation& observation);

@@ -104,8 +104,13 @@ ExpectedLog& ExpectedLog::RecorderThread() {
 
 ExpectedLog& ExpectedLog::Recording() {
   m_Recorder = Worker::kOn;
-  return Add({"E Start bt audio recorder", "I [singleton] new instance", "I CDebugDumpImplFile start",
-              "E Temp file name=[/tmp/audio_dump_*_1][/tmp/audio_result_*_1.csv]"});
+  Add({"E Start bt audio recorder"});
+  if (++m_Recordings == 1) {
+    Add({"I [singleton] new instance"});
+  }
+  const std::string number = std::to_string(m_Recordings);
+  return Add({"I CDebugDumpImplFile start",
+              "E Temp file name=[/tmp/audio_dump_*_" + number + "][/tmp/audio_result_*_" + number + ".csv]"});
 }
 
 ExpectedLog& ExpectedLog::RecorderFailed() {
@@ -123,6 +128,11 @@ ExpectedLog& ExpectedLog::Playing() {
 
 ExpectedLog& ExpectedLog::PlayedToItsEnd() {
   return Add({"I m_EndPlayerCB", "I m_OnEndWavPlayCallback", "I Destroy", "I Done drop", "I Done close"});
+}
+
+ExpectedLog& ExpectedLog::SoundStopped() {
+  m_Player = Worker::kOff;
+  return Add({"I Stop Orvex[2]", "I stop Sound Player", "I cancel_thread"});
 }
 
 ExpectedLog& ExpectedLog::EndedWithDifference() {

@@ -47,6 +47,7 @@ public:
   ExpectedLog& RecorderFailed();
   ExpectedLog& Playing();
   ExpectedLog& PlayedToItsEnd();
+  ExpectedLog& SoundStopped();         // the handler of ORVEX_STOP_INAUDIBLE_SOUND
   ExpectedLog& EndedWithDifference();  // the handler of ORVEX_END_SYNC
   ExpectedLog& EndedWithoutDifference();
   ExpectedLog& OpticalFlagChanged();  // or the running time over: the same line
@@ -87,6 +88,7 @@ private:
   Worker m_Recorder = Worker::kOff;
   Worker m_Player = Worker::kOff;
   bool m_HasReadDelay = false;
+  int m_Recordings = 0;
   bool m_MuteIsForgotten = false;
 };
 

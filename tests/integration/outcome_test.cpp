@@ -55,6 +55,7 @@ TEST(Outcome, AMeasuredDifferenceIsTakenOffTheDelay) {
     expectation.endRecords = 2;
     expectation.delayMs = std::nullopt;
     expectation.baseMs = row.baseMs;
+    expectation.savedMs = row.baseMs;
     Check(observations[n], expectation);
     SCOPED_TRACE(row.name);
     EXPECT_NEAR(row.differenceMs, MeasuredDifferenceS(observations[n]) * 1000.0, kLargestErrorMs);

@@ -2,17 +2,13 @@
 #include "scenario.h"
 
 #include <algorithm>
-#include <atomic>
 #include <filesystem>
-#include <thread>
 
+#include "parallel.h"
 #include "tv/event_records.h"
 
 namespace orvex::integration {
 namespace {
-
-// A run is mostly waiting; more at a time would make the machine the subject of the test.
-constexpr unsigned kAtATime = 4;
 
 std::int64_t NumberOrMinusOne(const TestTelevision& television, const char* name) {
   try {
@@ -34,6 +30,7 @@ void TakeSteps(const Scenario& scenario, ServiceRun& run, Observation& observati
 
 void Collect(const TestTelevision& television, const ServiceRun& run, Observation& observation) {
   observation.lines = run.GetLines();
+  observation.notes = run.GetNotes();
   observation.output = run.ReadOutput();
   observation.dump = run.ReadDump(1);
   observation.result = run.ReadResult(1);
@@ -66,18 +63,7 @@ Observation Perform(const Scenario& scenario) {
 
 std::vector<Observation> Perform(const std::vector<Scenario>& scenarios) {
   std::vector<Observation> observations(scenarios.size());
-  std::atomic<std::size_t> next{0};
-  std::vector<std::thread> performers;
-  for (std::size_t n = 0; n < std::min<std::size_t>(kAtATime, scenarios.size()); ++n) {
-    performers.emplace_back([&] {
-      for (std::size_t row = next++; row < scenarios.size(); row = next++) {
-        observations[row] = Perform(scenarios[row]);
-      }
-    });
-  }
-  for (std::thread& performer : performers) {
-    performer.join();
-  }
+  InParallel(scenarios.size(), [&](std::size_t row) { observations[row] = Perform(scenarios[row]); });
   return observations;
 }
 
@@ -87,6 +73,16 @@ Step SignalAt(const std::string& line, int number) {
 
 Step SetAt(const std::string& line, const std::string& name, const std::string& text) {
   return {line, [name, text](ServiceRun& run) { run.GetTelevision().Set(name, text); }};
+}
+
+Step InjectAt(const std::string& line, int event) {
+  return {line, [event](ServiceRun& run) {
+            run.Note(run.Exchange(R"({"type": "event", "body": {"id": )" + std::to_string(event) + "}}"));
+          }};
+}
+
+std::map<std::string, std::string> WithInjection() {
+  return {{"ORVEX_TV_INJECT", "1"}};
 }
 
 std::function<void(const TestTelevision&)> WithFaults(const std::string& json) {
@@ -109,6 +105,12 @@ sim::RoomConfig RoomWithDifference(double differenceMs, double delayMs) {
 sim::RoomConfig RoomWithoutOpticalSound() {
   sim::RoomConfig room;
   room.opticalMuted = true;
+  return room;
+}
+
+sim::RoomConfig RoomThatFallsSilent() {
+  sim::RoomConfig room;
+  room.silentAfterMs = 300.0;
   return room;
 }
 

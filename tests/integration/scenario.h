@@ -31,6 +31,7 @@ struct Observation {
   ProcessEnding ending;
   std::string problem;  // a step that could not be taken; empty: none
   std::vector<LogLine> lines;
+  std::vector<std::string> notes;  // what the steps have noted
   std::string output;
   std::string dump;  // of the first recording
   std::string result;
@@ -49,12 +50,16 @@ Observation Perform(const Scenario& scenario);
 // Steps that are met often.
 Step SignalAt(const std::string& line, int number);
 Step SetAt(const std::string& line, const std::string& name, const std::string& text);
+Step InjectAt(const std::string& line, int event);  // notes the reply
+
+// The environment in which a service takes events from outside.
+std::map<std::string, std::string> WithInjection();
 
 // Lines that tell how far a run has come.
 constexpr char kIsConstructed[] = "m_ElapsedTimeStr: *";
 constexpr char kIsCreating[] = "Orvex Service Create!";
 constexpr char kIsRecording[] = "Temp file name=*";
-constexpr char kIsLearningNoise[] = "buffer: 20";
+constexpr char kIsLearningNoise[] = "buffer: 12";
 constexpr char kIsPlaying[] = "m_StartPlay";
 constexpr char kIsHearingTones[] = "  ====> @ g_first index \n";
 
@@ -65,6 +70,7 @@ std::function<void(const TestTelevision&)> WithRoom(const sim::RoomConfig& room)
 // Rooms.
 sim::RoomConfig RoomWithDifference(double differenceMs, double delayMs);  // with that delay of the optical output
 sim::RoomConfig RoomWithoutOpticalSound();
-sim::RoomConfig RoomWithoutBlocks();  // the remote accepts every command and delivers nothing
+sim::RoomConfig RoomThatFallsSilent();  // before the ambient noise is learnt
+sim::RoomConfig RoomWithoutBlocks();    // the remote accepts every command and delivers nothing
 
 }  // namespace orvex::integration

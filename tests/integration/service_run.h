@@ -27,6 +27,9 @@ public:
   // Sends one line to the service's message socket and returns its reply.
   std::string Exchange(const std::string& line) const;
   ProcessEnding WaitForEnd();
+  // Keeps a text for whoever looks at the run afterwards.
+  void Note(const std::string& text) { m_Notes.push_back(text); }
+  const std::vector<std::string>& GetNotes() const { return m_Notes; }
 
   const TestTelevision& GetTelevision() const { return m_Television; }
   const std::vector<LogLine>& GetLines() const { return m_Log.GetLines(); }
@@ -45,6 +48,7 @@ private:
   std::string m_OutputFile;
   Process m_Process;
   LogFile m_Log;
+  std::vector<std::string> m_Notes;
   std::size_t m_Position = 0;  // lines up to here have been looked at
 };
 

@@ -1,0 +1,199 @@
+// Files that are missing, broken or unfit: a clear line that names them, no crash, the delay as it was.
+#include <signal.h>
+
+#include <filesystem>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "expectation.h"
+#include "testsound/wave_file.h"
+
+namespace orvex::integration {
+namespace {
+
+using testing::HasSubstr;
+
+constexpr char kSound[] = "usr/apps/com.norvel.tv.orvex-service/res/sound/LR_test_sample_17_19.wav";
+
+std::function<void(const TestTelevision&)> WithFile(const std::string& name, const std::string& content) {
+  return [=](const TestTelevision& television) { television.WriteFile(name, content); };
+}
+
+struct RoomRow {
+  const char* name;
+  std::string room;
+  const char* complaint;
+};
+
+// Without a room there is no remote control that could be switched on.
+TEST(BadInput, ABadRoomIsNamedAndEndsTheRun) {
+  const std::vector<RoomRow> rows{
+      {"broken", "{\"tv\": {", "*/room.json: no valid JSON, expected one object: *"},
+      {"empty", "", "*/room.json: no valid JSON, expected one object: *"},
+      {"list", "[]", "*/room.json: the text is [], expected a JSON object"},
+      {"unknown key", R"({"walls": 4})",
+       "*/room.json: \"walls\" is an unknown key with the value 4, expected one of: *"},
+      {"out of range", R"({"tv": {"latency_ms": -1}})",
+       "*/room.json: \"tv.latency_ms\" is -1, expected a number from 0 to 10000"},
+      {"noise missing", R"({"microphone": {"noise_file": "none.wav"}})",
+       "noise_file \"*/none.wav\": expected a sound file: *"},
+      {"noise is no sound", R"({"microphone": {"noise_file": "room.json"}})",
+       "noise_file \"*/room.json\": expected a sound file: *"},
+  };
+  std::vector<Scenario> scenarios;
+  for (const RoomRow& row : rows) {
+    scenarios.push_back({row.name, WithFile("room.json", row.room), {}, {}});
+  }
+  const std::vector<Observation> observations = Perform(scenarios);
+  for (std::size_t n = 0; n < rows.size(); ++n) {
+    Expectation expectation;
+    expectation.runLines = ExpectedLog()
+                               .Constructed()
+                               .Created()
+                               .SyncStarted()
+                               .RecorderAsked()
+                               .RecorderThread()
+                               .Add({"F Fail to start bt audio [ret = -19]"})
+                               .RecorderFailed()
+                               .Exit()
+                               .Destroyed()
+                               .GetLines();
+    expectation.terminate = "bt_fail";
+    expectation.hostLines = {std::string("F orvex-host: ") + rows[n].complaint +
+                             "; there is no room, so no remote control is connected"};
+    Check(observations[n], expectation);
+  }
+}
+
+struct SoundRow {
+  const char* name;
+  std::function<void(const TestTelevision&)> prepare;
+  Lines workerLines;  // in order, with others in between
+};
+
+std::string WholeSound() {
+  return ReadWholeFile(std::filesystem::path(ORVEX_BUILT_ROOT) / kSound);
+}
+
+// The chunk that a careless editor leaves between format and data.
+std::string WithForeignChunk() {
+  std::string sound = WholeSound();
+  sound.insert(36, std::string("LIST\x0A\0\0\0INFOabcdef", 18));
+  return sound;
+}
+
+std::string CutOff() {
+  constexpr std::size_t kHeaderBytes = 44;
+  return WholeSound().substr(0, kHeaderBytes + 4000);
+}
+
+// A sound that the service has no reason to refuse, without a tone.
+void PutSilence(const TestTelevision& television) {
+  television.WriteFile(kSound, "");
+  tools::WriteWaveFile(television.PathOf(kSound).string(), std::vector<std::int16_t>(2 * 9600, 0));
+}
+
+TEST(BadInput, AnUnfitTestSoundEndsTheRunWithoutADifference) {
+  const Lines nothingToPlay{"I m_StartPlay", "I buffer length 0", "F Assertion failed", "F Assertion failed"};
+  const std::vector<SoundRow> rows{
+      {"missing", [](const TestTelevision&) {}, nothingToPlay},
+      {"empty", WithFile(kSound, ""), nothingToPlay},
+      {"text", WithFile(kSound, "this is no sound but a line of text that is longer than a header is\n"),
+       nothingToPlay},
+      {"header only", WithFile(kSound, WholeSound().substr(0, 44)), {"I buffer length 525696", "D playSize = *"}},
+      {"cut off", WithFile(kSound, CutOff()), {"I buffer length 525696", "D playSize = *"}},
+      {"foreign chunk", WithFile(kSound, WithForeignChunk()), {"I buffer length 10", "D playSize = 10"}},
+      {"silence", PutSilence, {"I buffer length 38400", "D playSize = 38400"}},
+  };
+  std::vector<Scenario> scenarios;
+  for (const SoundRow& row : rows) {
+    scenarios.push_back({row.name, row.prepare, {}, {{"ORVEX_RESOURCES", "/nonexistent"}}});
+  }
+  const std::vector<Observation> observations = Perform(scenarios);
+  for (std::size_t n = 0; n < rows.size(); ++n) {
+    Expectation expectation;
+    expectation.runLines =
+        ExpectedLog().UpToPlaying().PlayedToItsEnd().EndedWithoutDifference().Exit().Destroyed().GetLines();
+    expectation.terminate = "diff_fail";
+    expectation.endRecords = 2;
+    Check(observations[n], expectation);
+    EXPECT_EQ("", MissingInOrder(LinesOf(observations[n].lines, Theme::kWorker), rows[n].workerLines)) << rows[n].name;
+  }
+}
+
+// The sound on the television's own file system comes before the build's.
+TEST(BadInput, AFitSoundWithAnExtendedFormatIsPlayed) {
+  const auto prepare = [](const TestTelevision& television) {
+    std::string sound = WholeSound();
+    sound[16] = 18;
+    sound.insert(36, 2, '\0');
+    television.WriteFile(kSound, sound);
+  };
+  const Observation observation = Perform({"18-byte format", prepare, {}, {{"ORVEX_RESOURCES", "/nonexistent"}}});
+  CheckEnding(observation);
+  EXPECT_EQ("", MissingInOrder(LinesOf(observation.lines, Theme::kRun), {"I text = {result=pass;*;terminate=done}"}));
+  EXPECT_EQ(DelayFor(100, MeasuredDifferenceS(observation)), observation.delayMs);
+}
+
+TEST(BadInput, ATelevisionThatCannotBeMadeIsNamed) {
+  const TestTelevision television;
+  television.WriteFile("file", "");
+  std::vector<Scenario> scenarios;
+  for (const std::string& place : {television.PathOf("file").string() + "/tv", std::string("/proc/nothing/tv")}) {
+    scenarios.push_back({place, [](const TestTelevision&) {}, {}, {{"ORVEX_TV", place}}});
+  }
+  for (const Observation& observation : Perform(scenarios)) {
+    SCOPED_TRACE(observation.name);
+    CheckEnding(observation);
+    EXPECT_THAT(observation.output, HasSubstr("orvex-tv: cannot make the directory " + observation.name + ": "));
+    EXPECT_THAT(observation.output, HasSubstr("terminate=bt_fail}"));
+    EXPECT_TRUE(observation.lines.empty());
+    EXPECT_EQ(100, observation.delayMs);  // of the television beside it, which was not meant
+  }
+}
+
+struct ValueRow {
+  const char* name;
+  const char* content;
+  const char* complaint;
+};
+
+// A value that is no value counts as one that cannot be read.
+TEST(BadInput, ABadValueIsNamedAndCountsAsUnread) {
+  const ValueRow rows[] = {
+      {"delay/spdif", "soon", "\"soon\": expected an integer from 0 to 4294967295"},
+      {"delay/spdif", "-5", "\"-5\": expected an integer from 0 to 4294967295"},
+      {"sound/mute", "2", "\"2\": expected an integer from 0 to 1"},
+      {"tv/source", "1.5", "\"1.5\": expected an integer from -2147483648 to 2147483647"},
+  };
+  std::vector<Scenario> scenarios;
+  for (const ValueRow& row : rows) {
+    const auto prepare = [row](const TestTelevision& television) {
+      television.SetRoom(RoomWithoutBlocks());
+      television.WriteFile(row.name, row.content);
+    };
+    scenarios.push_back({std::string(row.name) + " " + row.content, prepare, {SignalAt(kIsRecording, SIGTERM)}, {}});
+  }
+  const std::vector<Observation> observations = Perform(scenarios);
+  for (std::size_t n = 0; n < observations.size(); ++n) {
+    SCOPED_TRACE(observations[n].name);
+    CheckEnding(observations[n]);
+    CheckLogForm(observations[n]);
+    EXPECT_EQ("", MissingInOrder(LinesOf(observations[n].lines, Theme::kHost),
+                                 {std::string("F orvex-host: */") + rows[n].name + ": " + rows[n].complaint}));
+  }
+}
+
+// One wrong point, and nothing is injected.
+TEST(BadInput, BadFaultsAreNamedAndLeftOut) {
+  const Observation observation = Perform(
+      {"unknown fault", WithFaults(R"({"voice.start": -5, "voice.sing": 1})"), {SignalAt(kIsRecording, SIGTERM)}, {}});
+  CheckEnding(observation);
+  EXPECT_EQ("", MissingInOrder(LinesOf(observation.lines, Theme::kHost),
+                               {"F orvex-host: */faults.json: \"voice.sing\": 1: expected a known operation*"}));
+  EXPECT_EQ("", MissingInOrder(LinesOf(observation.lines, Theme::kRun), {"E Start bt audio recorder"}));
+}
+
+}  // namespace
+}  // namespace orvex::integration

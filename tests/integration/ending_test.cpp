@@ -1,0 +1,126 @@
+// What ends a run from outside: the optical change flag, a termination signal, the running-time limit. The speaker was
+// muted before, so that what is put back shows.
+#include <signal.h>
+
+#include <gtest/gtest.h>
+
+#include "expectation.h"
+
+namespace orvex::integration {
+namespace {
+
+ExpectedTelevision MutedTelevision() {
+  ExpectedTelevision television;
+  television.isMuted = true;
+  television.volume = "23";
+  television.speaker = "2";
+  return television;
+}
+
+std::function<void(const TestTelevision&)> MutedIn(const sim::RoomConfig& room) {
+  return [room](const TestTelevision& television) {
+    television.Set("sound/mute", "1");
+    television.Set("sound/volume", "23");
+    television.Set("sound/speaker", "2");
+    television.SetRoom(room);
+  };
+}
+
+struct Moment {
+  const char* name;
+  const char* line;
+  bool isPlaying;
+};
+
+constexpr Moment kMoments[] = {
+    {"as the recording begins", kIsRecording, false},
+    {"while the ambient noise is learnt", kIsLearningNoise, false},
+    {"as the test sound begins", kIsPlaying, true},
+    {"while tones are heard", kIsHearingTones, true},
+};
+
+// Never with a pair of tones, so that nothing but what is tested ends the run.
+Scenario ScenarioOf(const std::string& name, const Moment& moment, const Step& step) {
+  return {name + " " + moment.name,
+          MutedIn(moment.isPlaying ? RoomWithoutOpticalSound() : RoomThatFallsSilent()),
+          {step},
+          {}};
+}
+
+ExpectedLog LogUpTo(const Moment& moment) {
+  ExpectedLog log(MutedTelevision());
+  return moment.isPlaying ? log.UpToPlaying() : log.UpToRecording();
+}
+
+Expectation EndedAt(const Moment& moment, ExpectedLog log, int mute) {
+  Expectation expectation;
+  expectation.runLines = (moment.isPlaying ? log.Destroyed().WorkerCancelled() : log.Destroyed()).GetLines();
+  expectation.terminate = "etc";
+  expectation.mute = mute;
+  expectation.volume = 23;
+  return expectation;
+}
+
+TEST(Ending, AChangeOfTheOpticalOutputEndsTheRunAndLeavesTheSpeakerAudible) {
+  std::vector<Scenario> scenarios;
+  for (const Moment& moment : kMoments) {
+    scenarios.push_back(ScenarioOf("flag", moment, SetAt(moment.line, kOpticalChangeFlag, "1")));
+  }
+  const std::vector<Observation> observations = Perform(scenarios);
+  for (std::size_t n = 0; n < observations.size(); ++n) {
+    Check(observations[n], EndedAt(kMoments[n], LogUpTo(kMoments[n]).OpticalFlagChanged().ForgetMute(), 0));
+  }
+}
+
+TEST(Ending, ATerminationSignalEndsTheRunInOrder) {
+  std::vector<Scenario> scenarios;
+  for (const Moment& moment : kMoments) {
+    scenarios.push_back(ScenarioOf("SIGTERM", moment, SignalAt(moment.line, SIGTERM)));
+    scenarios.push_back(ScenarioOf("SIGINT", moment, SignalAt(moment.line, SIGINT)));
+  }
+  const std::vector<Observation> observations = Perform(scenarios);
+  for (std::size_t n = 0; n < observations.size(); ++n) {
+    Check(observations[n], EndedAt(kMoments[n / 2], LogUpTo(kMoments[n / 2]), 1));
+  }
+}
+
+// How far the run comes is open; that it ends in order is not.
+TEST(Ending, ASignalAtTheVeryBeginningIsNotLost) {
+  std::vector<Scenario> scenarios;
+  for (const int number : {SIGTERM, SIGINT}) {
+    for (const char* const line : {kIsConstructed, kIsCreating}) {
+      scenarios.push_back(
+          {std::to_string(number) + " at " + line, MutedIn(RoomThatFallsSilent()), {SignalAt(line, number)}, {}});
+    }
+  }
+  for (const Observation& observation : Perform(scenarios)) {
+    SCOPED_TRACE(observation.name);
+    CheckEnding(observation);
+    CheckLogForm(observation);
+    CheckBlocks(observation);
+    EXPECT_EQ("", MissingInOrder(LinesOf(observation.lines, Theme::kRun),
+                                 {"I Orvex Service Create Done", "I Destroy", "I original volume value[23]"}));
+    EXPECT_EQ(1U, EndRecordsOf(observation).size());
+    EXPECT_EQ(1, observation.mute);
+    EXPECT_EQ(23, observation.volume);
+  }
+}
+
+TEST(Ending, ASecondSignalDoesNotDisturbTheEnd) {
+  const Moment& moment = kMoments[2];
+  Scenario scenario = ScenarioOf("SIGTERM twice", moment, SignalAt(moment.line, SIGTERM));
+  scenario.steps.push_back(SignalAt("original volume value*", SIGTERM));
+  Check(Perform(scenario), EndedAt(moment, LogUpTo(moment), 1));
+}
+
+TEST(Ending, ARunThatHearsNothingEndsAfterTenSeconds) {
+  const Observation observation = Perform({"silent remote", MutedIn(RoomWithoutBlocks()), {}, {}});
+  Expectation expectation = EndedAt(kMoments[0], LogUpTo(kMoments[0]).Add({"I "}).Exit(), 1);
+  Check(observation, expectation);
+  const auto duration = TimeBetween(observation, "Create", "ORVEX_EXIT");
+  EXPECT_GE(duration.count(), 9990);
+  EXPECT_LT(duration.count(), 15000);
+}
+
+}  // namespace
+}  // namespace orvex::integration

@@ -1,0 +1,98 @@
+// The speaker's mute and the master volume during a run and afterwards.
+#include <signal.h>
+
+#include <algorithm>
+
+#include <gtest/gtest.h>
+
+#include "expectation.h"
+
+namespace orvex::integration {
+namespace {
+
+struct Row {
+  const char* name;
+  bool isMuted;
+  const char* speaker;  // selection
+  const char* faults;
+  int muteMeanwhile;
+  int volumeMeanwhile;
+  int muteAfterwards;
+  const char* speakerRead;  // what the service takes for the selection
+};
+
+constexpr Row kRows[] = {
+    {"audible", false, "2", "{}", 0, 40, 0, ""},
+    {"muted, TV speaker selected", true, "0", "{}", 0, 0, 0, "0"},
+    {"muted, another output selected", true, "2", "{}", 0, 0, 1, "2"},
+    {"muted, a selection below 0", true, "-1", "{}", 0, 0, 1, "-1"},
+    {"muted, selection unreadable", true, "2", R"({"sound.get_speaker": -1})", 0, 0, 0, "0"},
+    {"muted, but that cannot be read", true, "2", R"({"sound.get_mute": -1})", 1, 40, 1, ""},
+};
+
+void NoteAndEnd(ServiceRun& run) {
+  run.Note("mute " + std::to_string(run.GetTelevision().Get("sound/mute")) + ", volume " +
+           std::to_string(run.GetTelevision().Get("sound/volume")));
+  run.Signal(SIGTERM);
+}
+
+Scenario ScenarioOf(const Row& row) {
+  return {row.name,
+          [row](const TestTelevision& television) {
+            television.Set("sound/mute", row.isMuted ? "1" : "0");
+            television.Set("sound/volume", "40");
+            television.Set("sound/speaker", row.speaker);
+            television.SetFaults(row.faults);
+            television.SetRoom(RoomWithoutBlocks());
+          },
+          {{kIsRecording, NoteAndEnd}},
+          {}};
+}
+
+TEST(Speaker, IsAudibleAtVolumeZeroMeanwhileAndAsBeforeAfterwards) {
+  std::vector<Scenario> scenarios;
+  std::transform(std::begin(kRows), std::end(kRows), std::back_inserter(scenarios), ScenarioOf);
+  const std::vector<Observation> observations = Perform(scenarios);
+  for (std::size_t n = 0; n < observations.size(); ++n) {
+    const Row& row = kRows[n];
+    ExpectedTelevision television;
+    television.isMuted = *row.speakerRead != '\0';
+    television.volume = "40";
+    television.speaker = row.speakerRead;
+    Expectation expectation;
+    expectation.runLines = ExpectedLog(television).UpToRecording().Destroyed().GetLines();
+    expectation.terminate = "etc";
+    expectation.mute = row.muteAfterwards;
+    expectation.volume = 40;
+    Check(observations[n], expectation);
+    EXPECT_EQ(Lines{"mute " + std::to_string(row.muteMeanwhile) + ", volume " + std::to_string(row.volumeMeanwhile)},
+              observations[n].notes)
+        << row.name;
+  }
+}
+
+// The muted speaker is heard by the run, so that it finds the difference.
+TEST(Speaker, AMutedOneIsHeardByTheRunAndMutedAgain) {
+  const Observation observation = Perform({"muted",
+                                           [](const TestTelevision& television) {
+                                             television.Set("sound/mute", "1");
+                                             television.Set("sound/speaker", "1");
+                                           },
+                                           {},
+                                           {}});
+  ExpectedTelevision television;
+  television.isMuted = true;
+  television.speaker = "1";
+  Expectation expectation;
+  expectation.runLines =
+      ExpectedLog(television).UpToPlaying().EndedWithDifference().Exit().Destroyed().WorkerCancelled().GetLines();
+  expectation.terminate = "done";
+  expectation.result = "pass";
+  expectation.endRecords = 2;
+  expectation.delayMs = std::nullopt;
+  expectation.mute = 1;
+  Check(observation, expectation);
+}
+
+}  // namespace
+}  // namespace orvex::integration

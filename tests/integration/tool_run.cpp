@@ -1,0 +1,40 @@
+// Runs orvex-tv with its output in files.
+#include "tool_run.h"
+
+#include <json/reader.h>
+
+#include <filesystem>
+#include <memory>
+
+#include "test_television.h"
+
+namespace orvex::integration {
+
+Json::Value ToolRun::Json() const {
+  Json::CharReaderBuilder builder;
+  builder["failIfExtra"] = true;
+  const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
+  Json::Value value;
+  return reader->parse(output.data(), output.data() + output.size(), &value, nullptr) ? value : Json::Value();
+}
+
+ToolRun RunTool(const std::vector<std::string>& arguments) {
+  const TestTelevision folder;
+  const auto output = folder.PathOf("stdout");
+  const auto errors = folder.PathOf("stderr");
+  Process process({ORVEX_TV_PROGRAM, arguments, {}, output, errors});
+  ToolRun run;
+  run.ending = process.WaitForEnd();
+  run.output = ReadWholeFile(output);
+  run.errors = ReadWholeFile(errors);
+  const Json::Value json = run.Json();
+  for (const char* const key : {"dump_file", "result_file"}) {
+    if (json.isObject() && json[key].isString()) {
+      std::error_code ignored;
+      std::filesystem::remove(json[key].asString(), ignored);
+    }
+  }
+  return run;
+}
+
+}  // namespace orvex::integration

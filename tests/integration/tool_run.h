@@ -1,0 +1,25 @@
+// The command orvex-tv as a process.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <json/value.h>
+
+#include "process.h"
+
+namespace orvex::integration {
+
+struct ToolRun {
+  ProcessEnding ending;
+  std::string output;  // stdout
+  std::string errors;  // stderr
+
+  // The output as one JSON value; null when it is none, or when anything stands beside it.
+  Json::Value Json() const;
+};
+
+// Runs it to its end. Files of the debug dump that a JSON output names are removed.
+ToolRun RunTool(const std::vector<std::string>& arguments);
+
+}  // namespace orvex::integration
