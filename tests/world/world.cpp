@@ -38,6 +38,11 @@ std::optional<long> Answers::Take(const std::string& function) {
   return always == m_Always.end() ? std::nullopt : std::optional<long>(always->second);
 }
 
+int Answers::Calls(const std::string& function) const {
+  const auto calls = m_Calls.find(function);
+  return calls == m_Calls.end() ? 0 : calls->second;
+}
+
 World::World() {
   if (g_World != nullptr) {
     throw std::logic_error("there is a world already");

@@ -37,6 +37,8 @@ public:
   void Always(const std::string& function, long result) { m_Always[function] = result; }
   // The call with this number answers this; 1 is the first one of this world. Before Next() and Always().
   void OnCall(const std::string& function, int number, long result) { m_OnCall[function][number] = result; }
+  // How often the function was called.
+  int Calls(const std::string& function) const;
   // What this call has to answer; none: it works.
   std::optional<long> Take(const std::string& function);
 

@@ -1,12 +1,13 @@
 // A run whose journal is compared with a golden one: a television, a remote that hears what it is told, and a sound.
 #pragma once
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <functional>
 #include <string>
 
 #include "golden_steps.h"
+#include "run_rules.h"
 #include "scripted_remote.h"
 #include "service_run.h"
 #include "unit/service/silent_wave.h"
@@ -42,7 +43,10 @@ protected:
     ASSERT_TRUE(run.Start());
     ASSERT_TRUE(run.ToEnd());
   }
-  void ExpectGolden() { EXPECT_TRUE(Agree(golden, run.world.journal)); }
+  void ExpectGolden() {
+    EXPECT_TRUE(Agree(golden, run.world.journal));
+    EXPECT_THAT(CheckRun(run), testing::IsEmpty());
+  }
 
   test::SilentWave sound{kSoundFrames / 48000.0};
   ServiceRun run{sound.Path()};
