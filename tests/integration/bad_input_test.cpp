@@ -146,7 +146,7 @@ TEST(BadInput, ATelevisionThatCannotBeMadeIsNamed) {
   for (const Observation& observation : Perform(scenarios)) {
     SCOPED_TRACE(observation.name);
     CheckEnding(observation);
-    EXPECT_THAT(observation.output, HasSubstr("orvex-tv: cannot make the directory " + observation.name + ": "));
+    EXPECT_THAT(observation.output, HasSubstr("orvex-host: cannot make the directory " + observation.name + ": "));
     EXPECT_THAT(observation.output, HasSubstr("terminate=bt_fail}"));
     EXPECT_TRUE(observation.lines.empty());
     EXPECT_EQ(100, observation.delayMs);  // of the television beside it, which was not meant
@@ -162,8 +162,8 @@ struct ValueRow {
 // A value that is no value counts as one that cannot be read.
 TEST(BadInput, ABadValueIsNamedAndCountsAsUnread) {
   const ValueRow rows[] = {
-      {"delay/spdif", "soon", "\"soon\": expected an integer from 0 to 4294967295"},
-      {"delay/spdif", "-5", "\"-5\": expected an integer from 0 to 4294967295"},
+      {"delay/spdif", "soon", "\"soon\": expected an integer from 0 to 4294967295 ms"},
+      {"delay/spdif", "-5", "\"-5\": expected an integer from 0 to 4294967295 ms"},
       {"sound/mute", "2", "\"2\": expected an integer from 0 to 1"},
       {"tv/source", "1.5", "\"1.5\": expected an integer from -2147483648 to 2147483647"},
   };

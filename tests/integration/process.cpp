@@ -12,6 +12,8 @@
 
 #include <array>
 #include <cerrno>
+#include <cstdio>
+#include <fstream>
 #include <system_error>
 
 namespace orvex::integration {
@@ -101,6 +103,17 @@ Process::~Process() {
   ::close(m_EndDescriptor);
 }
 
+// Not from wait4(): that counts the parent's memory from before the program was loaded.
+long Process::ReadPeakMemoryKib() const {
+  std::ifstream status("/proc/" + std::to_string(m_Id) + "/status");
+  std::string line;
+  long peakKib = -1;
+  while (std::getline(status, line)) {
+    static_cast<void>(std::sscanf(line.c_str(), "VmHWM: %ld kB", &peakKib));
+  }
+  return peakKib;
+}
+
 void Process::Signal(int number) const {
   if (!m_Ending) {
     ::kill(m_Id, number);
@@ -128,7 +141,6 @@ ProcessEnding Process::WaitForEnd(std::chrono::milliseconds patience) {
   ending.exitCode = WIFEXITED(status) ? std::optional<int>(WEXITSTATUS(status)) : std::nullopt;
   ending.signal = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
   ending.processorSeconds = Seconds(usage.ru_utime) + Seconds(usage.ru_stime);
-  ending.peakMemoryKib = usage.ru_maxrss;
   m_Ending = ending;
   return ending;
 }

@@ -28,7 +28,6 @@ struct ProcessEnding {
   int signal = 0;                 // 0: none
   bool isLate = false;            // it did not end in time and was killed
   double processorSeconds = 0.0;  // user and system
-  long peakMemoryKib = 0;         // resident
 };
 
 // As a phrase: "exit code 0", "signal 11", "killed, as it did not end".
@@ -45,6 +44,8 @@ public:
   pid_t GetId() const { return m_Id; }
   // Readable once the process has ended.
   int GetEndDescriptor() const { return m_EndDescriptor; }
+  // Largest resident memory so far; -1 when the process has ended.
+  long ReadPeakMemoryKib() const;
   void Signal(int number) const;
   bool HasEnded() const;
   // Returns when it has ended; after `patience` it is killed.

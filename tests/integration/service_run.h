@@ -27,6 +27,7 @@ public:
   // Sends one line to the service's message socket and returns its reply.
   std::string Exchange(const std::string& line) const;
   ProcessEnding WaitForEnd();
+  long ReadPeakMemoryKib() const { return m_Process.ReadPeakMemoryKib(); }
   // Keeps a text for whoever looks at the run afterwards.
   void Note(const std::string& text) { m_Notes.push_back(text); }
   const std::vector<std::string>& GetNotes() const { return m_Notes; }

@@ -81,7 +81,7 @@ TEST(Tool, TellsByItsExitCodeWhetherItWasDoneRefusedOrWronglyAsked) {
       {{"run", "--json", "--service", "/nonexistent/service"}, "exit code 1", "/nonexistent/service cannot be started"},
       {{"send", "--tv", directory, "{}"}, "exit code 1", "messages.sock: no service listens"},
       {{}, "exit code 2", "subcommand"},
-      {{"dance"}, "exit code 2", "dance"},
+      {{"dance"}, "exit code 2", "subcommand"},
       {{"get", "--tv", directory, "nothing"}, "exit code 2", "\"nothing\" is no value of a television"},
       {{"set", "--tv", directory, "delay", "-1"}, "exit code 2", "\"-1\": expected an integer from 0 to 4294967295"},
       {{"run", "--base-delay", "soon"}, "exit code 2", "--base-delay"},
