@@ -5,6 +5,7 @@
 #include <Ecore_File.h>
 #include <unistd.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <stdexcept>
 
@@ -93,6 +94,8 @@ int AppMain(int /*argc*/, char** /*argv*/, FwEflApplication* application) {
   application->t_OnDestroy();
   if (!host::DrainWorkers(kWorkerLimit)) {
     host::ReportProblem("a worker thread did not finish within 6 s; ending without it");
+    // Without destructors, which that thread may still need things of; what was written to files is kept.
+    std::fflush(nullptr);
     std::_Exit(EXIT_SUCCESS);
   }
   host::StopMainLoop();
