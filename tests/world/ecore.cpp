@@ -1,6 +1,7 @@
 // Ecore's timers and pool workers in virtual time.
 #include <Ecore.h>
 
+#include <memory>
 #include <set>
 
 #include "world.h"
@@ -43,31 +44,22 @@ struct Timer {
   }
 };
 
+// Lives as long as its world, so that the handle of a finished worker is nobody else's.
 struct Worker {
   Ecore_Thread_Cb body;
   Ecore_Thread_Cb end;
   Ecore_Thread_Cb cancel;
   const void* data;
   bool cancelled = false;
+  bool finished = false;
+
+  Ecore_Thread* Handle() { return reinterpret_cast<Ecore_Thread*>(this); }
+  void Finish() {
+    finished = true;
+    (cancelled ? cancel : end)(const_cast<void*>(data), Handle());
+    --World::Current().runningWorkers;
+  }
 };
-
-Ecore_Thread* Handle(Worker* worker) {
-  return reinterpret_cast<Ecore_Thread*>(worker);
-}
-
-// Workers that have not yet run their end or cancel function.
-std::set<Worker*>& Alive() {
-  static std::set<Worker*> alive;
-  return alive;
-}
-
-void Finish(Worker* worker) {
-  Alive().erase(worker);
-  const Ecore_Thread_Cb last = worker->cancelled ? worker->cancel : worker->end;
-  last(const_cast<void*>(worker->data), Handle(worker));
-  --World::Current().runningWorkers;
-  delete worker;
-}
 
 }  // namespace
 
@@ -108,23 +100,22 @@ Ecore_Thread* ecore_thread_run(Ecore_Thread_Cb funcBlocking, Ecore_Thread_Cb fun
   if (world.answers.Take("ecore_thread_run").has_value()) {
     return nullptr;
   }
-  auto* worker = new Worker{funcBlocking, funcEnd, funcCancel, data};
-  Alive().insert(worker);
+  const auto worker = std::make_shared<Worker>(Worker{funcBlocking, funcEnd, funcCancel, data});
   world.poolJobs.push_back({funcBlocking, funcEnd, funcCancel});
   ++world.runningWorkers;
   static_cast<void>(world.scheduler.Spawn("worker", [worker] {
-    worker->body(const_cast<void*>(worker->data), Handle(worker));
+    worker->body(const_cast<void*>(worker->data), worker->Handle());
     Scheduler& scheduler = World::Current().scheduler;
-    scheduler.At(scheduler.Now(), Lane::kMainLoop, [worker] { Finish(worker); });
+    scheduler.At(scheduler.Now(), Lane::kMainLoop, [worker] { worker->Finish(); });
   }));
-  return Handle(worker);
+  return worker->Handle();
 }
 
 // A worker that has ended is cancelled without effect.
 Eina_Bool ecore_thread_cancel(Ecore_Thread* thread) {
   World::Current().Call("ecore_thread_cancel()");
   auto* worker = reinterpret_cast<Worker*>(thread);
-  if (Alive().count(worker) == 0) {
+  if (worker->finished) {
     return EINA_TRUE;
   }
   worker->cancelled = true;
