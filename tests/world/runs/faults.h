@@ -2,6 +2,7 @@
 #pragma once
 
 #include <map>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,11 @@ struct FailingOperation {
   std::vector<long> results;                  // each a failure
   std::map<int, std::string> terminate = {};  // how the run ends, by the number of the call that fails; others: kDone
 };
+
+// For the messages of GoogleTest.
+inline void PrintTo(const FailingOperation& operation, std::ostream* out) {
+  *out << operation.name;
+}
 
 // Operations that a run which finds its difference calls, in the order of the contract's headers, then ALSA's, Ecore's
 // and those of the C library.

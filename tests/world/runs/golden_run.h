@@ -30,15 +30,6 @@ protected:
   void AtMs(double milliseconds, const std::function<void()>& action) {
     run.world.scheduler.At(world::Time(static_cast<std::int64_t>(milliseconds * 1e6)), world::Lane::kMainLoop, action);
   }
-  // Does `action` right after the first line that reads `text`.
-  void After(const std::string& text, const std::function<void()>& action) {
-    run.world.journal.onAdd = [this, text, action] {
-      if (run.world.journal.Entries().back().text == text) {
-        run.world.journal.onAdd = nullptr;
-        action();
-      }
-    };
-  }
   void RunToEnd() {
     ASSERT_TRUE(run.Start());
     ASSERT_TRUE(run.ToEnd());

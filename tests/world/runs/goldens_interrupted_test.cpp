@@ -64,7 +64,7 @@ TEST_F(GoldenInterruption, TheOpticalFlagDuringTheAmbientPhase) {
 }
 
 TEST_F(GoldenInterruption, TheOpticalFlagAtTheEndOfTheAmbientPhaseStillLetsTheSoundStart) {
-  After(kAmbientDone, [this] { run.SwitchOpticalFlag(); });
+  run.After(kAmbientDone, [this] { run.SwitchOpticalFlag(); });
   RunToEnd();
   golden.UntilRecording().Blocks(1, 34);
   ExpectAtTheEndOfTheAmbientPhase("* optical flag");
@@ -101,7 +101,7 @@ TEST_F(GoldenInterruption, ATerminationRequestDuringTheAmbientPhase) {
 }
 
 TEST_F(GoldenInterruption, ATerminationRequestAtTheEndOfTheAmbientPhaseKeepsTheSoundFromStarting) {
-  After(kAmbientDone, [this] { run.Terminate(); });
+  run.After(kAmbientDone, [this] { run.Terminate(); });
   RunToEnd();
   golden.UntilRecording().Blocks(1, 34);
   ExpectAtTheEndOfTheAmbientPhase("* termination");

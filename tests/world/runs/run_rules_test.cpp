@@ -24,6 +24,10 @@ struct Breach {
   const char* word;
 };
 
+void PrintTo(const Breach& breach, std::ostream* out) {
+  *out << breach.name;
+}
+
 void Log(ServiceRun& run, const std::string& thread, const std::string& text, const std::string& file = "") {
   run.world.journal.Add({run.world.scheduler.Now(), thread, text, file, ""});
 }

@@ -69,6 +69,15 @@ bool ServiceRun::Start() {
   return m_App != nullptr;
 }
 
+void ServiceRun::After(const std::string& text, const std::function<void()>& action) {
+  world.journal.onAdd = [this, text, action, isDone = false]() mutable {
+    if (!isDone && world.journal.Entries().back().text == text) {
+      isDone = true;
+      action();
+    }
+  };
+}
+
 void ServiceRun::Happens(const std::string& what) {
   world.journal.Add({world.scheduler.Now(), world.scheduler.CurrentThread(), "* " + what, "", ""});
 }

@@ -1,6 +1,7 @@
 // One process of the service on a television in virtual time, from program start to the end of the process.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -32,6 +33,9 @@ public:
   bool Start();
   // Time passes until the process has ended, at most 60 s. False when it has not.
   bool ToEnd() { return world.RunToEnd(); }
+
+  // Does `action` right after the first line that reads `text`, on the thread that made it.
+  void After(const std::string& text, const std::function<void()>& action);
 
   // What a user, another application or the system does while the service runs. Each is in the journal as "* …".
   void SwitchOpticalFlag();
