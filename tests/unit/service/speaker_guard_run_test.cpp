@@ -33,6 +33,7 @@ TEST_F(MutedTelevision, IsPreparedAfterTheSubscriptionAndBeforeTheFirstEvent) {
                           "> sound_manager_get_tv_master_volume() = 0", "I0 TV speaker volume value.[15]",
                           "> sound_manager_set_tv_master_volume(0) = 0",
                           "> sound_manager_set_device_mute(0, false) = 0", "> SendEvent(10000)"));
+  app.t_OnDestroy();
 }
 
 TEST_F(MutedTelevision, IsRestoredAfterTheWorkersAndTheTimerAndBeforeTheAlarmEnds) {
