@@ -52,6 +52,7 @@ void TakeOverEndSignals() {
 
 void ForgetEndSignals() {
   ReplaceHandlers(&Remember, SIG_DFL);
+  remembered = false;
 }
 
 bool TakeRememberedEndSignal() {

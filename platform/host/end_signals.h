@@ -9,7 +9,7 @@ namespace orvex::host {
 void RememberEndSignals();
 // The same, whoever handled them: for the time after Ecore, which does not put back what it found.
 void TakeOverEndSignals();
-// Give them back their usual effect, unless somebody else has taken them meanwhile.
+// Give them back their usual effect, unless somebody else has taken them meanwhile, and forget those that came.
 void ForgetEndSignals();
 // True when one came since the last call.
 bool TakeRememberedEndSignal();

@@ -5,15 +5,22 @@
 #include <string>
 
 #include "faults.h"
+#include "main_loop.h"
 #include "notify_socket.h"
 #include "report.h"
 
 namespace {
 
+using orvex::host::CurrentMainLoop;
 using orvex::host::Faults;
 
 constexpr int kFailed = -1;
-bool isRegistered = false;
+// The main loop whose application is registered: a further one begins anew.
+unsigned registeredMainLoop = 0;
+
+bool IsRegistered() {
+  return registeredMainLoop != 0 && registeredMainLoop == CurrentMainLoop();
+}
 
 }  // namespace
 
@@ -26,14 +33,18 @@ int watchdog_register(std::int32_t timeout) {
     return kFailed;
   }
   const std::string ready = "READY=1\nWATCHDOG_USEC=" + std::to_string(timeout) + "000000";
-  isRegistered = !orvex::host::HasNotifySocket() || orvex::host::SendNotification(ready);
-  return isRegistered ? 0 : kFailed;
+  if (orvex::host::HasNotifySocket() && !orvex::host::SendNotification(ready)) {
+    return kFailed;
+  }
+  registeredMainLoop = CurrentMainLoop();
+  return 0;
 }
 
 int watchdog_notify() {
   if (const auto fault = Faults::Instance().Next("watchdog.notify")) {
     return *fault;
   }
-  const bool isTaken = isRegistered && (!orvex::host::HasNotifySocket() || orvex::host::SendNotification("WATCHDOG=1"));
+  const bool isTaken =
+      IsRegistered() && (!orvex::host::HasNotifySocket() || orvex::host::SendNotification("WATCHDOG=1"));
   return isTaken ? 0 : kFailed;
 }

@@ -56,19 +56,30 @@ private:
   static std::filesystem::path TestFolder() {
     static const std::filesystem::path folder = [] {
       const char* const named = getenv("ORVEX_TV");
-      if (named != nullptr && *named != '\0') {
+      const std::string made = named == nullptr || *named == '\0' ? NewFolder() : "";
+      if (made.empty()) {
         return std::filesystem::path();
       }
-      std::string pattern = (std::filesystem::temp_directory_path() / "orvex-host-XXXXXX").string();
-      if (mkdtemp(pattern.data()) == nullptr) {
-        return std::filesystem::path();
-      }
-      setenv("ORVEX_TV", pattern.c_str(), 1);
+      setenv("ORVEX_TV", made.c_str(), 1);
       const auto directory = Television::Instance().GetDirectory();
       unsetenv("ORVEX_TV");
-      return directory == pattern ? directory : std::filesystem::path();
+      return directory == made ? directory : std::filesystem::path();
     }();
     return folder;
+  }
+
+  // A test that dies, as a child process, shares the folder of its parent, which cleans up behind it.
+  static std::string NewFolder() {
+    constexpr const char* kParentsFolder = "ORVEX_HOST_TEST_FOLDER";
+    if (const char* const parents = getenv(kParentsFolder)) {
+      return parents;
+    }
+    std::string pattern = (std::filesystem::temp_directory_path() / "orvex-host-XXXXXX").string();
+    if (mkdtemp(pattern.data()) == nullptr) {
+      return "";
+    }
+    setenv(kParentsFolder, pattern.c_str(), 1);
+    return pattern;
   }
 
   std::filesystem::path m_Folder;
