@@ -7,6 +7,7 @@
 
 #include "end_signals.h"
 #include "event_queue.h"
+#include "signal_errno.h"
 
 namespace orvex::host {
 namespace {
@@ -29,12 +30,21 @@ bool HasWorkers() {
   return ecore_thread_active_get() > 0 || ecore_thread_pending_total_get() > 0;
 }
 
+bool InitEcore() {
+  // Otherwise Ecore looks for D-Bus services, and complains at length where there are none.
+  ecore_app_no_system_modules();
+  const EndSignalBlock block;
+  if (ecore_init() <= 0) {
+    return false;
+  }
+  KeepErrnoInEcoreHandlers();
+  return true;
+}
+
 }  // namespace
 
 bool StartMainLoop() {
-  // Otherwise Ecore looks for D-Bus services, and complains at length where there are none.
-  ecore_app_no_system_modules();
-  if (ecore_init() <= 0) {
+  if (!InitEcore()) {
     return false;
   }
   isStarted = true;
