@@ -17,11 +17,11 @@ struct Row {
 // All before the first tone, so that the rest of the sound still has whole pairs.
 const Row kRecovered[] = {
     {"underrun",
-     R"({"pcm.underrun_at_frame": 5000})",
+     R"({"pcm.underrun_at_frame": 3000})",
      {"D playOffset = 0, leftLen = *", "F write error: read_size:*, cnt:-32, why:Broken pipe", "F under run. state[4]",
       "D playOffset = 39296, leftLen = *", "I write return : 9824."}},
     {"suspended",
-     R"({"pcm.suspend_at_frame": 5000})",
+     R"({"pcm.suspend_at_frame": 3000})",
      {"D playOffset = 0, leftLen = *", "F write error: read_size:*, cnt:-86, why:Streams pipe error",
       "D playOffset = 39296, leftLen = *", "I write return : 9824."}},
     {"one after the other",
@@ -51,7 +51,7 @@ TEST(Device, ARunGoesOnWithWhatIsLeftAfterAnUnderrunOrASuspension) {
 
 // Every further chunk fails at once, and the sound ends early.
 TEST(Device, ARunWithoutADifferenceFollowsADisconnection) {
-  const Observation observation = Perform({"disconnected", WithFaults(R"({"pcm.disconnect_at_frame": 5000})"), {}, {}});
+  const Observation observation = Perform({"disconnected", WithFaults(R"({"pcm.disconnect_at_frame": 3000})"), {}, {}});
   Expectation expectation;
   expectation.runLines = ExpectedLog()
                              .UpToPlaying()
@@ -74,7 +74,7 @@ TEST(Device, ARunWithoutADifferenceFollowsADisconnection) {
 // The worker never returns. The process ends all the same, and nothing that was recorded is lost.
 TEST(Device, OneThatStallsDoesNotHoldTheProcess) {
   const Observation observation =
-      Perform({"stalled", WithFaults(R"({"pcm.stall_at_frame": 5000})"), {SignalAt("buffer: 60", SIGTERM)}, {}});
+      Perform({"stalled", WithFaults(R"({"pcm.stall_at_frame": 3000})"), {SignalAt("buffer: 60", SIGTERM)}, {}});
   Expectation expectation;
   expectation.runLines = ExpectedLog().UpToPlaying().Destroyed().GetLines();
   expectation.terminate = "etc";

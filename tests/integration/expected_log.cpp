@@ -3,8 +3,8 @@
 
 namespace orvex::integration {
 
-RecordHandling Sent() {
-  return {"I defaultdisclaimeragree=1", true, {"I add event log sync:1"}};
+RecordHandling Sent(const std::string& agreed) {
+  return {"I defaultdisclaimeragree=" + agreed, true, {"I add event log sync:1"}};
 }
 
 RecordHandling Held() {
@@ -204,8 +204,8 @@ ExpectedLog& ExpectedLog::WorkerCancelled() {
   return Add({"I m_CancelPlayCB", "I Destroy", "I Done drop", "I Done close", "I m_OnCancelWavPlayCallback"});
 }
 
-ExpectedLog& ExpectedLog::ConsentGiven() {
-  return SetRecords(Sent()).Add({"I ", "I ", "I defaultdisclaimeragree=1"});
+ExpectedLog& ExpectedLog::ConsentGiven(const std::string& agreed) {
+  return SetRecords(Sent(agreed)).Add({"I ", "I ", "I defaultdisclaimeragree=" + agreed});
 }
 
 ExpectedLog& ExpectedLog::UpToRecording() {

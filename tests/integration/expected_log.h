@@ -18,7 +18,7 @@ struct RecordHandling {
   Lines answer;
 };
 
-RecordHandling Sent();
+RecordHandling Sent(const std::string& agreed = "1");
 RecordHandling Held();
 RecordHandling HeldUnread(int code);  // the consent cannot be read
 RecordHandling LostWithoutCollector();
@@ -55,7 +55,7 @@ public:
   ExpectedLog& Exit() { return Event(10007, "ORVEX_EXIT"); }
   ExpectedLog& Destroyed();
   ExpectedLog& WorkerCancelled();
-  ExpectedLog& ConsentGiven();  // the notification, before what was held is sent
+  ExpectedLog& ConsentGiven(const std::string& agreed = "1");  // the notification, before what was held is sent
 
   // Whole stretches of the usual way.
   ExpectedLog& UpToRecording();
