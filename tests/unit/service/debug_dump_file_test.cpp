@@ -17,6 +17,7 @@ namespace {
 
 using orvex::service_tests::AudioName;
 using orvex::service_tests::ContentOf;
+using orvex::service_tests::OpenDescriptorsOf;
 using orvex::service_tests::ResultName;
 using orvex::world::World;
 using testing::ElementsAre;
@@ -152,6 +153,14 @@ TEST_F(DebugDumpFile, WithoutAResultFileNoAudioIsKept) {
   ExpectClosed();
   writer.Stop();
   EXPECT_EQ(ContentOf(AudioName(1)), "");
+}
+
+TEST_F(DebugDumpFile, AFileThatFindsNoMemoryIsNotLeftOpen) {
+  world.answers.Next("fdopen", {0});
+  EXPECT_THAT(During([&] { writer.Start(); }), ElementsAre("I0 CDebugDumpImplFile start", StartLine(1), kNotFound));
+  EXPECT_EQ(OpenDescriptorsOf(AudioName(1)), 0);
+  EXPECT_FALSE(fs::exists(ResultName(1)));
+  ExpectClosed();
 }
 
 TEST_F(DebugDumpFile, ARecordingAfterAFailedOneHasTheNextNumber) {

@@ -13,18 +13,10 @@ namespace {
 
 using orvex::service_tests::AudioName;
 using orvex::service_tests::ContentOf;
+using orvex::service_tests::OpenDescriptorsOf;
 using orvex::service_tests::ResultName;
 using orvex::world::World;
 namespace fs = std::filesystem;
-
-int OpenDescriptorsOf(const std::string& name) {
-  int count = 0;
-  for (const auto& descriptor : fs::directory_iterator("/proc/self/fd")) {
-    std::error_code gone;
-    count += fs::read_symlink(descriptor.path(), gone) == name ? 1 : 0;
-  }
-  return count;
-}
 
 void RemoveFiles() {
   for (const int recording : {1, 2}) {

@@ -3,9 +3,11 @@
 
 #include <unistd.h>
 
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "journal.h"
@@ -32,6 +34,16 @@ inline std::string ContentOf(const std::string& name) {
     return "(no file)";
   }
   return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+// How many descriptors of this process are open on a file.
+inline int OpenDescriptorsOf(const std::string& name) {
+  int count = 0;
+  for (const auto& descriptor : std::filesystem::directory_iterator("/proc/self/fd")) {
+    std::error_code gone;
+    count += std::filesystem::read_symlink(descriptor.path(), gone) == name ? 1 : 0;
+  }
+  return count;
 }
 
 // Knows the recordings of a test from its journal, and deletes their files when the test is over.

@@ -22,6 +22,7 @@ class ReceiverCapture : public ReceiverTest {
 protected:
   // Everything that a start does after it has saved the delay.
   Texts StartOfVoice() {
+    CSingleton<CDebugDump>::GetInstance()->Stop();
     Texts texts = During([&] { receiver.StartBTRecoder(); });
     EXPECT_GE(texts.size(), std::size(kReadDelay));
     for (const char* text : kReadDelay) {

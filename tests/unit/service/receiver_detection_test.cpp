@@ -69,9 +69,11 @@ TEST_F(ReceiverDetection, ATonesFirstChanceIsBlock31) {
     for (const int buffer : {5, 20, 34}) {
       EXPECT_THAT(EventsAt(buffer, tone), IsEmpty()) << buffer;
     }
-    EXPECT_THAT(EventsAt(35, Times(50, tone)), ElementsAre("E0 completed ambient noise", "> end of ambient noise"));
+    receiver.StopBTRecoder();
+    Start();
+    EXPECT_THAT(EventsAt(35, tone), ElementsAre("E0 completed ambient noise", "> end of ambient noise"));
     EXPECT_EQ(receiver.GetDirection(), 0);
-    EXPECT_EQ(EventsAt(36, Times(50, tone)).size(), 2U);
+    EXPECT_EQ(EventsAt(36, tone).size(), 2U);
     EXPECT_NE(receiver.GetDirection(), 0);
     receiver.StopBTRecoder();
   }
@@ -212,9 +214,6 @@ TEST_F(ReceiverDetection, ALevelOfExactly50TimesTheAmbienceIsNotEnoughFor19kHz) 
 }
 
 TEST_F(ReceiverDetection, WithoutCallbacksABlockIsTreatedAllTheSame) {
-  receiver.StartBTRecoder();
-  receiver.StopBTRecoder();
-  Forget();
   OrvexReceiver alone{OrvexReceiverCallbacks{}};
   alone.StartBTRecoder();
   const Samples noisy = Block({0.0, 0.0, 200.0, 200.0, 0.0, 0.0});

@@ -85,20 +85,28 @@ TEST_F(ReceiverRestart, TheKindOfSoundStays) {
   receiver.SetHearable(true);
   Start();
   receiver.StopBTRecoder();
+  CSingleton<CDebugDump>::GetInstance()->Stop();
   EXPECT_THAT(During([&] { receiver.StartBTRecoder(); }), Contains("> bt_hid_send_rc_command(null, 04 00, 2) = 0"));
   EXPECT_THAT(EventsAt(15, quiet), ElementsAre("I0 (ruvo) Hearable Set - m_SoundType 1"));
 }
 
-TEST_F(ReceiverRestart, ARefusedStartForgetsTheLastResultAllTheSame) {
-  Start();
-  EventsAt(40, Tone17(100));
-  EventsAt(41, Tone19(100));
-  receiver.StopBTRecoder();
-  world.answers.Next("bt_hid_send_rc_command", {-5});
-  receiver.StartBTRecoder();
-  EXPECT_FALSE(receiver.IsRecording());
-  EXPECT_EQ(receiver.GetAudioTimeDifference(), 0.0);
-  EXPECT_EQ(receiver.GetBufferCount(), 0);
+TEST_F(ReceiverRestart, TheLastResultIsForgottenFirstAndEvenWhenTheStartFails) {
+  for (const char* failing : {"bt_hid_set_audio_data_receive_cb", "bt_hid_send_rc_command"}) {
+    Start();
+    EventsAt(40, Tone17(100));
+    EventsAt(41, Tone19(100));
+    receiver.StopBTRecoder();
+    ASSERT_NE(receiver.GetAudioTimeDifference(), 0.0);
+    bool forgotten = true;
+    world.onCall = [&](const std::string&) { forgotten = forgotten && receiver.GetBufferCount() == 0; };
+    world.answers.Next(failing, {-5});
+    receiver.StartBTRecoder();
+    world.onCall = nullptr;
+    EXPECT_TRUE(forgotten);
+    EXPECT_FALSE(receiver.IsRecording());
+    EXPECT_EQ(receiver.GetAudioTimeDifference(), 0.0);
+    EXPECT_EQ(receiver.GetDirection(), 0);
+  }
 }
 
 }  // namespace

@@ -44,7 +44,9 @@ protected:
     return world.journal.Texts();
   }
 
+  // The files of a recording before this one are closed first.
   void Start() {
+    CSingleton<CDebugDump>::GetInstance()->Stop();
     Forget();
     receiver.StartBTRecoder();
     ASSERT_TRUE(receiver.IsRecording());

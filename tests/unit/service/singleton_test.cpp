@@ -51,24 +51,31 @@ TEST(Singleton, IsNeverDestroyed) {
   EXPECT_EXIT(useAndExit(), ExitedWithCode(0), "");
 }
 
+// Takes its time to be made: until every thread is there, and a little more.
 struct Counted {
-  Counted() { ++constructed; }
+  static constexpr int kThreads = 16;
+  Counted() {
+    while (arrived < kThreads) {
+      std::this_thread::yield();
+    }
+    for (int turn = 0; turn < 1000; ++turn) {
+      std::this_thread::yield();
+    }
+    ++constructed;
+  }
+  static inline std::atomic<int> arrived{0};
   static inline std::atomic<int> constructed{0};
 };
 
 TEST(Singleton, IsMadeOnceHoweverManyThreadsComeAtTheSameTime) {
-  std::array<Counted*, 16> seen{};
-  std::atomic<bool> go{false};
+  std::array<Counted*, Counted::kThreads> seen{};
   std::vector<std::thread> threads;
   for (Counted*& instance : seen) {
-    threads.emplace_back([&go, &instance] {
-      while (!go) {
-        std::this_thread::yield();
-      }
+    threads.emplace_back([&instance] {
+      ++Counted::arrived;
       instance = CSingleton<Counted>::GetInstance();
     });
   }
-  go = true;
   for (std::thread& thread : threads) {
     thread.join();
   }
