@@ -7,8 +7,10 @@ add_library(orvex_build INTERFACE)
 target_compile_options(orvex_build INTERFACE -Wall -Wextra -Wshadow -Wconversion $<$<BOOL:${ORVEX_WERROR}>:-Werror>)
 # One rounding per operation on every machine, so that the detector's figures are the same everywhere.
 target_compile_options(orvex_build INTERFACE -ffp-contract=off)
+# Function names and line numbers; full debug information costs more time than everything else.
+add_compile_options(-g1)
 
 if(ORVEX_SANITIZE)
-  add_compile_options(-fsanitize=${ORVEX_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_compile_options(-O1 -fsanitize=${ORVEX_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${ORVEX_SANITIZE})
 endif()

@@ -18,7 +18,8 @@ configure() {
   local folder=$1 log
   shift
   if command -v ccache >/dev/null; then
-    set -- -DCMAKE_CXX_COMPILER_LAUNCHER=ccache "$@"
+    # Sloppiness: otherwise it leaves precompiled headers alone.
+    set -- "-DCMAKE_CXX_COMPILER_LAUNCHER=env;CCACHE_SLOPPINESS=pch_defines,time_macros;ccache" "$@"
   fi
   mkdir -p "$folder"
   log=$folder/configure.log
