@@ -1,8 +1,8 @@
 // Plays the test sound once per request.
 #include "Application/OrvexSoundPlayer.h"
 
+#include <cstdlib>
 #include <fstream>
-#include <new>
 
 #include "Util/OrvexLog.h"
 #include "orvex/platform/file_location.h"
@@ -106,8 +106,9 @@ void OrvexSoundPlayer::m_LoadWaveFile(const std::string& path) {
     ORVEX_FAILURE("Assertion failed");
     return;
   }
-  // Zeroed, so that a file that is too short plays silence for what it lacks.
-  m_pAudioData = new (std::nothrow) std::uint8_t[dataSize]();
+  // A file that is too short plays silence for what it lacks. Zeroed by the system, which takes no memory for what is
+  // not read: a broken header may name 4 GiB.
+  m_pAudioData = static_cast<std::uint8_t*>(std::calloc(dataSize, 1));
   if (m_pAudioData != nullptr) {
     ReadBytes(file, m_pAudioData, dataSize);
   }
@@ -143,7 +144,7 @@ void OrvexSoundPlayer::m_CancelPlayCB(void* data, Ecore_Thread* /*thread*/) {
 }
 
 void OrvexSoundPlayer::m_FreeAudioData() {
-  delete[] m_pAudioData;
+  std::free(m_pAudioData);
   m_pAudioData = nullptr;
 }
 

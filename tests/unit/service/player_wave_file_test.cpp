@@ -199,7 +199,7 @@ TEST_F(Player, ThatWasToldNothingPlaysNothing) {
 
 TEST_F(Player, WithoutMemoryForTheSoundPlaysNothingAndEndsNormally) {
   file.Write(Joined({WaveBeginning(), ChunkHeader("data", 0xFFFFFFFFU)}));
-  world.answers.Next("new[]", {0});
+  world.answers.Next("calloc", {0});
   PlayWave();
   EXPECT_THAT(Rest(),
               ElementsAreArray(Concat({LoadingBegins(), {"I0 buffer length -1", "E2 Assertion failed"}, PlayEnds()})));
@@ -207,7 +207,7 @@ TEST_F(Player, WithoutMemoryForTheSoundPlaysNothingAndEndsNormally) {
 }
 
 TEST_F(Player, PlaysAgainWhenThereIsMemoryAgain) {
-  world.answers.Next("new[]", {0});
+  world.answers.Next("calloc", {0});
   PlayWave();
   Rest();
   PlayWave();

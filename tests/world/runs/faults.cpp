@@ -77,7 +77,7 @@ const std::vector<FailingOperation>& FailingOperations() {
       // Tried twice; the controller's own failure has no text of its own.
       {"pthread_create", {11, 1}, {{kForEver, "etc"}}},
       {"malloc", {0}, kSilent},
-      {"new[]", {0}, kSilent},
+      {"calloc", {0}, kSilent},
       {"fdopen", {0}},
   };
   return *kOperations;

@@ -2,6 +2,7 @@
 #include "service_run.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <new>
 
 #include "Application/OrvexEventId.h"
@@ -55,7 +56,7 @@ ServiceRun::~ServiceRun() {
   }
   // A worker that had to be given up has left its samples.
   while (!world.openBlocks.empty()) {
-    delete[] static_cast<std::uint8_t*>(*world.openBlocks.begin());
+    std::free(*world.openBlocks.begin());
   }
   DeleteDebugFiles(world.journal);
 }
