@@ -9,8 +9,10 @@
 #include "Util/IDebugDumpImpl.h"
 
 // Files of recording n (1, 2, …) of process pid:
-//   /tmp/audio_dump_<pid>_<n>        every delivered block unchanged: signed 16-bit little-endian mono samples, no
-//   header /tmp/audio_result_<pid>_<n>.csv  lines of text: the results and the delays in force
+//   /tmp/audio_dump_<pid>_<n>        every delivered block as it came: signed 16-bit little-endian mono, no header
+//
+//   /tmp/audio_result_<pid>_<n>.csv  lines of text: the results and the delays in force
+//
 // They are never deleted here. Both are made with mode 0600, and a symbolic link in the way is a failure to open.
 class CDebugDumpImplFile : public IDebugDumpImpl {
 public:
