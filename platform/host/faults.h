@@ -7,31 +7,16 @@
 #include <map>
 #include <mutex>
 #include <optional>
-#include <set>
 #include <string>
 #include <vector>
 
+#include "fault_table.h"
+
 namespace orvex::host {
-
-// What the file says, checked.
-struct FaultTable {
-  struct Answer {
-    bool always = false;                    // `calls` has one entry then
-    std::vector<std::optional<int>> calls;  // by number of the call
-  };
-  std::map<std::string, Answer> answers;
-  std::map<std::string, std::vector<std::uint64_t>> frames;
-  std::set<std::string> absent;
-};
-
-// Reads the file's text. Throws std::runtime_error that names key, value and what was expected.
-FaultTable ParseFaults(const std::string& text);
 
 // Every operation may be called from any thread.
 //
-// The file is one JSON object, operation name to answer. An answer is an integer, given at every call, or an array: the
-// n-th call gets the n-th entry, null and the calls after the last entry are left alone. An answer stands in place of
-// the operation's work. A file that is wrong in one point is reported on stderr and injects nothing at all.
+// A file that is wrong in one point is reported on stderr and injects nothing at all.
 class Faults {
 public:
   explicit Faults(std::filesystem::path file);

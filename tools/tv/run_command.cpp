@@ -77,6 +77,7 @@ int Run(const Arguments& arguments) {
   summary.ending = RunService({FindService(arguments.service), television.Get().GetDirectory()},
                               [&](const std::string& line) { watcher.OnLine(line); });
   summary.report = watcher.Report();
+  summary.delayAfterMs = television.DelayMs();
   summary.misalignmentAfterMs = television.MisalignmentMs();
   summary.events = EventsSince(television.EventFile(), eventsBefore);
   if (const std::string problem = summary.ending.Problem(); !problem.empty()) {

@@ -45,7 +45,7 @@ std::string SummaryJson(const RunSummary& summary) {
   json["result"] = summary.report.result;
   json["base_ms"] = OrNull(summary.report.baseMs);
   json["difference_s"] = OrNull(summary.report.differenceS);
-  json["applied_ms"] = OrNull(summary.report.appliedMs);
+  json["applied_ms"] = summary.delayAfterMs ? Json::Value(Json::Int64{*summary.delayAfterMs}) : Json::Value();
   json["misalignment_before_ms"] = OrNull(summary.misalignmentBeforeMs);
   json["misalignment_after_ms"] = OrNull(summary.misalignmentAfterMs);
   json["duration_ms"] = Json::Int64(summary.ending.duration.count());

@@ -17,6 +17,7 @@ struct RunSummary {
   ServiceEnding ending;
   std::optional<double> misalignmentBeforeMs;  // optical minus speaker, of the room itself
   std::optional<double> misalignmentAfterMs;
+  std::optional<std::int64_t> delayAfterMs;  // in force when the run had ended
   std::vector<Json::Value> events;
 
   // The delay was corrected and the service ended in order.

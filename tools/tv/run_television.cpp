@@ -6,11 +6,10 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
-#include <memory>
+#include <stdexcept>
 #include <system_error>
 
-#include <json/reader.h>
-
+#include "fault_table.h"
 #include "orvex/sim/room_json.h"
 #include "orvex/sim/truth.h"
 #include "television_files.h"
@@ -32,18 +31,12 @@ std::filesystem::path MakeTemporaryFolder() {
   return pattern;
 }
 
-void RequireJsonObject(const std::string& text, const std::string& path) {
-  Json::Value value;
-  std::string errors;
-  const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
+void CheckFaults(const std::string& text, const std::string& path) {
   try {
-    if (reader->parse(text.data(), text.data() + text.size(), &value, &errors) && value.isObject()) {
-      return;
-    }
-  } catch (const Json::Exception& error) {
-    errors = error.what();
+    static_cast<void>(host::ParseFaults(text));
+  } catch (const std::runtime_error& problem) {
+    throw UsageError(path + ": " + problem.what());
   }
-  throw UsageError(path + ": expected a JSON object" + (errors.empty() ? "" : "\n" + errors));
 }
 
 }  // namespace
@@ -74,7 +67,7 @@ void RunTelevision::Prepare(const TelevisionOptions& options) {
   std::string faults;
   if (!options.faultsFile.empty()) {
     faults = ReadTextFile(options.faultsFile);
-    RequireJsonObject(faults, options.faultsFile);
+    CheckFaults(faults, options.faultsFile);
   }
   std::optional<sim::RoomConfig> room = options.room.ReadFile();
   m_Television.Create();
@@ -91,12 +84,17 @@ void RunTelevision::Prepare(const TelevisionOptions& options) {
   }
 }
 
-std::optional<double> RunTelevision::MisalignmentMs() const {
+std::optional<std::int64_t> RunTelevision::DelayMs() const {
   try {
-    return sim::MisalignmentMs(m_Room, static_cast<double>(m_Television.GetNumber(kDelay)));
+    return m_Television.GetNumber(kDelay);
   } catch (const host::TelevisionError&) {
     return std::nullopt;
   }
+}
+
+std::optional<double> RunTelevision::MisalignmentMs() const {
+  const std::optional<std::int64_t> delayMs = DelayMs();
+  return delayMs ? std::optional<double>(sim::MisalignmentMs(m_Room, static_cast<double>(*delayMs))) : std::nullopt;
 }
 
 }  // namespace orvex::tools

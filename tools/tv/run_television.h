@@ -30,6 +30,8 @@ public:
 
   const host::Television& Get() const { return m_Television; }
   std::string EventFile() const { return m_Television.PathOf("events.jsonl").string(); }
+  // The optical output's delay in force; empty when it cannot be read.
+  std::optional<std::int64_t> DelayMs() const;
   // True difference between optical output and speaker with the delay in force; empty when that cannot be read.
   std::optional<double> MisalignmentMs() const;
 

@@ -19,6 +19,7 @@ RunSummary GoodRun() {
   summary.ending.duration = std::chrono::milliseconds(3290);
   summary.misalignmentBeforeMs = 90.0;
   summary.misalignmentAfterMs = 8.0;
+  summary.delayAfterMs = 18;
   Json::Value event;
   event["event"] = "ORVEXSET";
   summary.events.push_back(event);
@@ -48,6 +49,13 @@ TEST(SummaryJson, SaysEverythingAboutAGoodRun) {
   EXPECT_EQ("/tmp/result", json["result_file"].asString());
   ASSERT_EQ(1u, json["events"].size());
   EXPECT_EQ("ORVEXSET", json["events"][0]["event"].asString());
+}
+
+TEST(SummaryJson, SaysTheDelayInForceWhenNoneWasApplied) {
+  RunSummary summary = GoodRun();
+  summary.report.appliedMs.reset();
+  summary.delayAfterMs = 100;
+  EXPECT_EQ(100, Parsed(summary)["applied_ms"].asInt());
 }
 
 TEST(SummaryJson, SaysNullWhereThereIsNothing) {
