@@ -1,4 +1,4 @@
-// Runs orvex-tv with its output in files.
+// Runs the commands with their output in files.
 #include "tool_run.h"
 
 #include <json/reader.h>
@@ -18,22 +18,30 @@ Json::Value ToolRun::Json() const {
   return reader->parse(output.data(), output.data() + output.size(), &value, nullptr) ? value : Json::Value();
 }
 
-ToolRun RunTool(const std::vector<std::string>& arguments) {
+ToolRun RunProgram(const std::string& program, const std::vector<std::string>& arguments) {
   const TestTelevision folder;
   const auto output = folder.PathOf("stdout");
   const auto errors = folder.PathOf("stderr");
-  Process process({ORVEX_TV_PROGRAM, arguments, {}, output, errors});
+  Process process({program, arguments, {}, output, errors});
   ToolRun run;
   run.ending = process.WaitForEnd();
   run.output = ReadWholeFile(output);
   run.errors = ReadWholeFile(errors);
-  const Json::Value json = run.Json();
+  return run;
+}
+
+void RemoveDump(const Json::Value& json) {
   for (const char* const key : {"dump_file", "result_file"}) {
     if (json.isObject() && json[key].isString()) {
       std::error_code ignored;
       std::filesystem::remove(json[key].asString(), ignored);
     }
   }
+}
+
+ToolRun RunTool(const std::vector<std::string>& arguments) {
+  const ToolRun run = RunProgram(ORVEX_TV_PROGRAM, arguments);
+  RemoveDump(run.Json());
   return run;
 }
 

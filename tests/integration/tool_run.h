@@ -1,4 +1,4 @@
-// The command orvex-tv as a process.
+// The commands as processes.
 #pragma once
 
 #include <string>
@@ -19,7 +19,13 @@ struct ToolRun {
   Json::Value Json() const;
 };
 
-// Runs it to its end. Files of the debug dump that a JSON output names are removed.
+// Runs a program to its end.
+ToolRun RunProgram(const std::string& program, const std::vector<std::string>& arguments);
+
+// Removes the debug dump's files that a run's JSON output names.
+void RemoveDump(const Json::Value& json);
+
+// Runs orvex-tv. Files of the debug dump that a JSON output names are removed.
 ToolRun RunTool(const std::vector<std::string>& arguments);
 
 }  // namespace orvex::integration

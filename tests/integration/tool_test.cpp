@@ -72,6 +72,8 @@ TEST(Tool, TellsByItsExitCodeWhetherItWasDoneRefusedOrWronglyAsked) {
   const TestTelevision television;
   television.WriteFile("bad.json", R"({"tv": {"latency_ms": "long"}})");
   const std::string directory = television.GetDirectory().string();
+  television.WriteFile("faults", R"({"voice.begin": -5})");
+  const std::string badFaults = television.PathOf("faults").string();
   const std::string badRoom = television.PathOf("bad.json").string();
   const std::vector<Row> rows{
       {{"list", "--tv", directory}, "exit code 0", ""},
@@ -87,6 +89,7 @@ TEST(Tool, TellsByItsExitCodeWhetherItWasDoneRefusedOrWronglyAsked) {
       {{"run", "--base-delay", "soon"}, "exit code 2", "--base-delay"},
       {{"run", "--loss", "2"}, "exit code 2", "\"voice.loss_probability\" is 2, expected"},
       {{"run", "--room", badRoom}, "exit code 2", "bad.json: \"tv.latency_ms\" is \"long\", expected a number"},
+      {{"run", "--faults", badFaults}, "exit code 2", "faults: \"voice.begin\": -5: expected a known operation"},
       {{"run", "--room", "/nonexistent/room"}, "exit code 2", "/nonexistent/room"},
   };
   std::vector<ToolRun> runs(rows.size());

@@ -1,0 +1,85 @@
+// orvex-replay from the outside: a run's own dump, and files that it cannot use.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <json/reader.h>
+
+#include <memory>
+#include <sstream>
+
+#include "test_television.h"
+#include "tool_run.h"
+
+namespace orvex::integration {
+namespace {
+
+using testing::HasSubstr;
+
+// One JSON object per line.
+std::vector<Json::Value> Objects(const std::string& output) {
+  std::vector<Json::Value> objects;
+  std::istringstream lines(output);
+  const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
+  for (std::string line; std::getline(lines, line);) {
+    Json::Value object;
+    EXPECT_TRUE(reader->parse(line.data(), line.data() + line.size(), &object, nullptr)) << line;
+    objects.push_back(object);
+  }
+  return objects;
+}
+
+std::vector<std::string> Events(const std::vector<Json::Value>& objects) {
+  std::vector<std::string> events;
+  for (const Json::Value& object : objects) {
+    events.push_back(object["event"].asString());
+  }
+  return events;
+}
+
+TEST(Replay, OfARunsOwnDumpGivesThatRunsResultBitForBit) {
+  for (const char* const opticalLatencyMs : {"20", "150"}) {
+    const Json::Value run =
+        RunProgram(ORVEX_TV_PROGRAM, {"run", "--json", "--optical-latency", opticalLatencyMs}).Json();
+    ASSERT_EQ("done", run["terminate"].asString());
+    const ToolRun replay = RunProgram(ORVEX_REPLAY_PROGRAM, {run["dump_file"].asString()});
+    RemoveDump(run);
+    EXPECT_EQ("exit code 0", Describe(replay.ending)) << replay.errors;
+    const std::vector<Json::Value> objects = Objects(replay.output);
+    ASSERT_FALSE(objects.empty());
+    EXPECT_EQ("ambient", objects.front()["event"].asString());
+    EXPECT_EQ(35, objects.front()["buffer"].asInt());
+    EXPECT_EQ("summary", objects.back()["event"].asString());
+    EXPECT_EQ(run["difference_s"].asDouble(), objects.back()["difference_s"].asDouble());
+  }
+}
+
+TEST(Replay, OfSilenceFindsNothing) {
+  const TestTelevision folder;
+  // 40 blocks, a short one of 100 samples and an odd byte.
+  folder.WriteFile("silence", std::string(40 * 1536 + 201, '\0'));
+  const ToolRun replay = RunProgram(ORVEX_REPLAY_PROGRAM, {folder.PathOf("silence").string()});
+  EXPECT_EQ("exit code 1", Describe(replay.ending));
+  const std::vector<Json::Value> objects = Objects(replay.output);
+  EXPECT_THAT(Events(objects), testing::ElementsAre("ambient", "summary"));
+  EXPECT_EQ(41, objects.back()["buffers"].asInt());
+  EXPECT_EQ(37, objects.back()["blocks"].asInt());
+  EXPECT_EQ(0.0, objects.back()["ambient"]["17000"].asDouble());
+}
+
+TEST(Replay, RefusesWhatItCannotReadAndGoesOnWithTheRest) {
+  const TestTelevision folder;
+  folder.WriteFile("empty", "");
+  folder.WriteFile("broken.wav", "RIFF\1\1\1\1WAVEfmt ");
+  const std::string empty = folder.PathOf("empty").string();
+  const ToolRun missing = RunProgram(ORVEX_REPLAY_PROGRAM, {"/nonexistent/dump", empty});
+  EXPECT_EQ("exit code 2", Describe(missing.ending));
+  EXPECT_THAT(missing.errors, HasSubstr("/nonexistent/dump: cannot be read: No such file or directory"));
+  EXPECT_THAT(missing.output, HasSubstr(empty));
+  const ToolRun broken = RunProgram(ORVEX_REPLAY_PROGRAM, {folder.PathOf("broken.wav").string()});
+  EXPECT_EQ("exit code 2", Describe(broken.ending));
+  EXPECT_THAT(broken.errors, HasSubstr("broken.wav: no usable WAV file"));
+  EXPECT_EQ("exit code 2", Describe(RunProgram(ORVEX_REPLAY_PROGRAM, {}).ending));
+}
+
+}  // namespace
+}  // namespace orvex::integration
