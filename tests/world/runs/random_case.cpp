@@ -17,6 +17,11 @@ public:
   explicit Lot(std::uint64_t seed) : m_Random(seed) {}
 
   // 0 to `count` - 1.
+  // One of `list`.
+  template <class List>
+  const auto& Pick(const List& list) {
+    return list[static_cast<std::size_t>(Index(list.size()))];
+  }
   int Index(std::size_t count) { return static_cast<int>(m_Random() % count); }
   bool Chance(double probability) { return Between(0.0, 1.0) < probability; }
   double Between(double low, double high) {
@@ -73,11 +78,11 @@ bool MayNeverEnd(const FailingOperation& operation) {
 }
 
 void DrawFault(Lot& lot, world::Answers& answers, std::ostream& drawn) {
-  const FailingOperation& operation = FailingOperations()[lot.Index(FailingOperations().size())];
+  const FailingOperation& operation = lot.Pick(FailingOperations());
   if (MayNeverEnd(operation)) {
     return;
   }
-  const long result = operation.results[lot.Index(operation.results.size())];
+  const long result = lot.Pick(operation.results);
   drawn << "\n  " << operation.name << " answers " << result;
   if (lot.Chance(0.3)) {
     answers.Always(operation.name, result);
