@@ -33,7 +33,7 @@ bool HasWorkers() {
 bool InitEcore() {
   // Otherwise Ecore looks for D-Bus services, and complains at length where there are none.
   ecore_app_no_system_modules();
-  const EndSignalBlock block;
+  // Not with the end signals held back: Ecore lets them through before its handler can keep one, and it would be lost.
   if (ecore_init() <= 0) {
     return false;
   }
