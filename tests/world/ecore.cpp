@@ -2,7 +2,6 @@
 #include <Ecore.h>
 
 #include <memory>
-#include <set>
 
 #include "world.h"
 
@@ -13,14 +12,7 @@ using orvex::world::World;
 
 namespace {
 
-struct Timer;
-
-// Timers that run.
-std::set<Timer*>& Timers() {
-  static std::set<Timer*> timers;
-  return timers;
-}
-
+// Owned by its world, from which it takes itself when it ends.
 struct Timer {
   Time interval;
   Ecore_Task_Cb callback;
@@ -39,8 +31,7 @@ struct Timer {
   }
   void Forget() {
     --World::Current().openTimers;
-    Timers().erase(this);
-    delete this;
+    World::Current().timers.erase(this);
   }
 };
 
@@ -69,11 +60,11 @@ Ecore_Timer* ecore_timer_add(double in, Ecore_Task_Cb func, const void* data) {
   if (world.answers.Take("ecore_timer_add").has_value()) {
     return nullptr;
   }
-  auto* timer = new Timer{Time(static_cast<std::int64_t>(in * 1e9)), func, data, {}};
+  const auto timer = std::make_shared<Timer>(Timer{Time(static_cast<std::int64_t>(in * 1e9)), func, data, {}});
   ++world.openTimers;
-  Timers().insert(timer);
+  world.timers.emplace(timer.get(), timer);
   timer->Arm(timer->interval);
-  return reinterpret_cast<Ecore_Timer*>(timer);
+  return reinterpret_cast<Ecore_Timer*>(timer.get());
 }
 
 void* ecore_timer_del(Ecore_Timer* timer) {
@@ -87,7 +78,8 @@ void* ecore_timer_del(Ecore_Timer* timer) {
 }
 
 void World::RingTimers() {
-  for (Timer* timer : Timers()) {
+  for (const auto& entry : timers) {
+    auto* timer = static_cast<Timer*>(entry.first);
     scheduler.Cancel(timer->next);
     timer->Arm(Time(0));
   }

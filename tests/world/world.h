@@ -148,6 +148,7 @@ public:
   int runningWorkers = 0;
   int openAlarms = 0;
   int openTimers = 0;
+  std::map<void*, std::shared_ptr<void>> timers;
   std::set<void*> openBlocks;      // memory that the service asked for and may be refused
   std::set<std::FILE*> openFiles;  // that the service opened by descriptor
 

@@ -115,6 +115,7 @@ TEST_F(ReceiverCapture, BlocksThatComeBeforeTheRemoteHasAcceptedAreIgnored) {
                           "E2 Fail bt_hid_send_rc_command [ret = -115]", "> usleep(50000)", "I0 m_ReceiveBTAudioDataCB",
                           "> bt_hid_send_rc_command(null, 05 00, 2) = 0", "E0 Start bt audio recorder",
                           "I0 CDebugDumpImplFile start", StartsWith("E0 Temp file name=[")));
+  world.onCall = nullptr;
   EXPECT_FALSE(acceptedYet);
   EXPECT_EQ(receiver.GetBufferCount(), 0);
 }
