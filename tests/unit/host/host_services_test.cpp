@@ -236,7 +236,7 @@ TEST_F(HostServices, FindAFileOnTheTelevisionThenAtItsFixedPlaceThenAmongTheReso
   EXPECT_EQ(file_location(fixed), Folder().string() + fixed);
   Remove("usr");
   unsetenv("ORVEX_RESOURCES");
-  EXPECT_THAT(file_location(fixed), testing::EndsWith("/root" + fixed));
+  EXPECT_THAT(file_location(fixed), testing::EndsWith("/sysroot" + fixed));
 }
 
 }  // namespace
