@@ -17,7 +17,8 @@ using testing::HasSubstr;
 using testing::Not;
 
 constexpr std::int64_t kBlockBytes = 1536;
-constexpr double kSecondsPerBlock = 768.0 / 46545.0;
+constexpr double kBlockSamples = 768.0;
+constexpr double kSampleRateHz = 46545.0;
 constexpr int kFirstAnalysed = 5;  // number of the first block that is analysed
 
 // Texts of the described lines that match, without their kind.
@@ -146,7 +147,7 @@ void CheckResultFile(const Observation& observation, std::int64_t savedMs) {
 double MeasuredDifferenceS(const Observation& observation) {
   const Lines texts = TextsLike(LinesOf(observation.lines, Theme::kRun), "diff time = *");
   const double logged = texts.empty() ? 0.0 : std::stod(texts.back().substr(std::string("diff time = ").size()));
-  return std::round(logged / kSecondsPerBlock) * kSecondsPerBlock;
+  return std::round(logged * kSampleRateHz / kBlockSamples) * kBlockSamples / kSampleRateHz;
 }
 
 std::int64_t DelayFor(std::int64_t baseMs, double differenceS) {

@@ -8,7 +8,8 @@
 namespace orvex::tools {
 namespace {
 
-constexpr double kSecondsPerBuffer = 768.0 / 46545.0;
+constexpr int kBlockSamples = 768;
+constexpr double kSampleRateHz = 46545.0;
 constexpr double kLoggedResolutionS = 0.0001;  // four digits
 
 std::string WithoutColours(const std::string& line) {
@@ -139,7 +140,8 @@ LogFollower::News LogFollower::OnPair(const std::string& rest) {
   if (std::sscanf(rest.c_str(), "[%d] - [%d]", &at17, &at19) != 2) {
     return std::nullopt;
   }
-  m_PairS = (at19 - at17) * kSecondsPerBuffer;
+  // As the receiver computes it, rounded at the same steps.
+  m_PairS = (at19 - at17) * kBlockSamples / kSampleRateHz;
   return "second tone: optical output " + Milliseconds(*m_PairS) + " against the speaker";
 }
 

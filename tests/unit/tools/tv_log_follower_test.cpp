@@ -10,7 +10,6 @@
 namespace orvex::tools {
 namespace {
 
-using testing::DoubleEq;
 using testing::ElementsAre;
 using testing::Optional;
 
@@ -56,7 +55,7 @@ TEST(LogFollower, TellsAGoodRunFromItsFirstLineToItsEndRecord) {
               "text = {result=pass;delay=18;du=1534;terminate=done}"});
   EXPECT_THAT(run.report.baseMs, Optional(100u));
   EXPECT_THAT(run.report.appliedMs, Optional(18u));
-  EXPECT_THAT(run.report.differenceS, Optional(DoubleEq(5 * 768 / 46545.0)));
+  EXPECT_THAT(run.report.differenceS, Optional(5 * 768 / 46545.0));
   EXPECT_EQ("done", run.report.terminate);
   EXPECT_EQ("pass", run.report.result);
   EXPECT_EQ("/tmp/audio_dump_7_1", run.report.dumpFile);
@@ -70,12 +69,12 @@ TEST(LogFollower, TellsAGoodRunFromItsFirstLineToItsEndRecord) {
 TEST(LogFollower, GivesAnOpticalOutputThatIsEarlyItsSign) {
   const Followed run = Follow({"@ g_first index (reverse)\n", "(ruvo)   ====> @ [RESULT] [105] - [100] : -0.0825 s\n",
                                "diff time = -0.0825\n"});
-  EXPECT_THAT(run.report.differenceS, Optional(DoubleEq(-5 * 768 / 46545.0)));
+  EXPECT_THAT(run.report.differenceS, Optional(-5 * 768 / 46545.0));
 }
 
 TEST(LogFollower, BelievesTheDifferenceThatWasUsedRatherThanAnotherPair) {
   const RunReport report = Follow({"@ [RESULT] [100] - [105] : 0.0825 s\n", "diff time = 0.0660\n"}).report;
-  EXPECT_THAT(report.differenceS, Optional(DoubleEq(0.066)));
+  EXPECT_THAT(report.differenceS, Optional(0.066));
 }
 
 TEST(LogFollower, HasNoDifferenceWhenTheServiceMeasuredZero) {
