@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "orvex/platform/system_log.h"
 #include "scheduler.h"
 
 namespace orvex::world {
@@ -19,7 +20,11 @@ struct Entry {
   std::string text;
   std::string file;      // of a log line
   std::string function;  // of a log line
-  std::string record{};  // of a log line: all that the system log was given
+  // Of a log line: all that the system log was given.
+  std::string record{};
+  std::string tag{};
+  LogBuffer buffer{};
+  LogPriority priority{};
 };
 
 class Journal {

@@ -25,8 +25,15 @@ constexpr Style kStyles[] = {{LogPriority::kDebug, 'D', "\033[37m"},
 // Takes "file: function(line) > <colour>message<reset>" apart; a line of another form, colour or tag stands out.
 orvex::world::Entry Parse(LogBuffer buffer, LogPriority priority, const std::string& tag, const std::string& record) {
   World& world = World::Current();
-  orvex::world::Entry entry{
-      world.scheduler.Now(), world.scheduler.CurrentThread(), "MALFORMED " + record, "", "", record};
+  orvex::world::Entry entry{world.scheduler.Now(),
+                            world.scheduler.CurrentThread(),
+                            "MALFORMED " + record,
+                            "",
+                            "",
+                            record,
+                            tag,
+                            buffer,
+                            priority};
   const std::string reset = "\033[0m\n";
   const std::size_t colourAt = record.find(") > ");
   for (const Style& style : kStyles) {
