@@ -1,0 +1,72 @@
+// A driver that can tell the time and nothing else.
+#include "port_driver.h"
+
+#include <chrono>
+#include <sstream>
+#include <stdexcept>
+#include <thread>
+
+namespace orvex::conformance {
+namespace {
+
+[[noreturn]] void Refuse(const char* operation) {
+  throw std::logic_error(std::string(operation) + "() is declared as an ability, but the driver does not override it");
+}
+
+}  // namespace
+
+double PortDriver::NowMs() const {
+  const auto now = std::chrono::steady_clock::now().time_since_epoch();
+  return std::chrono::duration<double, std::milli>(now).count();
+}
+
+std::string PortDriver::CurrentThread() const {
+  std::ostringstream text;
+  text << std::this_thread::get_id();
+  return text.str();
+}
+
+void PortDriver::PlaceFile(const std::string& /*fixedPath*/, const std::string& /*content*/) {
+  Refuse("PlaceFile");
+}
+std::vector<LogRecord> PortDriver::LogRecords() const {
+  Refuse("LogRecords");
+}
+void PortDriver::PutSetting(const std::string& /*key*/, int /*value*/) {
+  Refuse("PutSetting");
+}
+void PortDriver::SpoilSetting(const std::string& /*key*/) {
+  Refuse("SpoilSetting");
+}
+void PortDriver::SendTerminationSignal(int /*number*/) {
+  Refuse("SendTerminationSignal");
+}
+void PortDriver::SendMessage(const FwMessage& /*message*/) {
+  Refuse("SendMessage");
+}
+std::vector<Json::Value> PortDriver::Replies() const {
+  Refuse("Replies");
+}
+void PortDriver::SelectSpeaker(std::int32_t /*selection*/) {
+  Refuse("SelectSpeaker");
+}
+void PortDriver::PutTvState(const TvState& /*state*/) {
+  Refuse("PutTvState");
+}
+std::vector<EventRecord> PortDriver::EventRecords() const {
+  Refuse("EventRecords");
+}
+void PortDriver::ShortenVoiceWindow(int /*windowMs*/) {
+  Refuse("ShortenVoiceWindow");
+}
+void PortDriver::LoseVoiceBlocks() {
+  Refuse("LoseVoiceBlocks");
+}
+void PortDriver::RefuseVoiceStart(int /*result*/) {
+  Refuse("RefuseVoiceStart");
+}
+void PortDriver::Break(Ability /*service*/) {
+  Refuse("Break");
+}
+
+}  // namespace orvex::conformance
