@@ -1,0 +1,105 @@
+// Draws rooms.
+#include "plan.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "Application/OrvexReceiver.h"
+
+namespace orvex::tools {
+namespace {
+
+std::mt19937_64 MakeRandom(std::uint64_t seed, std::uint64_t room, std::uint64_t use) {
+  std::seed_seq sequence{static_cast<std::uint32_t>(seed), static_cast<std::uint32_t>(seed >> 32U),
+                         static_cast<std::uint32_t>(room), static_cast<std::uint32_t>(use)};
+  return std::mt19937_64(sequence);
+}
+
+}  // namespace
+
+Plan::Plan(const std::map<Axis, std::string>& given, std::uint64_t seed) : m_Seed(seed) {
+  for (std::size_t axis = 0; axis < axis::kCount; ++axis) {
+    const AxisKind& kind = AxisKinds()[axis];
+    const auto found = given.find(static_cast<Axis>(axis));
+    m_Axes.emplace_back(kind, found == given.end() ? kind.byDefault : found->second);
+    m_Rows *= m_Axes.back().Rows();
+  }
+}
+
+std::vector<Axis> Plan::ListedAxes() const {
+  std::vector<Axis> listed;
+  for (std::size_t axis = 0; axis < axis::kCount; ++axis) {
+    if (m_Axes[axis].Rows() > 1) {
+      listed.push_back(static_cast<Axis>(axis));
+    }
+  }
+  return listed;
+}
+
+// The last axis turns fastest.
+std::size_t Plan::Position(Axis axis, std::size_t row) const {
+  for (std::size_t faster = axis::kCount - 1; faster > axis; --faster) {
+    row /= m_Axes[faster].Rows();
+  }
+  return row % m_Axes[axis].Rows();
+}
+
+const std::string& Plan::Text(Axis axis, std::size_t row) const {
+  return m_Axes[axis].Text(Position(axis, row));
+}
+
+RoomValues Plan::Draw(std::size_t row, std::size_t room) const {
+  RoomValues values{};
+  std::mt19937_64 random = MakeRandom(m_Seed, room, 0);
+  for (std::size_t axis = 0; axis < axis::kCount; ++axis) {
+    values[axis] = m_Axes[axis].Draw(Position(static_cast<Axis>(axis), row), random);
+  }
+  return values;
+}
+
+std::uint64_t Plan::RoomSeed(std::size_t room) const {
+  return MakeRandom(m_Seed, room, 1)();
+}
+
+// A tone of amplitude A fills a block with the magnitude A n / 2; that of white noise is Rayleigh distributed with the
+// mean sqrt(pi n) / 2 times its deviation.
+double NoiseDbfs(double toneDb) {
+  constexpr double kSamples = OrvexReceiver::kBlockSamples;
+  const double toneOverDeviationDb = 20.0 * std::log10(kSamples / std::sqrt(M_PI * kSamples));
+  return kReferenceToneDbfs + kReferenceGainDb + toneOverDeviationDb - toneDb;
+}
+
+SoundDesign DesignOf(const RoomValues& values) {
+  SoundDesign design;
+  design.burstMs = values[axis::kBurstMs];
+  design.rampMs = values[axis::kRampMs];
+  design.pairs = static_cast<int>(std::lround(values[axis::kPairs]));
+  design.spacingMs = values[axis::kSpacingMs];
+  design.leadInMs = values[axis::kLeadInMs];
+  design.tailMs = values[axis::kTailMs];
+  design.levelDbfs = values[axis::kLevelDbfs];
+  return design;
+}
+
+Trial MakeTrial(const RoomValues& values, std::uint64_t seed) {
+  Trial trial;
+  trial.startMs = values[axis::kStartMs];
+  sim::RoomConfig& room = trial.room;
+  room.tv.distanceM = room.optical.distanceM = 0.0;
+  room.tv.latencyMs = values[axis::kWayMs] + std::max(-values[axis::kDifferenceMs], 0.0);
+  room.optical.latencyMs = values[axis::kWayMs] + std::max(values[axis::kDifferenceMs], 0.0);
+  room.tv.gainDb = kReferenceGainDb + values[axis::kTvGainDb];
+  room.optical.gainDb = kReferenceGainDb + values[axis::kOpticalGainDb];
+  room.tv.rt60S = room.optical.rt60S = values[axis::kRt60S];
+  room.tv.directToReverberantDb = room.optical.directToReverberantDb = values[axis::kDirectToReverberantDb];
+  room.opticalLockMs = values[axis::kLockMs];
+  room.rateErrorPpm = values[axis::kRateErrorPpm];
+  room.noiseDbfs = NoiseDbfs(values[axis::kToneDb]);
+  room.voiceLatencyMs = values[axis::kVoiceLatencyMs];
+  room.voiceJitterMs = values[axis::kJitterMs];
+  room.voiceLossProbability = values[axis::kLossPercent] / 100.0;
+  room.seed = seed;
+  return trial;
+}
+
+}  // namespace orvex::tools

@@ -1,0 +1,52 @@
+// Which rooms a sweep visits: the table rows that the axes' lists span, and for each the same number of drawn rooms.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "axes.h"
+#include "testsound/sound_design.h"
+#include "trial.h"
+
+namespace orvex::tools {
+
+using RoomValues = std::array<double, axis::kCount>;
+
+// Gain of either way at gain 0, and the level of the tone by which the noise is set.
+constexpr double kReferenceGainDb = -20.0;
+constexpr double kReferenceToneDbfs = kMaxPeakDbfs;
+
+class Plan {
+public:
+  // `given`: by axis, what stands in place of its default. Throws std::invalid_argument as AxisValues does.
+  Plan(const std::map<Axis, std::string>& given, std::uint64_t seed);
+
+  std::size_t Rows() const { return m_Rows; }
+  // Axes that have several rows, and what they are in one row.
+  std::vector<Axis> ListedAxes() const;
+  const std::string& Text(Axis axis, std::size_t row) const;
+
+  // Room `room` is the same in every row, but for what the row says.
+  RoomValues Draw(std::size_t row, std::size_t room) const;
+  std::uint64_t RoomSeed(std::size_t room) const;
+
+private:
+  std::size_t Position(Axis axis, std::size_t row) const;
+
+  std::vector<AxisValues> m_Axes;
+  std::size_t m_Rows = 1;
+  std::uint64_t m_Seed;
+};
+
+// White noise whose mean magnitude lies `toneDb` below that of a block full of the reference tone.
+double NoiseDbfs(double toneDb);
+
+SoundDesign DesignOf(const RoomValues& values);
+// Everything but the sound.
+Trial MakeTrial(const RoomValues& values, std::uint64_t seed);
+
+}  // namespace orvex::tools

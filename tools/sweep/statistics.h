@@ -1,0 +1,44 @@
+// The figures of one table row.
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+namespace orvex::tools {
+
+// What became of one room. Times count from the start of the recording.
+struct RoomResult {
+  bool found = false;
+  bool abnormal = false;
+  double errorMs = 0.0;      // reported minus true difference, when found
+  double beforeMs = 0.0;     // the true misalignment, and what is left of it
+  double remainingMs = 0.0;  // after whole milliseconds of the reported difference were taken off the delay
+  double decidedMs = 0.0;
+  double endedMs = 0.0;
+};
+
+// One buffer, the detector's grid; what lies further off than that, with a millisecond for the room; what is no
+// measurement of the true difference at all.
+constexpr double kBufferMs = 768 * 1000.0 / 46545.0;
+constexpr double kOffGridMs = 17.5;
+constexpr double kFalseMs = 2.0 * kBufferMs;
+
+// Shares in percent of all rooms; errors in milliseconds over all results, false ones included, 0 when there is none.
+struct Statistics {
+  std::size_t rooms = 0;
+  double foundPercent = 0.0;
+  double falsePercent = 0.0;     // found, but more than kFalseMs from the truth
+  double offGridPercent = 0.0;   // found, but more than kOffGridMs from the truth
+  double abnormalPercent = 0.0;  // ended for abnormal input
+  double worsePercent = 0.0;     // left more than a buffer worse than before
+  double biasMs = 0.0;
+  double rmsMs = 0.0;
+  double p95Ms = 0.0;  // 95 % of the errors are no larger
+  double worstMs = 0.0;
+  double decidedMs = 0.0;  // means over all rooms
+  double endedMs = 0.0;
+};
+
+Statistics Summarise(const std::vector<RoomResult>& results);
+
+}  // namespace orvex::tools

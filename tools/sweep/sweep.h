@@ -1,0 +1,31 @@
+// Runs the rooms of a plan on several cores.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <vector>
+
+#include "plan.h"
+#include "statistics.h"
+
+namespace orvex::tools {
+
+struct SweepOptions {
+  std::size_t rooms = 1000;  // of each row
+  unsigned jobs = 1;         // threads
+  // Called now and then, from one thread, with the number of rooms that are done.
+  std::function<void(std::size_t done)> progress = [](std::size_t) {};
+};
+
+struct SweepResult {
+  std::vector<std::vector<RoomResult>> rows;  // by row, by room: the same whatever the number of jobs
+  double recordedS = 0.0;                     // length of all recordings
+};
+
+// Throws what making or running a room throws: std::invalid_argument, sim::RoomError.
+SweepResult RunSweep(const Plan& plan, const SweepOptions& options);
+
+// One room of the plan.
+RoomResult RunRoom(const Plan& plan, std::size_t row, std::size_t room);
+
+}  // namespace orvex::tools

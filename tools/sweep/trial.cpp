@@ -1,0 +1,98 @@
+// A run in virtual time.
+#include "trial.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+
+#include "orvex/sim/room.h"
+#include "orvex/sim/voice_channel.h"
+#include "receiver_rig.h"
+
+namespace orvex::tools {
+namespace {
+
+using sim::Time;
+
+constexpr Time kLongestRun = std::chrono::seconds(10);
+// What the device holds of the sound when the last write returns: a full buffer of 102.4 ms.
+constexpr std::size_t kDeviceFrames = 4915;
+
+Time TimeOfMs(double ms) {
+  return Time(static_cast<Time::rep>(ms * 1e6));
+}
+
+double ToMs(Time time) {
+  return static_cast<double>(time.count()) * 1e-6;
+}
+
+class VirtualRun : private ReceiverListener {
+public:
+  explicit VirtualRun(const Trial& trial) : m_Trial(trial), m_Room(trial.room), m_Voice(m_Room), m_Rig(*this) {
+    if (!trial.disturbance.empty()) {
+      m_Room.SetNoise(trial.disturbance, trial.disturbanceRateHz);
+    }
+  }
+
+  TrialOutcome Run() {
+    m_Voice.Start(Time(0));
+    for (std::optional<Time> due = m_Voice.NextDelivery(); due && *due < m_End; due = m_Voice.NextDelivery()) {
+      m_Now = *due;
+      DeliverNext();
+    }
+    m_Outcome.decidedMs = ToMs(m_End);
+    m_Outcome.endedMs = ToMs(std::max(m_End, m_WrittenAt));
+    return m_Outcome;
+  }
+
+private:
+  void DeliverNext() {
+    sim::VoiceChannel::Block block;
+    if (!m_Voice.TakeBlock(block)) {
+      return;
+    }
+    std::array<std::uint8_t, 2 * sim::VoiceChannel::kBlockSamples> bytes;
+    for (std::size_t n = 0; n < block.size(); ++n) {
+      const auto bits = static_cast<std::uint16_t>(block[n]);
+      bytes[2 * n] = static_cast<std::uint8_t>(bits & 0xFFU);
+      bytes[2 * n + 1] = static_cast<std::uint8_t>(bits >> 8U);
+    }
+    m_Rig.Deliver(bytes.data(), static_cast<std::uint16_t>(bytes.size()));
+  }
+
+  void OnAmbient(std::int32_t /*buffer*/) override {
+    const std::size_t frames = m_Trial.sound.size() / 2;
+    const std::size_t playedWhenWritten = frames - std::min(frames, kDeviceFrames);
+    const Time start = m_Now + TimeOfMs(m_Trial.startMs);
+    m_Room.Play(start, m_Trial.sound.data(), frames);
+    m_WrittenAt = start + TimeOfMs(static_cast<double>(playedWhenWritten) * 1e3 / sim::Room::kPlaybackRateHz);
+    m_End = std::min(m_End, m_WrittenAt);
+  }
+  void OnResult(std::int32_t /*buffer*/, std::int32_t /*first*/, std::int32_t /*second*/, double differenceS) override {
+    m_Outcome.ending = Ending::kFound;
+    m_Outcome.differenceMs = differenceS * 1e3;
+    m_End = m_Now;
+  }
+  void OnAbnormal(std::int32_t /*buffer*/) override {
+    m_Outcome.ending = Ending::kAbnormal;
+    m_End = m_Now;
+  }
+  void OnExtend(std::int32_t /*buffer*/) override { m_Voice.Extend(m_Now); }
+
+  const Trial& m_Trial;
+  sim::Room m_Room;
+  sim::VoiceChannel m_Voice;
+  ReceiverRig m_Rig;
+  Time m_Now{0};
+  Time m_End = kLongestRun;
+  Time m_WrittenAt{0};
+  TrialOutcome m_Outcome;
+};
+
+}  // namespace
+
+TrialOutcome RunTrial(const Trial& trial) {
+  return VirtualRun(trial).Run();
+}
+
+}  // namespace orvex::tools

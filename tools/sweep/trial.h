@@ -1,0 +1,34 @@
+// One room, one run: the shipped receiver listens, in virtual time, to a test sound that is played when it asks for it.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "orvex/sim/room_config.h"
+
+namespace orvex::tools {
+
+struct Trial {
+  sim::RoomConfig room;             // its optical latency includes the delay of the output
+  double startMs = 0.0;             // from the end of the ambient phase to the first frame of the sound
+  std::vector<std::int16_t> sound;  // interleaved stereo at 48000 Hz
+  std::vector<float> disturbance;   // added to the noise from the first sample on; full scale is 1. Empty: none
+  double disturbanceRateHz = 0.0;
+};
+
+enum class Ending { kFound, kNothing, kAbnormal };
+
+// Times are counted from the start of the recording.
+struct TrialOutcome {
+  Ending ending = Ending::kNothing;
+  double differenceMs = 0.0;  // 0: none was found
+  double decidedMs = 0.0;     // when the run was over: result, abnormal input, or the end of the playback
+  double endedMs = 0.0;       // when the process is over: it waits for the player to write the whole sound
+};
+
+// As the service does it: the sound starts `startMs` after the block that completes the ambient phase was delivered. A
+// result ends the run, and so does the player's end callback, which comes when the last frame was written and drops
+// what the device still holds. The run has 10 s. Throws sim::RoomError.
+TrialOutcome RunTrial(const Trial& trial);
+
+}  // namespace orvex::tools
