@@ -9,7 +9,6 @@
 namespace orvex::tools {
 namespace {
 
-constexpr double kPi = 3.14159265358979323846;
 // Low-pass of 511 taps under a Blackman window: it goes from 0 to about -75 dB within 520 Hz.
 constexpr std::size_t kFilterTaps = 511;
 constexpr double kFilterEdgeHz = 5.5 * kSoundRateHz / kFilterTaps;

@@ -21,7 +21,6 @@ constexpr double kPeakSpreadDb = 1.0;
 constexpr double kSameInstantMs = 1.0;
 constexpr double kRoundingMs = 0.1;  // a burst's outermost samples are too quiet to be seen
 constexpr std::size_t kGapFrames = kSoundRateHz / 1000;
-constexpr double kFullScale = 32768.0;
 constexpr std::uint64_t kCanonicalHeaderBytes = 44;
 
 struct Side {

@@ -10,8 +10,6 @@
 namespace orvex::tools {
 namespace {
 
-constexpr double kPi = 3.14159265358979323846;
-constexpr double kFullScale = 32768.0;
 constexpr double kLongestMs = 60000.0;
 
 std::size_t ToFrames(double ms) {

@@ -3,7 +3,9 @@
 
 namespace orvex::tools {
 
+constexpr double kPi = 3.14159265358979323846;
 constexpr int kSoundRateHz = 48000;
+constexpr double kFullScale = 32768.0;    // of 16-bit samples
 constexpr double kLeftToneHz = 17000.0;   // television's speaker
 constexpr double kRightToneHz = 19000.0;  // optical output
 

@@ -17,7 +17,7 @@
 namespace orvex::tools {
 namespace {
 
-struct Arguments {
+struct RunArguments {
   TelevisionOptions television;
   std::string service;
   bool json = false;
@@ -39,7 +39,7 @@ std::filesystem::path FindService(const std::string& given) {
 // Shows what happens while it happens.
 class Watcher {
 public:
-  explicit Watcher(const Arguments& arguments) : m_Arguments(arguments) {}
+  explicit Watcher(const RunArguments& arguments) : m_Arguments(arguments) {}
 
   void OnLine(const std::string& line) {
     if (m_Arguments.verbose) {
@@ -56,7 +56,7 @@ public:
   const RunReport& Report() const { return m_Follower.GetReport(); }
 
 private:
-  const Arguments& m_Arguments;
+  const RunArguments& m_Arguments;
   LogFollower m_Follower;
   std::chrono::steady_clock::time_point m_Start = std::chrono::steady_clock::now();
 };
@@ -68,7 +68,7 @@ std::vector<Json::Value> EventsSince(const std::string& file, std::size_t countB
   return records;
 }
 
-int Run(const Arguments& arguments) {
+int Run(const RunArguments& arguments) {
   const RunTelevision television(arguments.television);
   const std::size_t eventsBefore = ReadEventRecords(television.EventFile()).records.size();
   RunSummary summary;
@@ -90,7 +90,7 @@ int Run(const Arguments& arguments) {
 }  // namespace
 
 void AddRunCommand(CLI::App& app, int& exitCode) {
-  const auto arguments = std::make_shared<Arguments>();
+  const auto arguments = std::make_shared<RunArguments>();
   CLI::App* const command = app.add_subcommand("run", "calibrate once and show what happens");
   TelevisionOptions& television = arguments->television;
   command->add_option("--tv", television.directory, "directory of the television, kept; default: a temporary one")

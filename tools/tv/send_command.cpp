@@ -10,7 +10,7 @@
 namespace orvex::tools {
 namespace {
 
-struct Arguments {
+struct SendArguments {
   std::string directory;
   std::string message;
   double timeoutS = 5.0;
@@ -19,7 +19,7 @@ struct Arguments {
 }  // namespace
 
 void AddSendCommand(CLI::App& app, int& exitCode) {
-  const auto arguments = std::make_shared<Arguments>();
+  const auto arguments = std::make_shared<SendArguments>();
   CLI::App* const command = app.add_subcommand("send", "send a message to the running service and print the reply");
   AddTelevisionOption(*command, arguments->directory);
   command->add_option("JSON", arguments->message, "the message, one line")->required();

@@ -10,18 +10,18 @@
 namespace orvex::tools {
 namespace {
 
-struct Arguments {
+struct ValueArguments {
   std::string directory;
   std::string name;
   std::string value;
 };
 
-void Get(const Arguments& arguments) {
+void Get(const ValueArguments& arguments) {
   const std::string name = FullValueName(arguments.name);
   std::printf("%s\n", TelevisionOf(arguments.directory).Get(name).c_str());
 }
 
-void Set(const Arguments& arguments) {
+void Set(const ValueArguments& arguments) {
   const std::string name = FullValueName(arguments.name);
   const host::Television television = TelevisionOf(arguments.directory);
   television.Create();
@@ -41,7 +41,7 @@ std::string RangeOf(const host::TelevisionValue& value) {
   return value.isText ? "text" : std::to_string(value.minimum) + ".." + std::to_string(value.maximum);
 }
 
-void List(const Arguments& arguments) {
+void List(const ValueArguments& arguments) {
   const host::Television television = TelevisionOf(arguments.directory);
   for (const host::TelevisionValue& value : host::TelevisionValues()) {
     std::printf("%-62s %12s %-3s %-24s %s\n", value.name.c_str(), ValueOrProblem(television, value.name).c_str(),
@@ -52,8 +52,8 @@ void List(const Arguments& arguments) {
 }  // namespace
 
 void AddValueCommands(CLI::App& app, int& exitCode) {
-  const auto arguments = std::make_shared<Arguments>();
-  const auto add = [&](const char* name, const char* text, void (*action)(const Arguments&)) {
+  const auto arguments = std::make_shared<ValueArguments>();
+  const auto add = [&](const char* name, const char* text, void (*action)(const ValueArguments&)) {
     CLI::App* const command = app.add_subcommand(name, text);
     AddTelevisionOption(*command, arguments->directory);
     command->callback([=, &exitCode] {

@@ -41,7 +41,7 @@ void PrintTo(const Step& step, std::ostream* out) {
   *out << step.function << " = " << step.answer;
 }
 
-std::string NameOf(const testing::TestParamInfo<Step>& info) {
+std::string NameOfStep(const testing::TestParamInfo<Step>& info) {
   return std::string(info.param.function) + (info.param.answer > 0 ? "_positive" : "_negative");
 }
 
@@ -115,7 +115,7 @@ TEST_P(AlsaHardwareStep, ThatIsRefusedLeavesADeviceThatPlaysNothing) {
       ElementsAre("I0 period size[0].", "E0 framesize = 4, periodsize = 0, chunkbytes = 0", "E2 Assertion failed"));
 }
 
-INSTANTIATE_TEST_SUITE_P(, AlsaHardwareStep,
+INSTANTIATE_TEST_SUITE_P(All, AlsaHardwareStep,
                          testing::Values(Step{"snd_pcm_hw_params_any", -EIO, 0},
                                          Step{"snd_pcm_hw_params_set_access", -EINVAL, 0},
                                          Step{"snd_pcm_hw_params_set_format", -EINVAL, 0},
@@ -127,7 +127,7 @@ INSTANTIATE_TEST_SUITE_P(, AlsaHardwareStep,
                                          Step{"snd_pcm_hw_params_set_period_time_near", 1, 0},
                                          Step{"snd_pcm_hw_params_get_buffer_size", -EINVAL, 0},
                                          Step{"snd_pcm_hw_params_get_period_size", -EINVAL, 4915}),
-                         NameOf);
+                         NameOfStep);
 
 using AlsaTolerantStep = AlsaParameters;
 
@@ -140,7 +140,7 @@ TEST_P(AlsaTolerantStep, ThatAnswersAPositiveNumberHasWorked) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    , AlsaTolerantStep,
+    All, AlsaTolerantStep,
     testing::Values(Step{"snd_pcm_hw_params_any", 1, 0}, Step{"snd_pcm_hw_params_set_access", 1, 0},
                     Step{"snd_pcm_hw_params_set_format", 1, 0}, Step{"snd_pcm_hw_params_set_channels", 1, 0},
                     Step{"snd_pcm_hw_params_set_rate", 1, 0}, Step{"snd_pcm_hw_params_get_buffer_size", 1, 0},
@@ -148,7 +148,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Step{"snd_pcm_sw_params_current", 1, 0}, Step{"snd_pcm_sw_params_set_avail_min", 1, 0},
                     Step{"snd_pcm_sw_params_set_start_threshold", 1, 0},
                     Step{"snd_pcm_sw_params_set_stop_threshold", 1, 0}, Step{"snd_pcm_sw_params", 1, 0}),
-    NameOf);
+    NameOfStep);
 
 using AlsaSoftwareStep = AlsaParameters;
 
@@ -163,13 +163,13 @@ TEST_P(AlsaSoftwareStep, ThatIsRefusedEndsTheSoftwareConfigurationOnly) {
                           "> snd_pcm_frames_to_bytes(1) = 4", "I0 frame size =  4"));
 }
 
-INSTANTIATE_TEST_SUITE_P(, AlsaSoftwareStep,
+INSTANTIATE_TEST_SUITE_P(All, AlsaSoftwareStep,
                          testing::Values(Step{"snd_pcm_sw_params_current", -EIO, 0},
                                          Step{"snd_pcm_sw_params_set_avail_min", -EINVAL, 0},
                                          Step{"snd_pcm_sw_params_set_start_threshold", -EINVAL, 0},
                                          Step{"snd_pcm_sw_params_set_stop_threshold", -EINVAL, 0},
                                          Step{"snd_pcm_sw_params", -EINVAL, 0}),
-                         NameOf);
+                         NameOfStep);
 
 TEST_F(AlsaParameters, ThatCannotBeInstalledAreReportedWithTheReason) {
   world.answers.Next("snd_pcm_hw_params", {-EBUSY});

@@ -25,7 +25,7 @@ void PrintTo(const Suspension& suspension, std::ostream* out) {
   *out << suspension.name;
 }
 
-std::string NameOf(const testing::TestParamInfo<Suspension>& info) {
+std::string NameOfSuspension(const testing::TestParamInfo<Suspension>& info) {
   return info.param.name;
 }
 
@@ -54,7 +54,7 @@ const Texts kDrop = DeviceIsDropped();
 const Texts kAgain = {"> snd_pcm_resume() = -11", "> sleep(1)"};
 
 INSTANTIATE_TEST_SUITE_P(
-    , AlsaSuspend,
+    All, AlsaSuspend,
     testing::Values(Suspension{"ResumesAtOnce", {}, {}, {"> snd_pcm_resume() = 0"}, 0, false},
                     Suspension{"ResumesWithAPositiveAnswer", {1}, {}, {"> snd_pcm_resume() = 1"}, 0, false},
                     Suspension{"ResumesAfterThreePauses",
@@ -93,6 +93,6 @@ INSTANTIATE_TEST_SUITE_P(
                                Concat({kAgain, {"> snd_pcm_resume() = -5", "> snd_pcm_recover(-5, 0) = -5"}, kDrop}),
                                1,
                                true}),
-    NameOf);
+    NameOfSuspension);
 
 }  // namespace

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <algorithm>
+#include <cstdint>
+#include <limits>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -11,6 +13,10 @@
 namespace orvex::service_tests {
 
 using Texts = std::vector<std::string>;
+
+// The ends of what a number of the platform can be.
+constexpr std::int32_t kLowest = std::numeric_limits<std::int32_t>::min();
+constexpr std::int32_t kHighest = std::numeric_limits<std::int32_t>::max();
 
 // What the journal shows of something that happens; what was there before is forgotten.
 template <class Action>

@@ -5,6 +5,7 @@ namespace {
 
 using orvex::service_tests::During;
 using orvex::service_tests::FunctionsThatLogged;
+using orvex::service_tests::kInstance;
 using orvex::service_tests::LogManagerTest;
 using orvex::service_tests::Texts;
 using orvex::service_tests::Then;
@@ -12,7 +13,6 @@ using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::IsEmpty;
 
-constexpr char kInstance[] = "> event_log_get_instance() = object";
 constexpr char kNotAgreed[] = "D0 user doesn't agree default disclaimer!";
 // Both steps of a notification begin with an empty line.
 const Texts kNotified = {"I0 ", "I0 "};

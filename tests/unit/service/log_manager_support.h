@@ -12,6 +12,8 @@
 
 namespace orvex::service_tests {
 
+constexpr char kInstance[] = "> event_log_get_instance() = object";
+
 class LogManagerTest : public testing::Test {
 protected:
   static constexpr char kConsentKey[] = "db/menu/tessar/homedatacontrol/defaultdisclaimeragree";

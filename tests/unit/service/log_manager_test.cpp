@@ -7,6 +7,9 @@
 namespace {
 
 using orvex::service_tests::During;
+using orvex::service_tests::kHighest;
+using orvex::service_tests::kInstance;
+using orvex::service_tests::kLowest;
 using orvex::service_tests::LogManagerTest;
 using orvex::service_tests::Texts;
 using orvex::service_tests::Then;
@@ -14,10 +17,7 @@ using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::IsEmpty;
 
-constexpr char kInstance[] = "> event_log_get_instance() = object";
 constexpr char kNoInstance[] = "> event_log_get_instance() = null";
-constexpr int kLowest = std::numeric_limits<int>::min();
-constexpr int kHighest = std::numeric_limits<int>::max();
 
 static_assert(std::has_virtual_destructor_v<COrvexLogManager>);
 

@@ -25,7 +25,7 @@ void PrintTo(const SoundFile& soundFile, std::ostream* out) {
   *out << soundFile.name;
 }
 
-std::string NameOf(const testing::TestParamInfo<SoundFile>& parameter) {
+std::string NameOfFile(const testing::TestParamInfo<SoundFile>& parameter) {
   return parameter.param.name;
 }
 
@@ -75,7 +75,7 @@ Bytes ShortFormat(const Bytes& sound) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    , PlayerAudibleFile,
+    All, PlayerAudibleFile,
     testing::Values(
         SoundFile{"Canonical", WaveOf(Sound(256)), 256, Sound(256)},
         SoundFile{"FormatOf18Bytes", Joined({WaveBeginning(18, {9, 9}), ChunkHeader("data", 256), Sound(256)}), 256,
@@ -100,7 +100,7 @@ INSTANTIATE_TEST_SUITE_P(
         // The two bytes of the size that are there are taken.
         SoundFile{"EndsWithinTheDataSize", Part(Joined({WaveBeginning(), ChunkHeader("data", 256)}), 0, 42), 256,
                   Bytes(256, 0)}),
-    NameOf);
+    NameOfFile);
 
 // Without a size there is nothing to play; the owner is called all the same.
 Texts NothingIsPlayed() {
@@ -116,7 +116,7 @@ TEST_P(PlayerSilentFile, PlaysNothingAndEndsNormally) {
   EXPECT_THAT(Rest(), ElementsAreArray(NothingIsPlayed()));
 }
 
-INSTANTIATE_TEST_SUITE_P(, PlayerSilentFile,
+INSTANTIATE_TEST_SUITE_P(All, PlayerSilentFile,
                          testing::Values(SoundFile{"Empty", {}, 0, {}},
                                          SoundFile{"EndsWithinTheRiffHeader", Part(WaveBeginning(), 0, 5), 0, {}},
                                          SoundFile{"EndsWithinTheFormatSize", Part(WaveBeginning(), 0, 18), 0, {}},
@@ -129,7 +129,7 @@ INSTANTIATE_TEST_SUITE_P(, PlayerSilentFile,
                                              Joined({WaveBeginning(0xFFFFFFFFU), ChunkHeader("data", 256), Sound(256)}),
                                              0,
                                              {}}),
-                         NameOf);
+                         NameOfFile);
 
 using Player = PlayerFixture;
 

@@ -165,7 +165,7 @@ double MeanOf30(double level) {
 }
 
 // An ambience of which the 50-fold is 50 times as strong, to the last bit. `sound` with a phase that makes it so.
-std::optional<Samples> ExactAmbience(Sound sound, double hz) {
+std::optional<Samples> ExactAmbience(ToneMix sound, double hz) {
   for (int step = 0; step < 1000; ++step) {
     sound.phase = step * 0.005;
     Samples ambience = Block(sound);

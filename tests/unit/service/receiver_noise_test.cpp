@@ -12,7 +12,7 @@ using testing::SizeIs;
 constexpr const char* kSigns = "I0 ###################################################";
 constexpr const char* kError = "E2 ERROR occured. Exit service";
 constexpr const char* kAbnormal = "E2 by abnormal input";
-constexpr const char* kCallback = "> abnormal status";
+constexpr const char* kAbnormalCallback = "> abnormal status";
 
 class ReceiverNoise : public ReceiverTest {
 protected:
@@ -54,8 +54,8 @@ TEST_F(ReceiverNoise, From11NoisyTonesOf19kHzOnEachOneIsAbnormal) {
     EXPECT_EQ(receiver.GetSoundType(), 1);
   }
   for (int count = 11; count <= 13; ++count) {
-    EXPECT_THAT(EventsAt(39 + count, noisy19),
-                ElementsAre(Found19(39 + count, noisy19), kSigns, Noise19(count), kError, kAbnormal, kCallback));
+    EXPECT_THAT(EventsAt(39 + count, noisy19), ElementsAre(Found19(39 + count, noisy19), kSigns, Noise19(count), kError,
+                                                           kAbnormal, kAbnormalCallback));
     EXPECT_EQ(receiver.GetSoundType(), 0);
   }
   EXPECT_TRUE(receiver.IsRecording());
@@ -75,7 +75,7 @@ TEST_F(ReceiverNoise, NoisyTonesOfBothFrequenciesCountTogether) {
     EventsAt(buffer, noisy17);
   }
   EXPECT_THAT(EventsAt(50, noisy19),
-              ElementsAre(Found19(50, noisy19), kSigns, Noise19(11), kError, kAbnormal, kCallback));
+              ElementsAre(Found19(50, noisy19), kSigns, Noise19(11), kError, kAbnormal, kAbnormalCallback));
 }
 
 TEST_F(ReceiverNoise, TheProgressIsGoneBeforeTheOwnerIsTold) {
@@ -131,7 +131,7 @@ TEST_F(ReceiverNoise, ATone5TimesAboveItsNeighboursIsClean) {
 }
 
 TEST_F(ReceiverNoise, BothNeighboursCount) {
-  for (const Sound& sound : {Sound{100.0, 60.0, 0.0, 0.0, 0.0, 0.0}, Sound{100.0, 0.0, 60.0, 0.0, 0.0, 0.0}}) {
+  for (const ToneMix& sound : {ToneMix{100.0, 60.0, 0.0, 0.0, 0.0, 0.0}, ToneMix{100.0, 0.0, 60.0, 0.0, 0.0, 0.0}}) {
     Start();
     EXPECT_THAT(EventsAt(40, Block(sound)), Contains(kSigns));
     receiver.StopBTRecoder();

@@ -14,7 +14,7 @@ constexpr const char* kFirst17 = "I0   ====> @ g_first index \n";
 constexpr const char* kFirst19 = "I0 @ g_first index (reverse)\n";
 constexpr const char* kSequenceError = "I0 syquence error -> recheck \n";
 constexpr const char* kCompleted = "E0 completed calculation of delay";
-constexpr const char* kCallback = "> end of calculation";
+constexpr const char* kEndCallback = "> end of calculation";
 
 // A pair in either order.
 class ReceiverPairing : public ReceiverTest, public testing::WithParamInterface<bool> {
@@ -49,7 +49,7 @@ TEST_P(ReceiverPairing, TenBuffersApartMake0165Seconds) {
   const Samples second = Second(100);
   EXPECT_THAT(EventsAt(100, first), ElementsAre(FoundFirst(100, first), FirstLine()));
   EXPECT_THAT(EventsAt(110, second),
-              ElementsAre(FoundSecond(110, second), ResultLine(100, 110), kCompleted, kCallback));
+              ElementsAre(FoundSecond(110, second), ResultLine(100, 110), kCompleted, kEndCallback));
   EXPECT_THAT(ResultLine(100, 110), LowFirst() ? "I0 @ [RESULT] [100] - [110] : 0.1650 s\n"
                                                : "I0 (ruvo)   ====> @ [RESULT] [110] - [100] : -0.1650 s\n");
   EXPECT_EQ(receiver.GetDirection(), Sign());
@@ -132,7 +132,7 @@ TEST_P(ReceiverPairing, FurtherResultsFollowWhileTheToneIsAtLeastAsStrong) {
   const Samples second = Second(100);
   EventsAt(60, First(100));
   EventsAt(65, second);
-  EXPECT_THAT(EventsAt(66, second), ElementsAre(FoundSecond(66, second), ResultLine(60, 66), kCompleted, kCallback));
+  EXPECT_THAT(EventsAt(66, second), ElementsAre(FoundSecond(66, second), ResultLine(60, 66), kCompleted, kEndCallback));
   EXPECT_THAT(EventsAt(79, Second(110)), Contains(ResultLine(60, 79)));
   EXPECT_DOUBLE_EQ(receiver.GetAudioTimeDifference(), Sign() * 19 * 768 / 46545.0);
   EXPECT_THAT(EventsAt(80, Second(120)), Contains(kSequenceError));
@@ -204,7 +204,7 @@ TEST_F(ReceiverWithoutPair, AResultIsFoundWithoutOpenDumpFilesToo) {
   EventsAt(60, Tone17(100));
   const Samples high = Tone19(100);
   EXPECT_THAT(EventsAt(61, high), ElementsAre(Found19(61, high), "I0 @ [RESULT] [60] - [61] : 0.0165 s\n", kCompleted,
-                                              "E2 already null", "E2 already null", kCallback, "E2 already null"));
+                                              "E2 already null", "E2 already null", kEndCallback, "E2 already null"));
 }
 
 }  // namespace

@@ -30,7 +30,7 @@ inline Samples Click(std::int16_t level) {
 }
 
 // Cosines through the whole block, by amplitude, and a first sample that raises every frequency alike.
-struct Sound {
+struct ToneMix {
   double amplitude17000 = 0.0;
   double amplitude17500 = 0.0;
   double amplitude18000 = 0.0;
@@ -39,7 +39,7 @@ struct Sound {
   double phase = 0.0;  // of the cosines, radians
 };
 
-inline Samples Block(const Sound& sound) {
+inline Samples Block(const ToneMix& sound) {
   const double turn = 2.0 * std::acos(-1.0) / kSampleRateHz;
   Samples samples;
   for (int n = 0; n < kBlockSamples; ++n) {

@@ -10,12 +10,11 @@
 namespace {
 
 using orvex::service_tests::During;
+using orvex::service_tests::kHighest;
+using orvex::service_tests::kLowest;
 using orvex::service_tests::Texts;
 using testing::ElementsAre;
 using testing::ElementsAreArray;
-
-constexpr std::int32_t kLowest = std::numeric_limits<std::int32_t>::min();
-constexpr std::int32_t kHighest = std::numeric_limits<std::int32_t>::max();
 
 class SpeakerGuard : public testing::Test {
 protected:

@@ -11,6 +11,8 @@ namespace {
 
 using orvex::service_tests::During;
 using orvex::service_tests::FromTo;
+using orvex::service_tests::kHighest;
+using orvex::service_tests::kLowest;
 using orvex::service_tests::Texts;
 using orvex::world::World;
 using testing::Contains;
@@ -20,8 +22,6 @@ using testing::IsEmpty;
 using testing::Not;
 
 constexpr char kConsentKey[] = "db/menu/tessar/homedatacontrol/defaultdisclaimeragree";
-constexpr std::int32_t kLowest = std::numeric_limits<std::int32_t>::min();
-constexpr std::int32_t kHighest = std::numeric_limits<std::int32_t>::max();
 
 // A failure of the television that hands out an object all the same.
 constexpr long kFailsButHandsOut = -1000;

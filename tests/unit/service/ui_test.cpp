@@ -14,14 +14,13 @@
 namespace {
 
 using orvex::service_tests::During;
+using orvex::service_tests::kHighest;
+using orvex::service_tests::kLowest;
 using orvex::service_tests::Texts;
 using orvex::service_tests::Then;
 using orvex::world::World;
 using testing::ElementsAre;
 using testing::ElementsAreArray;
-
-constexpr std::int32_t kLowest = std::numeric_limits<std::int32_t>::min();
-constexpr std::int32_t kHighest = std::numeric_limits<std::int32_t>::max();
 
 // What the log shows of lines that nobody has set yet.
 const Texts kFirstLines = {

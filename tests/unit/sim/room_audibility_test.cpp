@@ -10,7 +10,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr double kRateHz = 46545.0;
 constexpr double kSilentDbfs = -90.0;  // below any trace of a tone
 
 Samples MakeTones(std::size_t frames) {

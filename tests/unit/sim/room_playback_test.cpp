@@ -12,8 +12,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr double kRateHz = 46545.0;
-
 Time FrameTime(std::size_t frame) {
   return Time(std::llround(static_cast<double>(frame) * 1e9 / kPlaybackRateHz));
 }

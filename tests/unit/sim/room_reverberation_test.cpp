@@ -8,7 +8,6 @@
 namespace orvex::sim::test {
 namespace {
 
-constexpr double kRateHz = 46545.0;
 constexpr double kLatencyMs = 10.0;
 constexpr double kArrival = kLatencyMs * 1e-3 * kRateHz;
 // Direct sound and its filter's ringing lie before this, the tail after it.

@@ -15,6 +15,7 @@ constexpr std::size_t kLeft = 0;   // the television's speaker
 constexpr std::size_t kRight = 1;  // the optical output
 constexpr double kFullScale = 32768.0;
 constexpr double kPlaybackRateHz = Room::kPlaybackRateHz;
+constexpr double kRateHz = 46545.0;  // the microphone's, unless a test says otherwise
 
 // A room that changes nothing: no delay, no gain, no echo, no tail, no noise.
 RoomConfig MakeBareRoom();

@@ -17,7 +17,6 @@ constexpr world::Time kTimeLimit = 10s;
 // The main loop may be busy with a second try at a thread (100 ms), with waiting for a recorder thread that asks the
 // remote five times, and with a remote that has to be told five times to stop (200 ms each).
 constexpr world::Time kBusy = 500ms;
-constexpr world::Time kLongestDrain = 6s;
 constexpr std::int64_t kNsPerFrame = 1'000'000'000 / 48000;
 constexpr world::Time kRounding = 1ms;
 

@@ -1,12 +1,16 @@
 // What has to be true of every run, whatever failed in it and however it ended.
 #pragma once
 
+#include <chrono>
 #include <string>
 #include <vector>
 
 #include "service_run.h"
 
 namespace orvex::runs {
+
+// How long a port lets a worker finish its sound after the process was asked to end.
+constexpr world::Time kLongestDrain = std::chrono::seconds(6);
 
 using Violations = std::vector<std::string>;
 

@@ -9,7 +9,6 @@ namespace orvex::runs {
 namespace {
 
 constexpr char kConsentKey[] = "db/menu/tessar/homedatacontrol/defaultdisclaimeragree";
-constexpr world::Time kLongestDrain = std::chrono::seconds(6);
 
 // The last entry that reads `text`, or none.
 const world::Entry* Last(const ServiceRun& run, const std::string& text) {
