@@ -108,8 +108,9 @@ private:
 // A periodic alarm on the main loop. All operations: main loop only.
 class FwAlarm {
 public:
-  // Called once per period, on the main loop, never inside a call of this class. The answer tells whether the work
-  // succeeded; a port MUST go on with the next period either way.
+  // Called once per period, on the main loop, never inside a call of this class and not once the main loop was asked to
+  // end. The answer tells whether the work succeeded; a port MUST go on with the next period either way. The callback
+  // MAY call Destroy().
   using Callback = bool (*)(void* userData);
   // Repeat count of an alarm that goes on until it is destroyed.
   static constexpr int kRepeatForever = -1;
@@ -128,7 +129,7 @@ public:
   // Ends an active alarm; no callback runs after it returned. Calling it on an inactive alarm is an error of the
   // caller.
   void Destroy();
-  // True from a successful Create() to Destroy() or to the end of the last repetition.
+  // True from a successful Create() to Destroy() or to the last repetition, whose callback MAY start it anew.
   bool IsActive() const;
 
 private:
