@@ -48,7 +48,7 @@ struct FwAlarm::Port {
     if (active) {
       Arm();
     }
-    if (callback != nullptr) {
+    if (callback != nullptr && !World::Current().IsEnding()) {
       static_cast<void>(callback(userData));
     }
   }

@@ -14,6 +14,17 @@ struct SettingsNode {
   const char* name;
 };
 
+namespace {
+
+std::vector<Subscription>::iterator Find(const std::string& key, SettingsChangedCallback callback) {
+  auto& all = World::Current().subscriptions;
+  return std::find_if(all.begin(), all.end(), [&](const Subscription& subscription) {
+    return subscription.key == key && subscription.callback == callback;
+  });
+}
+
+}  // namespace
+
 int settings_get_int(const char* key, int* value) {
   World& world = World::Current();
   const auto answer = world.answers.Take("settings_get_int");
@@ -28,7 +39,8 @@ int settings_get_int(const char* key, int* value) {
 
 int settings_subscribe(const char* key, SettingsChangedCallback callback, void* userData) {
   World& world = World::Current();
-  const int result = static_cast<int>(world.answers.Take("settings_subscribe").value_or(0));
+  const bool isSubscribed = Find(key, callback) != world.subscriptions.end();
+  const int result = static_cast<int>(world.answers.Take("settings_subscribe").value_or(isSubscribed ? -1 : 0));
   if (result == 0) {
     world.subscriptions.push_back({key, callback, userData});
   }
@@ -39,9 +51,7 @@ int settings_subscribe(const char* key, SettingsChangedCallback callback, void* 
 int settings_unsubscribe(const char* key, SettingsChangedCallback callback) {
   World& world = World::Current();
   auto& all = world.subscriptions;
-  const auto found = std::find_if(all.begin(), all.end(), [&](const Subscription& subscription) {
-    return subscription.key == key && subscription.callback == callback;
-  });
+  const auto found = Find(key, callback);
   const int result = static_cast<int>(world.answers.Take("settings_unsubscribe").value_or(found == all.end() ? -1 : 0));
   if (found != all.end()) {
     all.erase(found);
@@ -60,7 +70,8 @@ void World::NotifySetting(const std::string& key, const char* name) {
     const SettingsNode node{isNamed ? nodeName.c_str() : nullptr};
     const std::vector<Subscription> current = subscriptions;
     for (const Subscription& subscription : current) {
-      if (subscription.key == key && !m_EndRequested) {
+      const bool isCancelled = Find(subscription.key, subscription.callback) == subscriptions.end();
+      if (subscription.key == key && !isCancelled && !m_EndRequested) {
         subscription.callback(&node, subscription.userData);
       }
     }

@@ -86,6 +86,7 @@ public:
   // Time from Create() to the end of the process, in ms.
   double EndedAtMs() const;
   void RequestEnd() { m_EndRequested = true; }
+  bool IsEnding() const { return m_EndRequested; }
 
   // Journal of a platform call on the running thread.
   void Call(const std::string& text);
