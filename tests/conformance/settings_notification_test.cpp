@@ -1,0 +1,215 @@
+// Subscriptions to settings: who is told of a write, when, and when no more.
+#include "orvex/platform/settings.h"
+#include "port_test.h"
+
+namespace orvex::conformance {
+namespace {
+
+constexpr const char* kKey = "db/conformance/watched";
+// In which a notification that is under way would have come.
+constexpr double kQuietMs = 200.0;
+
+// One subscriber; two of them have callbacks of their own.
+struct Subscriber {
+  int notifications = 0;
+  std::string name;
+  std::string thread;
+  std::function<void()> onChange = [] {};
+  const PortDriver* port = nullptr;
+
+  void Take(const SettingsNode* node) {
+    ++notifications;
+    const char* const text = settings_node_name(node);
+    name = text == nullptr ? "null" : text;
+    thread = port->CurrentThread();
+    onChange();
+  }
+};
+
+void OnChange(const SettingsNode* node, void* subscriber) {
+  static_cast<Subscriber*>(subscriber)->Take(node);
+}
+void OnChangeForTheOther(const SettingsNode* node, void* subscriber) {
+  static_cast<Subscriber*>(subscriber)->Take(node);
+}
+
+class SettingsNotification : public PortTest {
+protected:
+  SettingsNotification() {
+    subscriber.port = &Port();
+    other.port = &Port();
+  }
+  ~SettingsNotification() override {
+    settings_unsubscribe(kKey, &OnChange);
+    settings_unsubscribe(kKey, &OnChangeForTheOther);
+  }
+
+  void Subscribe() { EXPECT_EQ(settings_subscribe(kKey, &OnChange, &subscriber), 0); }
+  void SubscribeTheOther() { EXPECT_EQ(settings_subscribe(kKey, &OnChangeForTheOther, &other), 0); }
+  std::function<void()> Put(int value) {
+    return [this, value] { Port().PutSetting(kKey, value); };
+  }
+  std::function<bool()> Told(int times) {
+    return [this, times] { return subscriber.notifications >= times; };
+  }
+
+  Subscriber subscriber;
+  Subscriber other;
+};
+
+TEST_F(SettingsNotification, ComesOnTheMainLoopWithTheKeyAfterTheWrite) {
+  ORVEX_NEEDS(kPutSetting);
+  const std::string mainLoop = Port().CurrentThread();
+  int value = 0;
+  subscriber.onChange = [&] { settings_get_int(kKey, &value); };
+  application.Do([&] { Subscribe(); }).Do(Put(5)).Until("the notification", Told(1)).Run();
+  EXPECT_EQ(subscriber.name, kKey);
+  EXPECT_EQ(subscriber.thread, mainLoop);
+  EXPECT_EQ(value, 5);
+}
+
+TEST_F(SettingsNotification, ComesForAWriteOfTheSameValueToo) {
+  ORVEX_NEEDS(kPutSetting);
+  Put(5)();
+  application.Do([&] { Subscribe(); })
+      .After(kQuietMs)
+      .Do([&] { subscriber.notifications = 0; })
+      .Do(Put(5))
+      .Until("the notification", Told(1))
+      .Run();
+}
+
+TEST_F(SettingsNotification, DoesNotComeInsideTheSubscription) {
+  ORVEX_NEEDS(kPutSetting);
+  bool hasReturned = false;
+  subscriber.onChange = [&] { EXPECT_TRUE(hasReturned); };
+  application
+      .Do([&] {
+        Port().PutSetting(kKey, 5);
+        Subscribe();
+        hasReturned = true;
+        EXPECT_EQ(subscriber.notifications, 0);
+      })
+      .Do(Put(6))
+      .Until("the notification", Told(1))
+      .Run();
+}
+
+TEST_F(SettingsNotification, ComesToASubscriptionThatIsOlderThanTheMainLoop) {
+  ORVEX_NEEDS(kPutSetting);
+  Subscribe();
+  application.Do(Put(5)).Until("the notification", Told(1)).Run();
+}
+
+TEST_F(SettingsNotification, DoesNotComeForOtherKeys) {
+  ORVEX_NEEDS(kPutSetting);
+  application.Do([&] { Subscribe(); })
+      .Do([&] {
+        Port().PutSetting("db/conformance/watched2", 5);
+        Port().PutSetting("db/conformance/watch", 5);
+      })
+      .After(kQuietMs)
+      .Run();
+  EXPECT_EQ(subscriber.notifications, 0);
+}
+
+TEST_F(SettingsNotification, NeedsNoneOfTheKeysText) {
+  ORVEX_NEEDS(kPutSetting);
+  application
+      .Do([&] {
+        std::string key = kKey;
+        EXPECT_EQ(settings_subscribe(key.c_str(), &OnChange, &subscriber), 0);
+        key.assign(key.size(), 'x');
+      })
+      .Do(Put(5))
+      .Until("the notification", Told(1))
+      .Run();
+  EXPECT_EQ(subscriber.name, kKey);
+}
+
+TEST_F(SettingsNotification, ComesToTwoSubscribersOfAKey) {
+  ORVEX_NEEDS(kPutSetting);
+  application
+      .Do([&] {
+        Subscribe();
+        SubscribeTheOther();
+      })
+      .Do(Put(5))
+      .Until("both notifications", [&] { return subscriber.notifications > 0 && other.notifications > 0; })
+      .Run();
+}
+
+TEST_F(SettingsNotification, IsSubscribedOnceForOneKeyAndCallback) {
+  ORVEX_NEEDS(kPutSetting);
+  application
+      .Do([&] {
+        Subscribe();
+        EXPECT_EQ(settings_subscribe(kKey, &OnChange, &other), -1);
+      })
+      .Do(Put(5))
+      .Until("the notification", Told(1))
+      .After(kQuietMs)
+      .Run();
+  EXPECT_EQ(other.notifications, 0);
+  EXPECT_EQ(settings_unsubscribe(kKey, &OnChange), 0);
+  EXPECT_EQ(settings_unsubscribe(kKey, &OnChange), -1);
+}
+
+TEST_F(SettingsNotification, IsUnsubscribedByKeyAndCallback) {
+  OnMainLoop([&] {
+    Subscribe();
+    EXPECT_EQ(settings_unsubscribe(kKey, &OnChangeForTheOther), -1);
+    EXPECT_EQ(settings_unsubscribe("db/conformance/watched2", &OnChange), -1);
+    EXPECT_EQ(settings_unsubscribe(kKey, &OnChange), 0);
+  });
+}
+
+TEST_F(SettingsNotification, DoesNotComeAfterTheUnsubscriptionThoughItWasUnderWay) {
+  ORVEX_NEEDS(kPutSetting);
+  application
+      .Do([&] {
+        Subscribe();
+        SubscribeTheOther();
+      })
+      .Do([&] {
+        Port().PutSetting(kKey, 5);
+        EXPECT_EQ(settings_unsubscribe(kKey, &OnChange), 0);
+      })
+      .Until("the other's notification", [&] { return other.notifications > 0; })
+      .After(kQuietMs)
+      .Run();
+  EXPECT_EQ(subscriber.notifications, 0);
+}
+
+TEST_F(SettingsNotification, MayBeUnsubscribedByItsOwnCallback) {
+  ORVEX_NEEDS(kPutSetting);
+  subscriber.onChange = [] { EXPECT_EQ(settings_unsubscribe(kKey, &OnChange), 0); };
+  application.Do([&] { Subscribe(); })
+      .Do(Put(5))
+      .Until("the notification", Told(1))
+      .Do([&] { SubscribeTheOther(); })
+      .Do(Put(6))
+      .Until("the other's notification", [&] { return other.notifications > 0; })
+      .After(kQuietMs)
+      .Run();
+  EXPECT_EQ(subscriber.notifications, 1);
+}
+
+TEST_F(SettingsNotification, DoesNotComeToOneWhomAnotherCallbackHasUnsubscribed) {
+  ORVEX_NEEDS(kPutSetting);
+  subscriber.onChange = [] { settings_unsubscribe(kKey, &OnChangeForTheOther); };
+  other.onChange = [] { settings_unsubscribe(kKey, &OnChange); };
+  application
+      .Do([&] {
+        Subscribe();
+        SubscribeTheOther();
+      })
+      .Do(Put(5))
+      .Until("a notification", [&] { return subscriber.notifications + other.notifications > 0; })
+      .After(kQuietMs)
+      .Run();
+  EXPECT_EQ(subscriber.notifications + other.notifications, 1);
+}
+
+}  // namespace
+}  // namespace orvex::conformance

@@ -1,0 +1,65 @@
+// settings_get_int(): values, their range and how a read fails.
+#include <climits>
+
+#include "orvex/platform/settings.h"
+#include "port_test.h"
+
+namespace orvex::conformance {
+namespace {
+
+constexpr const char* kKey = "db/conformance/value";
+constexpr int kUntouched = 4711;
+
+class Settings : public PortTest {
+protected:
+  static void ExpectRead(int expected) {
+    int value = kUntouched;
+    EXPECT_EQ(settings_get_int(kKey, &value), 0);
+    EXPECT_EQ(value, expected);
+  }
+  static void ExpectFailure(int result) {
+    int value = kUntouched;
+    EXPECT_EQ(settings_get_int(kKey, &value), result);
+    EXPECT_EQ(value, kUntouched);
+  }
+};
+
+TEST_F(Settings, AreReadAsTheyWereWrittenLast) {
+  ORVEX_NEEDS(kPutSetting);
+  for (const int value : {0, 1, -1, INT_MAX, INT_MIN}) {
+    Port().PutSetting(kKey, value);
+    ExpectRead(value);
+  }
+}
+
+TEST_F(Settings, AreReadOnAnyThread) {
+  ORVEX_NEEDS(kPutSetting);
+  Port().PutSetting(kKey, 12);
+  OnMainLoop([] {
+    ExpectRead(12);
+    Thread([] { ExpectRead(12); }).Join();
+  });
+}
+
+TEST_F(Settings, ThatDoNotExistAreAFailedRead) {
+  OnMainLoop([] {
+    int value = kUntouched;
+    EXPECT_EQ(settings_get_int("db/conformance/nowhere", &value), -1);
+    EXPECT_EQ(value, kUntouched);
+  });
+}
+
+TEST_F(Settings, ThatAreNoIntegerAreAFailedRead) {
+  ORVEX_NEEDS(kSpoilSetting);
+  Port().SpoilSetting(kKey);
+  OnMainLoop([] { ExpectFailure(-2); });
+}
+
+TEST_F(Settings, OfAStoreThatCannotBeReadAreAFailedRead) {
+  ORVEX_NEEDS(kBreakSettings);
+  Port().Break(Ability::kBreakSettings);
+  OnMainLoop([] { ExpectFailure(-3); });
+}
+
+}  // namespace
+}  // namespace orvex::conformance
