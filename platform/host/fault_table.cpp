@@ -4,8 +4,9 @@
 #include <json/json.h>
 
 #include <algorithm>
-#include <memory>
 #include <stdexcept>
+
+#include "television_json.h"
 
 namespace orvex::host {
 namespace {
@@ -96,18 +97,7 @@ void TakeMember(FaultTable& table, const std::string& key, const Json::Value& va
 }  // namespace
 
 FaultTable ParseFaults(const std::string& text) {
-  Json::CharReaderBuilder builder;
-  Json::CharReaderBuilder::strictMode(&builder.settings_);
-  const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
-  Json::Value root;
-  Json::String errors;
-  if (!reader->parse(text.data(), text.data() + text.size(), &root, &errors)) {
-    std::replace(errors.begin(), errors.end(), '\n', ' ');
-    throw std::runtime_error("expected a JSON object: " + errors);
-  }
-  if (!root.isObject()) {
-    throw std::runtime_error("expected a JSON object, not an array");
-  }
+  const Json::Value root = ParseJsonObject(text, "a JSON object");
   FaultTable table;
   for (const std::string& key : root.getMemberNames()) {
     TakeMember(table, key, root[key]);

@@ -4,8 +4,9 @@
 #include <json/json.h>
 
 #include <algorithm>
-#include <memory>
 #include <stdexcept>
+
+#include "television_json.h"
 
 namespace orvex::host {
 namespace {
@@ -16,23 +17,8 @@ std::string OneLine(const Json::Value& value) {
   return Json::writeString(writer, value);
 }
 
-Json::Value Parse(const std::string& line) {
-  Json::CharReaderBuilder builder;
-  Json::CharReaderBuilder::strictMode(&builder.settings_);
-  const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
-  Json::Value root;
-  Json::String errors;
-  if (!reader->parse(line.data(), line.data() + line.size(), &root, &errors)) {
-    throw std::runtime_error("expected one JSON object per line: " + errors);
-  }
-  if (!root.isObject()) {
-    throw std::runtime_error("expected one JSON object per line, not an array");
-  }
-  return root;
-}
-
 FwMessage ParseMessage(const std::string& line) {
-  const Json::Value root = Parse(line);
+  const Json::Value root = ParseJsonObject(line, "one JSON object per line");
   const Json::Value type = root.get("type", "");
   if (!type.isString()) {
     throw std::runtime_error("\"type\": " + OneLine(type) + ": expected a text");

@@ -98,6 +98,13 @@ TEST_F(HostFaults, SayNothingAboutADeeplyNestedFileButThatItIsWrong) {
   EXPECT_THAT(ProblemWith(std::string(100000, '[')), HasSubstr("no faults are injected"));
 }
 
+TEST_F(HostFaults, InjectNothingWhenAZeroByteEndsTheJsonWithinTheFile) {
+  const std::string object = R"({"delay.get": -1})";
+  const std::string told = ProblemWith(object + '\0' + object);
+  EXPECT_THAT(told, HasSubstr("expected a JSON object: byte 17 is 0"));
+  EXPECT_EQ(Faults::Instance().Next("delay.get"), std::nullopt);
+}
+
 TEST_F(HostFaults, MakeAnObjectAbsent) {
   EXPECT_NE(IAudioControl::getInstance(), nullptr);
   SetFaults(R"({"audio_control": "absent"})");

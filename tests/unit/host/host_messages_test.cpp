@@ -106,7 +106,8 @@ TEST_F(HostMessages, AreAnsweredWithAnErrorWhenTheyAreNone) {
   for (const std::string& line :
        {std::string(), std::string(" "), std::string("hello"), std::string("[]"), std::string("5"), std::string("{"),
         std::string("{} {}"), std::string("{'type': 1}"), std::string(R"({"type": 5})"), std::string(R"({"type": {}})"),
-        std::string(R"({"a": 1, "a": 2})"), std::string("\xff\x00", 2), deep, "{\"body\":" + deep}) {
+        std::string(R"({"a": 1, "a": 2})"), std::string("\xff\x00", 2), std::string("{}\0{}", 5), deep,
+        "{\"body\":" + deep}) {
     const std::string answer = Answer(line);
     EXPECT_THAT(answer, StartsWith("{\"error\":\"")) << line;
     EXPECT_EQ(answer.find('\n'), std::string::npos) << line;
