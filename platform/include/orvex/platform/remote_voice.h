@@ -41,5 +41,6 @@ int bt_hid_unset_audio_data_receive_cb();
 int bt_hid_send_rc_command(const char* target, const std::uint8_t* command, std::size_t length);
 
 // Ends the remote's voice. `target` as above. Any thread but the delivery thread.
-// 0: stopped, or was not sending. Negative: -115 in progress, ask again; -5 refused; -19 no remote is connected.
+// 0: stopped, or was not sending; at most a block that was under way is still delivered. Negative: -115 in progress,
+// ask again; -5 refused; -19 no remote is connected.
 int bt_hid_rc_stop_sending_voice(const char* target);
