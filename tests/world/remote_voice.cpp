@@ -1,6 +1,7 @@
 // The remote's voice channel in virtual time.
 #include "orvex/platform/remote_voice.h"
 
+#include <array>
 #include <cerrno>
 #include <cstdio>
 
@@ -8,6 +9,23 @@
 
 using orvex::world::Quoted;
 using orvex::world::World;
+
+namespace {
+
+using Command = std::array<std::uint8_t, 2>;
+constexpr Command kStart{0x05, 0x00};
+constexpr Command kStartAudible{0x04, 0x00};
+constexpr Command kGoOn{0x03, 0x10};
+
+bool IsKnown(const std::uint8_t* bytes, std::size_t length) {
+  if (length != kGoOn.size()) {
+    return false;
+  }
+  const Command command{bytes[0], bytes[1]};
+  return command == kStart || command == kStartAudible || command == kGoOn;
+}
+
+}  // namespace
 
 int bt_hid_set_audio_data_receive_cb(VoiceDataCallback callback, void* userData) {
   World& world = World::Current();
@@ -32,13 +50,17 @@ int bt_hid_unset_audio_data_receive_cb() {
   // Whatever the answer, nothing is called any more.
   world.voiceCallback = nullptr;
   world.voiceUserData = nullptr;
+  while (world.voiceCallbackRuns && world.scheduler.CurrentThread() != "delivery") {
+    world.scheduler.Sleep(std::chrono::milliseconds(1));
+  }
   world.Call("bt_hid_unset_audio_data_receive_cb() = " + std::to_string(result));
   return result;
 }
 
 int bt_hid_send_rc_command(const char* target, const std::uint8_t* command, std::size_t length) {
   World& world = World::Current();
-  const int result = static_cast<int>(world.answers.Take("bt_hid_send_rc_command").value_or(0));
+  const int known = IsKnown(command, length) ? 0 : -EINVAL;
+  const int result = static_cast<int>(world.answers.Take("bt_hid_send_rc_command").value_or(known));
   std::string bytes;
   for (std::size_t i = 0; i < length; ++i) {
     char text[4];
@@ -47,7 +69,7 @@ int bt_hid_send_rc_command(const char* target, const std::uint8_t* command, std:
   }
   world.Call("bt_hid_send_rc_command(" + Quoted(target) + "," + bytes + ", " + std::to_string(length) +
              ") = " + std::to_string(result));
-  if (result == 0 && length == 2 && command[0] == 0x03) {
+  if (result == 0 && command[0] == kGoOn[0]) {
     world.ExtendVoice();
   } else if (result == 0) {
     world.StartVoice();

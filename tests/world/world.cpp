@@ -148,7 +148,9 @@ bool World::Deliver(const VoiceData* record) {
   if (voiceCallback == nullptr) {
     return false;
   }
+  voiceCallbackRuns = true;
   scheduler.RunAs("delivery", [&] { voiceCallback(record, voiceUserData); });
+  voiceCallbackRuns = false;
   return true;
 }
 

@@ -134,9 +134,11 @@ public:
 
   // Used by the port's functions.
   bool SendEventFromService(const FwEvent& event);
+  bool isWatched = false;
   bool consumesEvents = false;  // the framework's own share takes every event
   VoiceDataCallback voiceCallback = nullptr;
   void* voiceUserData = nullptr;
+  bool voiceCallbackRuns = false;
   bool voiceSending = false;
   void StartVoice();
   void ExtendVoice();
