@@ -5,9 +5,18 @@
 
 using orvex::world::World;
 
+namespace {
+
+int ResultFor(int kind) {
+  constexpr int kUnknownKind = -2;
+  return kind == kDelayKindSpdif ? 0 : kUnknownKind;
+}
+
+}  // namespace
+
 int avoc_get_delay(std::uint32_t* delayMs, int kind) {
   World& world = World::Current();
-  const int result = static_cast<int>(world.answers.Take("avoc_get_delay").value_or(0));
+  const int result = static_cast<int>(world.answers.Take("avoc_get_delay").value_or(ResultFor(kind)));
   if (result == 0) {
     *delayMs = world.delayMs;
   }
@@ -17,7 +26,7 @@ int avoc_get_delay(std::uint32_t* delayMs, int kind) {
 
 int avoc_set_delay(std::uint32_t delayMs, int kind) {
   World& world = World::Current();
-  const int result = static_cast<int>(world.answers.Take("avoc_set_delay").value_or(0));
+  const int result = static_cast<int>(world.answers.Take("avoc_set_delay").value_or(ResultFor(kind)));
   if (result == 0) {
     world.delayMs = delayMs;
     if (world.room != nullptr) {

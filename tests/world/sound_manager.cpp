@@ -7,14 +7,20 @@ using orvex::world::World;
 
 namespace {
 
-int Result(const char* function) {
-  return static_cast<int>(World::Current().answers.Take(function).value_or(0));
+constexpr int kBadArgument = -2;
+
+int Result(const char* function, bool isGood = true) {
+  return static_cast<int>(World::Current().answers.Take(function).value_or(isGood ? 0 : kBadArgument));
+}
+
+bool IsSpeaker(int device) {
+  return device == 0;
 }
 
 }  // namespace
 
 int sound_manager_get_device_mute(int device, bool* muted) {
-  const int result = Result("sound_manager_get_device_mute");
+  const int result = Result("sound_manager_get_device_mute", IsSpeaker(device));
   if (result == 0) {
     *muted = World::Current().muted;
   }
@@ -24,7 +30,7 @@ int sound_manager_get_device_mute(int device, bool* muted) {
 
 int sound_manager_set_device_mute(int device, bool muted) {
   World& world = World::Current();
-  const int result = Result("sound_manager_set_device_mute");
+  const int result = Result("sound_manager_set_device_mute", IsSpeaker(device));
   if (result == 0) {
     world.muted = muted;
     if (world.room != nullptr) {
@@ -46,7 +52,7 @@ int sound_manager_get_tv_master_volume(std::int32_t* level) {
 }
 
 int sound_manager_set_tv_master_volume(std::int32_t level) {
-  const int result = Result("sound_manager_set_tv_master_volume");
+  const int result = Result("sound_manager_set_tv_master_volume", level >= 0 && level <= 100);
   if (result == 0) {
     World::Current().volume = level;
   }

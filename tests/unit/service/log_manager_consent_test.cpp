@@ -151,10 +151,10 @@ TEST_F(KeptRecords, BelongToTheirOwnManager) {
   Keep({"a"});
   Consent(0);
   EXPECT_EQ(another.AddEventLog(Record("b")), 1);
-  world.subscriptions.at(1).callback(nullptr, &another);
+  world.subscriptions.at(0).callback(nullptr, &another);
   EXPECT_THAT(world.events, IsEmpty());
   Consent(1);
-  world.subscriptions.at(1).callback(nullptr, &another);
+  world.subscriptions.at(0).callback(nullptr, &another);
   EXPECT_THAT(ValuesSent(), ElementsAre("b"));
 }
 
