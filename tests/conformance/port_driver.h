@@ -51,13 +51,13 @@ struct EventRecord {
 
 // What the queries of the service layer and of the audio control are to answer.
 struct TvState {
-  int hdmiInputs;
-  std::int32_t deviceType;
-  std::string brand;
-  std::int32_t resolution;
-  std::int32_t frequency;
-  std::int32_t source;
-  std::int32_t codec;
+  int hdmiInputs = 4;
+  std::int32_t deviceType = 1;
+  std::string brand = "Example";
+  std::int32_t resolution = 6;
+  std::int32_t frequency = 60;
+  std::int32_t source = 1;
+  std::int32_t codec = 0;
 };
 
 // One television, as new: made before a test and destroyed after it, when the application is gone. Operations are

@@ -1,0 +1,122 @@
+// The sound manager: mute and volume as they were set, the selected output, and how an operation fails.
+#include "orvex/platform/sound_manager.h"
+#include "port_test.h"
+
+namespace orvex::conformance {
+namespace {
+
+constexpr int kTvSpeaker = 0;
+constexpr int kNoDevice = -1;
+
+// Puts mute and volume back behind each test.
+class SoundManager : public PortTest {
+protected:
+  SoundManager() {
+    sound_manager_get_device_mute(kTvSpeaker, &m_MutedBefore);
+    sound_manager_get_tv_master_volume(&m_VolumeBefore);
+  }
+  ~SoundManager() override {
+    sound_manager_set_device_mute(kTvSpeaker, m_MutedBefore);
+    sound_manager_set_tv_master_volume(m_VolumeBefore);
+  }
+
+  static std::int32_t Volume() {
+    std::int32_t volume = -1;
+    EXPECT_EQ(sound_manager_get_tv_master_volume(&volume), 0);
+    return volume;
+  }
+  static bool IsMuted() {
+    bool muted = false;
+    EXPECT_EQ(sound_manager_get_device_mute(kTvSpeaker, &muted), 0);
+    return muted;
+  }
+
+private:
+  bool m_MutedBefore = false;
+  std::int32_t m_VolumeBefore = 0;
+};
+
+TEST_F(SoundManager, MutesAndUnmutesTheSpeaker) {
+  OnMainLoop([] {
+    for (const bool muted : {true, false, false, true}) {
+      EXPECT_EQ(sound_manager_set_device_mute(kTvSpeaker, muted), 0);
+      EXPECT_EQ(IsMuted(), muted);
+    }
+  });
+}
+
+TEST_F(SoundManager, SetsEveryVolume) {
+  OnMainLoop([] {
+    for (std::int32_t volume = 0; volume <= 100; ++volume) {
+      EXPECT_EQ(sound_manager_set_tv_master_volume(volume), 0);
+      EXPECT_EQ(Volume(), volume);
+    }
+  });
+}
+
+TEST_F(SoundManager, KeepsMuteAndVolumeApart) {
+  OnMainLoop([] {
+    EXPECT_EQ(sound_manager_set_device_mute(kTvSpeaker, false), 0);
+    EXPECT_EQ(sound_manager_set_tv_master_volume(0), 0);
+    EXPECT_FALSE(IsMuted());
+    EXPECT_EQ(sound_manager_set_tv_master_volume(30), 0);
+    EXPECT_EQ(sound_manager_set_device_mute(kTvSpeaker, true), 0);
+    EXPECT_EQ(Volume(), 30);
+  });
+}
+
+TEST_F(SoundManager, RefusesAVolumeOutOfRangeAndKeepsTheOldOne) {
+  OnMainLoop([] {
+    EXPECT_EQ(sound_manager_set_tv_master_volume(42), 0);
+    for (const std::int32_t volume : {-1, 101, INT32_MIN, INT32_MAX}) {
+      EXPECT_EQ(sound_manager_set_tv_master_volume(volume), -2) << volume;
+      EXPECT_EQ(Volume(), 42) << volume;
+    }
+  });
+}
+
+TEST_F(SoundManager, KnowsNoOtherDevice) {
+  OnMainLoop([] {
+    EXPECT_EQ(sound_manager_set_device_mute(kTvSpeaker, false), 0);
+    EXPECT_EQ(sound_manager_set_device_mute(kNoDevice, true), -2);
+    EXPECT_FALSE(IsMuted());
+    for (const bool before : {true, false}) {
+      bool muted = before;
+      EXPECT_EQ(sound_manager_get_device_mute(kNoDevice, &muted), -2);
+      EXPECT_EQ(muted, before);
+    }
+  });
+}
+
+TEST_F(SoundManager, TellsTheSelectedOutput) {
+  ORVEX_NEEDS(kSelectSpeaker);
+  OnMainLoop([&] {
+    for (const std::int32_t selected : {0, 3}) {
+      Port().SelectSpeaker(selected);
+      std::int32_t selection = -1;
+      EXPECT_EQ(sound_manager_get_speaker_selection(&selection), 0);
+      EXPECT_EQ(selection, selected);
+    }
+  });
+}
+
+TEST_F(SoundManager, ThatCannotBeReachedLeavesTargetsUntouched) {
+  ORVEX_NEEDS(kBreakSoundManager);
+  Port().Break(Ability::kBreakSoundManager);
+  OnMainLoop([] {
+    std::int32_t number = 4711;
+    EXPECT_EQ(sound_manager_get_tv_master_volume(&number), -1);
+    EXPECT_EQ(sound_manager_get_speaker_selection(&number), -1);
+    EXPECT_EQ(number, 4711);
+    for (const bool before : {true, false}) {
+      bool muted = before;
+      EXPECT_EQ(sound_manager_get_device_mute(kTvSpeaker, &muted), -1);
+      EXPECT_EQ(muted, before);
+    }
+    EXPECT_EQ(sound_manager_set_tv_master_volume(10), -1);
+    EXPECT_EQ(sound_manager_set_device_mute(kTvSpeaker, true), -1);
+  });
+}
+
+}  // namespace
+}  // namespace orvex::conformance

@@ -1,0 +1,162 @@
+// The receiver of the remote's voice: registration, delivery thread, and the end of delivery.
+#include <unistd.h>
+
+#include <atomic>
+
+#include "port_test.h"
+#include "voice_listener.h"
+
+namespace orvex::conformance {
+namespace {
+
+// In which a remote that still sends would have delivered a dozen blocks.
+constexpr double kLongSilenceMs = 12 * kBlockMs;
+
+class VoiceReceiver : public PortTest {
+protected:
+  std::function<bool()> Heard(const VoiceListener& heard, std::size_t count) {
+    return [&heard, count] { return heard.Count() >= count; };
+  }
+
+  VoiceListener listener{Port()};
+};
+
+TEST_F(VoiceReceiver, IsTheOnlyOneUntilItIsUnregistered) {
+  VoiceListener second(Port());
+  OnMainLoop([&] {
+    EXPECT_EQ(bt_hid_unset_audio_data_receive_cb(), -22);
+    EXPECT_EQ(listener.Register(), 0);
+    EXPECT_EQ(second.Register(), -16);
+    EXPECT_EQ(listener.Unregister(), 0);
+    EXPECT_EQ(second.Register(), 0);
+    EXPECT_EQ(second.Unregister(), 0);
+    EXPECT_EQ(second.Unregister(), -22);
+  });
+}
+
+TEST_F(VoiceReceiver, StaysTheOneThatWasRegisteredWhenASecondIsRefused) {
+  VoiceListener second(Port());
+  application
+      .Do([&] {
+        EXPECT_EQ(listener.Register(), 0);
+        EXPECT_EQ(second.Register(), -16);
+        EXPECT_EQ(StartVoice(), 0);
+      })
+      .Until("a block", Heard(listener, 1))
+      .Run();
+  EXPECT_EQ(second.Count(), 0U);
+}
+
+TEST_F(VoiceReceiver, HearsOneBlockAtATimeOnOneThreadThatIsNotTheMainLoop) {
+  const std::string mainLoop = Port().CurrentThread();
+  application
+      .Do([&] {
+        EXPECT_EQ(listener.Register(), 0);
+        EXPECT_EQ(StartVoice(), 0);
+      })
+      .Until("twenty blocks", Heard(listener, 20))
+      .Run();
+  EXPECT_FALSE(listener.HasOverlapped());
+  for (const HeardBlock& block : listener.Blocks()) {
+    EXPECT_NE(block.thread, mainLoop);
+    EXPECT_EQ(block.thread, listener.Blocks().front().thread);
+  }
+}
+
+TEST_F(VoiceReceiver, MayBeRegisteredAndUnregisteredOnAnotherThread) {
+  application
+      .Do([&] {
+        Thread([&] {
+          EXPECT_EQ(listener.Register(), 0);
+          EXPECT_EQ(StartVoice(), 0);
+        }).Join();
+      })
+      .Until("a block", Heard(listener, 1))
+      .Do([&] {
+        Thread([&] {
+          EXPECT_EQ(StopVoice(), 0);
+          EXPECT_EQ(listener.Unregister(), 0);
+        }).Join();
+      })
+      .Run();
+}
+
+TEST_F(VoiceReceiver, HearsNothingBeforeAStartCommand) {
+  application.Do([&] { EXPECT_EQ(listener.Register(), 0); }).After(kLongSilenceMs).Run();
+  EXPECT_EQ(listener.Count(), 0U);
+}
+
+TEST_F(VoiceReceiver, HearsNothingAfterAStopButABlockThatWasUnderWay) {
+  std::size_t countAtStop = 0;
+  application
+      .Do([&] {
+        EXPECT_EQ(listener.Register(), 0);
+        EXPECT_EQ(StartVoice(), 0);
+      })
+      .Until("three blocks", Heard(listener, 3))
+      .Do([&] {
+        EXPECT_EQ(StopVoice(), 0);
+        countAtStop = listener.Count();
+      })
+      .After(kLongSilenceMs)
+      .Run();
+  EXPECT_LE(listener.Count(), countAtStop + 1);
+}
+
+TEST_F(VoiceReceiver, HearsNothingAfterItWasUnregisteredWhileTheNextOneDoes) {
+  std::size_t countAtEnd = 0;
+  VoiceListener next(Port());
+  application
+      .Do([&] {
+        EXPECT_EQ(listener.Register(), 0);
+        EXPECT_EQ(StartVoice(), 0);
+      })
+      .Until("three blocks", Heard(listener, 3))
+      .Do([&] {
+        EXPECT_EQ(listener.Unregister(), 0);
+        countAtEnd = listener.Count();
+        EXPECT_EQ(next.Register(), 0);
+      })
+      .Until("three blocks of the next", Heard(next, 3))
+      .Run();
+  EXPECT_EQ(listener.Count(), countAtEnd);
+}
+
+// The callback waits until the unregister call has begun, and then for a while for its return, which must not come.
+TEST_F(VoiceReceiver, IsUnregisteredOnlyWhenItsCallbackHasReturned) {
+  constexpr int kLooks = 100;
+  constexpr useconds_t kLookEveryUs = 1000;
+  std::atomic<bool> isInCallback{false};
+  std::atomic<bool> isUnregistering{false};
+  std::atomic<bool> isUnregistered{false};
+  listener.onBlock = [&] {
+    isInCallback = true;
+    WaitUntil([&] { return isUnregistering.load(); });
+    for (int look = 0; look < kLooks && !isUnregistered; ++look) {
+      usleep(kLookEveryUs);
+    }
+    isInCallback = false;
+  };
+  std::unique_ptr<Thread> unregistering;
+  const auto unregister = [&] {
+    WaitUntil([&] { return isInCallback.load(); });
+    isUnregistering = true;
+    EXPECT_EQ(listener.Unregister(), 0);
+    EXPECT_FALSE(isInCallback) << "its callback still runs";
+    isUnregistered = true;
+  };
+  application
+      .Do([&] {
+        EXPECT_EQ(listener.Register(), 0);
+        EXPECT_EQ(StartVoice(), 0);
+        unregistering = std::make_unique<Thread>(unregister);
+      })
+      .Until("the unregister call to return", [&] { return isUnregistered.load(); })
+      .Run();
+  unregistering->Join();
+  EXPECT_EQ(listener.Count(), 1U);
+  StopVoice();
+}
+
+}  // namespace
+}  // namespace orvex::conformance
