@@ -6,6 +6,8 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "disturbance.h"
+
 namespace orvex::tools {
 namespace {
 
@@ -85,9 +87,9 @@ const std::array<AxisKind, axis::kCount>& AxisKinds() {
       {"missed-tone", "test sound: N: pair N lacks its 17 kHz burst, -N: its 19 kHz burst, 0: none lacks", "0", -50,
        50},
       {"silent", "whether the test sound is not heard: every result is false then", "no", 0, 1, {"no", "yes"}},
-      {"disturbance", "a sound that is not ours", "none", 0, 0, {"none"}},
+      {"disturbance", "a sound that is not ours", "none", 0, 0, kDisturbanceNames},
       {"disturbance-dbfs", "its peak", "-20", -100, 0},
-      {"disturbance-blocks", "its length in blocks, of those that have one", "1:60", 1, 1000},
+      {"disturbance-blocks", "length of a hiss in blocks", "1:60", 1, 1000},
   }};
   return kinds;
 }

@@ -29,7 +29,8 @@ constexpr char kDescription[] =
     "range with either sign (+-A:B). Several lists span all combinations. Room n of a row is the same in all rows, but "
     "for what the row says.\n\n"
     "Error = reported minus true difference, in ms, over all results. found: a result was reported. false: it is more "
-    "than 33.0 ms (two buffers) from the truth; >17.5: more than 17.5 ms from it. worse: the misalignment that is left "
+    "than 33.0 ms (two buffers) from the truth, or the test sound was not heard; >17.5: more than 17.5 ms from it. "
+    "worse: the misalignment that is left "
     "exceeds the one before by more than a buffer (16.5 ms). decided: mean time from the start of the recording to the "
     "result or, without one, to the end of the playback; ended: to the end of the process.\n\n"
     "Exit code: 0 done, 2 wrong usage or a file that cannot be written.";
@@ -38,6 +39,7 @@ struct Arguments {
   std::map<Axis, std::string> axes;
   SweepOptions options;
   std::uint64_t seed = 1;
+  std::vector<std::string> recordings;
   std::string csv;
 };
 
@@ -59,6 +61,8 @@ void DefineArguments(CLI::App& app, Arguments& arguments) {
   app.add_option("--jobs", arguments.options.jobs, "rooms at a time; the results do not depend on it")
       ->check(CLI::Range(1, 1024))
       ->capture_default_str();
+  app.add_option("--recording", arguments.recordings, "WAV files of one channel, for --disturbance recording")
+      ->type_name("FILE");
   app.add_option("--csv", arguments.csv, "write one line per room to FILE")->type_name("FILE");
 }
 
@@ -72,6 +76,9 @@ void WriteCsvFile(const std::string& path, const Plan& plan, const SweepResult& 
 }
 
 int Sweep(Arguments& arguments) {
+  for (const std::string& file : arguments.recordings) {
+    arguments.options.recordings.push_back(ReadSound(file));
+  }
   const Plan plan(arguments.axes, arguments.seed);
   Progress progress("orvex-sweep", "rooms", plan.Rows() * arguments.options.rooms);
   arguments.options.progress = [&](std::size_t done) { progress.Show(done); };

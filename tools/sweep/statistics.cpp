@@ -40,7 +40,7 @@ Statistics Summarise(const std::vector<RoomResult>& results) {
     }
     errors.push_back(result.errorMs);
     statistics.foundPercent += percent;
-    statistics.falsePercent += std::abs(result.errorMs) > kFalseMs ? percent : 0.0;
+    statistics.falsePercent += result.isFalse ? percent : 0.0;
     statistics.offGridPercent += std::abs(result.errorMs) > kOffGridMs ? percent : 0.0;
     statistics.worsePercent += std::abs(result.remainingMs) > std::abs(result.beforeMs) + kBufferMs ? percent : 0.0;
   }

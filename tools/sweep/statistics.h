@@ -10,6 +10,7 @@ namespace orvex::tools {
 struct RoomResult {
   bool found = false;
   bool abnormal = false;
+  bool isFalse = false;      // found, but no measurement of the true difference
   double errorMs = 0.0;      // reported minus true difference, when found
   double beforeMs = 0.0;     // the true misalignment, and what is left of it
   double remainingMs = 0.0;  // after whole milliseconds of the reported difference were taken off the delay
@@ -27,7 +28,7 @@ constexpr double kFalseMs = 2.0 * kBufferMs;
 struct Statistics {
   std::size_t rooms = 0;
   double foundPercent = 0.0;
-  double falsePercent = 0.0;     // found, but more than kFalseMs from the truth
+  double falsePercent = 0.0;     // found, but false
   double offGridPercent = 0.0;   // found, but more than kOffGridMs from the truth
   double abnormalPercent = 0.0;  // ended for abnormal input
   double worsePercent = 0.0;     // left more than a buffer worse than before

@@ -26,6 +26,16 @@ void RemoveTone(const SoundDesign& design, double missedTone, std::vector<std::i
   }
 }
 
+Sound DrawDisturbance(const RoomValues& values, std::uint64_t seed, const std::vector<Sound>& recordings) {
+  DisturbanceSettings settings;
+  settings.kind = static_cast<DisturbanceKind>(std::lround(values[axis::kDisturbance]));
+  settings.peakDbfs = values[axis::kDisturbanceDbfs];
+  settings.blocks = std::round(values[axis::kDisturbanceBlocks]);
+  settings.recordings = &recordings;
+  std::mt19937_64 random(seed);
+  return MakeDisturbance(settings, random);
+}
+
 class Workers {
 public:
   Workers(const Plan& plan, const SweepOptions& options)
@@ -54,7 +64,7 @@ private:
       for (std::size_t next = m_Next++; next < Total(); next = m_Next++) {
         const std::size_t row = next / m_Options.rooms;
         const std::size_t room = next % m_Options.rooms;
-        m_Results[row][room] = RunRoom(m_Plan, row, room);
+        m_Results[row][room] = RunRoom(m_Plan, row, room, m_Options.recordings);
         ++m_Done;
       }
     } catch (...) {
@@ -88,7 +98,7 @@ private:
 
 }  // namespace
 
-RoomResult RunRoom(const Plan& plan, std::size_t row, std::size_t room) {
+RoomResult RunRoom(const Plan& plan, std::size_t row, std::size_t room, const std::vector<Sound>& recordings) {
   const RoomValues values = plan.Draw(row, room);
   Trial trial = MakeTrial(values, plan.RoomSeed(room));
   const SoundDesign design = DesignOf(values);
@@ -97,6 +107,7 @@ RoomResult RunRoom(const Plan& plan, std::size_t row, std::size_t room) {
   if (values[axis::kSilent] != 0.0) {
     std::fill(trial.sound.begin(), trial.sound.end(), std::int16_t{0});
   }
+  trial.disturbance = DrawDisturbance(values, trial.room.seed, recordings);
   const TrialOutcome outcome = RunTrial(trial);
 
   RoomResult result;
@@ -104,6 +115,7 @@ RoomResult RunRoom(const Plan& plan, std::size_t row, std::size_t room) {
   result.abnormal = outcome.ending == Ending::kAbnormal;
   result.beforeMs = sim::MisalignmentMs(trial.room, 0.0);
   result.errorMs = outcome.differenceMs - result.beforeMs;
+  result.isFalse = result.found && (values[axis::kSilent] != 0.0 || std::abs(result.errorMs) > kFalseMs);
   result.remainingMs = result.beforeMs - std::trunc(outcome.differenceMs);
   result.decidedMs = outcome.decidedMs;
   result.endedMs = outcome.endedMs;

@@ -5,14 +5,16 @@
 #include <functional>
 #include <vector>
 
+#include "disturbance.h"
 #include "plan.h"
 #include "statistics.h"
 
 namespace orvex::tools {
 
 struct SweepOptions {
-  std::size_t rooms = 1000;  // of each row
-  unsigned jobs = 1;         // threads
+  std::size_t rooms = 1000;       // of each row
+  unsigned jobs = 1;              // threads
+  std::vector<Sound> recordings;  // for the disturbances
   // Called now and then, from one thread, with the number of rooms that are done.
   std::function<void(std::size_t done)> progress = [](std::size_t) {};
 };
@@ -26,6 +28,6 @@ struct SweepResult {
 SweepResult RunSweep(const Plan& plan, const SweepOptions& options);
 
 // One room of the plan.
-RoomResult RunRoom(const Plan& plan, std::size_t row, std::size_t room);
+RoomResult RunRoom(const Plan& plan, std::size_t row, std::size_t room, const std::vector<Sound>& recordings = {});
 
 }  // namespace orvex::tools

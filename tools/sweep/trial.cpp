@@ -30,7 +30,7 @@ class VirtualRun : private ReceiverListener {
 public:
   explicit VirtualRun(const Trial& trial) : m_Trial(trial), m_Room(trial.room), m_Voice(m_Room), m_Rig(*this) {
     if (!trial.disturbance.empty()) {
-      m_Room.SetNoise(trial.disturbance, trial.disturbanceRateHz);
+      m_Room.SetNoise(trial.disturbance, trial.room.microphoneRateHz);
     }
   }
 

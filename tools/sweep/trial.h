@@ -12,8 +12,7 @@ struct Trial {
   sim::RoomConfig room;             // its optical latency includes the delay of the output
   double startMs = 0.0;             // from the end of the ambient phase to the first frame of the sound
   std::vector<std::int16_t> sound;  // interleaved stereo at 48000 Hz
-  std::vector<float> disturbance;   // added to the noise from the first sample on; full scale is 1. Empty: none
-  double disturbanceRateHz = 0.0;
+  std::vector<float> disturbance;   // added to the noise, at the microphone's nominal rate; full scale is 1
 };
 
 enum class Ending { kFound, kNothing, kAbnormal };
