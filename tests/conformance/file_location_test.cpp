@@ -23,18 +23,14 @@ TEST_F(FileLocation, LeadsToTheTelevisionsFileOnAnyThread) {
   ORVEX_NEEDS(kPlaceFile);
   const std::string content("bytes \0 of\na file", 17);
   Port().PlaceFile(kFixedPath, content);
-  OnMainLoop([&] {
-    EXPECT_EQ(ContentOf(file_location(kFixedPath)), content);
-    Thread([&] { EXPECT_EQ(ContentOf(file_location(kFixedPath)), content); }).Join();
-  });
+  EXPECT_EQ(ContentOf(file_location(kFixedPath)), content);
+  Thread([&] { EXPECT_EQ(ContentOf(file_location(kFixedPath)), content); }).Join();
 }
 
 TEST_F(FileLocation, OfAFileThatDoesNotExistLeadsNowhere) {
-  OnMainLoop([] {
-    const std::string path = file_location("/usr/share/orvex-conformance/nowhere");
-    EXPECT_FALSE(path.empty());
-    EXPECT_FALSE(std::ifstream(path).is_open()) << path;
-  });
+  const std::string path = file_location("/usr/share/orvex-conformance/nowhere");
+  EXPECT_FALSE(path.empty());
+  EXPECT_FALSE(std::ifstream(path).is_open()) << path;
 }
 
 }  // namespace

@@ -5,7 +5,7 @@
 namespace orvex::conformance {
 namespace {
 
-constexpr const char* kKey = "db/conformance/watched";
+constexpr const char* kWatchedKey = "db/conformance/watched";
 // In which a notification that is under way would have come.
 constexpr double kQuietMs = 200.0;
 
@@ -40,14 +40,14 @@ protected:
     other.port = &Port();
   }
   ~SettingsNotification() override {
-    settings_unsubscribe(kKey, &OnChange);
-    settings_unsubscribe(kKey, &OnChangeForTheOther);
+    settings_unsubscribe(kWatchedKey, &OnChange);
+    settings_unsubscribe(kWatchedKey, &OnChangeForTheOther);
   }
 
-  void Subscribe() { EXPECT_EQ(settings_subscribe(kKey, &OnChange, &subscriber), 0); }
-  void SubscribeTheOther() { EXPECT_EQ(settings_subscribe(kKey, &OnChangeForTheOther, &other), 0); }
+  void Subscribe() { EXPECT_EQ(settings_subscribe(kWatchedKey, &OnChange, &subscriber), 0); }
+  void SubscribeTheOther() { EXPECT_EQ(settings_subscribe(kWatchedKey, &OnChangeForTheOther, &other), 0); }
   std::function<void()> Put(int value) {
-    return [this, value] { Port().PutSetting(kKey, value); };
+    return [this, value] { Port().PutSetting(kWatchedKey, value); };
   }
   std::function<bool()> Told(int times) {
     return [this, times] { return subscriber.notifications >= times; };
@@ -61,9 +61,9 @@ TEST_F(SettingsNotification, ComesOnTheMainLoopWithTheKeyAfterTheWrite) {
   ORVEX_NEEDS(kPutSetting);
   const std::string mainLoop = Port().CurrentThread();
   int value = 0;
-  subscriber.onChange = [&] { settings_get_int(kKey, &value); };
+  subscriber.onChange = [&] { settings_get_int(kWatchedKey, &value); };
   application.Do([&] { Subscribe(); }).Do(Put(5)).Until("the notification", Told(1)).Run();
-  EXPECT_EQ(subscriber.name, kKey);
+  EXPECT_EQ(subscriber.name, kWatchedKey);
   EXPECT_EQ(subscriber.thread, mainLoop);
   EXPECT_EQ(value, 5);
 }
@@ -85,7 +85,7 @@ TEST_F(SettingsNotification, DoesNotComeInsideTheSubscription) {
   subscriber.onChange = [&] { EXPECT_TRUE(hasReturned); };
   application
       .Do([&] {
-        Port().PutSetting(kKey, 5);
+        Port().PutSetting(kWatchedKey, 5);
         Subscribe();
         hasReturned = true;
         EXPECT_EQ(subscriber.notifications, 0);
@@ -117,14 +117,14 @@ TEST_F(SettingsNotification, NeedsNoneOfTheKeysText) {
   ORVEX_NEEDS(kPutSetting);
   application
       .Do([&] {
-        std::string key = kKey;
+        std::string key = kWatchedKey;
         EXPECT_EQ(settings_subscribe(key.c_str(), &OnChange, &subscriber), 0);
         key.assign(key.size(), 'x');
       })
       .Do(Put(5))
       .Until("the notification", Told(1))
       .Run();
-  EXPECT_EQ(subscriber.name, kKey);
+  EXPECT_EQ(subscriber.name, kWatchedKey);
 }
 
 TEST_F(SettingsNotification, ComesToTwoSubscribersOfAKey) {
@@ -144,23 +144,23 @@ TEST_F(SettingsNotification, IsSubscribedOnceForOneKeyAndCallback) {
   application
       .Do([&] {
         Subscribe();
-        EXPECT_EQ(settings_subscribe(kKey, &OnChange, &other), -1);
+        EXPECT_EQ(settings_subscribe(kWatchedKey, &OnChange, &other), -1);
       })
       .Do(Put(5))
       .Until("the notification", Told(1))
       .After(kQuietMs)
       .Run();
   EXPECT_EQ(other.notifications, 0);
-  EXPECT_EQ(settings_unsubscribe(kKey, &OnChange), 0);
-  EXPECT_EQ(settings_unsubscribe(kKey, &OnChange), -1);
+  EXPECT_EQ(settings_unsubscribe(kWatchedKey, &OnChange), 0);
+  EXPECT_EQ(settings_unsubscribe(kWatchedKey, &OnChange), -1);
 }
 
 TEST_F(SettingsNotification, IsUnsubscribedByKeyAndCallback) {
   OnMainLoop([&] {
     Subscribe();
-    EXPECT_EQ(settings_unsubscribe(kKey, &OnChangeForTheOther), -1);
+    EXPECT_EQ(settings_unsubscribe(kWatchedKey, &OnChangeForTheOther), -1);
     EXPECT_EQ(settings_unsubscribe("db/conformance/watched2", &OnChange), -1);
-    EXPECT_EQ(settings_unsubscribe(kKey, &OnChange), 0);
+    EXPECT_EQ(settings_unsubscribe(kWatchedKey, &OnChange), 0);
   });
 }
 
@@ -172,8 +172,8 @@ TEST_F(SettingsNotification, DoesNotComeAfterTheUnsubscriptionThoughItWasUnderWa
         SubscribeTheOther();
       })
       .Do([&] {
-        Port().PutSetting(kKey, 5);
-        EXPECT_EQ(settings_unsubscribe(kKey, &OnChange), 0);
+        Port().PutSetting(kWatchedKey, 5);
+        EXPECT_EQ(settings_unsubscribe(kWatchedKey, &OnChange), 0);
       })
       .Until("the other's notification", [&] { return other.notifications > 0; })
       .After(kQuietMs)
@@ -183,7 +183,7 @@ TEST_F(SettingsNotification, DoesNotComeAfterTheUnsubscriptionThoughItWasUnderWa
 
 TEST_F(SettingsNotification, MayBeUnsubscribedByItsOwnCallback) {
   ORVEX_NEEDS(kPutSetting);
-  subscriber.onChange = [] { EXPECT_EQ(settings_unsubscribe(kKey, &OnChange), 0); };
+  subscriber.onChange = [] { EXPECT_EQ(settings_unsubscribe(kWatchedKey, &OnChange), 0); };
   application.Do([&] { Subscribe(); })
       .Do(Put(5))
       .Until("the notification", Told(1))
@@ -197,8 +197,8 @@ TEST_F(SettingsNotification, MayBeUnsubscribedByItsOwnCallback) {
 
 TEST_F(SettingsNotification, DoesNotComeToOneWhomAnotherCallbackHasUnsubscribed) {
   ORVEX_NEEDS(kPutSetting);
-  subscriber.onChange = [] { settings_unsubscribe(kKey, &OnChangeForTheOther); };
-  other.onChange = [] { settings_unsubscribe(kKey, &OnChange); };
+  subscriber.onChange = [] { settings_unsubscribe(kWatchedKey, &OnChangeForTheOther); };
+  other.onChange = [] { settings_unsubscribe(kWatchedKey, &OnChange); };
   application
       .Do([&] {
         Subscribe();

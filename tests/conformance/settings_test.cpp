@@ -32,33 +32,29 @@ TEST_F(Settings, AreReadAsTheyWereWrittenLast) {
   }
 }
 
-TEST_F(Settings, AreReadOnAnyThread) {
+TEST_F(Settings, AreReadOnAnyThreadBeforeTheMainLoopAndInIt) {
   ORVEX_NEEDS(kPutSetting);
   Port().PutSetting(kKey, 12);
-  OnMainLoop([] {
-    ExpectRead(12);
-    Thread([] { ExpectRead(12); }).Join();
-  });
+  Thread([] { ExpectRead(12); }).Join();
+  OnMainLoop([] { ExpectRead(12); });
 }
 
 TEST_F(Settings, ThatDoNotExistAreAFailedRead) {
-  OnMainLoop([] {
-    int value = kUntouched;
-    EXPECT_EQ(settings_get_int("db/conformance/nowhere", &value), -1);
-    EXPECT_EQ(value, kUntouched);
-  });
+  int value = kUntouched;
+  EXPECT_EQ(settings_get_int("db/conformance/nowhere", &value), -1);
+  EXPECT_EQ(value, kUntouched);
 }
 
 TEST_F(Settings, ThatAreNoIntegerAreAFailedRead) {
   ORVEX_NEEDS(kSpoilSetting);
   Port().SpoilSetting(kKey);
-  OnMainLoop([] { ExpectFailure(-2); });
+  ExpectFailure(-2);
 }
 
 TEST_F(Settings, OfAStoreThatCannotBeReadAreAFailedRead) {
   ORVEX_NEEDS(kBreakSettings);
   Port().Break(Ability::kBreakSettings);
-  OnMainLoop([] { ExpectFailure(-3); });
+  ExpectFailure(-3);
 }
 
 }  // namespace

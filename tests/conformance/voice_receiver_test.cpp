@@ -125,7 +125,7 @@ TEST_F(VoiceReceiver, HearsNothingAfterItWasUnregisteredWhileTheNextOneDoes) {
 // The callback waits until the unregister call has begun, and then for a while for its return, which must not come.
 TEST_F(VoiceReceiver, IsUnregisteredOnlyWhenItsCallbackHasReturned) {
   constexpr int kLooks = 100;
-  constexpr useconds_t kLookEveryUs = 1000;
+  constexpr useconds_t kBetweenLooksUs = 1000;
   std::atomic<bool> isInCallback{false};
   std::atomic<bool> isUnregistering{false};
   std::atomic<bool> isUnregistered{false};
@@ -133,7 +133,7 @@ TEST_F(VoiceReceiver, IsUnregisteredOnlyWhenItsCallbackHasReturned) {
     isInCallback = true;
     WaitUntil([&] { return isUnregistering.load(); });
     for (int look = 0; look < kLooks && !isUnregistered; ++look) {
-      usleep(kLookEveryUs);
+      usleep(kBetweenLooksUs);
     }
     isInCallback = false;
   };
