@@ -1,5 +1,5 @@
 // Threads, pauses and the wall clock in virtual time. The linker leads the service's calls here (--wrap); without a
-// world they go on to the system.
+// world, and on threads that are none of its own, they go on to the system.
 #include <pthread.h>
 #include <sys/time.h>
 #include <unistd.h>
@@ -12,6 +12,14 @@ using orvex::world::Time;
 using orvex::world::VirtualThread;
 using orvex::world::World;
 
+namespace {
+
+World* WorldOfThisThread() {
+  return orvex::world::Scheduler::RunsThisThread() ? World::CurrentOrNull() : nullptr;
+}
+
+}  // namespace
+
 // NOLINTBEGIN(bugprone-reserved-identifier): the linker fixes these names.
 extern "C" {
 
@@ -22,7 +30,7 @@ unsigned int __real_sleep(unsigned int seconds);
 int __real_gettimeofday(timeval* time, void* zone);
 
 int __wrap_pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*body)(void*), void* data) {
-  World* world = World::CurrentOrNull();
+  World* world = WorldOfThisThread();
   if (world == nullptr) {
     return __real_pthread_create(thread, attributes, body, data);
   }
@@ -36,7 +44,7 @@ int __wrap_pthread_create(pthread_t* thread, const pthread_attr_t* attributes, v
 }
 
 int __wrap_pthread_join(pthread_t thread, void** result) {
-  World* world = World::CurrentOrNull();
+  World* world = WorldOfThisThread();
   if (world == nullptr) {
     return __real_pthread_join(thread, result);
   }
@@ -46,7 +54,7 @@ int __wrap_pthread_join(pthread_t thread, void** result) {
 }
 
 int __wrap_usleep(useconds_t microseconds) {
-  World* world = World::CurrentOrNull();
+  World* world = WorldOfThisThread();
   if (world == nullptr) {
     return __real_usleep(microseconds);
   }
@@ -56,7 +64,7 @@ int __wrap_usleep(useconds_t microseconds) {
 }
 
 unsigned int __wrap_sleep(unsigned int seconds) {
-  World* world = World::CurrentOrNull();
+  World* world = WorldOfThisThread();
   if (world == nullptr) {
     return __real_sleep(seconds);
   }
@@ -66,7 +74,7 @@ unsigned int __wrap_sleep(unsigned int seconds) {
 }
 
 int __wrap_gettimeofday(timeval* time, void* zone) {
-  World* world = World::CurrentOrNull();
+  World* world = WorldOfThisThread();
   if (world == nullptr) {
     return __real_gettimeofday(time, zone);
   }

@@ -5,8 +5,23 @@
 
 namespace orvex::world {
 
+namespace {
+
+thread_local bool takesTurns = false;
+
+}  // namespace
+
+Scheduler::Scheduler() {
+  takesTurns = true;
+}
+
 Scheduler::~Scheduler() {
   UnwindAll();
+  takesTurns = false;
+}
+
+bool Scheduler::RunsThisThread() {
+  return takesTurns;
 }
 
 Scheduler::Id Scheduler::At(Time when, Lane lane, std::function<void()> action) {
@@ -80,6 +95,7 @@ VirtualThread* Scheduler::Spawn(const std::string& name, std::function<void()> b
 }
 
 void Scheduler::RunThread(VirtualThread& thread) {
+  takesTurns = true;
   {
     std::unique_lock<std::mutex> lock(m_Turn);
     thread.wake.wait(lock, [&thread] { return thread.hasTurn; });

@@ -36,11 +36,14 @@ class Scheduler {
 public:
   using Id = std::pair<Time, std::uint64_t>;
 
-  Scheduler() = default;
+  Scheduler();
   // Threads that still wait are unwound.
   ~Scheduler();
   Scheduler(const Scheduler&) = delete;
   Scheduler& operator=(const Scheduler&) = delete;
+
+  // Is the calling thread one of a scheduler's? Others, such as a watcher of the test program, live in real time.
+  static bool RunsThisThread();
 
   Time Now() const { return m_Now; }
   // Name of the thread that runs: "main", or what Spawn() or RunAs() was told.
