@@ -55,6 +55,8 @@ public:
   void Deliver(const std::uint8_t* bytes, std::uint16_t byteCount);
 
   const OrvexReceiver& GetReceiver() const { return m_Receiver; }
+  // For one who stops and starts it, too. What it does outside of Deliver() is not listened to.
+  OrvexReceiver& GetReceiver() { return m_Receiver; }
   double GetDifferenceS() { return m_Receiver.GetAudioTimeDifference(); }
 
 private:
