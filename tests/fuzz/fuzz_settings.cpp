@@ -1,0 +1,180 @@
+// The texts of a virtual television, read by the parsers of its files. The first line's first letter says which file it
+// is: "room", "faults", "number" (the next line holds name and text), "writes" (writers of one settings key).
+#include <unistd.h>
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+
+#include "byte_reader.h"
+#include "fault_table.h"
+#include "key_state.h"
+#include "orvex/sim/room.h"
+#include "orvex/sim/room_json.h"
+#include "require.h"
+#include "television.h"
+#include "television_files.h"
+#include "television_values.h"
+
+namespace {
+
+using namespace orvex::fuzz;
+using namespace orvex;
+
+// A television's directory for as long as the process lives.
+class Folder {
+public:
+  Folder() {
+    char name[] = "/tmp/orvex_fuzz_XXXXXX";
+    Require(mkdtemp(name) != nullptr, "a directory in /tmp");
+    m_Path = name;
+    host::Television(m_Path).Create();
+  }
+  ~Folder() { std::filesystem::remove_all(m_Path); }
+  Folder(const Folder&) = delete;
+  Folder& operator=(const Folder&) = delete;
+  const std::filesystem::path& Path() const { return m_Path; }
+
+private:
+  std::filesystem::path m_Path;
+};
+
+const std::filesystem::path& Directory() {
+  static const Folder folder;
+  return folder.Path();
+}
+
+// Rooms whose tails take long to compute are not heard.
+void HearRoom(const sim::RoomConfig& config) {
+  if (config.tv.rt60S > 0.3 || config.optical.rt60S > 0.3 || !config.noiseFile.empty()) {
+    return;
+  }
+  sim::Room room(config);
+  room.StartRecording(sim::Time(0));
+  const std::vector<std::int16_t> burst(2 * 960, 20000);
+  room.Play(sim::Time(0), burst.data(), 960);
+  std::vector<std::int16_t> heard(768);
+  room.Record(heard.data(), heard.size());
+}
+
+void ReadRoom(const std::string& text) {
+  try {
+    const sim::RoomConfig room = sim::ParseRoom(text, "room.json");
+    sim::CheckRoom(room, "room.json");
+    Require(sim::ParseRoom(sim::RoomToJson(room), "room.json") == room, "the room read back is the room written");
+    Require(std::isfinite(sim::ActualMicrophoneRateHz(room)), "a room has a microphone");
+    HearRoom(room);
+  } catch (const sim::RoomError& error) {
+    Require(std::string(error.what()).rfind("room.json: ", 0) == 0, "an error names the file");
+  }
+}
+
+void ReadFaults(const std::string& text) {
+  try {
+    const host::FaultTable table = host::ParseFaults(text);
+    Require(text.find('\0') == std::string::npos, "a text that is no JSON is refused");
+    for (const auto& [name, answer] : table.answers) {
+      Require(!answer.always || (answer.calls.size() == 1 && answer.calls.front().has_value()), "one answer for ever");
+    }
+    for (const auto& [name, frames] : table.frames) {
+      Require(std::is_sorted(frames.begin(), frames.end()), "frames are in order");
+    }
+  } catch (const std::runtime_error& error) {
+    Require(std::string(error.what()).find("expected") != std::string::npos, "an error says what was expected");
+  }
+}
+
+void WriteValue(const std::string& name, const std::string& text) {
+  const std::vector<host::TelevisionValue>& known = host::TelevisionValues();
+  const bool isKnown = std::any_of(known.begin(), known.end(), [&](const auto& value) { return value.name == name; });
+  const host::Television television(isKnown ? Directory() : Directory() / "others");
+  const std::optional<host::TelevisionValue> value = host::DescribeTelevisionValue(name);
+  Require(!value.has_value() || television.PathOf(name).lexically_normal() == television.PathOf(name),
+          "a value lies within its directory");
+  try {
+    television.Set(name, text);
+    Require(value.has_value(), "only values can be set");
+    const std::string written = television.Get(name);
+    Require(written == host::TrimTelevisionText(text), "the text read back is the text written");
+    if (!value->isText) {
+      const std::int64_t number = television.GetNumber(name);
+      Require(number >= value->minimum && number <= value->maximum, "a number lies in its range");
+      Require(host::ParseTelevisionNumber(std::to_string(number), value->minimum, value->maximum) == number,
+              "the number read back is the number written");
+    }
+  } catch (const host::TelevisionError& error) {
+    Require(*error.what() != '\0', "an error has a text");
+  }
+  if (!isKnown) {
+    std::filesystem::remove_all(television.GetDirectory());
+  }
+}
+
+// Writers of one key, as the settings store sees them: 'r' by rename, 'o' into the file, 'd' deletes it; 'c' and 'l'
+// look as at a creation and at a closing.
+void WatchKey(ByteReader& input) {
+  const std::filesystem::path file = Directory() / "settings/key";
+  std::filesystem::remove(file);
+  host::KeyState state(file);
+  bool isWritten = false;
+  while (!input.IsAtEnd()) {
+    switch (input.Letter()) {
+      case 'r':
+        host::ReplaceFile(file, std::to_string(input.Byte()));
+        isWritten = true;
+        break;
+      case 'o': {
+        const std::vector<std::uint8_t> bytes = input.Bytes(static_cast<std::size_t>(input.Byte()));
+        std::ofstream(file, std::ios::binary)
+            .write(reinterpret_cast<const char*>(bytes.data()), std::streamsize(bytes.size()));
+        isWritten = true;
+        break;
+      }
+      case 'd':
+        std::filesystem::remove(file);
+        break;
+      case 'c': {
+        const bool isChanged = state.TakeChange();
+        Require(!isChanged || isWritten, "only a write is a change");
+        Require(!state.TakeChange(), "a write counts once");
+        isWritten = isWritten && !isChanged;
+        break;
+      }
+      case 'l':
+        static_cast<void>(state.TakeClosing());
+        Require(!state.TakeChange(), "a write that was closed has counted");
+        isWritten = false;
+        break;
+      default:
+        break;
+    }
+  }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  ByteReader input(data, size);
+  const std::string kind = input.Line();
+  switch (kind.empty() ? '\0' : kind.front()) {
+    case 'r':
+      ReadRoom(input.Rest());
+      break;
+    case 'f':
+      ReadFaults(input.Rest());
+      break;
+    case 'n': {
+      const std::string name = input.Line();
+      WriteValue(name, input.Rest());
+      break;
+    }
+    case 'w':
+      WatchKey(input);
+      break;
+    default:
+      break;
+  }
+  return 0;
+}
