@@ -21,7 +21,7 @@ bool Exists(const std::string& path) {
 }  // namespace
 
 std::string file_location(const std::string& fixedPath) {
-  const std::string onTelevision = orvex::host::Television::Instance().GetDirectory().string() + fixedPath;
+  std::string onTelevision = orvex::host::Television::Instance().GetDirectory().string() + fixedPath;
   if (Exists(onTelevision)) {
     return onTelevision;
   }

@@ -40,7 +40,7 @@ TelevisionValue Describe(const std::string& name) {
 
 // The text as it is stored, or an error that names `origin`.
 std::string Check(const TelevisionValue& value, const std::string& text, const std::string& origin) {
-  const std::string trimmed = TrimTelevisionText(text);
+  std::string trimmed = TrimTelevisionText(text);
   const bool good = value.isText ? trimmed.find('\n') == std::string::npos && text.size() <= kMaximumValueBytes
                                  : ParseTelevisionNumber(trimmed, value.minimum, value.maximum).has_value();
   if (!good) {

@@ -112,6 +112,7 @@ std::vector<std::string> EnvironmentFor(const std::filesystem::path& television)
 
 std::vector<char*> Pointers(std::vector<std::string>& texts) {
   std::vector<char*> pointers;
+  pointers.reserve(texts.size() + 1);
   for (std::string& text : texts) {
     pointers.push_back(text.data());
   }

@@ -11,7 +11,7 @@ namespace orvex::tools {
 std::string ReadTextFile(const std::string& path) {
   constexpr std::size_t kLargest = 1u << 20;
   try {
-    const std::string text = host::ReadSmallFile(path, kLargest);
+    std::string text = host::ReadSmallFile(path, kLargest);
     if (text.size() > kLargest) {
       throw UsageError(path + ": too large, expected at most " + std::to_string(kLargest) + " bytes");
     }
