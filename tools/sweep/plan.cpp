@@ -86,6 +86,8 @@ Trial MakeTrial(const RoomValues& values, std::uint64_t seed) {
   trial.startMs = values[axis::kStartMs];
   sim::RoomConfig& room = trial.room;
   room.tv.distanceM = room.optical.distanceM = 0.0;
+  room.tv.reflections.clear();  // all that is not direct is in the tail, at the ratio that the axis says
+  room.optical.reflections.clear();
   room.tv.latencyMs = values[axis::kWayMs] + std::max(-values[axis::kDifferenceMs], 0.0);
   room.optical.latencyMs = values[axis::kWayMs] + std::max(values[axis::kDifferenceMs], 0.0);
   room.tv.gainDb = kReferenceGainDb + values[axis::kTvGainDb];

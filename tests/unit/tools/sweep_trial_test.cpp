@@ -1,0 +1,154 @@
+// Runs in virtual time: what they find, when they end, and how the noise is set.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <numeric>
+#include <sstream>
+
+#include "orvex/sim/room.h"
+#include "orvex/sim/voice_channel.h"
+#include "plan.h"
+#include "receiver_rig.h"
+#include "report.h"
+#include "sweep.h"
+#include "testsound/generator.h"
+
+namespace orvex::tools {
+namespace {
+
+using Given = std::map<axis::Axis, std::string>;
+
+RoomResult RunOne(const Given& given) {
+  return RunRoom(Plan(given, 1), 0, 0);
+}
+
+TEST(SweepTrial, FindsTheDifferenceOfABareQuietRoomWithinOneBuffer) {
+  for (const char* difference : {"-280", "-101.3", "-35", "35", "101.3", "280"}) {
+    const RoomResult result = RunOne({{axis::kDifferenceMs, difference}, {axis::kToneDb, "80"}, {axis::kRt60S, "0"}});
+    ASSERT_TRUE(result.found) << difference;
+    EXPECT_LT(std::abs(result.errorMs), kBufferMs) << difference;
+    EXPECT_NEAR(-result.errorMs, result.remainingMs, 1.0) << difference;
+  }
+}
+
+TEST(SweepTrial, IsDecidedByTheSecondBurstOfTheFirstPair) {
+  const RoomResult result =
+      RunOne({{axis::kDifferenceMs, "200"}, {axis::kToneDb, "80"}, {axis::kWayMs, "50"}, {axis::kStartMs, "10"}});
+  const double heardMs = 35 * kBufferMs + 30.0 + 10.0 + 200.0 + 50.0 + 200.0;
+  EXPECT_GT(result.decidedMs, heardMs + 30.0);
+  EXPECT_LT(result.decidedMs, heardMs + 30.0 + 2.0 * kBufferMs);
+}
+
+TEST(SweepTrial, EndsWhenTheLastFrameIsWrittenAFullDeviceBufferBeforeTheSoundIsOver) {
+  const RoomResult result = RunOne({{axis::kSilent, "yes"}, {axis::kStartMs, "10"}});
+  EXPECT_FALSE(result.found);
+  EXPECT_NEAR(35 * kBufferMs + 30.0 + 10.0 + SoundDesign{}.DurationMs() - 102.4, result.endedMs, 0.1);
+  EXPECT_EQ(result.endedMs, result.decidedMs);
+}
+
+TEST(SweepTrial, LosesAToneThatTheEndOfThePlaybackCutsOff) {
+  const Given lastChance = {{axis::kDifferenceMs, "200"}, {axis::kPairs, "1"}, {axis::kToneDb, "80"}};
+  Given cut = lastChance;
+  cut[axis::kTailMs] = "300";
+  EXPECT_TRUE(RunOne(lastChance).found);
+  EXPECT_FALSE(RunOne(cut).found);
+}
+
+TEST(SweepTrial, ToleratesOneMissedToneInAnyPair) {
+  for (const char* missed : {"-4", "-3", "-2", "-1", "1", "2", "3", "4"}) {
+    const RoomResult result = RunOne({{axis::kMissedTone, missed}, {axis::kDifferenceMs, "-120"}});
+    EXPECT_TRUE(result.found) << missed;
+    EXPECT_FALSE(result.isFalse) << missed;
+  }
+  EXPECT_FALSE(RunOne({{axis::kMissedTone, "1"}, {axis::kPairs, "2"}}).found);
+}
+
+TEST(SweepTrial, CallsEveryResultFalseWhenTheTestSoundIsNotHeard) {
+  const Given given = {{axis::kDisturbance, "both-bursts"}, {axis::kSilent, "yes"}, {axis::kToneDb, "70"}};
+  const RoomResult result = RunOne(given);
+  EXPECT_TRUE(result.found);
+  EXPECT_TRUE(result.isFalse);
+}
+
+class Levels : public ReceiverListener {
+public:
+  void OnBlock(std::int32_t /*buffer*/, const BlockLevels& levels) override { blocks.push_back(levels); }
+  std::vector<BlockLevels> blocks;
+};
+
+// Levels of the blocks of a room in which both tones sound without end from 1 s on, one after the other.
+std::vector<BlockLevels> Listen(const RoomValues& values, std::uint64_t seed) {
+  sim::Room room(MakeTrial(values, seed).room);
+  SoundDesign endless;
+  endless.leadInMs = endless.tailMs = endless.rampMs = 0.0;
+  endless.pairs = 1;
+  endless.burstMs = 400.0;
+  const std::vector<std::int16_t> sound = GenerateSound(endless);
+  room.Play(std::chrono::seconds(1), sound.data(), sound.size() / 2);
+  Levels levels;
+  ReceiverRig rig(levels);
+  sim::VoiceChannel voice(room);
+  voice.Start(sim::Time(0));
+  for (int block = 0; block < 80; ++block) {
+    sim::VoiceChannel::Block samples;
+    EXPECT_TRUE(voice.TakeBlock(samples));
+    std::vector<std::uint8_t> bytes;
+    for (const std::int16_t sample : samples) {
+      bytes.push_back(static_cast<std::uint8_t>(static_cast<std::uint16_t>(sample) & 0xFFU));
+      bytes.push_back(static_cast<std::uint8_t>(static_cast<std::uint16_t>(sample) >> 8U));
+    }
+    rig.Deliver(bytes.data(), static_cast<std::uint16_t>(bytes.size()));
+  }
+  return levels.blocks;
+}
+
+constexpr std::size_t kFullBlock = 74;  // of those analysed; a good second after the tones have begun
+
+TEST(SweepNoise, LiesBelowAFullBlockOfTheToneByTheAxisValue) {
+  constexpr int kRooms = 12;
+  RoomValues values = Plan({{axis::kToneDb, "46"}, {axis::kRt60S, "0"}, {axis::kDifferenceMs, "0"}}, 1).Draw(0, 0);
+  double toneOverAmbientDb = 0.0;
+  for (std::uint64_t seed = 1; seed <= kRooms; ++seed) {
+    const BlockLevels levels = Listen(values, seed)[kFullBlock];
+    toneOverAmbientDb += 20.0 * std::log10(levels.at17000 / levels.ambient17000) / (2 * kRooms);
+    toneOverAmbientDb += 20.0 * std::log10(levels.at19000 / levels.ambient19000) / (2 * kRooms);
+  }
+  EXPECT_NEAR(46.0, toneOverAmbientDb, 0.5);
+}
+
+TEST(SweepNoise, LeavesBothTonesEquallyStrong) {
+  RoomValues values = Plan({{axis::kToneDb, "90"}, {axis::kRt60S, "0"}, {axis::kDifferenceMs, "0"}}, 1).Draw(0, 0);
+  const BlockLevels levels = Listen(values, 1)[kFullBlock];
+  EXPECT_NEAR(0.0, 20.0 * std::log10(levels.at17000 / levels.at19000), 0.1);
+}
+
+TEST(Sweep, GivesTheSameTableAndFileWhateverTheNumberOfJobs) {
+  const Plan plan({{axis::kToneDb, "46,38"}, {axis::kLossPercent, "0:10"}, {axis::kDisturbance, "none,keys"}}, 5);
+  const auto report = [&](unsigned jobs) {
+    SweepOptions options;
+    options.rooms = 6;
+    options.jobs = jobs;
+    const SweepResult result = RunSweep(plan, options);
+    std::ostringstream text;
+    WriteTable(text, plan, result);
+    WriteCsv(text, plan, result);
+    return text.str();
+  };
+  const std::string one = report(1);
+  EXPECT_EQ(one, report(3));
+  EXPECT_EQ(4 + 1 + 4 * 6 + 1, std::count(one.begin(), one.end(), '\n'));
+}
+
+TEST(Sweep, TellsWhyADesignCannotBeMade) {
+  const Plan plan({{axis::kRampMs, "10"}}, 1);
+  SweepOptions options;
+  options.rooms = 1;
+  EXPECT_THROW(RunSweep(plan, options), std::invalid_argument);
+}
+
+TEST(Sweep, NeedsRecordingsForTheDisturbanceOfThatName) {
+  EXPECT_THROW(RunOne({{axis::kDisturbance, "recording"}}), std::invalid_argument);
+}
+
+}  // namespace
+}  // namespace orvex::tools
