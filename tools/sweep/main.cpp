@@ -10,6 +10,7 @@
 #include <thread>
 
 #include "plan.h"
+#include "plot.h"
 #include "progress.h"
 #include "report.h"
 #include "sweep.h"
@@ -41,6 +42,7 @@ struct Arguments {
   std::uint64_t seed = 1;
   std::vector<std::string> recordings;
   std::string csv;
+  std::string plot;
 };
 
 void DefineArguments(CLI::App& app, Arguments& arguments) {
@@ -64,6 +66,8 @@ void DefineArguments(CLI::App& app, Arguments& arguments) {
   app.add_option("--recording", arguments.recordings, "WAV files of one channel, for --disturbance recording")
       ->type_name("FILE");
   app.add_option("--csv", arguments.csv, "write one line per room to FILE")->type_name("FILE");
+  app.add_option("--plot", arguments.plot, "draw figures into FILE, an SVG or PNG by its ending; needs gnuplot")
+      ->type_name("FILE");
 }
 
 void WriteCsvFile(const std::string& path, const Plan& plan, const SweepResult& result) {
@@ -76,6 +80,9 @@ void WriteCsvFile(const std::string& path, const Plan& plan, const SweepResult& 
 }
 
 int Sweep(Arguments& arguments) {
+  if (!arguments.plot.empty()) {
+    CheckFigures(arguments.plot);
+  }
   for (const std::string& file : arguments.recordings) {
     arguments.options.recordings.push_back(ReadSound(file));
   }
@@ -86,6 +93,9 @@ int Sweep(Arguments& arguments) {
   WriteTable(std::cout, plan, result);
   if (!arguments.csv.empty()) {
     WriteCsvFile(arguments.csv, plan, result);
+  }
+  if (!arguments.plot.empty()) {
+    DrawFigures(arguments.plot, plan, result);
   }
   std::cerr << "orvex-sweep: " << result.recordedS << " s of recordings in " << progress.ElapsedS() << " s, "
             << result.recordedS * CLOCKS_PER_SEC / static_cast<double>(std::clock()) << " times real time per core\n";
