@@ -66,6 +66,8 @@ class TerminationSignal : public PortTest, public testing::WithParamInterface<in
 
 TEST_P(TerminationSignal, EndsTheMainLoopWithTheDestroyStep) {
   ORVEX_NEEDS(kSendTerminationSignal);
+  const FwEvent late(1, application.GetEventReceiver());
+  application.onDestroy = [&] { EXPECT_FALSE(SendEvent(late)) << "as after ui_app_exit()"; };
   application.Do([&] { Port().SendTerminationSignal(GetParam()); }).UntilTheEnd().Run();
   EXPECT_THAT(application.calls, ElementsAre("create", "destroy"));
 }
