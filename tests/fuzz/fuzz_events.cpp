@@ -66,7 +66,7 @@ private:
     m_Run.world.muted = (bits & 1) != 0;
     m_Run.world.speaker = bits >> 1 & 1;
     m_Run.world.delayMs = (bits & 4) != 0 ? 100 : 10;
-    m_Run.world.settings["db/menu/tessar/homedatacontrol/defaultdisclaimeragree"] = bits >> 3 & 1;
+    m_Run.world.settings[kConsentKey] = bits >> 3 & 1;
     m_Run.world.volume = bits >> 4;
   }
   void Obey(char order) {

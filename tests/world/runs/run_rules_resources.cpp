@@ -8,8 +8,6 @@ namespace orvex::runs {
 
 namespace {
 
-constexpr char kConsentKey[] = "db/menu/tessar/homedatacontrol/defaultdisclaimeragree";
-
 // The last entry that reads `text`, or none.
 const world::Entry* Last(const ServiceRun& run, const std::string& text) {
   const auto& entries = run.world.journal.Entries();

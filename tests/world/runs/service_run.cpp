@@ -15,9 +15,6 @@ namespace orvex::runs {
 
 namespace {
 
-constexpr char kOpticalFlagKey[] = "db/device-detector-service/optical_change_flag";
-constexpr char kConsentKey[] = "db/menu/tessar/homedatacontrol/defaultdisclaimeragree";
-
 void DeleteDebugFiles(const world::Journal& journal) {
   static const TextPattern kNames("E0 Temp file name=[{s}][{s}]");
   for (const world::Entry& entry : journal.Entries()) {

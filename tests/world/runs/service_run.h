@@ -10,6 +10,9 @@
 
 namespace orvex::runs {
 
+constexpr char kOpticalFlagKey[] = "db/device-detector-service/optical_change_flag";
+constexpr char kConsentKey[] = "db/menu/tessar/homedatacontrol/defaultdisclaimeragree";
+
 // A warm process has made the service's process-wide objects already, outside of any world, so that every run of a test
 // program begins alike.
 enum class Process { kWarm, kFresh };
