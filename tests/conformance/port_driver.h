@@ -16,17 +16,17 @@
 
 namespace orvex::conformance {
 
-// Each one stands for the operation of PortDriver that has its name.
+// Each one stands for the operation of PortDriver that has its name, unless it names others.
 enum class Ability {
   kPlaceFile,
-  kReadLog,
+  kReadLog,  // LogRecords()
   kPutSetting,
   kSpoilSetting,
   kSendTerminationSignal,
-  kSendMessage,
+  kSendMessage,  // and Replies()
   kSelectSpeaker,
   kPutTvState,
-  kReadEventRecords,
+  kReadEventRecords,  // EventRecords()
   kShortenVoiceWindow,
   kLoseVoiceBlocks,
   kRefuseVoiceStart,
