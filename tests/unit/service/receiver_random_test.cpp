@@ -161,6 +161,6 @@ TEST_P(RandomRecordings, AreHeardAsTheModelHearsThem) {
   EXPECT_GT(abnormal, 10);
 }
 
-INSTANTIATE_TEST_SUITE_P(Seeds, RandomRecordings, testing::Range(0U, 8U));
+INSTANTIATE_TEST_SUITE_P(Seeds, RandomRecordings, testing::Range(0U, ORVEX_RANDOM_SEEDS));
 
 }  // namespace
