@@ -3,7 +3,9 @@
 
 #include <sndfile.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <iterator>
@@ -40,6 +42,11 @@ std::vector<std::uint8_t> ReadBytes(const std::string& path) {
   return bytes;
 }
 
+// Full scale is 1.0.
+std::int16_t ToSixteenBits(double sample) {
+  return static_cast<std::int16_t>(std::lrint(std::clamp(sample * 32768.0, -32768.0, 32767.0)));
+}
+
 Recording ReadWave(const std::string& path) {
   SF_INFO info{};
   const std::unique_ptr<SNDFILE, SoundFileCloser> file(sf_open(path.c_str(), SFM_READ, &info));
@@ -54,10 +61,10 @@ Recording ReadWave(const std::string& path) {
     recording.warning = path + ": " + std::to_string(info.samplerate) + " Hz, taken as the remote's " +
                         std::to_string(static_cast<int>(OrvexReceiver::kSampleRateHz)) + " Hz";
   }
-  std::int16_t samples[OrvexReceiver::kBlockSamples];
-  for (sf_count_t count = 0; (count = sf_read_short(file.get(), samples, std::size(samples))) > 0;) {
+  double samples[4096];
+  for (sf_count_t count = 0; (count = sf_read_double(file.get(), samples, std::size(samples))) > 0;) {
     for (sf_count_t i = 0; i < count; ++i) {
-      const auto bits = static_cast<std::uint16_t>(samples[i]);
+      const auto bits = static_cast<std::uint16_t>(ToSixteenBits(samples[i]));
       recording.bytes.push_back(static_cast<std::uint8_t>(bits & 0xFFU));
       recording.bytes.push_back(static_cast<std::uint8_t>(bits >> 8U));
     }
