@@ -1,0 +1,36 @@
+// Recordings made block by block, and what the receiver reports about them.
+#pragma once
+
+#include <json/value.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "run_record.h"
+
+namespace orvex::tools {
+
+constexpr std::size_t kBlockBytes = 1536;
+
+// One character per block, all of them over the same faint noise:
+//   .  the noise alone        7 8  a 17 kHz tone, loud and 6 dB weaker     9 6  likewise 19 kHz
+//   x  17 kHz with a strong neighbour frequency                            y    likewise 19 kHz
+//   b  17 kHz and a weaker 19 kHz                                          0    digital silence
+std::vector<std::uint8_t> MakeRecording(const std::string& blocks);
+
+// The 35 buffers after which the receiver looks for tones.
+inline std::string Ambient() {
+  return std::string(35, '.');
+}
+
+// As orvex-replay does.
+void Feed(const std::vector<std::uint8_t>& bytes, ReceiverRig& rig);
+
+// The lines that orvex-replay prints for them.
+std::vector<Json::Value> ReplayLines(const std::vector<std::uint8_t>& bytes, bool trace = false, bool hearable = false);
+
+// What the receiver reported about them.
+RunRecord ReplayRecord(const std::vector<std::uint8_t>& bytes, bool hearable = false);
+
+}  // namespace orvex::tools
