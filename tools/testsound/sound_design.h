@@ -42,7 +42,7 @@ struct SoundDesign {
   int pairs = 4;
   double spacingMs = 640.0;  // from the start of one pair to the start of the next
   double burstMs = 18.0;     // ramps included
-  double rampMs = 4.0;       // raised-cosine rise, and the same fall
+  double rampMs = 2.5;       // raised-cosine rise, and the same fall
   double tailMs = 600.0;     // from the end of the last burst
   double levelDbfs = -6.0;   // peak of each channel
 

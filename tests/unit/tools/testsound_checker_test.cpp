@@ -44,10 +44,10 @@ TEST(CheckSound, NamesWhatADesignLacks) {
       {"lead-in 140.1 ms, expected at least 150 ms", [](SoundDesign& d) { d.leadInMs = 140.0; }},
       {"tail 500.1 ms, expected at least 515.9 ms", [](SoundDesign& d) { d.tailMs = 500.0; }},
       {"right channel: 2 bursts, expected 3 to 8", [](SoundDesign& d) { d.pairs = 2; }},
-      {"next burst after 600.0 ms, expected at least 611.3 ms", [](SoundDesign& d) { d.spacingMs = 600.0; }},
+      {"next burst after 600.0 ms, expected at least 611.4 ms", [](SoundDesign& d) { d.spacingMs = 600.0; }},
       {"peak -5.00 dBFS, expected -30 to -6 dBFS", [](SoundDesign& d) { d.levelDbfs = -5.0; }},
       {"of the tone below 15000 Hz, expected at most -60 dB", [](SoundDesign& d) { d.rampMs = 0.5; }},
-      {"burst of 34.8 ms, expected 5 to 30 ms", [](SoundDesign& d) { d.burstMs = 35.0; }},
+      {"burst of 34.9 ms, expected 5 to 30 ms", [](SoundDesign& d) { d.burstMs = 35.0; }},
       {"duration 7138.0 ms, expected at most 6000 ms", [](SoundDesign& d) { d.tailMs = 5000.0; }},
   };
   for (const DesignCase& unfit : cases) {
