@@ -7,6 +7,7 @@
 #include <stdexcept>
 
 #include "disturbance.h"
+#include "testsound/sound_design.h"
 
 namespace orvex::tools {
 namespace {
@@ -59,9 +60,17 @@ double ReadValue(const AxisKind& kind, const std::string& part, const std::strin
   return static_cast<double>(found - kind.names.begin());
 }
 
+// As a person would write it.
+std::string Text(double value) {
+  std::ostringstream text;
+  text << value;
+  return text.str();
+}
+
 }  // namespace
 
 const std::array<AxisKind, axis::kCount>& AxisKinds() {
+  const SoundDesign design;
   static const std::array<AxisKind, axis::kCount> kinds = {{
       {"difference-ms", "true difference: arrival of the optical output minus that of the speaker", "+-30:280", -2000,
        2000},
@@ -77,13 +86,13 @@ const std::array<AxisKind, axis::kCount>& AxisKinds() {
       {"voice-latency-ms", "from a block's last sample to its delivery", "30", 0, kLongMs},
       {"start-ms", "from the end of the ambient phase to the sound's first frame", "5:25", 0, kLongMs},
       {"lock-ms", "what the optical receiver loses at the start of the sound", "0", 0, kLongMs},
-      {"burst-ms", "test sound: length of a burst, ramps included", "18", 0.1, 1000},
-      {"ramp-ms", "test sound: rise, and fall, of a burst", "4", 0, 500},
-      {"pairs", "test sound: number of pairs", "4", 1, 50},
-      {"spacing-ms", "test sound: from the start of a pair to the next", "640", 1, 5000},
-      {"lead-in-ms", "test sound: silence before the first pair", "200", 0, 5000},
-      {"tail-ms", "test sound: silence after the last pair", "600", 0, 5000},
-      {"level-dbfs", "test sound: peak of each channel", "-6", -60, 0},
+      {"burst-ms", "test sound: length of a burst, ramps included", Text(design.burstMs), 0.1, 1000},
+      {"ramp-ms", "test sound: rise, and fall, of a burst", Text(design.rampMs), 0, 500},
+      {"pairs", "test sound: number of pairs", Text(design.pairs), 1, 50},
+      {"spacing-ms", "test sound: from the start of a pair to the next", Text(design.spacingMs), 1, 5000},
+      {"lead-in-ms", "test sound: silence before the first pair", Text(design.leadInMs), 0, 5000},
+      {"tail-ms", "test sound: silence after the last pair", Text(design.tailMs), 0, 5000},
+      {"level-dbfs", "test sound: peak of each channel", Text(design.levelDbfs), -60, 0},
       {"missed-tone", "test sound: N: pair N lacks its 17 kHz burst, -N: its 19 kHz burst, 0: none lacks", "0", -50,
        50},
       {"silent", "whether the test sound is not heard: every result is false then", "no", 0, 1, {"no", "yes"}},

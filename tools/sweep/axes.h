@@ -46,7 +46,7 @@ using axis::Axis;
 struct AxisKind {
   const char* name;       // of the option and of the column
   const char* text;       // for --help
-  const char* byDefault;  // in the form that AxisValues reads
+  std::string byDefault;  // in the form that AxisValues reads
   double low;
   double high;
   std::vector<std::string> names = {};  // of the values 0, 1, … of an axis that has no numbers

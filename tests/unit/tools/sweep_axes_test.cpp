@@ -58,6 +58,18 @@ TEST(SweepPlan, DrawsTheOtherAxesAsBeforeWhenOneBecomesARange) {
   EXPECT_EQ(fixed.Draw(0, 4)[axis::kWayMs], drawn.Draw(0, 4)[axis::kWayMs]);
 }
 
+TEST(SweepPlan, PlaysTheDefaultTestSoundWhereNothingIsSaid) {
+  const SoundDesign expected;
+  const SoundDesign drawn = DesignOf(Plan({}, 1).Draw(0, 0));
+  EXPECT_EQ(expected.burstMs, drawn.burstMs);
+  EXPECT_EQ(expected.rampMs, drawn.rampMs);
+  EXPECT_EQ(expected.pairs, drawn.pairs);
+  EXPECT_EQ(expected.spacingMs, drawn.spacingMs);
+  EXPECT_EQ(expected.leadInMs, drawn.leadInMs);
+  EXPECT_EQ(expected.tailMs, drawn.tailMs);
+  EXPECT_EQ(expected.levelDbfs, drawn.levelDbfs);
+}
+
 TEST(SweepPlan, RefusesWhatIsNoValueAndSaysWhatIs) {
   const auto made = [](axis::Axis axis, const char* text) { return [=] { Plan({{axis, text}}, 1); }; };
   EXPECT_THAT(made(axis::kRt60S, "abc"),
