@@ -49,7 +49,8 @@ struct FwAlarm::Port {
       Arm();
     }
     if (callback != nullptr && !World::Current().IsEnding()) {
-      static_cast<void>(callback(userData));
+      const bool answer = callback(userData);
+      World::Current().Call(std::string("FwAlarm's callback = ") + (answer ? "true" : "false"));
     }
   }
 };

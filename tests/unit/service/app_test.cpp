@@ -80,6 +80,7 @@ TEST_F(App, NotifiesTheWatchdogOncePerMinuteForAsLongAsItLives) {
   EXPECT_EQ(world.journal.Count("D0 notify systemd..."), 1);
   world.AdvanceMs(120000);
   EXPECT_EQ(world.journal.Count("> watchdog_notify() = 0"), 3);
+  EXPECT_EQ(world.journal.Count("> FwAlarm's callback = true"), 3);
 }
 
 TEST_F(App, EveryFailedNotificationIsLoggedAndTheNextOneStillComes) {
@@ -89,6 +90,7 @@ TEST_F(App, EveryFailedNotificationIsLoggedAndTheNextOneStillComes) {
   world.AdvanceMs(180000);
   EXPECT_EQ(world.journal.Count("> watchdog_notify() = -1"), 3);
   EXPECT_EQ(world.journal.Count("E2 Failed to notify watchdog"), 3);
+  EXPECT_EQ(world.journal.Count("> FwAlarm's callback = false"), 3);
 }
 
 TEST_F(App, DestroyReportsStopsDeletesTheTimerRestoresAndEndsTheAlarmInThisOrder) {
