@@ -7,8 +7,6 @@
 #include <string>
 #include <utility>
 
-#include "Util/DebugDump.h"
-#include "orvex/platform/output_delay.h"
 #include "orvex/platform/system_log.h"
 
 namespace orvex::tools {
@@ -121,7 +119,7 @@ void ReceiverRig::Deliver(const std::uint8_t* bytes, std::uint16_t byteCount) {
 
 }  // namespace orvex::tools
 
-// The platform: a log that listens, a remote that takes every command, an output without delay.
+// The platform's log listens; the rest of the platform is in null_platform.cpp.
 
 int system_log_print(LogBuffer /*buffer*/, LogPriority /*priority*/, const char* /*tag*/, const char* format, ...) {
   using orvex::tools::feeding;
@@ -140,34 +138,3 @@ int system_log_print(LogBuffer /*buffer*/, LogPriority /*priority*/, const char*
   }
   return 0;
 }
-
-int bt_hid_set_audio_data_receive_cb(VoiceDataCallback /*callback*/, void* /*userData*/) {
-  return 0;
-}
-int bt_hid_unset_audio_data_receive_cb() {
-  return 0;
-}
-int bt_hid_send_rc_command(const char* /*target*/, const std::uint8_t* /*command*/, std::size_t /*length*/) {
-  return 0;
-}
-int bt_hid_rc_stop_sending_voice(const char* /*target*/) {
-  return 0;
-}
-int avoc_get_delay(std::uint32_t* delayMs, int /*kind*/) {
-  *delayMs = 0;
-  return 0;
-}
-int avoc_set_delay(std::uint32_t /*delayMs*/, int /*kind*/) {
-  return 0;
-}
-IAudioControl* IAudioControl::getInstance() {
-  return nullptr;
-}
-
-// The dump has no writer here: a recording that is replayed is on disk already.
-CDebugDump::CDebugDump() = default;
-CDebugDump::~CDebugDump() = default;
-void CDebugDump::Start() {}
-void CDebugDump::Stop() {}
-void CDebugDump::DebugDump(const std::string& /*text*/) {}
-void CDebugDump::DebugDump(const void* /*data*/, std::size_t /*size*/) {}
