@@ -60,7 +60,11 @@ public:
     posix_spawn_file_actions_init(&m_Actions);
     posix_spawn_file_actions_addopen(&m_Actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
     posix_spawn_file_actions_addopen(&m_Actions, STDOUT_FILENO, command.output.c_str(), kWrite, 0600);
-    posix_spawn_file_actions_addopen(&m_Actions, STDERR_FILENO, command.errors.c_str(), kWrite, 0600);
+    if (command.errorsDescriptor < 0) {
+      posix_spawn_file_actions_addopen(&m_Actions, STDERR_FILENO, command.errors.c_str(), kWrite, 0600);
+    } else {
+      posix_spawn_file_actions_adddup2(&m_Actions, command.errorsDescriptor, STDERR_FILENO);
+    }
   }
   ~FileActions() { posix_spawn_file_actions_destroy(&m_Actions); }
   FileActions(const FileActions&) = delete;

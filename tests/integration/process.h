@@ -21,6 +21,7 @@ struct ProcessCommand {
   std::map<std::string, std::string> environment;  // on top of this process's, without its ORVEX_ variables
   std::filesystem::path output;                    // file that takes stdout
   std::filesystem::path errors;                    // file that takes stderr
+  int errorsDescriptor = -1;                       // takes stderr instead, unless -1
 };
 
 struct ProcessEnding {
