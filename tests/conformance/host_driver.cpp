@@ -120,7 +120,11 @@ Json::Value ParseJson(const std::string& text) {
 // The room and its remote are read once in a process: only its first driver can choose them.
 std::set<Ability> Abilities() {
   static bool isFirst = true;
-  std::set<Ability> abilities{Ability::kPlaceFile,
+  std::set<Ability> abilities{Ability::kSettings,
+                              Ability::kSoundManager,
+                              Ability::kOutputDelay,
+                              Ability::kVoice,
+                              Ability::kPlaceFile,
                               Ability::kReadLog,
                               Ability::kPutSetting,
                               Ability::kSpoilSetting,

@@ -14,6 +14,8 @@ protected:
   OutputDelay() { avoc_get_delay(&m_BeforeMs, kDelayKindSpdif); }
   ~OutputDelay() override { avoc_set_delay(m_BeforeMs, kDelayKindSpdif); }
 
+  void SetUp() override { ORVEX_NEEDS(kOutputDelay); }
+
   static std::uint32_t DelayMs() {
     std::uint32_t delayMs = kUntouchedMs;
     EXPECT_EQ(avoc_get_delay(&delayMs, kDelayKindSpdif), 0);

@@ -16,8 +16,13 @@
 
 namespace orvex::conformance {
 
-// Each one stands for the operation of PortDriver that has its name, unless it names others.
 enum class Ability {
+  // The port has this service. Without it the service's tests are skipped but for those of an absent service.
+  kSettings,
+  kSoundManager,
+  kOutputDelay,
+  kVoice,
+  // Each one stands for the operation of PortDriver that has its name, unless it names others.
   kPlaceFile,
   kReadLog,  // LogRecords()
   kPutSetting,

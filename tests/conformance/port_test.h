@@ -108,3 +108,10 @@ private:
     GTEST_SKIP() << "the port's driver does not declare " << #ability << ": this promise was not tested"; \
   }                                                                                                       \
   static_assert(true, "a semicolon follows")
+
+// First line of a test of what a service answers that the port does not have.
+#define ORVEX_NEEDS_NO(ability)                                                                       \
+  if (Port().Can(orvex::conformance::Ability::ability)) {                                             \
+    GTEST_SKIP() << "the port's driver declares " << #ability << ": the service is not absent there"; \
+  }                                                                                                   \
+  static_assert(true, "a semicolon follows")

@@ -156,6 +156,7 @@ TEST_F(SettingsNotification, IsSubscribedOnceForOneKeyAndCallback) {
 }
 
 TEST_F(SettingsNotification, IsUnsubscribedByKeyAndCallback) {
+  ORVEX_NEEDS(kSettings);
   OnMainLoop([&] {
     Subscribe();
     EXPECT_EQ(settings_unsubscribe(kWatchedKey, &OnChangeForTheOther), -1);

@@ -12,6 +12,8 @@ constexpr int kUntouched = 4711;
 
 class Settings : public PortTest {
 protected:
+  void SetUp() override { ORVEX_NEEDS(kSettings); }
+
   static void ExpectRead(int expected) {
     int value = kUntouched;
     EXPECT_EQ(settings_get_int(kKey, &value), 0);

@@ -20,6 +20,8 @@ protected:
     sound_manager_set_tv_master_volume(m_VolumeBefore);
   }
 
+  void SetUp() override { ORVEX_NEEDS(kSoundManager); }
+
   static std::int32_t Volume() {
     std::int32_t volume = -1;
     EXPECT_EQ(sound_manager_get_tv_master_volume(&volume), 0);

@@ -14,6 +14,8 @@ constexpr double kLongSilenceMs = 12 * kBlockMs;
 
 class VoiceReceiver : public PortTest {
 protected:
+  void SetUp() override { ORVEX_NEEDS(kVoice); }
+
   std::function<bool()> Heard(const VoiceListener& heard, std::size_t count) {
     return [&heard, count] { return heard.Count() >= count; };
   }

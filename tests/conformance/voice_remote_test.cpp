@@ -9,6 +9,8 @@ constexpr double kSilenceMs = 12 * kBlockMs;
 
 class VoiceRemote : public PortTest {
 protected:
+  void SetUp() override { ORVEX_NEEDS(kVoice); }
+
   std::function<void()> RegisterAndStart() {
     return [this] {
       EXPECT_EQ(listener.Register(), 0);

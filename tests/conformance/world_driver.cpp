@@ -15,7 +15,11 @@ namespace {
 
 using world::Lane;
 
-const std::set<Ability> kAbilities{Ability::kPlaceFile,
+const std::set<Ability> kAbilities{Ability::kSettings,
+                                   Ability::kSoundManager,
+                                   Ability::kOutputDelay,
+                                   Ability::kVoice,
+                                   Ability::kPlaceFile,
                                    Ability::kReadLog,
                                    Ability::kPutSetting,
                                    Ability::kSpoilSetting,

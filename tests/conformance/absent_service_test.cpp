@@ -1,0 +1,67 @@
+// Services that a port does not have: each operation fails as its header says and leaves its target untouched.
+#include "orvex/platform/output_delay.h"
+#include "orvex/platform/settings.h"
+#include "orvex/platform/sound_manager.h"
+#include "port_test.h"
+#include "voice_listener.h"
+
+namespace orvex::conformance {
+namespace {
+
+class AbsentService : public PortTest {};
+
+TEST_F(AbsentService, OfSettingsCanNeitherBeReadNorWatched) {
+  ORVEX_NEEDS_NO(kSettings);
+  constexpr const char* kKey = "db/conformance/absent";
+  const auto onChange = [](const SettingsNode* /*node*/, void* /*userData*/) {};
+  OnMainLoop([&] {
+    int value = 4711;
+    EXPECT_EQ(settings_get_int(kKey, &value), -3);
+    EXPECT_EQ(value, 4711);
+    EXPECT_EQ(settings_subscribe(kKey, onChange, nullptr), -3);
+    EXPECT_EQ(settings_unsubscribe(kKey, onChange), -1);
+  });
+}
+
+TEST_F(AbsentService, OfSoundCannotBeReached) {
+  ORVEX_NEEDS_NO(kSoundManager);
+  constexpr int kTvSpeaker = 0;
+  OnMainLoop([] {
+    std::int32_t number = 4711;
+    EXPECT_EQ(sound_manager_get_tv_master_volume(&number), -1);
+    EXPECT_EQ(sound_manager_get_speaker_selection(&number), -1);
+    EXPECT_EQ(number, 4711);
+    for (const bool before : {true, false}) {
+      bool muted = before;
+      EXPECT_EQ(sound_manager_get_device_mute(kTvSpeaker, &muted), -1);
+      EXPECT_EQ(muted, before);
+    }
+    EXPECT_EQ(sound_manager_set_tv_master_volume(10), -1);
+    EXPECT_EQ(sound_manager_set_device_mute(kTvSpeaker, true), -1);
+  });
+}
+
+TEST_F(AbsentService, OfTheOutputDelayCannotBeReached) {
+  ORVEX_NEEDS_NO(kOutputDelay);
+  OnMainLoop([] {
+    std::uint32_t delayMs = 4711;
+    EXPECT_EQ(avoc_get_delay(&delayMs, kDelayKindSpdif), -1);
+    EXPECT_EQ(delayMs, 4711U);
+    EXPECT_EQ(avoc_set_delay(50, kDelayKindSpdif), -1);
+  });
+}
+
+TEST_F(AbsentService, OfTheVoiceTakesNoReceiverAndNoCommand) {
+  ORVEX_NEEDS_NO(kVoice);
+  OnMainLoop([&] {
+    VoiceListener listener(Port());
+    EXPECT_EQ(listener.Register(), -19);
+    EXPECT_EQ(bt_hid_unset_audio_data_receive_cb(), -19);
+    EXPECT_EQ(StartVoice(), -19);
+    EXPECT_EQ(GoOnRecording(), -19);
+    EXPECT_EQ(StopVoice(), -19);
+  });
+}
+
+}  // namespace
+}  // namespace orvex::conformance
