@@ -1,39 +1,58 @@
 // orvex-replay: feeds recordings to the receiver and prints what it reports.
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <fstream>
 #include <iostream>
 #include <string>
 #include <vector>
 
+#include "listener_pair.h"
 #include "receiver_rig.h"
 #include "recording.h"
 #include "report_lines.h"
+#include "report_page.h"
+#include "run_record.h"
 
 namespace {
 
+using orvex::tools::ListenerPair;
 using orvex::tools::ReceiverRig;
 using orvex::tools::Recording;
+using orvex::tools::RecordingError;
 using orvex::tools::ReportLines;
+using orvex::tools::RunRecord;
 
-constexpr std::size_t kBlockBytes = 2 * OrvexReceiver::kBlockSamples;
 constexpr int kExitResult = 0;
 constexpr int kExitNoResult = 1;
 constexpr int kExitBadInput = 2;
 
 struct Arguments {
   std::vector<std::string> files;
+  std::string report;
   bool trace = false;
   bool hearable = false;
 };
 
-int Replay(const Recording& recording, const std::string& nameInReport, const Arguments& arguments) {
-  ReportLines report(std::cout, nameInReport, arguments.trace);
-  ReceiverRig rig(report, arguments.hearable);
-  const std::vector<std::uint8_t>& bytes = recording.bytes;
-  for (std::size_t at = 0; at < bytes.size(); at += kBlockBytes) {
-    rig.Deliver(bytes.data() + at, static_cast<std::uint16_t>(std::min(kBlockBytes, bytes.size() - at)));
+void WriteReport(const RunRecord& run, const Recording& recording, const Arguments& arguments) {
+  std::ofstream page(arguments.report, std::ios::binary);
+  page << orvex::tools::MakeReportPage(run, {arguments.files.front(), recording.warning, recording.bytes.size()});
+  if (!page.flush()) {
+    throw RecordingError(arguments.report + ": cannot be written: " + std::strerror(errno));
   }
-  report.WriteSummary(rig);
+}
+
+int Replay(const Recording& recording, const std::string& nameInReport, const Arguments& arguments) {
+  ReportLines lines(std::cout, nameInReport, arguments.trace);
+  RunRecord run(arguments.hearable);
+  ListenerPair both(lines, run);
+  ReceiverRig rig(both, arguments.hearable);
+  orvex::tools::Feed(recording.bytes, rig);
+  lines.WriteSummary(rig);
+  if (!arguments.report.empty()) {
+    WriteReport(run, recording, arguments);
+  }
   return rig.GetDifferenceS() != 0.0 ? kExitResult : kExitNoResult;
 }
 
@@ -46,7 +65,7 @@ int ReplayAll(const Arguments& arguments) {
         std::cerr << "orvex-replay: " << recording.warning << '\n';
       }
       worst = std::max(worst, Replay(recording, arguments.files.size() > 1 ? file : "", arguments));
-    } catch (const orvex::tools::RecordingError& problem) {
+    } catch (const RecordingError& problem) {
       std::cerr << "orvex-replay: " << problem.what() << '\n';
       worst = kExitBadInput;
     }
@@ -59,17 +78,30 @@ int ReplayAll(const Arguments& arguments) {
 int main(int argc, char** argv) {
   CLI::App app(
       "Feeds recordings to the receiver, block by block as the remote would, and prints what it reports: one JSON "
-      "object "
-      "per line.\nExit code: 0 a difference was found in every file, 1 in some file none was found, 2 wrong usage or a "
+      "object per line.\nExit code: 0 a difference was found in every file, 1 in some file none was found, 2 wrong "
+      "usage or a "
       "file that cannot be read.");
   Arguments arguments;
   app.add_option("FILE", arguments.files, "debug dump (raw signed 16-bit little-endian mono) or WAV file")->required();
   app.add_flag("--trace", arguments.trace, "one object per analysed block, too: magnitudes and ratios");
   app.add_flag("--hearable", arguments.hearable, "set the audible setting: no tone is looked for");
+  app.add_option("--report", arguments.report,
+                 "also write one HTML page with the levels, the tones and why the decision was what it was; one FILE")
+      ->type_name("OUT.html");
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& problem) {
     return app.exit(problem) == 0 ? kExitResult : kExitBadInput;
   }
-  return ReplayAll(arguments);
+  if (!arguments.report.empty() && arguments.files.size() > 1) {
+    std::cerr << "orvex-replay: --report " << arguments.report << ": " << arguments.files.size()
+              << " files, expected 1\n";
+    return kExitBadInput;
+  }
+  const int exitCode = ReplayAll(arguments);
+  if (!std::cout.flush()) {
+    std::cerr << "orvex-replay: the lines cannot be written to the standard output\n";
+    return kExitBadInput;
+  }
+  return exitCode;
 }

@@ -11,8 +11,6 @@
 #include <iterator>
 #include <memory>
 
-#include "Application/OrvexReceiver.h"
-
 namespace orvex::tools {
 namespace {
 
@@ -78,6 +76,13 @@ Recording ReadRecording(const std::string& path) {
   Recording recording;
   recording.bytes = ReadBytes(path);
   return IsWave(recording.bytes) ? ReadWave(path) : recording;
+}
+
+void Feed(const std::vector<std::uint8_t>& bytes, ReceiverRig& rig) {
+  constexpr std::size_t kBlockBytes = 2 * OrvexReceiver::kBlockSamples;
+  for (std::size_t at = 0; at < bytes.size(); at += kBlockBytes) {
+    rig.Deliver(bytes.data() + at, static_cast<std::uint16_t>(std::min(kBlockBytes, bytes.size() - at)));
+  }
 }
 
 }  // namespace orvex::tools

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "receiver_rig.h"
+
 namespace orvex::tools {
 
 // A file that cannot be replayed. The text names the file, what was found and what was expected.
@@ -23,5 +25,8 @@ struct Recording {
 
 // Throws RecordingError.
 Recording ReadRecording(const std::string& path);
+
+// Delivers the bytes in blocks of 768 samples; the last one may be short.
+void Feed(const std::vector<std::uint8_t>& bytes, ReceiverRig& rig);
 
 }  // namespace orvex::tools

@@ -45,6 +45,9 @@ struct RecordedEvent {
 
 class RunRecord : public ReceiverListener {
 public:
+  // `hearable`: the mode of the receiver.
+  explicit RunRecord(bool hearable) : m_Hearable(hearable) {}
+
   void OnBlock(std::int32_t buffer, const BlockLevels& levels) override;
   void OnAmbient(std::int32_t buffer) override { Add(EventKind::kAmbient, buffer); }
   void OnFirst(std::int32_t buffer, Tone tone) override;
@@ -54,6 +57,7 @@ public:
   void OnAbnormal(std::int32_t buffer) override { Add(EventKind::kAbnormal, buffer); }
   void OnExtend(std::int32_t buffer) override { Add(EventKind::kExtend, buffer); }
 
+  bool IsHearable() const { return m_Hearable; }
   const std::vector<RecordedBlock>& GetBlocks() const { return m_Blocks; }
   const std::vector<RecordedEvent>& GetEvents() const { return m_Events; }
   std::optional<RecordedEvent> FindFirst(EventKind kind) const;
@@ -66,6 +70,7 @@ private:
   std::int32_t CountOn(std::int32_t buffer);
   RecordedEvent& Add(EventKind kind, std::int32_t buffer);
 
+  const bool m_Hearable;
   std::vector<RecordedBlock> m_Blocks;
   std::vector<RecordedEvent> m_Events;
   std::optional<Levels> m_Ambient;

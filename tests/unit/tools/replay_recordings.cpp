@@ -9,6 +9,7 @@
 #include <random>
 #include <sstream>
 
+#include "recording.h"
 #include "report_lines.h"
 
 namespace orvex::tools {
@@ -62,12 +63,6 @@ std::vector<std::uint8_t> MakeRecording(const std::string& blocks) {
   return bytes;
 }
 
-void Feed(const std::vector<std::uint8_t>& bytes, ReceiverRig& rig) {
-  for (std::size_t at = 0; at < bytes.size(); at += kBlockBytes) {
-    rig.Deliver(bytes.data() + at, static_cast<std::uint16_t>(std::min(kBlockBytes, bytes.size() - at)));
-  }
-}
-
 std::vector<Json::Value> ReplayLines(const std::vector<std::uint8_t>& bytes, bool trace, bool hearable) {
   std::stringstream text;
   ReportLines lines(text, "", trace);
@@ -86,7 +81,7 @@ std::vector<Json::Value> ReplayLines(const std::vector<std::uint8_t>& bytes, boo
 }
 
 RunRecord ReplayRecord(const std::vector<std::uint8_t>& bytes, bool hearable) {
-  RunRecord run;
+  RunRecord run(hearable);
   ReceiverRig rig(run, hearable);
   Feed(bytes, rig);
   return run;

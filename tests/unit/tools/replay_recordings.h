@@ -24,9 +24,6 @@ inline std::string Ambient() {
   return std::string(35, '.');
 }
 
-// As orvex-replay does.
-void Feed(const std::vector<std::uint8_t>& bytes, ReceiverRig& rig);
-
 // The lines that orvex-replay prints for them.
 std::vector<Json::Value> ReplayLines(const std::vector<std::uint8_t>& bytes, bool trace = false, bool hearable = false);
 

@@ -1,0 +1,159 @@
+// A recording as the report sees it, held against what the receiver itself reported about it.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "detector_limits.h"
+#include "findings.h"
+#include "replay_recordings.h"
+
+namespace orvex::tools {
+namespace {
+
+BlockLevels Equal(double level) {
+  BlockLevels levels;
+  levels.at17000 = levels.at17500 = levels.at18000 = levels.at19000 = level;
+  levels.ratio17 = levels.ratio19 = 1.0;
+  return levels;
+}
+
+// A record in which all ambient means are 1.
+RunRecord AfterAmbient() {
+  RunRecord run(false);
+  for (std::int32_t buffer = kIgnoredBuffers + 1; buffer <= kAmbientBuffer; ++buffer) {
+    BlockLevels levels = Equal(1.0);
+    levels.ambient17000 = levels.ambient17500 = levels.ambient18000 = levels.ambient19000 =
+        buffer - kIgnoredBuffers - 1;
+    run.OnBlock(buffer, levels);
+  }
+  run.OnAmbient(kAmbientBuffer);
+  return run;
+}
+
+Verdict VerdictOn(double at17000, double at19000, double ratio, Tone tone) {
+  const RecordedBlock block{kAmbientBuffer + 1, {at17000, 1.0, 1.0, at19000}, ratio, ratio};
+  return Judge(AfterAmbient(), block, tone);
+}
+
+TEST(ReplayFindings, JudgeABlockAtTheLimitsAsTheReceiverDoes) {
+  EXPECT_EQ(Verdict::kClean, VerdictOn(50.0, 49.0, 5.0, Tone::k17000Hz));
+  EXPECT_EQ(Verdict::kWeak, VerdictOn(49.999, 49.0, 5.0, Tone::k17000Hz));
+  EXPECT_EQ(Verdict::kNoisy, VerdictOn(50.0, 49.0, 4.999, Tone::k17000Hz));
+  EXPECT_EQ(Verdict::kCovered, VerdictOn(51.0, 51.0, 5.0, Tone::k17000Hz));
+  EXPECT_EQ(Verdict::kWeak, VerdictOn(49.0, 50.0, 5.0, Tone::k19000Hz));
+  EXPECT_EQ(Verdict::kClean, VerdictOn(49.0, 50.001, 5.0, Tone::k19000Hz));
+  EXPECT_EQ(Verdict::kCovered, VerdictOn(51.0, 51.0, 5.0, Tone::k19000Hz));
+}
+
+TEST(ReplayFindings, LookForNoToneBeforeTheAmbientMeansAreKnownNorInTheHearableMode) {
+  const RunRecord run = ReplayRecord(MakeRecording(Ambient() + "7"));
+  RecordedBlock block = run.GetBlocks().back();
+  EXPECT_EQ(Verdict::kClean, Judge(run, block, Tone::k17000Hz));
+  block.buffer = kAmbientBuffer;
+  EXPECT_EQ(Verdict::kNotLookedAt, Judge(run, block, Tone::k17000Hz));
+  const RunRecord hearable = ReplayRecord(MakeRecording(Ambient() + "7"), true);
+  EXPECT_EQ(Verdict::kNotLookedAt, Judge(hearable, hearable.GetBlocks().back(), Tone::k17000Hz));
+}
+
+// The receiver counts noisy tones one by one, and its first pair needs the first clean tones: a limit that is not the
+// receiver's shows here.
+TEST(ReplayFindings, AgreeWithTheReceiverAboutBlocksOfAllKinds) {
+  std::minstd_rand random(7);
+  for (int round = 0; round < 20; ++round) {
+    std::string blocks = Ambient();
+    for (int i = 0; i < 40; ++i) {
+      blocks += "........7896xyb"[random() % 15];
+    }
+    const RunRecord run = ReplayRecord(MakeRecording(blocks));
+    std::vector<std::int32_t> noisy;
+    std::int32_t firstTone = 0;
+    for (const RecordedEvent& event : run.GetEvents()) {
+      if (event.kind == EventKind::kNoisy17 || event.kind == EventKind::kNoisy19) {
+        noisy.push_back(event.buffer);
+      }
+      if (firstTone == 0 && (event.kind == EventKind::kFirst17 || event.kind == EventKind::kFirst19)) {
+        firstTone = event.buffer;
+      }
+    }
+    std::vector<std::int32_t> judgedNoisy;
+    for (const RecordedBlock& block : run.GetBlocks()) {
+      const Verdict at17 = Judge(run, block, Tone::k17000Hz);
+      const Verdict at19 = Judge(run, block, Tone::k19000Hz);
+      if (at17 == Verdict::kNoisy || at19 == Verdict::kNoisy) {
+        judgedNoisy.push_back(block.buffer);
+      }
+    }
+    EXPECT_EQ(noisy, judgedNoisy) << blocks;
+    const std::int32_t first17 = FindTone(run, Tone::k17000Hz).firstClean;
+    const std::int32_t first19 = FindTone(run, Tone::k19000Hz).firstClean;
+    EXPECT_EQ(firstTone, first17 == 0 || first19 == 0 ? std::max(first17, first19) : std::min(first17, first19));
+  }
+}
+
+TEST(ReplayFindings, SumUpATone) {
+  const RunRecord run = ReplayRecord(MakeRecording(Ambient() + "8.7bxx.9"));
+  const ToneFindings at17 = FindTone(run, Tone::k17000Hz);
+  EXPECT_EQ(5, at17.reaching);
+  EXPECT_EQ(3, at17.clean);
+  EXPECT_EQ(2, at17.noisy);
+  EXPECT_EQ(0, at17.covered);
+  EXPECT_EQ(36, at17.firstClean);
+  EXPECT_NEAR(2.4, at17.bestNoisyRatio, 0.3);
+  const ToneFindings at19 = FindTone(ReplayRecord(MakeRecording(Ambient() + "8.7b..9")), Tone::k19000Hz);
+  EXPECT_EQ(1, at19.covered);
+  EXPECT_EQ(1, at19.clean);
+  EXPECT_EQ(2, at19.reaching);
+  EXPECT_EQ(42, at19.strongest->buffer);
+}
+
+TEST(ReplayFindings, TellALateSecondToneFromAWeakOne) {
+  const Pairing late = FollowPairing(ReplayRecord(MakeRecording(Ambient() + "7" + std::string(19, '.') + "9")));
+  ASSERT_EQ(1u, late.errors.size());
+  EXPECT_EQ(36, late.errors[0].first);
+  EXPECT_EQ(56, late.errors[0].buffer);
+  EXPECT_EQ(Tone::k19000Hz, late.errors[0].tone);
+  EXPECT_TRUE(late.errors[0].IsTooLate());
+
+  // With the first tone came 19 kHz at two thirds of its level, more than the second tone has.
+  const Pairing weak = FollowPairing(ReplayRecord(MakeRecording(Ambient() + "b....6")));
+  ASSERT_EQ(1u, weak.errors.size());
+  EXPECT_EQ(41, weak.errors[0].buffer);
+  EXPECT_FALSE(weak.errors[0].IsTooLate());
+  EXPECT_NEAR(2000.0 / 1500.0, weak.errors[0].needed / weak.errors[0].level, 0.01);
+  EXPECT_TRUE(FollowPairing(ReplayRecord(MakeRecording(Ambient() + "b....9"))).errors.empty());
+}
+
+TEST(ReplayFindings, RaiseWhatASecondToneMustReachWithEachPair) {
+  const RunRecord run = ReplayRecord(MakeRecording(Ambient() + "7..6.9..6"));
+  const Pairing pairing = FollowPairing(run);
+  ASSERT_EQ(4u, pairing.floors.size());
+  EXPECT_EQ(Tone::k19000Hz, pairing.floors[0].tone);
+  EXPECT_EQ(36, pairing.floors[0].from);
+  EXPECT_EQ(39, pairing.floors[0].to);
+  EXPECT_EQ(39, pairing.floors[1].from);
+  EXPECT_EQ(41, pairing.floors[1].to);
+  EXPECT_EQ(run.GetBlocks()[39 - 5].levels.at19000, pairing.floors[1].level);
+  EXPECT_EQ(run.GetBlocks()[41 - 5].levels.at19000, pairing.floors[2].level);
+  // The weaker one is a new first tone.
+  EXPECT_EQ(Tone::k17000Hz, pairing.floors[3].tone);
+  ASSERT_EQ(1u, pairing.errors.size());
+  EXPECT_EQ(44, pairing.errors[0].buffer);
+}
+
+TEST(ReplayRecord, CountsOnWhereTheReceiverBeginsAgain) {
+  RunRecord run(false);
+  run.OnBlock(100000, {});
+  run.OnExtend(100000);
+  run.OnBlock(5, {});
+  run.OnFirst(6, Tone::k17000Hz);
+  run.OnResult(8, 6, 8, 0.033);
+  EXPECT_EQ(100005, run.GetBlocks()[1].buffer);
+  EXPECT_EQ(100000, run.GetEvents()[0].buffer);
+  EXPECT_EQ(100006, run.GetEvents()[1].buffer);
+  EXPECT_EQ(100008, run.GetEvents()[2].buffer);
+  EXPECT_EQ(100006, run.GetEvents()[2].first);
+}
+
+}  // namespace
+}  // namespace orvex::tools

@@ -1,0 +1,220 @@
+// The report as a page: what it holds, and what a browser shows of it.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdio>
+
+#include "browser.h"
+#include "orvex/sim/room.h"
+#include "orvex/sim/voice_channel.h"
+#include "replay_recordings.h"
+#include "report_page.h"
+#include "testsound/generator.h"
+
+namespace orvex::tools {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+constexpr int kSeconds = 4;
+
+// What the remote hears of the test sound, which begins 0.7 s after the recording.
+std::vector<std::uint8_t> RecordInRoom(const sim::RoomConfig& config) {
+  sim::Room room(config);
+  const std::vector<std::int16_t> sound = GenerateSound({});
+  room.Play(std::chrono::milliseconds(700), sound.data(), sound.size() / 2);
+  sim::VoiceChannel voice(room);
+  voice.Start(sim::Time(0));
+  std::vector<std::uint8_t> bytes;
+  while (bytes.size() / 2 < kSeconds * 46545) {
+    sim::VoiceChannel::Block block;
+    if (voice.TakeBlock(block)) {
+      for (const std::int16_t sample : block) {
+        bytes.push_back(static_cast<std::uint8_t>(static_cast<std::uint16_t>(sample) & 0xFFU));
+        bytes.push_back(static_cast<std::uint8_t>(static_cast<std::uint16_t>(sample) >> 8U));
+      }
+    }
+  }
+  return bytes;
+}
+
+std::string PageOf(const std::vector<std::uint8_t>& bytes, const std::string& file = "dump") {
+  return MakeReportPage(ReplayRecord(bytes), {file, "", bytes.size()});
+}
+
+// What holds for the page of every recording.
+void ExpectSound(const Json::Value& seen) {
+  EXPECT_EQ(Json::Value(Json::arrayValue), seen["errors"]);
+  EXPECT_EQ(0, seen["resources"].asInt());
+  EXPECT_LE(seen["overflow"].asInt(), 0);
+  EXPECT_EQ(0, seen["overlaps"].asInt());
+  for (const auto& [name, labels] : std::map<std::string, std::vector<std::string>>{
+           {"tones", {"17 kHz", "19 kHz"}}, {"ratios", {"17 kHz", "19 kHz"}}, {"neighbours", {"17.5 kHz", "18 kHz"}}}) {
+    const Json::Value& curves = seen["charts"]["whole-" + name]["curves"];
+    ASSERT_EQ(2u, curves.size()) << name;
+    EXPECT_EQ(labels[0], curves[0]["label"].asString());
+    EXPECT_EQ(labels[1], curves[1]["label"].asString());
+    EXPECT_NE(curves[0]["colour"], curves[1]["colour"]) << name;
+  }
+}
+
+std::vector<double> Numbers(const Json::Value& array) {
+  std::vector<double> numbers;
+  std::transform(array.begin(), array.end(), std::back_inserter(numbers),
+                 [](const auto& value) { return value.asDouble(); });
+  return numbers;
+}
+
+auto Near(double buffer) {
+  return testing::DoubleNear(buffer, 0.15);
+}
+
+class ReplayPageInABrowser : public testing::Test {
+protected:
+  void SetUp() override {
+    if (!HasBrowser()) {
+      GTEST_SKIP() << "chromium is not installed, so nobody looks at the page; the Debian package chromium has it";
+    }
+  }
+  const TemporaryFolder m_Folder;
+};
+
+TEST_F(ReplayPageInABrowser, ShowsThePairOfAGoodRun) {
+  sim::RoomConfig room;
+  room.optical.latencyMs = room.tv.latencyMs + 100.0;
+  const auto bytes = RecordInRoom(room);
+  const RunRecord run = ReplayRecord(bytes);
+  const auto result = run.FindFirst(EventKind::kResult);
+  ASSERT_TRUE(result);
+  const Json::Value seen = LookAt(PageOf(bytes), 1280, result->first, m_Folder);
+  ExpectSound(seen);
+  EXPECT_EQ("The optical output is 99.0 ms late", seen["headline"].asString());
+  EXPECT_EQ("+99.0 ms", seen["facts"]["difference"].asString());
+  for (const char* const chart : {"whole-tones", "whole-ratios", "whole-neighbours"}) {
+    for (const Json::Value& curve : seen["charts"][chart]["curves"]) {
+      EXPECT_EQ(run.GetBlocks().size(), curve["points"].asUInt()) << chart;
+      EXPECT_TRUE(curve["isInside"].asBool()) << chart;
+    }
+  }
+  for (const char* const chart : {"whole-events", "whole-tones", "whole-ratios", "close-events", "close-tones"}) {
+    const Json::Value& pairs = seen["charts"][chart]["pairs"];
+    ASSERT_GE(pairs.size(), 1u) << chart;
+    EXPECT_THAT(pairs[0]["first"].asDouble(), testing::DoubleNear(result->first, 0.6)) << chart;
+    EXPECT_THAT(pairs[0]["second"].asDouble(), testing::DoubleNear(result->buffer, 0.6)) << chart;
+  }
+  EXPECT_EQ(81u, seen["charts"]["close-tones"]["curves"][0]["points"].asUInt());
+  EXPECT_EQ(2, seen["charts"]["whole-tones"]["thresholds"].asInt());
+  EXPECT_THAT(Numbers(seen["charts"]["close-events"]["marks"]["start f17"]), Contains(Near(result->first)));
+  const auto& first = run.GetBlocks()[static_cast<std::size_t>(result->first - 5)];
+  const std::string readout = seen["readout"].asString();
+  EXPECT_THAT(readout, StartsWith("buffer " + std::to_string(result->first) + " "));
+  double level = 0.0;
+  ASSERT_EQ(1, std::sscanf(readout.c_str() + readout.find("17 kHz "), "17 kHz %lf dBFS", &level));
+  EXPECT_NEAR(20.0 * std::log10(first.levels.at17000 / 32768 / 384), level, 0.1);
+}
+
+TEST_F(ReplayPageInABrowser, ShowsWhyASilentOutputGaveNoDifference) {
+  sim::RoomConfig room;
+  room.opticalMuted = true;
+  const auto bytes = RecordInRoom(room);
+  const RunRecord run = ReplayRecord(bytes);
+  const Json::Value seen = LookAt(PageOf(bytes), 1000, 60, m_Folder);
+  ExpectSound(seen);
+  EXPECT_EQ("No difference: 19 kHz (optical output) was not found", seen["headline"].asString());
+  EXPECT_THAT(seen["reasons"][1].asString(), HasSubstr("19 kHz (optical output) never reached its threshold"));
+  const Json::Value& tones = seen["charts"]["whole-tones"];
+  EXPECT_EQ(0u, tones["pairs"].size());
+  EXPECT_EQ(run.GetBlocks().size(), tones["curves"][0]["points"].asUInt());
+  const auto peak = std::max_element(
+      run.GetBlocks().begin(), run.GetBlocks().end(),
+      [](const RecordedBlock& a, const RecordedBlock& b) { return a.levels.at17000 < b.levels.at17000; });
+  EXPECT_NEAR(peak->buffer, tones["curves"][0]["peak"].asDouble(), 0.6);
+  EXPECT_EQ(0u, seen["charts"]["whole-events"]["marks"]["clean f19"].size());
+}
+
+TEST_F(ReplayPageInABrowser, ShowsNoisyTonesSequenceErrorsAndAbnormalInput) {
+  const std::string far(19, '.');
+  const auto bytes = MakeRecording(Ambient() + "7" + far + "9.x.." + std::string(10, 'y') + "....");
+  const Json::Value seen = LookAt(PageOf(bytes), 1600, 56, m_Folder);
+  ExpectSound(seen);
+  EXPECT_EQ("Given up: abnormal input", seen["headline"].asString());
+  EXPECT_EQ("11", seen["facts"]["noisy tones"].asString());
+  EXPECT_EQ("1", seen["facts"]["sequence errors"].asString());
+  const Json::Value& marks = seen["charts"]["whole-events"]["marks"];
+  EXPECT_THAT(Numbers(marks["sequence"]), ElementsAre(Near(56)));
+  EXPECT_THAT(Numbers(marks["noisy f17"]), ElementsAre(Near(58)));
+  EXPECT_EQ(10u, marks["noisy f19"].size());
+  EXPECT_THAT(Numbers(marks["abnormal"]), ElementsAre(Near(70)));
+  EXPECT_THAT(Numbers(marks["start f17"]), ElementsAre(Near(36)));
+  EXPECT_THAT(Numbers(marks["start f19"]), ElementsAre(Near(56)));
+}
+
+TEST_F(ReplayPageInABrowser, ShowsANoisyRoom) {
+  sim::RoomConfig room;
+  room.noiseDbfs = -25.0;
+  const auto bytes = RecordInRoom(room);
+  const Json::Value seen = LookAt(PageOf(bytes), 1280, 60, m_Folder);
+  ExpectSound(seen);
+  EXPECT_EQ("No difference: neither tone was found", seen["headline"].asString());
+  EXPECT_THAT(seen["reasons"][0].asString(), HasSubstr("17 kHz (television's speaker) never reached its threshold"));
+  EXPECT_EQ(2, seen["charts"]["whole-tones"]["thresholds"].asInt());
+  EXPECT_EQ(0u, seen["charts"]["whole-events"]["marks"]["clean f17"].size());
+}
+
+TEST_F(ReplayPageInABrowser, StaysSmallForALongRecordingAndKeepsItsPeak) {
+  const auto bytes = MakeRecording(Ambient() + std::string(2000, '.') + "7" + std::string(1964, '.'));  // 66 s
+  const std::string page = PageOf(bytes);
+  EXPECT_LT(page.size(), 250000u);
+  const Json::Value seen = LookAt(page, 1280, 60, m_Folder);
+  ExpectSound(seen);
+  const Json::Value& curve = seen["charts"]["whole-tones"]["curves"][0];
+  EXPECT_LE(curve["points"].asUInt(), 2000u);
+  EXPECT_GE(curve["points"].asUInt(), 1000u);
+  EXPECT_NEAR(2036, curve["peak"].asDouble(), 4.0);
+  EXPECT_NEAR(2036, seen["charts"]["close-tones"]["curves"][0]["peak"].asDouble(), 0.15);
+}
+
+TEST(ReplayPage, EscapesTheNameOfTheFile) {
+  const std::string page = PageOf(MakeRecording(Ambient()), "<b>&\"'.raw");
+  EXPECT_THAT(page, HasSubstr("<code>&lt;b&gt;&amp;&quot;&#39;.raw</code>"));
+  EXPECT_THAT(page, Not(HasSubstr("<b>&")));
+}
+
+TEST(ReplayPage, NeedsNothingBesideItself) {
+  const std::string page = PageOf(MakeRecording(Ambient() + "7..9"));
+  for (const char* const reference : {"http:", "https:", "src=", "url(", "@import", "<img", "<link rel=\"style"}) {
+    EXPECT_THAT(page, Not(HasSubstr(reference)));
+  }
+}
+
+TEST(ReplayPage, CanBeMadeOfAnyRecording) {
+  for (const auto& bytes : {std::vector<std::uint8_t>{}, std::vector<std::uint8_t>(7), MakeRecording("0000000"),
+                            MakeRecording(std::string(34, '.')), MakeRecording(std::string(200, '0')),
+                            MakeRecording(std::string(35, '0') + "7..9")}) {
+    const std::string page = PageOf(bytes);
+    EXPECT_THAT(page, HasSubstr("</html>"));
+    EXPECT_THAT(page, Not(HasSubstr("nan")));
+    EXPECT_THAT(page, Not(HasSubstr("inf")));
+  }
+}
+
+TEST(ReplayPage, ShowsTheWarningAboutARecording) {
+  const auto bytes = MakeRecording(Ambient());
+  EXPECT_THAT(MakeReportPage(ReplayRecord(bytes), {"a.wav", "a.wav: 48000 Hz", bytes.size()}),
+              HasSubstr("<p class='warning'>a.wav: 48000 Hz</p>"));
+}
+
+TEST(ReplayPage, ListsTheFirstEventsOfVeryMany) {
+  const std::string page = PageOf(MakeRecording(Ambient() + std::string(300, 'x')));
+  EXPECT_THAT(page, HasSubstr("17 kHz is noisy, number 199</td>"));
+  EXPECT_THAT(page, Not(HasSubstr("17 kHz is noisy, number 200</td>")));
+  EXPECT_THAT(page, HasSubstr("<p>102 more;"));
+}
+
+}  // namespace
+}  // namespace orvex::tools

@@ -1,0 +1,214 @@
+// Draws a chart.
+#include "chart.h"
+
+#include <algorithm>
+#include <cmath>
+#include <set>
+
+#include "detector_limits.h"
+#include "text.h"
+
+namespace orvex::tools {
+namespace {
+
+// In units of the picture, which is as wide as the page.
+constexpr double kWidth = 1200.0;
+constexpr double kLeft = 58.0;
+constexpr double kRight = 1030.0;
+constexpr double kTop = 34.0;
+constexpr double kBottomMargin = 36.0;
+constexpr double kLabelHeight = 14.0;
+constexpr double kLabelGap = 10.0;
+constexpr double kTitleGap = 30.0;  // leaves room for half a number
+constexpr double kPairLabelWidth = 90.0;
+constexpr double kCharacterWidth = 7.0;
+constexpr double kDotSpacing = 7.0;  // between blocks, from which on they are drawn as dots
+
+// 1, 2 or 5 times a power of ten: about `count` of them fit.
+double TickStep(double length, double count) {
+  const double rough = length / count;
+  const double power = std::pow(10.0, std::floor(std::log10(rough)));
+  for (const double factor : {1.0, 2.0, 5.0}) {
+    if (factor * power >= rough) {
+      return factor * power;
+    }
+  }
+  return 10.0 * power;
+}
+
+std::vector<double> Ticks(Span span, double step) {
+  std::vector<double> ticks;
+  const auto first = static_cast<long>(std::ceil(span.low / step));
+  const auto last = static_cast<long>(std::floor(span.high / step));
+  for (long tick = first; tick <= last; ++tick) {
+    ticks.push_back(static_cast<double>(tick) * step);
+  }
+  return ticks;
+}
+
+}  // namespace
+
+Chart::Chart(const std::string& name, Span buffers, double height)
+    : m_Name(name), m_Buffers(buffers), m_Height(height) {
+  AddTimeAxes();
+}
+
+double Chart::X(double buffer) const {
+  return kLeft +
+         (std::clamp(buffer, m_Buffers.low, m_Buffers.high) - m_Buffers.low) / m_Buffers.Length() * (kRight - kLeft);
+}
+
+double Chart::Y(double decibels) const {
+  return kTop +
+         (m_Decibels.high - std::clamp(decibels, m_Decibels.low, m_Decibels.high)) / m_Decibels.Length() * m_Height;
+}
+
+void Chart::AddText(double x, double y, const std::string& style, const std::string& text) {
+  m_Svg << Text("<text x='%.1f' y='%.1f' class='%s'>%s</text>\n", x, y, style.c_str(), Escaped(text).c_str());
+}
+
+void Chart::AddTimeAxes() {
+  const double bottom = kTop + m_Height;
+  const double bufferStep = std::max(1.0, TickStep(m_Buffers.Length(), 12.0));
+  for (const double buffer : Ticks(m_Buffers, bufferStep)) {
+    m_Svg << Text("<path class='tick' d='M%.1f %.1fv-5'/>", X(buffer), kTop);
+    AddText(X(buffer), kTop - 8.0, "label middle", Text("%.0f", buffer));
+  }
+  AddText(kRight + kTitleGap, kTop - 8.0, "title", "buffer");
+  const double timeStep = TickStep(m_Buffers.Length() * kBufferS, 12.0);
+  for (const double time : Ticks({m_Buffers.low * kBufferS, m_Buffers.high * kBufferS}, timeStep)) {
+    m_Svg << Text("<path class='grid' d='M%.1f %.1fV%.1f'/>", X(time / kBufferS), kTop, bottom);
+    AddText(X(time / kBufferS), bottom + 16.0, "label middle", Text("%.*f", timeStep < 0.1 ? 2 : 1, time));
+  }
+  AddText(kRight + kTitleGap, bottom + 16.0, "title", "time (s)");
+  m_Svg << Text("<rect class='frame' x='%.1f' y='%.1f' width='%.1f' height='%.1f'/>\n", kLeft, kTop, kRight - kLeft,
+                m_Height);
+}
+
+void Chart::AddDecibelAxis(Span decibels, const std::string& title) {
+  m_Decibels = decibels;
+  for (const double tick : Ticks(decibels, TickStep(decibels.Length(), m_Height / 32.0))) {
+    m_Svg << Text("<path class='grid' d='M%.1f %.1fH%.1f'/>", kLeft, Y(tick), kRight);
+    AddText(kLeft - 7.0, Y(tick) + 4.0, "label end", Text("%.0f", tick));
+  }
+  const double middle = kTop + m_Height / 2.0;
+  m_Svg << Text("<text class='title middle' transform='translate(15 %.1f) rotate(-90)'>%s</text>\n", middle,
+                Escaped(title).c_str());
+}
+
+void Chart::AddBand(double fromBuffer, double toBuffer, const std::string& style, const std::string& label) {
+  const double left = X(fromBuffer);
+  const double width = X(toBuffer) - left;
+  if (width <= 0.0) {
+    return;
+  }
+  m_Svg << Text("<rect class='%s' x='%.1f' y='%.1f' width='%.1f' height='%.1f'><title>%s</title></rect>\n",
+                style.c_str(), left, kTop, width, m_Height, Escaped(label).c_str());
+  if (width > kCharacterWidth * static_cast<double>(label.size())) {
+    AddText(left + width / 2.0, kTop + 16.0, "title middle", label);
+  }
+}
+
+void Chart::AddLevel(double fromBuffer, double toBuffer, double decibels, const std::string& style,
+                     const std::string& label) {
+  if (fromBuffer < m_Buffers.high && toBuffer > m_Buffers.low) {
+    m_Svg << Text("<path class='%s' d='M%.1f %.1fH%.1f'/>\n", style.c_str(), X(fromBuffer), Y(decibels), X(toBuffer));
+  }
+  if (!label.empty()) {
+    m_Labels.push_back({Y(decibels) + 4.0, label, style});
+  }
+}
+
+void Chart::AddCurve(const std::vector<CurvePoint>& curve, const std::string& style, const std::string& label) {
+  std::ostringstream path;
+  std::ostringstream dots;
+  const bool hasDots = (kRight - kLeft) / m_Buffers.Length() >= kDotSpacing;
+  bool isOpen = false;
+  for (const CurvePoint& point : Thin(curve, static_cast<std::size_t>(kRight - kLeft))) {
+    if (std::isnan(point.decibels)) {
+      isOpen = false;
+      continue;
+    }
+    const double x = X(point.buffer);
+    const double y = Y(point.decibels);
+    path << Text("%c%.1f %.1f", isOpen ? 'L' : 'M', x, y);
+    isOpen = true;
+    if (hasDots) {
+      dots << Text("<circle cx='%.1f' cy='%.1f' r='2.4'/>", x, y);
+    }
+  }
+  m_Svg << "<path class='curve " << style << "' data-label='" << Escaped(label) << "' d='" << path.str() << "'/>\n";
+  if (hasDots) {
+    m_Svg << "<g class='dots " << style << "'>" << dots.str() << "</g>\n";
+  }
+}
+
+void Chart::AddPair(double first, double second, const std::string& label) {
+  const double y = kTop + 12.0;
+  const double bottom = kTop + m_Height;
+  const bool hasRoomRight = X(second) + kPairLabelWidth < kRight;
+  m_Svg << Text("<g class='pair' data-first='%.0f' data-second='%.0f'>", first, second)
+        << Text("<path class='first' d='M%.1f %.1fV%.1f'/>", X(first), kTop, bottom)
+        << Text("<path class='second' d='M%.1f %.1fV%.1f'/>", X(second), kTop, bottom)
+        << Text("<path class='span' d='M%.1f %.1fH%.1f'/>", X(first), y, X(second));
+  AddText(hasRoomRight ? X(second) + 6.0 : X(first) - 6.0, y + 4.0, hasRoomRight ? "pair" : "pair end", label);
+  m_Svg << "</g>\n";
+}
+
+double Chart::LaneMiddle(std::size_t lane) const {
+  return kTop + (static_cast<double>(lane) + 0.5) * kLaneHeight;
+}
+
+void Chart::AddLink(std::size_t firstLane, double first, std::size_t secondLane, double second) {
+  m_Svg << Text(
+      "<g class='pair' data-first='%.0f' data-second='%.0f'><path class='span' d='M%.1f %.1fL%.1f %.1f'/></g>\n", first,
+      second, X(first), LaneMiddle(firstLane), X(second), LaneMiddle(secondLane));
+}
+
+void Chart::AddLaneLabel(std::size_t lane, const std::string& style, const std::string& label) {
+  const double y = kTop + static_cast<double>(lane) * kLaneHeight;
+  m_Svg << Text("<path class='grid' d='M%.1f %.1fH%.1f'/>", kLeft, y, kRight);
+  AddText(kRight + kLabelGap, y + kLaneHeight / 2.0 + 4.0, "label " + style, label);
+}
+
+void Chart::AddMarks(std::size_t lane, const std::vector<double>& buffers, Shape shape, const std::string& style) {
+  static const char* const kShapes[] = {"m0-5v10", "m-5 0a5 5 0 1 0 10 0a5 5 0 1 0-10 0", "m-4-4l8 8m0-8l-8 8",
+                                        "m0-6l6 6l-6 6l-6-6z"};
+  const double y = LaneMiddle(lane);
+  std::set<long> columns;
+  m_Svg << "<g class='marks " << style << "'>";
+  for (const double buffer : buffers) {
+    if (columns.insert(std::lround(X(buffer))).second) {
+      const std::string title = BufferText(static_cast<std::int32_t>(buffer));
+      m_Svg << Text("<path data-buffer='%.0f' d='M%.1f %.1f%s'><title>%s</title></path>", buffer, X(buffer), y,
+                    kShapes[static_cast<std::size_t>(shape)], title.c_str());
+    }
+  }
+  m_Svg << "</g>\n";
+}
+
+// Pushed apart where they would lie on each other.
+void Chart::AddMarginLabels() {
+  std::sort(m_Labels.begin(), m_Labels.end(), [](const MarginLabel& a, const MarginLabel& b) { return a.y < b.y; });
+  double lowest = kTop + m_Height + 4.0;
+  for (auto label = m_Labels.rbegin(); label != m_Labels.rend(); ++label) {
+    lowest = label->y = std::min(label->y, lowest);
+    lowest -= kLabelHeight;
+  }
+  for (const MarginLabel& label : m_Labels) {
+    AddText(kRight + kLabelGap, label.y, "label " + label.style, label.text);
+  }
+}
+
+std::string Chart::Finish() {
+  AddMarginLabels();
+  const double height = kTop + m_Height + kBottomMargin;
+  return Text(
+             "<svg class='chart' id='%s' viewBox='0 0 %.0f %.0f' role='img' data-from='%g' data-to='%g' "
+             "data-low='%g' data-high='%g' data-left='%g' data-right='%g' data-top='%g' data-bottom='%g'>\n",
+             m_Name.c_str(), kWidth, height, m_Buffers.low, m_Buffers.high, m_Decibels.low, m_Decibels.high, kLeft,
+             kRight, kTop, kTop + m_Height) +
+         m_Svg.str() + "</svg>\n";
+}
+
+}  // namespace orvex::tools

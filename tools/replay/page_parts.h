@@ -1,0 +1,17 @@
+// The parts of the page that are the same for every recording.
+#pragma once
+
+namespace orvex::tools {
+
+extern const char kPageBegin[];  // up to the title
+extern const char kPageStyle[];
+extern const char kPageScript[];  // a cursor that reads the curves
+extern const char kPageNotes[];
+
+extern const char kReadoutHint[];
+extern const char kEventsLegend[];
+extern const char kTonesLegend[];
+extern const char kRatiosLegend[];
+extern const char kNeighboursLegend[];
+
+}  // namespace orvex::tools

@@ -1,0 +1,257 @@
+// Draws what the receiver measured and reported.
+#include "report_charts.h"
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <limits>
+
+#include "detector_limits.h"
+#include "findings.h"
+#include "text.h"
+
+namespace orvex::tools {
+namespace {
+
+constexpr Tone kTones[] = {Tone::k17000Hz, Tone::k19000Hz};
+constexpr double kShortestAxis = 40.0;  // buffers
+constexpr double kCloseUp = 80.0;
+constexpr double kWorthACloseUp = 130.0;
+constexpr double kLeastDecibels = 40.0;
+
+const char* StyleOf(Tone tone) {
+  return tone == Tone::k17000Hz ? "f17" : "f19";
+}
+
+using Value = std::function<double(const RecordedBlock&)>;
+
+std::vector<CurvePoint> MakeCurve(const RunRecord& run, const View& view, const Value& decibels) {
+  std::vector<CurvePoint> curve;
+  for (const RecordedBlock& block : run.GetBlocks()) {
+    const double buffer = block.buffer;
+    if (buffer >= view.buffers.low && buffer <= view.buffers.high) {
+      curve.push_back({buffer, decibels(block)});
+    }
+  }
+  return curve;
+}
+
+// Whole tens around all finite values.
+class DecibelRange {
+public:
+  void Take(double decibels) {
+    if (std::isfinite(decibels)) {
+      m_Low = std::min(m_Low, decibels);
+      m_High = std::max(m_High, decibels);
+    }
+  }
+  void Take(const std::vector<CurvePoint>& curve) {
+    std::for_each(curve.begin(), curve.end(), [this](const CurvePoint& point) { Take(point.decibels); });
+  }
+  Span Round() const {
+    if (m_Low > m_High) {
+      return {-120.0, -80.0};
+    }
+    const double low = std::floor((m_Low - 1.0) / 10.0) * 10.0;
+    return {low, std::max(std::ceil((m_High + 1.0) / 10.0) * 10.0, low + kLeastDecibels)};
+  }
+
+private:
+  double m_Low = std::numeric_limits<double>::infinity();
+  double m_High = -std::numeric_limits<double>::infinity();
+};
+
+void AddPhases(Chart& chart) {
+  chart.AddBand(0, kIgnoredBuffers, "ignored", "ignored");
+  chart.AddBand(kIgnoredBuffers, kIgnoredBuffers + kAmbientBlocks, "phase", "ambient phase");
+}
+
+std::vector<RecordedEvent> PairsWithin(const RunRecord& run, const View& view) {
+  std::vector<RecordedEvent> pairs;
+  std::copy_if(
+      run.GetEvents().begin(), run.GetEvents().end(), std::back_inserter(pairs), [&](const RecordedEvent& event) {
+        return event.kind == EventKind::kResult && event.first >= view.buffers.low && event.buffer <= view.buffers.high;
+      });
+  return pairs;
+}
+
+// The run's own pair has a label; further ones, of which there may be many, have not.
+void AddPairs(Chart& chart, const RunRecord& run, const View& view) {
+  const auto own = run.FindFirst(EventKind::kResult);
+  for (const RecordedEvent& pair : PairsWithin(run, view)) {
+    chart.AddPair(pair.first, pair.buffer, pair.buffer == own->buffer ? Text("%+.1f ms", pair.differenceS * 1e3) : "");
+  }
+}
+
+std::vector<double> BuffersOf(const RunRecord& run, EventKind kind) {
+  std::vector<double> buffers;
+  for (const RecordedEvent& event : run.GetEvents()) {
+    if (event.kind == kind) {
+      buffers.push_back(event.buffer);
+    }
+  }
+  return buffers;
+}
+
+std::vector<double> CleanBlocks(const RunRecord& run, Tone tone) {
+  std::vector<double> buffers;
+  for (const RecordedBlock& block : run.GetBlocks()) {
+    if (Judge(run, block, tone) == Verdict::kClean) {
+      buffers.push_back(block.buffer);
+    }
+  }
+  return buffers;
+}
+
+std::vector<double> Within(const View& view, std::vector<double> buffers) {
+  buffers.erase(std::remove_if(buffers.begin(), buffers.end(),
+                               [&](double buffer) { return buffer < view.buffers.low || buffer > view.buffers.high; }),
+                buffers.end());
+  return buffers;
+}
+
+// Where to look when no pair was found: the first thing that happened, or else the block that came nearest to it.
+std::int32_t MostTellingBuffer(const RunRecord& run) {
+  for (const EventKind kind :
+       {EventKind::kSequence, EventKind::kFirst17, EventKind::kFirst19, EventKind::kNoisy19, EventKind::kNoisy17}) {
+    if (const auto event = run.FindFirst(kind)) {
+      return event->buffer;
+    }
+  }
+  std::int32_t buffer = 0;
+  double nearest = 0.0;
+  for (const Tone tone : kTones) {
+    const ToneFindings found = FindTone(run, tone);
+    const double ambient = run.GetAmbient() ? run.GetAmbient()->At(tone) : 0.0;
+    if (found.strongest && ambient > 0.0 && found.strongest->levels.At(tone) / ambient > nearest) {
+      nearest = found.strongest->levels.At(tone) / ambient;
+      buffer = found.strongest->buffer;
+    }
+  }
+  return buffer;
+}
+
+}  // namespace
+
+View WholeRecording(const RunRecord& run) {
+  return {"whole", {0.0, std::max(run.GetLastBuffer() + 1.0, kShortestAxis)}};
+}
+
+std::optional<View> CloseUp(const RunRecord& run) {
+  const double end = WholeRecording(run).buffers.high;
+  const auto result = run.FindFirst(EventKind::kResult);
+  const std::int32_t middle = result ? (result->first + result->buffer) / 2 : MostTellingBuffer(run);
+  if (end < kWorthACloseUp || middle == 0) {
+    return std::nullopt;
+  }
+  const double low = std::clamp(middle - kCloseUp / 2.0, 0.0, end - kCloseUp);
+  return View{"close", {low, low + kCloseUp}};
+}
+
+std::string DrawEvents(const RunRecord& run, const View& view) {
+  enum Lane : std::size_t { k17, k19, kNoisy, kSequence, kExtend, kLanes };
+  Chart chart(view.name + "-events", view.buffers, kLanes * Chart::kLaneHeight);
+  AddPhases(chart);
+  chart.AddLaneLabel(k17, "f17", "17 kHz tones");
+  chart.AddLaneLabel(k19, "f19", "19 kHz tones");
+  chart.AddLaneLabel(kNoisy, "", "noisy tones");
+  chart.AddLaneLabel(kSequence, "", "sequence errors");
+  chart.AddLaneLabel(kExtend, "", "extend commands");
+  chart.AddMarks(k17, Within(view, CleanBlocks(run, Tone::k17000Hz)), Chart::Shape::kTick, "clean f17");
+  chart.AddMarks(k19, Within(view, CleanBlocks(run, Tone::k19000Hz)), Chart::Shape::kTick, "clean f19");
+  const auto add = [&](std::size_t lane, EventKind kind, Chart::Shape shape, const char* style) {
+    chart.AddMarks(lane, Within(view, BuffersOf(run, kind)), shape, style);
+  };
+  add(k17, EventKind::kFirst17, Chart::Shape::kDot, "start f17");
+  add(k19, EventKind::kFirst19, Chart::Shape::kDot, "start f19");
+  add(kNoisy, EventKind::kNoisy17, Chart::Shape::kCross, "noisy f17");
+  add(kNoisy, EventKind::kNoisy19, Chart::Shape::kCross, "noisy f19");
+  add(kNoisy, EventKind::kAbnormal, Chart::Shape::kDiamond, "abnormal");
+  add(kSequence, EventKind::kSequence, Chart::Shape::kDiamond, "sequence");
+  add(kExtend, EventKind::kExtend, Chart::Shape::kTick, "extend");
+  for (const RecordedEvent& pair : PairsWithin(run, view)) {
+    const bool is17First = pair.differenceS > 0.0;
+    chart.AddLink(is17First ? k17 : k19, pair.first, is17First ? k19 : k17, pair.buffer);
+  }
+  return chart.Finish();
+}
+
+std::string DrawTones(const RunRecord& run, const View& view) {
+  Chart chart(view.name + "-tones", view.buffers, 300.0);
+  DecibelRange range;
+  std::vector<CurvePoint> curves[2];
+  for (const Tone tone : kTones) {
+    auto& curve = curves[tone == Tone::k19000Hz];
+    curve = MakeCurve(run, view, [=](const RecordedBlock& block) { return LevelDbfs(block.levels.At(tone)); });
+    range.Take(curve);
+    range.Take(run.GetAmbient() ? LevelDbfs(kToneThreshold * run.GetAmbient()->At(tone)) : NAN);
+  }
+  chart.AddDecibelAxis(range.Round(), "level (dBFS)");
+  AddPhases(chart);
+  for (const Floor& floor : FollowPairing(run).floors) {
+    if (floor.level > kToneThreshold * run.GetAmbient()->At(floor.tone)) {
+      chart.AddLevel(floor.from, floor.to, LevelDbfs(floor.level), std::string("floor ") + StyleOf(floor.tone), "");
+    }
+  }
+  for (const Tone tone : kTones) {
+    const double ambient = run.GetAmbient() ? run.GetAmbient()->At(tone) : 0.0;
+    if (ambient > 0.0) {
+      const double level = LevelDbfs(ambient);
+      const double threshold = LevelDbfs(kToneThreshold * ambient);
+      chart.AddLevel(kIgnoredBuffers, view.buffers.high, level, std::string("ambient ") + StyleOf(tone),
+                     Text("%s ambient %.1f", NameOf(tone), level));
+      chart.AddLevel(kAmbientBuffer + 1, view.buffers.high, threshold, std::string("threshold ") + StyleOf(tone),
+                     Text("%s threshold %.1f", NameOf(tone), threshold));
+    }
+    chart.AddCurve(curves[tone == Tone::k19000Hz], StyleOf(tone), NameOf(tone));
+  }
+  AddPairs(chart, run, view);
+  return chart.Finish();
+}
+
+std::string DrawNeighbours(const RunRecord& run, const View& view) {
+  const auto at17500 = MakeCurve(run, view, [](const RecordedBlock& block) { return LevelDbfs(block.levels.at17500); });
+  const auto at18000 = MakeCurve(run, view, [](const RecordedBlock& block) { return LevelDbfs(block.levels.at18000); });
+  Chart chart(view.name + "-neighbours", view.buffers, 150.0);
+  DecibelRange range;
+  range.Take(at17500);
+  range.Take(at18000);
+  chart.AddDecibelAxis(range.Round(), "level (dBFS)");
+  AddPhases(chart);
+  if (run.GetAmbient() && run.GetAmbient()->at17500 > 0.0 && run.GetAmbient()->at18000 > 0.0) {
+    const double level17500 = LevelDbfs(run.GetAmbient()->at17500);
+    const double level18000 = LevelDbfs(run.GetAmbient()->at18000);
+    chart.AddLevel(kIgnoredBuffers, view.buffers.high, level17500, "ambient f175",
+                   Text("17.5 kHz ambient %.1f", level17500));
+    chart.AddLevel(kIgnoredBuffers, view.buffers.high, level18000, "ambient f18",
+                   Text("18 kHz ambient %.1f", level18000));
+  }
+  chart.AddCurve(at17500, "f175", "17.5 kHz");
+  chart.AddCurve(at18000, "f18", "18 kHz");
+  AddPairs(chart, run, view);
+  return chart.Finish();
+}
+
+std::string DrawRatios(const RunRecord& run, const View& view) {
+  const double threshold = Decibels(kNeighbourThreshold);
+  Chart chart(view.name + "-ratios", view.buffers, 180.0);
+  DecibelRange range;
+  range.Take(threshold);
+  std::vector<CurvePoint> curves[2];
+  for (const Tone tone : kTones) {
+    auto& curve = curves[tone == Tone::k19000Hz];
+    curve = MakeCurve(run, view, [=](const RecordedBlock& block) { return Decibels(block.Ratio(tone)); });
+    range.Take(curve);
+  }
+  chart.AddDecibelAxis(range.Round(), "tone over neighbours (dB)");
+  AddPhases(chart);
+  chart.AddLevel(kAmbientBuffer + 1, view.buffers.high, threshold, "threshold ratio",
+                 Text("threshold %.1f (5 : 1)", threshold));
+  for (const Tone tone : kTones) {
+    chart.AddCurve(curves[tone == Tone::k19000Hz], StyleOf(tone), NameOf(tone));
+  }
+  AddPairs(chart, run, view);
+  return chart.Finish();
+}
+
+}  // namespace orvex::tools

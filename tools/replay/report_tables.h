@@ -1,0 +1,16 @@
+// The tables of a report.
+#pragma once
+
+#include <string>
+
+#include "run_record.h"
+
+namespace orvex::tools {
+
+// How each tone fared, from the ambient level to the clean blocks.
+std::string MakeToneTable(const RunRecord& run);
+
+// The events in their order; of very many the first ones, and how many there are more.
+std::string MakeEventTable(const RunRecord& run);
+
+}  // namespace orvex::tools

@@ -1,0 +1,77 @@
+// Texts of the report.
+#include "text.h"
+
+#include <cmath>
+#include <cstdarg>
+#include <cstdio>
+
+#include "detector_limits.h"
+
+namespace orvex::tools {
+
+std::string Text(const char* format, ...) {
+  va_list arguments;
+  va_start(arguments, format);
+  va_list again;
+  va_copy(again, arguments);
+  const int length = std::vsnprintf(nullptr, 0, format, arguments);
+  va_end(arguments);
+  std::string text(static_cast<std::size_t>(length) + 1, '\0');
+  std::vsnprintf(text.data(), text.size(), format, again);
+  va_end(again);
+  text.pop_back();
+  return text;
+}
+
+std::string Escaped(const std::string& text) {
+  std::string escaped;
+  for (const char c : text) {
+    switch (c) {
+      case '&':
+        escaped += "&amp;";
+        break;
+      case '<':
+        escaped += "&lt;";
+        break;
+      case '>':
+        escaped += "&gt;";
+        break;
+      case '"':
+        escaped += "&quot;";
+        break;
+      case '\'':
+        escaped += "&#39;";
+        break;
+      default:
+        escaped += c;
+    }
+  }
+  return escaped;
+}
+
+const char* NameOf(Tone tone) {
+  return tone == Tone::k17000Hz ? "17 kHz" : "19 kHz";
+}
+
+const char* OriginOf(Tone tone) {
+  return tone == Tone::k17000Hz ? "television's speaker" : "optical output";
+}
+
+std::string BufferText(std::int32_t buffer) {
+  return Text("buffer %d (%.3f s)", buffer, buffer * kBufferS);
+}
+
+std::string Counted(std::int64_t count, const char* what) {
+  return Text("%lld %s%s", static_cast<long long>(count), what, count == 1 ? "" : "s");
+}
+
+double Decibels(double ratio) {
+  return 20.0 * std::log10(ratio);
+}
+
+double LevelDbfs(double magnitude) {
+  constexpr double kFullScale = 32768.0 * OrvexReceiver::kBlockSamples / 2.0;
+  return Decibels(magnitude / kFullScale);
+}
+
+}  // namespace orvex::tools

@@ -1,0 +1,31 @@
+// Texts of the report.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "receiver_rig.h"
+
+namespace orvex::tools {
+
+// As printf() writes it.
+std::string Text(const char* format, ...) __attribute__((format(printf, 1, 2)));
+
+// For HTML and SVG, between tags and within quotes.
+std::string Escaped(const std::string& text);
+
+// "17 kHz", "19 kHz".
+const char* NameOf(Tone tone);
+// What the tone is played on: "television's speaker", "optical output".
+const char* OriginOf(Tone tone);
+// "buffer 58 (0.957 s)"; the time is that of the buffer's end.
+std::string BufferText(std::int32_t buffer);
+// "1 block", "2 blocks".
+std::string Counted(std::int64_t count, const char* what);
+
+// 20 log10; minus infinity for 0.
+double Decibels(double ratio);
+// A magnitude in dB below that of a sine at full scale that fills the block.
+double LevelDbfs(double magnitude);
+
+}  // namespace orvex::tools
