@@ -34,3 +34,39 @@ configure() {
 cpp_files() { git ls-files --cached --others --exclude-standard --deduplicate -- '*.cpp' '*.h' | while read -r file; do
   [ ! -f "$file" ] || printf '%s\n' "$file"
 done; }
+
+# install_packages PACKAGE...: installs those of them that are missing; says nothing when none is. Needs root or sudo.
+install_packages() {
+  if ! command -v dpkg-query >/dev/null; then
+    say "This is no Debian system. Install what these Debian packages hold: $*"
+    return 1
+  fi
+  local package state missing=() install as_root log
+  for package in "$@"; do
+    state=$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null || true)
+    [ "$state" = installed ] || missing+=("$package")
+  done
+  [ ${#missing[@]} -gt 0 ] || return 0
+
+  install=(apt-get install -y -qq --no-install-recommends "${missing[@]}")
+  if [ "$(id -u)" = 0 ]; then
+    as_root=(env)
+  elif command -v sudo >/dev/null; then
+    as_root=(sudo env)
+  else
+    say "Packages are missing, and installing them needs root. Run as root:"
+    say "  apt-get update && ${install[*]}"
+    return 1
+  fi
+
+  say "Installing: ${missing[*]}"
+  log=$(mktemp)
+  if ! { "${as_root[@]}" apt-get update -qq && "${as_root[@]}" DEBIAN_FRONTEND=noninteractive "${install[@]}"; } \
+    </dev/null >"$log" 2>&1; then
+    tail -n 30 "$log" >&2
+    rm -f "$log"
+    say "Installing failed."
+    return 1
+  fi
+  rm -f "$log"
+}
