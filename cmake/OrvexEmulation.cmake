@@ -1,0 +1,15 @@
+# orvex_startable(PROGRAM RESULT): how another program starts PROGRAM, a target. Where it needs an emulator, which the
+# kernel does not know of, that is a script.
+function(orvex_startable program result)
+  if(NOT CMAKE_CROSSCOMPILING_EMULATOR)
+    set(${result} $<TARGET_FILE:${program}> PARENT_SCOPE)
+    return()
+  endif()
+  set(scripts ${PROJECT_BINARY_DIR}/emulated)
+  list(JOIN CMAKE_CROSSCOMPILING_EMULATOR " " emulator)
+  # orvex-tv starts the service likewise.
+  file(GENERATE OUTPUT ${scripts}/${program}
+       CONTENT "#!/bin/sh\nexport ORVEX_SERVICE=\"\${ORVEX_SERVICE:-${scripts}/orvex-service}\"\nexec ${emulator} $<TARGET_FILE:${program}> \"$@\"\n"
+       FILE_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
+  set(${result} ${scripts}/${program} PARENT_SCOPE)
+endfunction()
