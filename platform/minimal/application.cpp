@@ -89,14 +89,25 @@ Eina_Bool OnEndSignal(void* /*data*/, int /*type*/, void* /*event*/) {
   return ECORE_CALLBACK_DONE;
 }
 
-// Ecore is not shut down again: an alarm may outlive AppMain(), and the process is about to end.
-bool StartEcore() {
-  ecore_app_no_system_modules();
-  return Queue().GetDescriptor() >= 0 && ecore_init() > 0 &&
-         ecore_event_handler_add(ECORE_EVENT_SIGNAL_EXIT, &OnEndSignal, nullptr) != nullptr &&
-         ecore_main_fd_handler_add(Queue().GetDescriptor(), ECORE_FD_READ, &DeliverOne, nullptr, nullptr, nullptr) !=
-             nullptr;
-}
+// Ecore from AppMain() to the process's end, since an alarm may outlive AppMain().
+class Ecore {
+public:
+  Ecore() {
+    ecore_app_no_system_modules();
+    m_IsReady = Queue().GetDescriptor() >= 0 && ecore_init() > 0 &&
+                ecore_event_handler_add(ECORE_EVENT_SIGNAL_EXIT, &OnEndSignal, nullptr) != nullptr &&
+                ecore_main_fd_handler_add(Queue().GetDescriptor(), ECORE_FD_READ, &DeliverOne, nullptr, nullptr,
+                                          nullptr) != nullptr;
+  }
+  ~Ecore() { ecore_shutdown(); }
+  Ecore(const Ecore&) = delete;
+  Ecore& operator=(const Ecore&) = delete;
+
+  bool IsReady() const { return m_IsReady; }
+
+private:
+  bool m_IsReady = false;
+};
 
 bool HasWorkers() {
   return ecore_thread_active_get() > 0 || ecore_thread_pending_total_get() > 0;
@@ -136,8 +147,8 @@ bool SendEvent(const FwEvent& event) {
 }
 
 int AppMain(int /*argc*/, char** /*argv*/, FwEflApplication* application) {
-  static const bool isEcoreStarted = StartEcore();
-  if (application == nullptr || !isEcoreStarted) {
+  static const Ecore ecore;
+  if (application == nullptr || !ecore.IsReady()) {
     return EXIT_FAILURE;
   }
   Queue().Open();
