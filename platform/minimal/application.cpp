@@ -2,7 +2,9 @@
 #include "orvex/platform/application.h"
 
 #include <Ecore.h>
+#include <signal.h>
 #include <sys/eventfd.h>
+#include <sys/signalfd.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -83,10 +85,26 @@ Eina_Bool DeliverOne(void* /*data*/, Ecore_Fd_Handler* /*handler*/) {
   return ECORE_CALLBACK_RENEW;
 }
 
-// SIGTERM or SIGINT.
-Eina_Bool OnEndSignal(void* /*data*/, int /*type*/, void* /*event*/) {
-  ui_app_exit();
-  return ECORE_CALLBACK_DONE;
+// From now on SIGTERM and SIGINT interrupt no thread: this descriptor is readable when one has come.
+int OpenEndSignals() {
+  sigset_t signals;
+  sigemptyset(&signals);
+  sigaddset(&signals, SIGTERM);
+  sigaddset(&signals, SIGINT);
+  pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+  return ::signalfd(-1, &signals, SFD_NONBLOCK | SFD_CLOEXEC);
+}
+
+Eina_Bool OnEndSignal(void* /*data*/, Ecore_Fd_Handler* handler) {
+  signalfd_siginfo signal{};
+  if (::read(ecore_main_fd_handler_fd_get(handler), &signal, sizeof signal) > 0) {
+    ui_app_exit();
+  }
+  return ECORE_CALLBACK_RENEW;
+}
+
+bool Watch(int fd, Ecore_Fd_Cb callback) {
+  return fd >= 0 && ecore_main_fd_handler_add(fd, ECORE_FD_READ, callback, nullptr, nullptr, nullptr) != nullptr;
 }
 
 // Ecore from AppMain() to the process's end, since an alarm may outlive AppMain().
@@ -94,10 +112,9 @@ class Ecore {
 public:
   Ecore() {
     ecore_app_no_system_modules();
-    m_IsReady = Queue().GetDescriptor() >= 0 && ecore_init() > 0 &&
-                ecore_event_handler_add(ECORE_EVENT_SIGNAL_EXIT, &OnEndSignal, nullptr) != nullptr &&
-                ecore_main_fd_handler_add(Queue().GetDescriptor(), ECORE_FD_READ, &DeliverOne, nullptr, nullptr,
-                                          nullptr) != nullptr;
+    // The signals after Ecore has begun, as it lets through what was held back.
+    m_IsReady =
+        ecore_init() > 0 && Watch(OpenEndSignals(), &OnEndSignal) && Watch(Queue().GetDescriptor(), &DeliverOne);
   }
   ~Ecore() { ecore_shutdown(); }
   Ecore(const Ecore&) = delete;
