@@ -1,0 +1,80 @@
+// The driver of the smallest port: the television is this process, its log is what goes to stderr.
+#include <signal.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <regex>
+#include <sstream>
+#include <stdexcept>
+
+#include "port_driver.h"
+
+namespace orvex::conformance {
+namespace {
+
+// Leads stderr into a file without a name as long as it lives.
+class CapturedErrors {
+public:
+  CapturedErrors() {
+    if (m_File < 0 || m_Before < 0 || ::dup2(m_File, STDERR_FILENO) < 0) {
+      throw std::runtime_error(std::string("cannot lead stderr into a file: ") + std::strerror(errno));
+    }
+  }
+  ~CapturedErrors() {
+    ::dup2(m_Before, STDERR_FILENO);
+    ::close(m_Before);
+    ::close(m_File);
+  }
+  CapturedErrors(const CapturedErrors&) = delete;
+  CapturedErrors& operator=(const CapturedErrors&) = delete;
+
+  std::string Text() const {
+    std::string text;
+    char piece[65536];
+    for (ssize_t count = 0; (count = ::pread(m_File, piece, sizeof piece, static_cast<off_t>(text.size()))) > 0;) {
+      text.append(piece, static_cast<std::size_t>(count));
+    }
+    return text;
+  }
+
+private:
+  int m_File = ::memfd_create("stderr", MFD_CLOEXEC);
+  int m_Before = ::dup(STDERR_FILENO);
+};
+
+class MinimalDriver : public PortDriver {
+public:
+  MinimalDriver() : PortDriver({Ability::kReadLog, Ability::kSendTerminationSignal}) {}
+
+  // "main I tag: text"; what libraries write to stderr is no record.
+  std::vector<LogRecord> LogRecords() const override {
+    static const std::regex form(R"((main|system) ([DIWE]) ([^:]*): )");
+    std::istringstream lines(m_Errors.Text());
+    std::vector<LogRecord> records;
+    for (std::string line; std::getline(lines, line);) {
+      std::smatch match;
+      if (!std::regex_search(line, match, form, std::regex_constants::match_continuous)) {
+        continue;
+      }
+      const auto priority = LogPriority(static_cast<int>(LogPriority::kDebug) +
+                                        static_cast<int>(std::string("DIWE").find(match[2].str())));
+      records.push_back(
+          {match[1] == "main" ? LogBuffer::kMain : LogBuffer::kSystem, priority, match[3], match.suffix()});
+    }
+    return records;
+  }
+
+  void SendTerminationSignal(int number) override { ::kill(::getpid(), number); }
+
+private:
+  CapturedErrors m_Errors;
+};
+
+}  // namespace
+
+std::unique_ptr<PortDriver> MakePortDriver() {
+  return std::make_unique<MinimalDriver>();
+}
+
+}  // namespace orvex::conformance
