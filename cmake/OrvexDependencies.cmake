@@ -1,7 +1,9 @@
 # Third-party libraries, all of them Debian packages. Their headers are SYSTEM includes: our warnings are about our code.
 find_package(PkgConfig REQUIRED)
 find_package(Threads REQUIRED)
-find_package(GTest REQUIRED)
+if(BUILD_TESTING)
+  find_package(GTest REQUIRED)
+endif()
 find_package(Boost 1.74 REQUIRED)
 
 foreach(pair ecore:ecore ecore_file:ecore-file alsa:alsa jsoncpp:jsoncpp samplerate:samplerate sndfile:sndfile
