@@ -12,7 +12,7 @@ namespace {
 constexpr std::int64_t kRateHz = 48000;
 constexpr std::int64_t kNsPerS = 1'000'000'000;
 constexpr std::size_t kChannels = 2;
-constexpr std::uint64_t kUnsaidBufferFrames = 8192;
+constexpr snd_pcm_uframes_t kUnsaidBufferFrames = 8192;
 
 // The first moment at which so many frames have been played.
 Time FramesToTime(std::uint64_t frames) {
@@ -113,7 +113,7 @@ int PcmDevice::Resume() {
   if (m_State == SND_PCM_STATE_RUNNING) {
     m_StartedAt += m_Scheduler.Now() - m_StoppedAt;
     const std::size_t held = m_Buffer.size() / kChannels;
-    const std::size_t unplayed = std::min<std::size_t>(held, m_BufferFrames - Room());
+    const auto unplayed = static_cast<std::size_t>(std::min<std::uint64_t>(held, m_BufferFrames - Room()));
     m_Sink(m_Scheduler.Now(), m_Buffer.data() + (held - unplayed) * kChannels, unplayed);
   }
   return 0;

@@ -63,8 +63,8 @@ private:
   void Take(const std::int16_t* stereo, std::size_t frames);
 
   Scheduler& m_Scheduler;
-  std::uint64_t m_BufferFrames;
-  std::uint64_t m_PeriodFrames;
+  snd_pcm_uframes_t m_BufferFrames;
+  snd_pcm_uframes_t m_PeriodFrames;
   Thresholds m_Thresholds;
   Sink m_Sink;
   Cut m_Cut;
