@@ -8,6 +8,10 @@ add_library(orvex_build INTERFACE)
 target_compile_options(orvex_build INTERFACE -Wall -Wextra -Wshadow -Wconversion $<$<BOOL:${ORVEX_WERROR}>:-Werror>)
 # One rounding per operation on every machine, so that the detector's figures are the same everywhere.
 target_compile_options(orvex_build INTERFACE -ffp-contract=off)
+# On 32-bit machines, too: files larger than 2 GiB, and a clock that goes on after January 2038.
+if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+  target_compile_definitions(orvex_build INTERFACE _FILE_OFFSET_BITS=64 _TIME_BITS=64)
+endif()
 # Function names and line numbers; full debug information costs more time than everything else.
 add_compile_options(-g1)
 

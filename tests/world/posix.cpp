@@ -20,6 +20,13 @@ World* WorldOfThisThread() {
 
 }  // namespace
 
+// What a call of gettimeofday() is to the linker.
+#ifdef __USE_TIME_BITS64
+#define ORVEX_GETTIMEOFDAY(kind) kind##__gettimeofday64
+#else
+#define ORVEX_GETTIMEOFDAY(kind) kind##gettimeofday
+#endif
+
 // NOLINTBEGIN(bugprone-reserved-identifier): the linker fixes these names.
 extern "C" {
 
@@ -27,7 +34,7 @@ int __real_pthread_create(pthread_t* thread, const pthread_attr_t* attributes, v
 int __real_pthread_join(pthread_t thread, void** result);
 int __real_usleep(useconds_t microseconds);
 unsigned int __real_sleep(unsigned int seconds);
-int __real_gettimeofday(timeval* time, void* zone);
+int ORVEX_GETTIMEOFDAY(__real_)(timeval* time, void* zone);
 
 int __wrap_pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*body)(void*), void* data) {
   World* world = WorldOfThisThread();
@@ -73,10 +80,10 @@ unsigned int __wrap_sleep(unsigned int seconds) {
   return 0;
 }
 
-int __wrap_gettimeofday(timeval* time, void* zone) {
+int ORVEX_GETTIMEOFDAY(__wrap_)(timeval* time, void* zone) {
   World* world = WorldOfThisThread();
   if (world == nullptr) {
-    return __real_gettimeofday(time, zone);
+    return ORVEX_GETTIMEOFDAY(__real_)(time, zone);
   }
   const std::int64_t now =
       world->wallClockUs + std::chrono::duration_cast<std::chrono::microseconds>(world->scheduler.Now()).count();

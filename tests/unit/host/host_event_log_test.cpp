@@ -4,6 +4,9 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
 #include <thread>
 #include <vector>
 
@@ -68,6 +71,20 @@ TEST_F(HostEventLog, RemovesALineThatWasCutOff) {
     EXPECT_EQ(records[0]["value"], "first");
     EXPECT_EQ(records[1]["value"], "second");
   }
+}
+
+TEST_F(HostEventLog, AppendsToACollectionOf5GiB) {
+  constexpr std::uintmax_t kBytes = std::uintmax_t{5} << 30U;
+  const auto file = Folder() / "events.jsonl";
+  Echo("events.jsonl", "");
+  std::filesystem::resize_file(file, kBytes - 1);  // takes no room on the disk
+  std::ofstream(file, std::ios::app) << '\n';
+  EXPECT_EQ(Add("x"), 1);
+  std::ifstream end(file);
+  end.seekg(static_cast<std::streamoff>(kBytes));
+  Json::Value record;
+  end >> record;
+  EXPECT_EQ(record["value"], "x");
 }
 
 TEST_F(HostEventLog, RemovesACutLineThatIsAllThereIs) {
