@@ -3,11 +3,11 @@
 
 #include <utility>
 
+#include "detector_limits.h"
+
 namespace orvex::tools {
 namespace {
 
-// Blocks over which the receiver takes its ambient mean.
-constexpr std::int32_t kAmbientBlocks = 30;
 constexpr int kDigits = 17;  // enough to read the same double back
 
 std::unique_ptr<Json::StreamWriter> MakeWriter() {
