@@ -66,6 +66,30 @@ TEST(Replay, OfSilenceFindsNothing) {
   EXPECT_EQ(0.0, objects.back()["ambient"]["17000"].asDouble());
 }
 
+TEST(Replay, WritesAReportBesideItsLinesWithTheSameExitCode) {
+  const TestTelevision folder;
+  folder.WriteFile("silence", std::string(40 * 1536, '\0'));
+  const std::string silence = folder.PathOf("silence").string();
+  const ToolRun plain = RunProgram(ORVEX_REPLAY_PROGRAM, {silence});
+  const ToolRun reported = RunProgram(ORVEX_REPLAY_PROGRAM, {"--report", folder.PathOf("a.html").string(), silence});
+  EXPECT_EQ("exit code 1", Describe(reported.ending)) << reported.errors;
+  EXPECT_EQ(plain.output, reported.output);
+  EXPECT_THAT(folder.ReadFile("a.html"), HasSubstr("<code>" + silence + "</code>"));
+  EXPECT_THAT(folder.ReadFile("a.html"), HasSubstr("its ambient mean is exactly 0"));
+}
+
+TEST(Replay, RefusesAReportThatCannotBeWrittenOrOfSeveralFiles) {
+  const TestTelevision folder;
+  folder.WriteFile("silence", std::string(1536, '\0'));
+  const std::string silence = folder.PathOf("silence").string();
+  const ToolRun unwritable = RunProgram(ORVEX_REPLAY_PROGRAM, {"--report", "/nonexistent/a.html", silence});
+  EXPECT_EQ("exit code 2", Describe(unwritable.ending));
+  EXPECT_THAT(unwritable.errors, HasSubstr("/nonexistent/a.html: cannot be written: No such file or directory"));
+  const ToolRun several = RunProgram(ORVEX_REPLAY_PROGRAM, {"--report", "/nonexistent/a.html", silence, silence});
+  EXPECT_EQ("exit code 2", Describe(several.ending));
+  EXPECT_THAT(several.errors, HasSubstr("--report /nonexistent/a.html: 2 files, expected 1"));
+}
+
 TEST(Replay, RefusesWhatItCannotReadAndGoesOnWithTheRest) {
   const TestTelevision folder;
   folder.WriteFile("empty", "");

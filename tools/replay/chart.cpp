@@ -14,7 +14,7 @@ namespace {
 // In units of the picture, which is as wide as the page.
 constexpr double kWidth = 1200.0;
 constexpr double kLeft = 58.0;
-constexpr double kRight = 1030.0;
+constexpr double kRight = 1020.0;
 constexpr double kTop = 34.0;
 constexpr double kBottomMargin = 36.0;
 constexpr double kLabelHeight = 14.0;
@@ -78,9 +78,14 @@ void Chart::AddTimeAxes() {
   const double timeStep = TickStep(m_Buffers.Length() * kBufferS, 12.0);
   for (const double time : Ticks({m_Buffers.low * kBufferS, m_Buffers.high * kBufferS}, timeStep)) {
     m_Svg << Text("<path class='grid' d='M%.1f %.1fV%.1f'/>", X(time / kBufferS), kTop, bottom);
-    AddText(X(time / kBufferS), bottom + 16.0, "label middle", Text("%.*f", timeStep < 0.1 ? 2 : 1, time));
+    AddText(X(time / kBufferS), bottom + 19.0, "label middle",
+            Text("%.*f",
+                 timeStep < 0.1   ? 2
+                 : timeStep < 1.0 ? 1
+                                  : 0,
+                 time));
   }
-  AddText(kRight + kTitleGap, bottom + 16.0, "title", "time (s)");
+  AddText(kRight + kTitleGap, bottom + 19.0, "title", "time (s)");
   m_Svg << Text("<rect class='frame' x='%.1f' y='%.1f' width='%.1f' height='%.1f'/>\n", kLeft, kTop, kRight - kLeft,
                 m_Height);
 }
@@ -147,7 +152,8 @@ void Chart::AddPair(double first, double second, const std::string& label) {
   const double y = kTop + 12.0;
   const double bottom = kTop + m_Height;
   const bool hasRoomRight = X(second) + kPairLabelWidth < kRight;
-  m_Svg << Text("<g class='pair' data-first='%.0f' data-second='%.0f'>", first, second)
+  m_Svg << Text("<g class='pair%s' data-first='%.0f' data-second='%.0f'>", label.empty() ? " further" : "", first,
+                second)
         << Text("<path class='first' d='M%.1f %.1fV%.1f'/>", X(first), kTop, bottom)
         << Text("<path class='second' d='M%.1f %.1fV%.1f'/>", X(second), kTop, bottom)
         << Text("<path class='span' d='M%.1f %.1fH%.1f'/>", X(first), y, X(second));
@@ -159,10 +165,11 @@ double Chart::LaneMiddle(std::size_t lane) const {
   return kTop + (static_cast<double>(lane) + 0.5) * kLaneHeight;
 }
 
-void Chart::AddLink(std::size_t firstLane, double first, std::size_t secondLane, double second) {
-  m_Svg << Text(
-      "<g class='pair' data-first='%.0f' data-second='%.0f'><path class='span' d='M%.1f %.1fL%.1f %.1f'/></g>\n", first,
-      second, X(first), LaneMiddle(firstLane), X(second), LaneMiddle(secondLane));
+void Chart::AddLink(Place first, Place second, bool isFaint) {
+  m_Svg << Text("<g class='pair%s' data-first='%.0f' data-second='%.0f'>", isFaint ? " further" : "", first.buffer,
+                second.buffer)
+        << Text("<path class='span' d='M%.1f %.1fL%.1f %.1f'/></g>\n", X(first.buffer), LaneMiddle(first.lane),
+                X(second.buffer), LaneMiddle(second.lane));
 }
 
 void Chart::AddLaneLabel(std::size_t lane, const std::string& style, const std::string& label) {

@@ -31,10 +31,14 @@ public:
                 const std::string& label);
   // With dots, if blocks are far enough apart. `label` is for the cursor.
   void AddCurve(const std::vector<CurvePoint>& curve, const std::string& style, const std::string& label);
-  // Two tones that were paired, across the chart.
+  // Two tones that were paired, across the chart. A pair without a label is drawn faintly.
   void AddPair(double first, double second, const std::string& label);
   // The same between the lanes of both tones.
-  void AddLink(std::size_t firstLane, double first, std::size_t secondLane, double second);
+  struct Place {
+    std::size_t lane;
+    double buffer;
+  };
+  void AddLink(Place first, Place second, bool isFaint);
 
   static constexpr double kLaneHeight = 22.0;
   void AddLaneLabel(std::size_t lane, const std::string& style, const std::string& label);

@@ -97,6 +97,12 @@ void AddDisturbances(const RunRecord& run, std::int32_t untilBuffer, std::vector
   }
 }
 
+bool HasLateToneBefore(const RunRecord& run, std::int32_t buffer) {
+  const std::vector<SequenceError> errors = FollowPairing(run).errors;
+  return std::any_of(errors.begin(), errors.end(),
+                     [=](const SequenceError& error) { return error.buffer < buffer && error.IsTooLate(); });
+}
+
 Explanation ExplainFound(const RunRecord& run, const RecordedEvent& result) {
   const double differenceMs = result.differenceS * 1e3;
   const Tone first = differenceMs > 0.0 ? Tone::k17000Hz : Tone::k19000Hz;
@@ -113,6 +119,13 @@ Explanation ExplainFound(const RunRecord& run, const RecordedEvent& result) {
            differenceMs, differenceMs > 0.0 ? "shortens" : "lengthens", kBufferS * 1e3),
       Margins(run, result.first, first), Margins(run, result.buffer, Other(first))};
   AddDisturbances(run, result.buffer, found.reasons);
+  if (HasLateToneBefore(run, result.buffer)) {
+    found.outcome = Outcome::kDoubtful;
+    found.headline += ", but that is doubtful";
+    found.reasons.push_back(
+        "A tone came too late before the pair. When one is missing, or the true difference is larger than can be "
+        "measured, tones of two different bursts make a pair, and the difference is false.");
+  }
   const RecordedEvent* last = nullptr;
   std::int64_t results = 0;
   for (const RecordedEvent& event : run.GetEvents()) {

@@ -8,7 +8,8 @@
 
 namespace orvex::tools {
 
-enum class Outcome { kFound, kNotFound, kAbnormal };
+// Doubtful: found, but perhaps of tones that do not belong together.
+enum class Outcome { kFound, kDoubtful, kNotFound, kAbnormal };
 
 struct Explanation {
   Outcome outcome = Outcome::kNotFound;

@@ -36,9 +36,10 @@ struct Arguments {
 };
 
 void WriteReport(const RunRecord& run, const Recording& recording, const Arguments& arguments) {
-  std::ofstream page(arguments.report, std::ios::binary);
-  page << orvex::tools::MakeReportPage(run, {arguments.files.front(), recording.warning, recording.bytes.size()});
-  if (!page.flush()) {
+  const std::string page =
+      orvex::tools::MakeReportPage(run, {arguments.files.front(), recording.warning, recording.bytes.size()});
+  std::ofstream file(arguments.report, std::ios::binary);
+  if (!(file << page).flush()) {
     throw RecordingError(arguments.report + ": cannot be written: " + std::strerror(errno));
   }
 }
@@ -79,14 +80,14 @@ int main(int argc, char** argv) {
   CLI::App app(
       "Feeds recordings to the receiver, block by block as the remote would, and prints what it reports: one JSON "
       "object per line.\nExit code: 0 a difference was found in every file, 1 in some file none was found, 2 wrong "
-      "usage or a "
-      "file that cannot be read.");
+      "usage, or a file that cannot be read or written.");
   Arguments arguments;
   app.add_option("FILE", arguments.files, "debug dump (raw signed 16-bit little-endian mono) or WAV file")->required();
   app.add_flag("--trace", arguments.trace, "one object per analysed block, too: magnitudes and ratios");
   app.add_flag("--hearable", arguments.hearable, "set the audible setting: no tone is looked for");
   app.add_option("--report", arguments.report,
-                 "also write one HTML page with the levels, the tones and why the decision was what it was; one FILE")
+                 "also write a page for a browser: levels and thresholds over time, the pair, and why a difference was "
+                 "or was not found; takes one FILE")
       ->type_name("OUT.html");
   try {
     app.parse(argc, argv);

@@ -42,7 +42,7 @@ figcaption b { font-size: 14px; color: #1b1f24; margin-right: 8px; }
            color: #57606a; font-variant-numeric: tabular-nums; min-height: 19px; }
 .readout b { color: #1b1f24; }
 svg.chart { display: block; width: 100%; height: auto; }
-svg.chart text { font-size: 12px; fill: #424a53; }
+svg.chart text { font-size: 13px; fill: #424a53; }
 svg .middle { text-anchor: middle; }
 svg .end { text-anchor: end; }
 svg text.title { fill: #57606a; }
@@ -57,7 +57,7 @@ text.f17, text.f19, text.f175, text.f18 { stroke: none; }
 .frame { fill: none; stroke: #aeb5bd; }
 .ignored { fill: #6e7781; fill-opacity: .30; }
 .phase { fill: #6e7781; fill-opacity: .10; }
-.curve { fill: none; stroke-width: 1.5; stroke-linejoin: round; }
+.curve { fill: none; stroke-width: 1.5; stroke-linejoin: round; stroke-opacity: .8; }
 .dots.f17 { fill: var(--f17); } .dots.f19 { fill: var(--f19); } .dots.f175 { fill: var(--f175); }
 .dots.f18 { fill: var(--f18); }
 .dots { stroke: none; }
@@ -67,6 +67,7 @@ path.threshold.ratio { stroke: #424a53; }
 path.floor { stroke-width: 3; stroke-opacity: .55; fill: none; }
 .pair path { stroke: var(--good); fill: none; stroke-width: 1.6; }
 .pair path.span { stroke-width: 4; }
+.pair.further path { stroke-width: 1; stroke-opacity: .6; }
 svg text.pair { fill: var(--good); font-weight: 600; font-size: 14px; paint-order: stroke; stroke: #fff; stroke-width: 4; }
 .marks path { fill: none; stroke-width: 1.8; }
 .marks.start path { fill: currentColor; }
@@ -164,8 +165,8 @@ const char kPageNotes[] = R"(<section class="notes"><h2>How to read this</h2>
 <dl>
 <dt>buffer</dt><dd>One block of the remote's audio, 768 samples or 16.50 ms, numbered from 1. Times are those of its
 end. The first 4 are ignored, the next 30 give the ambient means, and from buffer 36 on tones are looked for.</dd>
-<dt>dBFS</dt><dd>0 dBFS is a sine at full scale that fills the block. Digital
-silence is drawn at the bottom.</dd>
+<dt>dBFS</dt><dd>0 dBFS is a sine at full scale that fills the block. What lies
+20 dB and more below the ambient mean, digital silence too, is drawn at the bottom.</dd>
 <dt>a tone</dt><dd>is found in a block when it reaches 50 times its ambient mean (34.0 dB), is stronger than the other
 tone, and is not noisy: at least 5 times (14.0 dB) the mean of its neighbours, 17.5 and 18 kHz. The eleventh noisy one
 ends a run as abnormal input if it is 19 kHz.</dd>

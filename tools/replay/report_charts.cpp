@@ -18,6 +18,7 @@ constexpr double kShortestAxis = 40.0;  // buffers
 constexpr double kCloseUp = 80.0;
 constexpr double kWorthACloseUp = 130.0;
 constexpr double kLeastDecibels = 40.0;
+constexpr double kDeepest = 20.0;  // below the ambient mean: the nulls of noise go deep and mean nothing
 
 const char* StyleOf(Tone tone) {
   return tone == Tone::k17000Hz ? "f17" : "f19";
@@ -36,7 +37,7 @@ std::vector<CurvePoint> MakeCurve(const RunRecord& run, const View& view, const 
   return curve;
 }
 
-// Whole tens around all finite values.
+// Around all finite values.
 class DecibelRange {
 public:
   void Take(double decibels) {
@@ -48,11 +49,12 @@ public:
   void Take(const std::vector<CurvePoint>& curve) {
     std::for_each(curve.begin(), curve.end(), [this](const CurvePoint& point) { Take(point.decibels); });
   }
-  Span Round() const {
+  // Whole tens. Nothing is to be seen below `lowest`.
+  Span Round(double lowest) const {
     if (m_Low > m_High) {
       return {-120.0, -80.0};
     }
-    const double low = std::floor((m_Low - 1.0) / 10.0) * 10.0;
+    const double low = std::floor((std::max(m_Low, lowest) - 1.0) / 10.0) * 10.0;
     return {low, std::max(std::ceil((m_High + 1.0) / 10.0) * 10.0, low + kLeastDecibels)};
   }
 
@@ -60,6 +62,12 @@ private:
   double m_Low = std::numeric_limits<double>::infinity();
   double m_High = -std::numeric_limits<double>::infinity();
 };
+
+// Of a picture of two frequencies.
+double LowestLevel(const RunRecord& run, double Levels::*one, double Levels::*other) {
+  const auto& ambient = run.GetAmbient();
+  return ambient ? LevelDbfs(std::min((*ambient).*one, (*ambient).*other)) - kDeepest : -INFINITY;
+}
 
 void AddPhases(Chart& chart) {
   chart.AddBand(0, kIgnoredBuffers, "ignored", "ignored");
@@ -75,12 +83,17 @@ std::vector<RecordedEvent> PairsWithin(const RunRecord& run, const View& view) {
   return pairs;
 }
 
-// The run's own pair has a label; further ones, of which there may be many, have not.
+// A run ends with its first pair.
+bool IsOwnPair(const RunRecord& run, const RecordedEvent& pair) {
+  return pair.buffer == run.FindFirst(EventKind::kResult)->buffer;
+}
+
+// The run's own pair lies above the others.
 void AddPairs(Chart& chart, const RunRecord& run, const View& view) {
-  const auto own = run.FindFirst(EventKind::kResult);
-  for (const RecordedEvent& pair : PairsWithin(run, view)) {
-    chart.AddPair(pair.first, pair.buffer, pair.buffer == own->buffer ? Text("%+.1f ms", pair.differenceS * 1e3) : "");
-  }
+  const std::vector<RecordedEvent> pairs = PairsWithin(run, view);
+  std::for_each(pairs.rbegin(), pairs.rend(), [&](const RecordedEvent& pair) {
+    chart.AddPair(pair.first, pair.buffer, IsOwnPair(run, pair) ? Text("%+.1f ms", pair.differenceS * 1e3) : "");
+  });
 }
 
 std::vector<double> BuffersOf(const RunRecord& run, EventKind kind) {
@@ -171,7 +184,8 @@ std::string DrawEvents(const RunRecord& run, const View& view) {
   add(kExtend, EventKind::kExtend, Chart::Shape::kTick, "extend");
   for (const RecordedEvent& pair : PairsWithin(run, view)) {
     const bool is17First = pair.differenceS > 0.0;
-    chart.AddLink(is17First ? k17 : k19, pair.first, is17First ? k19 : k17, pair.buffer);
+    chart.AddLink({is17First ? k17 : k19, static_cast<double>(pair.first)},
+                  {is17First ? k19 : k17, static_cast<double>(pair.buffer)}, !IsOwnPair(run, pair));
   }
   return chart.Finish();
 }
@@ -186,8 +200,11 @@ std::string DrawTones(const RunRecord& run, const View& view) {
     range.Take(curve);
     range.Take(run.GetAmbient() ? LevelDbfs(kToneThreshold * run.GetAmbient()->At(tone)) : NAN);
   }
-  chart.AddDecibelAxis(range.Round(), "level (dBFS)");
+  chart.AddDecibelAxis(range.Round(LowestLevel(run, &Levels::at17000, &Levels::at19000)), "level (dBFS)");
   AddPhases(chart);
+  for (const Tone tone : kTones) {
+    chart.AddCurve(curves[tone == Tone::k19000Hz], StyleOf(tone), NameOf(tone));
+  }
   for (const Floor& floor : FollowPairing(run).floors) {
     if (floor.level > kToneThreshold * run.GetAmbient()->At(floor.tone)) {
       chart.AddLevel(floor.from, floor.to, LevelDbfs(floor.level), std::string("floor ") + StyleOf(floor.tone), "");
@@ -203,7 +220,6 @@ std::string DrawTones(const RunRecord& run, const View& view) {
       chart.AddLevel(kAmbientBuffer + 1, view.buffers.high, threshold, std::string("threshold ") + StyleOf(tone),
                      Text("%s threshold %.1f", NameOf(tone), threshold));
     }
-    chart.AddCurve(curves[tone == Tone::k19000Hz], StyleOf(tone), NameOf(tone));
   }
   AddPairs(chart, run, view);
   return chart.Finish();
@@ -216,8 +232,10 @@ std::string DrawNeighbours(const RunRecord& run, const View& view) {
   DecibelRange range;
   range.Take(at17500);
   range.Take(at18000);
-  chart.AddDecibelAxis(range.Round(), "level (dBFS)");
+  chart.AddDecibelAxis(range.Round(LowestLevel(run, &Levels::at17500, &Levels::at18000)), "level (dBFS)");
   AddPhases(chart);
+  chart.AddCurve(at17500, "f175", "17.5 kHz");
+  chart.AddCurve(at18000, "f18", "18 kHz");
   if (run.GetAmbient() && run.GetAmbient()->at17500 > 0.0 && run.GetAmbient()->at18000 > 0.0) {
     const double level17500 = LevelDbfs(run.GetAmbient()->at17500);
     const double level18000 = LevelDbfs(run.GetAmbient()->at18000);
@@ -226,8 +244,6 @@ std::string DrawNeighbours(const RunRecord& run, const View& view) {
     chart.AddLevel(kIgnoredBuffers, view.buffers.high, level18000, "ambient f18",
                    Text("18 kHz ambient %.1f", level18000));
   }
-  chart.AddCurve(at17500, "f175", "17.5 kHz");
-  chart.AddCurve(at18000, "f18", "18 kHz");
   AddPairs(chart, run, view);
   return chart.Finish();
 }
@@ -243,13 +259,13 @@ std::string DrawRatios(const RunRecord& run, const View& view) {
     curve = MakeCurve(run, view, [=](const RecordedBlock& block) { return Decibels(block.Ratio(tone)); });
     range.Take(curve);
   }
-  chart.AddDecibelAxis(range.Round(), "tone over neighbours (dB)");
+  chart.AddDecibelAxis(range.Round(-INFINITY), "tone over neighbours (dB)");
   AddPhases(chart);
-  chart.AddLevel(kAmbientBuffer + 1, view.buffers.high, threshold, "threshold ratio",
-                 Text("threshold %.1f (5 : 1)", threshold));
   for (const Tone tone : kTones) {
     chart.AddCurve(curves[tone == Tone::k19000Hz], StyleOf(tone), NameOf(tone));
   }
+  chart.AddLevel(kAmbientBuffer + 1, view.buffers.high, threshold, "threshold ratio",
+                 Text("threshold %.1f (5 : 1)", threshold));
   AddPairs(chart, run, view);
   return chart.Finish();
 }

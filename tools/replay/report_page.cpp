@@ -38,7 +38,7 @@ std::string MakeFacts(const RunRecord& run, const ReportSubject& subject) {
 
 std::string MakeDecision(const RunRecord& run) {
   const Explanation explanation = Explain(run);
-  static const char* const kStyles[] = {"found", "not-found", "abnormal"};
+  static const char* const kStyles[] = {"found", "doubtful", "not-found", "abnormal"};
   std::ostringstream html;
   html << "<section id='decision' class='" << kStyles[static_cast<std::size_t>(explanation.outcome)] << "'>\n<h2>"
        << Escaped(explanation.headline) << "</h2>\n<ul>\n";

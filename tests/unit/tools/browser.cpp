@@ -44,15 +44,16 @@ const lookAtPair = (svg, pair) => {
   return { first: bufferAt(svg, first ? middleOf(first) : span.left),
            second: bufferAt(svg, second ? middleOf(second) : span.right) };
 };
-const countOverlaps = svg => {
-  const boxes = [...svg.querySelectorAll('text')].map(text => text.getBoundingClientRect());
-  return boxes.filter((a, i) => boxes.slice(i + 1).some(b =>
-      a.left < b.right - 1 && b.left < a.right - 1 && a.top < b.bottom - 3 && b.top < a.bottom - 3)).length;
+const findOverlaps = svg => {
+  const texts = [...svg.querySelectorAll('text')].map(text => [text.textContent, text.getBoundingClientRect()]);
+  return texts.flatMap(([name, a], i) => texts.slice(i + 1).filter(([, b]) =>
+      a.left < b.right - 1 && b.left < a.right - 1 && a.top < b.bottom - 3 && b.top < a.bottom - 3)
+      .map(([other]) => `${svg.id}: ${name} / ${other}`));
 };
 const texts = selector => [...document.querySelectorAll(selector)].map(element => element.textContent);
 const seen = {
   errors: problems, resources: performance.getEntriesByType('resource').length,
-  overflow: document.documentElement.scrollWidth - innerWidth, overlaps: 0,
+  overflow: document.documentElement.scrollWidth - innerWidth, overlaps: [],
   headline: texts('#decision h2')[0], reasons: texts('#decision li'), title: texts('h1')[0], facts: {}, charts: {}
 };
 for (const fact of document.querySelectorAll('.facts div')) {
@@ -65,10 +66,10 @@ for (const svg of document.querySelectorAll('svg.chart')) {
   }
   seen.charts[svg.id] = {
     curves: [...svg.querySelectorAll('.curve')].map(path => lookAtCurve(svg, path)),
-    pairs: [...svg.querySelectorAll('.pair')].filter(pair => pair.tagName == 'g').map(pair => lookAtPair(svg, pair)),
+    pairs: [...svg.querySelectorAll('.pair')].filter(pair => pair.tagName == 'g' && !pair.classList.contains('further')).map(pair => lookAtPair(svg, pair)),
     thresholds: svg.querySelectorAll('path.threshold').length, marks
   };
-  seen.overlaps += countOverlaps(svg);
+  seen.overlaps.push(...findOverlaps(svg));
 }
 const tones = document.getElementById('whole-tones');
 const frame = tones.querySelector('.frame').getBoundingClientRect();

@@ -16,9 +16,10 @@ bool HasBrowser();
 //   errors     script errors and everything that the page's own policy forbade
 //   resources  files that it loaded
 //   overflow   pixels that it is wider than the window
-//   overlaps   texts within one chart that lie on each other
+//   overlaps   the texts within one chart that lie on each other
 //   headline, reasons, facts
-//   charts     by name: curves { label, points, colour, peak, isInside }, pairs { first, second }, marks by style.
+//   charts     by name: curves { label, points, colour, peak, isInside }, the run's own pair as pairs { first, second
+//   }, marks by style.
 //              Buffers are measured from where the browser drew them.
 //   readouts   what the cursor says at buffer `pointAt` of the first chart of tones
 Json::Value LookAt(const std::string& page, int width, int pointAt, const TemporaryFolder& folder);

@@ -103,7 +103,7 @@ TEST(ReplayExplanation, OfNoisyTones) {
   EXPECT_EQ("No difference: 17 kHz (television's speaker) was not found", noisy.headline);
   EXPECT_THAT(noisy.reasons[0], StartsWith("17 kHz (television's speaker) reached its threshold in 2 blocks, but was "
                                            "drowned by its neighbours"));
-  EXPECT_THAT(noisy.reasons[2], StartsWith("2 tones were rejected as noisy"));
+  EXPECT_THAT(noisy.reasons[2], StartsWith("2 tones were rejected as noisy; from number 11 on"));
 }
 
 TEST(ReplayExplanation, OfAbnormalInput) {
@@ -129,6 +129,16 @@ TEST(ReplayExplanation, OfSequenceErrors) {
   const Explanation many = Of(Ambient() + "7" + far + "9" + far + "7" + far + "9" + far + "7" + far + "9");
   EXPECT_EQ(2u + 3u + 1u, many.reasons.size());
   EXPECT_EQ("2 further sequence errors.", many.reasons.back());
+}
+
+TEST(ReplayExplanation, DoubtsADifferenceThatFollowsALateTone) {
+  const std::string far(19, '.');
+  const Explanation doubtful = Of(Ambient() + "7" + far + "9...7");
+  EXPECT_EQ(Outcome::kDoubtful, doubtful.outcome);
+  EXPECT_EQ("The optical output is 66.0 ms early, but that is doubtful", doubtful.headline);
+  EXPECT_THAT(doubtful.reasons, Contains(StartsWith("A tone came too late before the pair.")));
+  // Late tones after the pair do not matter.
+  EXPECT_EQ(Outcome::kFound, Of(Ambient() + "7...9" + far + "7" + far + "9").outcome);
 }
 
 TEST(ReplayExplanation, OfTheHearableMode) {

@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <cmath>
 #include <memory>
-#include <random>
 #include <sstream>
 
 #include "recording.h"
@@ -17,12 +16,7 @@ namespace {
 
 constexpr double kTwoPi = 6.283185307179586;
 
-struct Part {
-  double frequencyHz;
-  double amplitude;
-};
-
-std::vector<Part> PartsOf(char block) {
+std::vector<Sine> SinesOf(char block) {
   switch (block) {
     case '7':
       return {{17000.0, 3000.0}};
@@ -45,22 +39,28 @@ std::vector<Part> PartsOf(char block) {
 
 }  // namespace
 
-std::vector<std::uint8_t> MakeRecording(const std::string& blocks) {
-  std::minstd_rand random(1);
-  std::vector<std::uint8_t> bytes;
-  for (const char block : blocks) {
-    const std::vector<Part> parts = PartsOf(block);
-    for (int n = 0; n < 768; ++n) {
-      double sample = block == '0' ? 0.0 : static_cast<double>(random() % 17) - 8.0;
-      for (const Part& part : parts) {
-        sample += part.amplitude * std::sin(kTwoPi * part.frequencyHz * n / 46545.0);
-      }
-      const auto bits = static_cast<std::uint16_t>(std::lrint(sample));
-      bytes.push_back(static_cast<std::uint8_t>(bits & 0xFFU));
-      bytes.push_back(static_cast<std::uint8_t>(bits >> 8U));
+void RecordingMaker::Add(const std::vector<Sine>& sines, bool hasNoise) {
+  for (int n = 0; n < 768; ++n) {
+    double sample = hasNoise ? static_cast<double>(m_Random() % 17) - 8.0 : 0.0;
+    for (const Sine& sine : sines) {
+      sample += sine.amplitude * std::sin(kTwoPi * sine.frequencyHz * n / 46545.0);
     }
+    const auto bits = static_cast<std::uint16_t>(std::lrint(sample));
+    m_Bytes.push_back(static_cast<std::uint8_t>(bits & 0xFFU));
+    m_Bytes.push_back(static_cast<std::uint8_t>(bits >> 8U));
   }
-  return bytes;
+}
+
+void RecordingMaker::Add(const std::string& blocks) {
+  for (const char block : blocks) {
+    Add(SinesOf(block), block != '0');
+  }
+}
+
+std::vector<std::uint8_t> MakeRecording(const std::string& blocks) {
+  RecordingMaker maker;
+  maker.Add(blocks);
+  return maker.Bytes();
 }
 
 std::vector<Json::Value> ReplayLines(const std::vector<std::uint8_t>& bytes, bool trace, bool hearable) {

@@ -4,6 +4,7 @@
 #include <json/value.h>
 
 #include <cstdint>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -13,10 +14,29 @@ namespace orvex::tools {
 
 constexpr std::size_t kBlockBytes = 1536;
 
-// One character per block, all of them over the same faint noise:
-//   .  the noise alone        7 8  a 17 kHz tone, loud and 6 dB weaker     9 6  likewise 19 kHz
-//   x  17 kHz with a strong neighbour frequency                            y    likewise 19 kHz
-//   b  17 kHz and a weaker 19 kHz                                          0    digital silence
+// A sine of a block, from its first sample on.
+struct Sine {
+  double frequencyHz;
+  double amplitude;
+};
+
+// Blocks over the same faint noise.
+class RecordingMaker {
+public:
+  void Add(const std::vector<Sine>& sines, bool hasNoise = true);
+  // One character per block:
+  //   .  the noise alone        7 8  a 17 kHz tone, loud and 6 dB weaker     9 6  likewise 19 kHz
+  //   x  17 kHz with a strong neighbour frequency                            y    likewise 19 kHz
+  //   b  17 kHz and a weaker 19 kHz                                          0    digital silence
+  void Add(const std::string& blocks);
+  const std::vector<std::uint8_t>& Bytes() const { return m_Bytes; }
+
+private:
+  std::minstd_rand m_Random{1};
+  std::vector<std::uint8_t> m_Bytes;
+};
+
+// The blocks alone.
 std::vector<std::uint8_t> MakeRecording(const std::string& blocks);
 
 // The 35 buffers after which the receiver looks for tones.
