@@ -1,5 +1,6 @@
 // Finds the two tones in the recording, block by block, and turns their distance into seconds.
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdio>
 #include <string>
@@ -24,13 +25,18 @@ constexpr std::int32_t kHearableSecondBuffer = 25;
 // Magnitude of one frequency over a block: the sine and cosine are computed for every sample, as the thresholds were
 // found with them.
 double Magnitude(const std::array<std::int16_t, OrvexReceiver::kBlockSamples>& samples, double frequencyHz) {
+  // In a loop of their own the divisions overlap; between the sines they would take a fifth of the time.
+  std::array<double, OrvexReceiver::kBlockSamples> angles;
+  std::int32_t sample = 0;
+  for (double& angle : angles) {
+    angle = sample++ * kTwoPi * frequencyHz / OrvexReceiver::kSampleRateHz;
+  }
   double re = 0.0;
   double im = 0.0;
   for (std::size_t n = 0; n < samples.size(); ++n) {
-    const double angle = static_cast<double>(n) * kTwoPi * frequencyHz / OrvexReceiver::kSampleRateHz;
     double sine = 0.0;
     double cosine = 0.0;
-    sincos(angle, &sine, &cosine);
+    sincos(angles[n], &sine, &cosine);
     re += samples[n] * cosine;
     im += samples[n] * sine;
   }
