@@ -26,14 +26,14 @@ using testing::HasSubstr;
 using testing::Optional;
 
 // Far longer than any of the scripts takes.
-constexpr std::chrono::seconds kLongLimit{60};
+constexpr std::chrono::seconds kPatience{60};
 
 class Script {
 public:
   explicit Script(const std::string& text) : m_Path(m_Folder.Write("service", "#!/bin/sh\n" + text)) {
     std::filesystem::permissions(m_Path, std::filesystem::perms::owner_all);
   }
-  ServiceCommand Command(std::chrono::milliseconds limit = kLongLimit) const { return {m_Path, "/a/television", limit}; }
+  ServiceCommand Command(std::chrono::milliseconds limit = kPatience) const { return {m_Path, "/a/television", limit}; }
   ServiceEnding Run(std::vector<std::string>& lines) const {
     return RunService(Command(), [&](const std::string& line) { lines.push_back(line); });
   }
