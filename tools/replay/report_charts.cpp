@@ -162,7 +162,8 @@ std::optional<View> CloseUp(const RunRecord& run) {
 }
 
 std::string DrawEvents(const RunRecord& run, const View& view) {
-  enum Lane : std::size_t { k17, k19, kNoisy, kSequence, kExtend, kLanes };
+  enum Lane : std::size_t { k17, k19, kNoisy, kSequence, kExtend };
+  constexpr int kLanes = kExtend + 1;
   Chart chart(view.name + "-events", view.buffers, kLanes * Chart::kLaneHeight);
   AddPhases(chart);
   chart.AddLaneLabel(k17, "f17", "17 kHz tones");
