@@ -87,6 +87,7 @@ TEST_F(ReceiverNoise, TheProgressIsGoneBeforeTheOwnerIsTold) {
   for (int buffer = 40; buffer <= 50; ++buffer) {
     EventsAt(buffer, noisy19);
   }
+  world.onCall = nullptr;
   EXPECT_EQ(progress, 0);
 }
 
