@@ -143,7 +143,7 @@ void* OrvexManager::m_StartBTRecorderThread(void* data) {
 std::uint32_t OrvexManager::m_GetCurrentTime() {
   timeval now{};
   static_cast<void>(gettimeofday(&now, nullptr));
-  ORVEX_INFO("%lld:%ld", static_cast<long long>(now.tv_sec), static_cast<long>(now.tv_usec));
+  ORVEX_INFO("%ld:%ld", static_cast<long>(now.tv_sec), static_cast<long>(now.tv_usec));
   return static_cast<std::uint32_t>(now.tv_sec) * 1000U + static_cast<std::uint32_t>(now.tv_usec / 1000);
 }
 

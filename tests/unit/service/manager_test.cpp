@@ -125,8 +125,8 @@ TEST_F(Manager, TheClockIsTheWallClockInMillisecondsModulo32Bits) {
   };
   for (const Row& row :
        {Row{0, 0, "I0 0:0"}, Row{1'000'999, 1000, "I0 1:999"}, Row{4'294'967'295'999, 4294967295U, "I0 4294967:295999"},
-        Row{4'294'967'296'000, 0, "I0 4294967:296000"}, Row{1'700'000'000'123'456, 3487918203U, "I0 1700000000:123456"},
-        Row{2'500'000'000'123'456, 329033851U, "I0 2500000000:123456"}}) {
+        Row{4'294'967'296'000, 0, "I0 4294967:296000"},
+        Row{1'700'000'000'123'456, 3487918203U, "I0 1700000000:123456"}}) {
     world.wallClockUs = row.wallClockUs;
     EXPECT_THAT(JournalOf([&] { EXPECT_EQ(OrvexManager::m_GetCurrentTime(), row.milliseconds) << row.line; }),
                 ElementsAre(row.line));
