@@ -133,10 +133,8 @@ CLogger* event_log_get_instance() {
   return Faults::Instance().IsAbsent("event_log") ? nullptr : &logger;
 }
 
-// NOLINTBEGIN(performance-unnecessary-value-param): the contract has them by value.
 int event_log_add_sync(CLogger* logger, std::string service, std::string event, std::string category,
                        std::string value) {
-  // NOLINTEND(performance-unnecessary-value-param)
   if (const auto fault = Faults::Instance().Next("event_log.add")) {
     return *fault;
   }

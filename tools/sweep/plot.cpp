@@ -15,8 +15,6 @@
 #include <stdexcept>
 #include <vector>
 
-extern char** environ;
-
 namespace orvex::tools {
 namespace {
 
