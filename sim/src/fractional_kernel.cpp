@@ -10,8 +10,20 @@ namespace {
 constexpr double kPi = 3.14159265358979323846;
 constexpr double kKaiserBeta = 8.0;
 
+// Modified Bessel function of the first kind and order 0, by its power series. The library's writes a global variable,
+// and rooms are computed on several threads.
+double BesselI0(double x) {
+  double sum = 1.0;
+  double term = 1.0;
+  for (double k = 1.0; term > 1e-17 * sum; k += 1.0) {
+    term *= x * x / (4.0 * k * k);
+    sum += term;
+  }
+  return sum;
+}
+
 double KaiserWindow(double x) {  // x: -1 to 1
-  return std::cyl_bessel_i(0.0, kKaiserBeta * std::sqrt(1.0 - x * x)) / std::cyl_bessel_i(0.0, kKaiserBeta);
+  return BesselI0(kKaiserBeta * std::sqrt(1.0 - x * x)) / BesselI0(kKaiserBeta);
 }
 
 double Sinc(double x) {
