@@ -10,6 +10,7 @@
 namespace orvex::tools {
 
 enum class Tone { k17000Hz, k19000Hz };
+constexpr Tone kTones[] = {Tone::k17000Hz, Tone::k19000Hz};
 
 // One analysed block, at the receiver's own precision.
 struct BlockLevels {

@@ -13,7 +13,6 @@ namespace orvex::tools {
 namespace {
 
 constexpr std::size_t kErrorsToTell = 3;
-constexpr Tone kTones[] = {Tone::k17000Hz, Tone::k19000Hz};
 
 std::string Described(Tone tone) {
   return Text("%s (%s)", NameOf(tone), OriginOf(tone));

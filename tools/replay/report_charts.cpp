@@ -13,7 +13,6 @@
 namespace orvex::tools {
 namespace {
 
-constexpr Tone kTones[] = {Tone::k17000Hz, Tone::k19000Hz};
 constexpr double kShortestAxis = 40.0;  // buffers
 constexpr double kCloseUp = 80.0;
 constexpr double kWorthACloseUp = 130.0;
