@@ -88,6 +88,7 @@ const std::array<AxisKind, axis::kCount>& AxisKinds() {
       {"lock-ms", "what the optical receiver loses at the start of the sound", "0", 0, kLongMs},
       {"burst-ms", "test sound: length of a burst, ramps included", Text(design.burstMs), 0.1, 1000},
       {"ramp-ms", "test sound: rise, and fall, of a burst", Text(design.rampMs), 0, 500},
+      {"skew-ms", "test sound: how much later the 19 kHz bursts start", Text(design.skewMs), 0, 50},
       {"pairs", "test sound: number of pairs", Text(design.pairs), 1, 50},
       {"spacing-ms", "test sound: from the start of a pair to the next", Text(design.spacingMs), 1, 5000},
       {"lead-in-ms", "test sound: silence before the first pair", Text(design.leadInMs), 0, 5000},

@@ -28,6 +28,7 @@ enum Axis : std::size_t {
   kLockMs,
   kBurstMs,
   kRampMs,
+  kSkewMs,
   kPairs,
   kSpacingMs,
   kLeadInMs,

@@ -73,6 +73,7 @@ SoundDesign DesignOf(const RoomValues& values) {
   SoundDesign design;
   design.burstMs = values[axis::kBurstMs];
   design.rampMs = values[axis::kRampMs];
+  design.skewMs = values[axis::kSkewMs];
   design.pairs = static_cast<int>(std::lround(values[axis::kPairs]));
   design.spacingMs = values[axis::kSpacingMs];
   design.leadInMs = values[axis::kLeadInMs];

@@ -19,7 +19,7 @@ void RemoveTone(const SoundDesign& design, double missedTone, std::vector<std::i
   const auto pair = std::lround(std::abs(missedTone));
   const double startMs = design.leadInMs + static_cast<double>(pair - 1) * design.spacingMs;
   const auto first = static_cast<std::size_t>(std::max(startMs, 0.0) * kSoundRateHz / 1000.0);
-  const auto count = static_cast<std::size_t>((design.burstMs + 1.0) * kSoundRateHz / 1000.0);
+  const auto count = static_cast<std::size_t>((design.skewMs + design.burstMs + 1.0) * kSoundRateHz / 1000.0);
   const std::size_t side = missedTone > 0.0 ? 0 : 1;
   for (std::size_t n = first; pair > 0 && n < std::min(first + count, sound.size() / 2); ++n) {
     sound[2 * n + side] = 0;

@@ -18,7 +18,6 @@ constexpr double kSilenceDb = -60.0;  // relative to the channel's peak
 constexpr double kAudibleBelowHz = 15000.0;
 constexpr double kFrequencyToleranceHz = 15.0;  // a quarter of the detector's bin
 constexpr double kPeakSpreadDb = 1.0;
-constexpr double kSameInstantMs = 1.0;
 constexpr double kRoundingMs = 0.1;  // a burst's outermost samples are too quiet to be seen
 constexpr std::size_t kGapFrames = kSoundRateHz / 1000;
 constexpr std::uint64_t kCanonicalHeaderBytes = 44;
@@ -150,7 +149,7 @@ void CheckSide(const Side& side, Reasons& reasons) {
   CheckSilences(side, reasons);
 }
 
-// Both tones of a pair start together: what differs here would be taken for a difference of the room.
+// Both tones of a pair start all but together: what differs here would be taken for a difference of the room.
 void CheckPairs(const Side& left, const Side& right, Reasons& reasons) {
   if (left.bursts.size() != right.bursts.size()) {
     reasons.push_back(
@@ -159,9 +158,9 @@ void CheckPairs(const Side& left, const Side& right, Reasons& reasons) {
   }
   for (std::size_t n = 0; n < left.bursts.size(); ++n) {
     const double apartMs = ToMs(right.bursts[n].begin) - ToMs(left.bursts[n].begin);
-    if (std::abs(apartMs) > kSameInstantMs) {
+    if (std::abs(apartMs) > kMaxSkewMs + kRoundingMs) {
       reasons.push_back(Format("pair %zu at %.1f ms: right channel %.1f ms after the left, expected within %.0f ms",
-                               n + 1, ToMs(left.bursts[n].begin), apartMs, kSameInstantMs));
+                               n + 1, ToMs(left.bursts[n].begin), apartMs, kMaxSkewMs));
     }
   }
 }

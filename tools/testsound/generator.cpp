@@ -33,6 +33,7 @@ void RequireMakeable(const SoundDesign& design) {
   Require(design.pairs >= 1, "pairs", design.pairs, "1 or more");
   Require(design.rampMs >= 0.0 && 2.0 * design.rampMs <= design.burstMs, "ramp", design.rampMs,
           "0 ms to half of the burst");
+  Require(design.skewMs >= 0.0, "skew", design.skewMs, "0 ms or more");
   Require(design.spacingMs >= design.burstMs, "spacing", design.spacingMs, "no less than the burst");
   Require(design.levelDbfs <= 0.0, "level", design.levelDbfs, "0 dBFS or less");
   Require(design.DurationMs() <= kLongestMs, "duration", design.DurationMs(), "60000 ms or less");
@@ -67,12 +68,13 @@ std::vector<std::int16_t> GenerateSound(const SoundDesign& design) {
   const std::vector<std::int16_t> left = MakeBurst(design, kLeftToneHz);
   const std::vector<std::int16_t> right = MakeBurst(design, kRightToneHz);
   const std::size_t lastStart = ToFrames(design.leadInMs + (design.pairs - 1) * design.spacingMs);
-  std::vector<std::int16_t> samples(2 * (lastStart + left.size() + ToFrames(design.tailMs)), 0);
+  const std::size_t skew = ToFrames(design.skewMs);
+  std::vector<std::int16_t> samples(2 * (lastStart + skew + right.size() + ToFrames(design.tailMs)), 0);
   for (int pair = 0; pair < design.pairs; ++pair) {
     const std::size_t start = ToFrames(design.leadInMs + pair * design.spacingMs);
     for (std::size_t n = 0; n < left.size(); ++n) {
       samples[2 * (start + n)] = left[n];
-      samples[2 * (start + n) + 1] = right[n];
+      samples[2 * (start + skew + n) + 1] = right[n];
     }
   }
   return samples;

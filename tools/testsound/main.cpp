@@ -37,6 +37,7 @@ void DefineArguments(CLI::App& app, Arguments& arguments) {
   option("--burst-ms", design.burstMs, orvex::tools::kMinBurstMs, orvex::tools::kMaxBurstMs,
          "length of a burst, ramps included");
   option("--ramp-ms", design.rampMs, 0.0, orvex::tools::kMaxBurstMs / 2, "length of the rise, and of the fall");
+  option("--skew-ms", design.skewMs, 0.0, orvex::tools::kMaxSkewMs, "how much later the 19 kHz bursts start");
   option("--pairs", design.pairs, orvex::tools::kMinPairs, orvex::tools::kMaxPairs, "number of pairs");
   option("--spacing-ms", design.spacingMs, 100.0, 2000.0, "from the start of a pair to the next");
   option("--lead-in-ms", design.leadInMs, 0.0, 2000.0, "silence before the first pair");

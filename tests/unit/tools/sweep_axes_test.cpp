@@ -63,6 +63,7 @@ TEST(SweepPlan, PlaysTheDefaultTestSoundWhereNothingIsSaid) {
   const SoundDesign drawn = DesignOf(Plan({}, 1).Draw(0, 0));
   EXPECT_EQ(expected.burstMs, drawn.burstMs);
   EXPECT_EQ(expected.rampMs, drawn.rampMs);
+  EXPECT_EQ(expected.skewMs, drawn.skewMs);
   EXPECT_EQ(expected.pairs, drawn.pairs);
   EXPECT_EQ(expected.spacingMs, drawn.spacingMs);
   EXPECT_EQ(expected.leadInMs, drawn.leadInMs);

@@ -27,6 +27,7 @@ TEST(CheckSound, AcceptsEveryDesignAtTheEdgeOfItsLimits) {
   design.pairs = kMinPairs;
   design.burstMs = kMaxBurstMs;
   design.spacingMs = MinSpacingMs(kMaxBurstMs);
+  design.skewMs = kMaxSkewMs;
   EXPECT_THAT(CheckSound(GenerateSound(design)), IsEmpty());
   design.burstMs = kMinBurstMs;
   design.rampMs = kMinBurstMs / 2;
@@ -42,13 +43,15 @@ struct DesignCase {
 TEST(CheckSound, NamesWhatADesignLacks) {
   const DesignCase cases[] = {
       {"lead-in 140.1 ms, expected at least 150 ms", [](SoundDesign& d) { d.leadInMs = 140.0; }},
-      {"tail 500.1 ms, expected at least 515.9 ms", [](SoundDesign& d) { d.tailMs = 500.0; }},
+      {"right channel: tail 500.0 ms, expected at least 515.9 ms", [](SoundDesign& d) { d.tailMs = 500.0; }},
       {"right channel: 2 bursts, expected 3 to 8", [](SoundDesign& d) { d.pairs = 2; }},
       {"next burst after 600.0 ms, expected at least 611.4 ms", [](SoundDesign& d) { d.spacingMs = 600.0; }},
       {"peak -5.00 dBFS, expected -30 to -6 dBFS", [](SoundDesign& d) { d.levelDbfs = -5.0; }},
       {"of the tone below 15000 Hz, expected at most -60 dB", [](SoundDesign& d) { d.rampMs = 0.5; }},
       {"burst of 34.9 ms, expected 5 to 30 ms", [](SoundDesign& d) { d.burstMs = 35.0; }},
-      {"duration 7138.0 ms, expected at most 6000 ms", [](SoundDesign& d) { d.tailMs = 5000.0; }},
+      {"pair 1 at 200.1 ms: right channel 1.5 ms after the left, expected within 1 ms",
+       [](SoundDesign& d) { d.skewMs = 1.5; }},
+      {"duration 7138.4 ms, expected at most 6000 ms", [](SoundDesign& d) { d.tailMs = 5000.0; }},
   };
   for (const DesignCase& unfit : cases) {
     SoundDesign design;
@@ -98,11 +101,11 @@ void SoftenSecondPair(Samples& samples) {
 
 TEST(CheckSound, NamesWhatIsWrongWithTheSamples) {
   const SamplesCase cases[] = {
-      {"left channel at 200.1 ms: burst of 19000 Hz, expected 17000 Hz", SwapSides},
-      {"left channel at 200.1 ms: 19000 Hz at -40.1 dB of the tone, expected at most -60 dB", MixSides},
+      {"left channel at 200.4 ms: burst of 19000 Hz, expected 17000 Hz", SwapSides},
+      {"left channel at 200.1 ms: 19000 Hz at -40.0 dB of the tone, expected at most -60 dB", MixSides},
       {"4 bursts left, 3 right, expected the same number", [](Samples& s) { Silence(s, 1, 200, 300); }},
       {"right channel: silent, expected bursts of 19000 Hz", [](Samples& s) { Silence(s, 1, 0, 2738); }},
-      {"pair 1 at 200.1 ms: right channel 5.0 ms after the left", [](Samples& s) { DelayRight(s, 5); }},
+      {"pair 1 at 200.1 ms: right channel 5.3 ms after the left", [](Samples& s) { DelayRight(s, 5); }},
       {"burst 6.0 dB below the loudest, expected at most 1 dB", SoftenSecondPair},
       {"left channel at 500.0 ms: burst of 0.0 ms", [](Samples& s) { s[2 * 48 * 500] = 3000; }},
   };
@@ -131,7 +134,7 @@ TEST(CheckFile, NamesTheFileAndWhatIsWrongWithItsHeaders) {
   ASSERT_THAT(CheckFile(folder / "fit.wav"), IsEmpty());
   const HeaderCase cases[] = {
       {"chunk at byte 0 \"RIFX\", expected \"RIFF\"", 0, "RIFX"},
-      {"RIFF size 7, expected 525732", 4, "\7\0\0\0"s},
+      {"RIFF size 7, expected 525800", 4, "\7\0\0\0"s},
       {"form type \"W?VE\", expected \"WAVE\"", 8, "W\1VE"},
       {"chunk directly after the RIFF header \"LIST\", expected \"fmt \"", 12, "LIST"},
       {"format chunk size 15, expected 16", 16, "\x0f"},
@@ -142,7 +145,7 @@ TEST(CheckFile, NamesTheFileAndWhatIsWrongWithItsHeaders) {
       {"block align 2, expected 4", 32, "\2"},
       {"bits per sample 24, expected 16", 34, "\x18"},
       {"chunk directly after the format chunk \"LIST\", expected \"data\"", 36, "LIST"},
-      {"data size 525824, expected 525696", 40, "\0\x06"s},
+      {"data size 525824, expected 525764", 40, "\0\x06"s},
       {"chunk directly after the format chunk \"\", expected \"data\"", 16, "\xff\xff\xff\xff"},
   };
   const std::string fit = folder.Read("fit.wav");
@@ -159,7 +162,7 @@ TEST(CheckFile, NamesAFileThatIsCutOrTooShort) {
   WriteWaveFile(folder / "fit.wav", GenerateSound({}));
   const std::string fit = folder.Read("fit.wav");
   EXPECT_THAT(CheckFile(folder.Write("cut.wav", fit.substr(0, 1044))),
-              Contains(HasSubstr("data size 525696, expected 1000")));
+              Contains(HasSubstr("data size 525764, expected 1000")));
   EXPECT_THAT(CheckFile(folder.Write("short.wav", fit.substr(0, 43))),
               testing::ElementsAre(HasSubstr("43 bytes, expected at least 44 for the headers")));
   EXPECT_THAT(CheckFile(folder.Write("empty.wav", "")), testing::ElementsAre(HasSubstr("empty.wav: 0 bytes")));

@@ -21,18 +21,37 @@ Channel Side(const std::vector<std::int16_t>& samples, std::size_t first) {
 
 TEST(Generator, LastsLeadInPlusPairsPlusTail) {
   const SoundDesign design;
-  EXPECT_DOUBLE_EQ(200.0 + 3 * 640.0 + 18.0 + 600.0, design.DurationMs());
-  EXPECT_EQ(2u * 48 * 2738, GenerateSound(design).size());
+  EXPECT_DOUBLE_EQ(200.0 + 3 * 640.0 + 0.35 + 18.0 + 600.0, design.DurationMs());
+  EXPECT_EQ(2u * (48 * 2738 + 17), GenerateSound(design).size());
 }
 
 TEST(Generator, PutsEveryPairAtItsInstantAndNothingBetween) {
-  const auto samples = GenerateSound(SoundDesign{});
+  SoundDesign design;
+  design.skewMs = 0.0;
+  const auto samples = GenerateSound(design);
   for (const std::size_t side : {0u, 1u}) {
     const auto bursts = FindBursts(Side(samples, side), 0.0, 48);
     ASSERT_EQ(4u, bursts.size());
     for (std::size_t n = 0; n < 4; ++n) {
       EXPECT_NEAR(48.0 * (200.0 + 640.0 * static_cast<double>(n)), static_cast<double>(bursts[n].begin), 8.0);
       EXPECT_NEAR(48.0 * 18.0, static_cast<double>(bursts[n].end - bursts[n].begin), 16.0);
+    }
+  }
+}
+
+TEST(Generator, StartsTheRightChannelLaterByTheSkew) {
+  SoundDesign design;
+  design.rampMs = 0.0;
+  for (const double skewMs : {0.0, 0.5, 1.0}) {
+    design.skewMs = skewMs;
+    const auto samples = GenerateSound(design);
+    const auto left = FindBursts(Side(samples, 0), 0.0, 48);
+    const auto right = FindBursts(Side(samples, 1), 0.0, 48);
+    ASSERT_EQ(4u, left.size());
+    ASSERT_EQ(4u, right.size());
+    for (std::size_t n = 0; n < 4; ++n) {
+      EXPECT_DOUBLE_EQ(48.0 * skewMs, static_cast<double>(right[n].begin - left[n].begin));
+      EXPECT_EQ(left[n].end - left[n].begin, right[n].end - right[n].begin);
     }
   }
 }
@@ -85,8 +104,8 @@ TEST(Generator, NamesWhatCannotBeMade) {
     const char* named;
     SoundDesign design;
   };
-  Case cases[] = {{"lead-in", {}}, {"tail", {}},    {"burst", {}}, {"pairs", {}},
-                  {"ramp", {}},    {"spacing", {}}, {"level", {}}, {"duration", {}}};
+  Case cases[] = {{"lead-in", {}}, {"tail", {}},  {"burst", {}},    {"pairs", {}}, {"ramp", {}},
+                  {"spacing", {}}, {"level", {}}, {"duration", {}}, {"skew", {}}};
   cases[0].design.leadInMs = -1.0;
   cases[1].design.tailMs = std::nan("");
   cases[2].design.burstMs = 0.0;
@@ -95,6 +114,7 @@ TEST(Generator, NamesWhatCannotBeMade) {
   cases[5].design.spacingMs = 17.0;
   cases[6].design.levelDbfs = 0.1;
   cases[7].design.tailMs = 1e9;
+  cases[8].design.skewMs = -0.1;
   for (const Case& refused : cases) {
     try {
       GenerateSound(refused.design);

@@ -139,6 +139,7 @@ TEST(Vectors, TestSoundsAreThoseOfTheReference) {
   small.spacingMs = 20.0;
   small.burstMs = 15.0;
   small.rampMs = 4.1;
+  small.skewMs = 0.2;
   small.tailMs = 5.0;
   small.levelDbfs = -29.0;
   const Json::Value expected = Reference()["sounds"];
@@ -159,9 +160,9 @@ struct Recorded {
 };
 
 const std::vector<Recorded> kRecorded = {
-    {"OpticalLate", 20.0, 0.0, 0.3, 1, "5da437b3230d2d69", {60, 63}},
-    {"OpticalEarly", 0.0, 0.0, 0.6, 7, "fc20dc3fb9297734", {60, 62}},
-    {"FastMicrophone", 150.0, 400.0, 0.3, 0xFFFFFFFFFFFFFFFF, "51b6643e5c579fd1", {60, 71}},
+    {"OpticalLate", 20.0, 0.0, 0.3, 1, "7f5e7affa6227f22", {60, 63}},
+    {"OpticalEarly", 0.0, 0.0, 0.6, 7, "f0b7a3f2c229b206", {60, 62}},
+    {"FastMicrophone", 150.0, 400.0, 0.3, 0xFFFFFFFFFFFFFFFF, "0ca92ab9a743be39", {60, 71}},
 };
 
 class Recordings : public testing::TestWithParam<Recorded> {};
