@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "listener_pair.h"
+#include "progress.h"
 #include "receiver_rig.h"
 #include "recording.h"
 #include "report_lines.h"
@@ -18,6 +19,7 @@
 namespace {
 
 using orvex::tools::ListenerPair;
+using orvex::tools::Progress;
 using orvex::tools::ReceiverRig;
 using orvex::tools::Recording;
 using orvex::tools::RecordingError;
@@ -49,7 +51,10 @@ int Replay(const Recording& recording, const std::string& nameInReport, const Ar
   RunRecord run(arguments.hearable);
   ListenerPair both(lines, run);
   ReceiverRig rig(both, arguments.hearable);
-  orvex::tools::Feed(recording.bytes, rig);
+  {
+    Progress progress("orvex-replay", "bytes", recording.bytes.size());
+    orvex::tools::Feed(recording.bytes, rig, [&](std::size_t done) { progress.Show(done); });
+  }
   lines.WriteSummary(rig);
   if (!arguments.report.empty()) {
     WriteReport(run, recording, arguments);

@@ -22,9 +22,14 @@ struct SoundFileCloser {
   void operator()(SNDFILE* file) const { sf_close(file); }
 };
 
+// Little-endian, big-endian, or longer than 4 GiB.
 bool IsWave(const std::vector<std::uint8_t>& bytes) {
-  return bytes.size() >= 12 && std::memcmp(bytes.data(), "RIFF", 4) == 0 &&
-         std::memcmp(bytes.data() + 8, "WAVE", 4) == 0;
+  if (bytes.size() < 12) {
+    return false;
+  }
+  const std::string kind(bytes.begin(), bytes.begin() + 4);
+  const std::string form(bytes.begin() + 8, bytes.begin() + 12);
+  return (kind == "RIFF" || kind == "RIFX" || kind == "RF64") && form == "WAVE";
 }
 
 std::vector<std::uint8_t> ReadBytes(const std::string& path) {
@@ -78,10 +83,13 @@ Recording ReadRecording(const std::string& path) {
   return IsWave(recording.bytes) ? ReadWave(path) : recording;
 }
 
-void Feed(const std::vector<std::uint8_t>& bytes, ReceiverRig& rig) {
+void Feed(const std::vector<std::uint8_t>& bytes, ReceiverRig& rig, const std::function<void(std::size_t)>& progress) {
   constexpr std::size_t kBlockBytes = 2 * OrvexReceiver::kBlockSamples;
-  for (std::size_t at = 0; at < bytes.size(); at += kBlockBytes) {
-    rig.Deliver(bytes.data() + at, static_cast<std::uint16_t>(std::min(kBlockBytes, bytes.size() - at)));
+  for (std::size_t at = 0; at < bytes.size();) {
+    const std::size_t count = std::min(kBlockBytes, bytes.size() - at);
+    rig.Deliver(bytes.data() + at, static_cast<std::uint16_t>(count));
+    at += count;
+    progress(at);
   }
 }
 

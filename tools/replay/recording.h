@@ -1,7 +1,9 @@
 // A recording to be replayed: a debug dump, raw signed 16-bit little-endian mono samples, or a WAV file of one channel.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -26,7 +28,10 @@ struct Recording {
 // Throws RecordingError.
 Recording ReadRecording(const std::string& path);
 
-// Delivers the bytes in blocks of 768 samples; the last one may be short.
-void Feed(const std::vector<std::uint8_t>& bytes, ReceiverRig& rig);
+// Delivers the bytes in blocks of 768 samples; the last one may be short. `progress` gets after each block how many
+// bytes there were.
+void Feed(
+    const std::vector<std::uint8_t>& bytes, ReceiverRig& rig,
+    const std::function<void(std::size_t)>& progress = [](std::size_t) {});
 
 }  // namespace orvex::tools

@@ -19,7 +19,7 @@ constexpr int kRateHz = 46545;
 
 void WriteWave(const std::string& path, int format, int channels, int rateHz, const std::vector<double>& samples) {
   SF_INFO info{};
-  info.format = SF_FORMAT_WAV | format;
+  info.format = format;
   info.channels = channels;
   info.samplerate = rateHz;
   SNDFILE* const file = sf_open(path.c_str(), SFM_WRITE, &info);
@@ -57,22 +57,40 @@ TEST(ReplayRecording, ScalesEverySampleFormatToSixteenBits) {
   const TemporaryFolder folder;
   for (const int format : {SF_FORMAT_PCM_16, SF_FORMAT_PCM_24, SF_FORMAT_PCM_32, SF_FORMAT_FLOAT, SF_FORMAT_DOUBLE}) {
     const std::string path = folder / "a.wav";
-    WriteWave(path, format, 1, kRateHz, {0.0, 0.25, -0.5, 1.0 / 32768, -0.25});
+    WriteWave(path, SF_FORMAT_WAV | format, 1, kRateHz, {0.0, 0.25, -0.5, 1.0 / 32768, -0.25});
     const Recording recording = ReadRecording(path);
     EXPECT_THAT(Samples(recording), ElementsAre(0, 8192, -16384, 1, -8192)) << format;
     EXPECT_EQ("", recording.warning);
   }
 }
 
+TEST(ReplayRecording, TakesWaveFilesOfTheOtherByteOrderAndOfAnyLength) {
+  const TemporaryFolder folder;
+  for (const int format : {SF_FORMAT_WAV | SF_ENDIAN_BIG, 0 | SF_FORMAT_RF64}) {
+    WriteWave(folder / "a.wav", format | SF_FORMAT_PCM_16, 1, kRateHz, {0.25, 3.0 / 32768});
+    EXPECT_THAT(Samples(ReadRecording(folder / "a.wav")), ElementsAre(8192, 3)) << format;
+  }
+}
+
+TEST(ReplayRecording, FeedsEveryBlockAndTellsHowFarItIs) {
+  struct Heard : ReceiverListener {};
+  Heard heard;
+  ReceiverRig rig(heard);
+  std::vector<std::size_t> told;
+  Feed(std::vector<std::uint8_t>(2 * 1536 + 100), rig, [&](std::size_t done) { told.push_back(done); });
+  EXPECT_THAT(told, ElementsAre(1536, 2 * 1536, 2 * 1536 + 100));
+  EXPECT_EQ(3, rig.GetReceiver().GetBufferCount());
+}
+
 TEST(ReplayRecording, KeepsWhatIsLouderThanFullScaleAtFullScale) {
   const TemporaryFolder folder;
-  WriteWave(folder / "a.wav", SF_FORMAT_FLOAT, 1, kRateHz, {1.5, -1.5});
+  WriteWave(folder / "a.wav", SF_FORMAT_WAV | SF_FORMAT_FLOAT, 1, kRateHz, {1.5, -1.5});
   EXPECT_THAT(Samples(ReadRecording(folder / "a.wav")), ElementsAre(32767, -32768));
 }
 
 TEST(ReplayRecording, WarnsOfAnotherRate) {
   const TemporaryFolder folder;
-  WriteWave(folder / "a.wav", SF_FORMAT_PCM_16, 1, 48000, {0.25});
+  WriteWave(folder / "a.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16, 1, 48000, {0.25});
   const Recording recording = ReadRecording(folder / "a.wav");
   EXPECT_THAT(Samples(recording), ElementsAre(8192));
   EXPECT_EQ(folder / "a.wav" + ": 48000 Hz, taken as the remote's 46545 Hz", recording.warning);
@@ -80,7 +98,7 @@ TEST(ReplayRecording, WarnsOfAnotherRate) {
 
 TEST(ReplayRecording, RefusesWhatItCannotUse) {
   const TemporaryFolder folder;
-  WriteWave(folder / "stereo.wav", SF_FORMAT_PCM_16, 2, kRateHz, {0.0, 0.0});
+  WriteWave(folder / "stereo.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16, 2, kRateHz, {0.0, 0.0});
   EXPECT_EQ(folder / "stereo.wav" + ": 2 channels, expected 1", ErrorOf(folder / "stereo.wav"));
   EXPECT_THAT(ErrorOf(folder.Write("broken.wav", "RIFF\1\1\1\1WAVEfmt ")), HasSubstr("broken.wav: no usable WAV file"));
   EXPECT_THAT(ErrorOf(folder / "missing"), HasSubstr("missing: cannot be read: No such file or directory"));
