@@ -1,6 +1,6 @@
 # How all of our own code is compiled.
 option(ORVEX_WERROR "treat warnings as errors" ON)
-option(ORVEX_UNITY "compile several files of tests and tools at a time: sooner done from nothing" ON)
+option(ORVEX_UNITY "compile several files of tests, tools and models at a time: sooner done from nothing" ON)
 set(ORVEX_SANITIZE "" CACHE STRING "sanitizers to build with: address,undefined or thread")
 
 # Link to this in every target of ours.
