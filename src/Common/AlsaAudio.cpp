@@ -93,6 +93,7 @@ void AlsaAudio::m_InitHwParam() {
   const int result = snd_pcm_hw_params(m_pcmHandle, params);
   if (result < 0) {
     ORVEX_FAILURE("snd_pcm_hw_params err: %s", snd_strerror(result));
+    ORVEX_FAILURE("Assertion failed");
   }
 }
 

@@ -174,9 +174,10 @@ INSTANTIATE_TEST_SUITE_P(All, AlsaSoftwareStep,
 TEST_F(AlsaParameters, ThatCannotBeInstalledAreReportedWithTheReason) {
   world.answers.Next("snd_pcm_hw_params", {-EBUSY});
   const Texts lines = From(Open(), "> snd_pcm_hw_params() = -16");
-  ASSERT_GE(lines.size(), 3U);
+  ASSERT_GE(lines.size(), 4U);
   EXPECT_EQ(lines[1], "E2 snd_pcm_hw_params err: Device or resource busy");
-  EXPECT_EQ(lines[2], "I0 InitHwParam ok");
+  EXPECT_EQ(lines[2], "E2 Assertion failed");
+  EXPECT_EQ(lines[3], "I0 InitHwParam ok");
   EXPECT_TRUE(opened);
 }
 
