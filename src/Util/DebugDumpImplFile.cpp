@@ -2,19 +2,29 @@
 #include "Util/DebugDumpImplFile.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "Util/OrvexLog.h"
 
 namespace {
 
-// As fopen(name, "wb+"), but private to the user and never through a link that somebody left in /tmp. Null on failure.
+// A file that nobody else made or can reach by another name.
+bool IsPrivate(int fd) {
+  struct stat state {};
+  return fstat(fd, &state) == 0 && S_ISREG(state.st_mode) && state.st_nlink == 1 && state.st_uid == geteuid();
+}
+
+// As fopen(name, "wb+"), but everybody may write to /tmp: what lies there in the way is neither waited for nor changed.
+// Null on failure.
 std::FILE* OpenPrivately(const std::string& name) {
-  const int fd = open(name.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR);
+  constexpr mode_t kOwnerOnly = S_IRUSR | S_IWUSR;
+  const int fd = open(name.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, kOwnerOnly);
   if (fd < 0) {
     return nullptr;
   }
-  std::FILE* file = fdopen(fd, "wb+");
+  const bool isReady = IsPrivate(fd) && fchmod(fd, kOwnerOnly) == 0 && ftruncate(fd, 0) == 0;
+  std::FILE* file = isReady ? fdopen(fd, "wb+") : nullptr;
   if (file == nullptr) {
     close(fd);
   }

@@ -13,7 +13,8 @@
 //
 //   /tmp/audio_result_<pid>_<n>.csv  lines of text: the results and the delays in force
 //
-// They are never deleted here. Both are made with mode 0600, and a symbolic link in the way is a failure to open.
+// They are never deleted here. Both have mode 0600. A file of this user that has one of the names is written anew;
+// anything else there (a link, a pipe, a device, another user's file, a file with a second name) is a failure to open.
 class CDebugDumpImplFile : public IDebugDumpImpl {
 public:
   // Opens a new pair. A pair that is still open is left open: its last lines may be on their way from another thread.

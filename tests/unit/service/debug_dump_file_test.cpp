@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/sysmacros.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -174,35 +175,105 @@ TEST_F(DebugDumpFile, ARecordingAfterAFailedOneHasTheNextNumber) {
   EXPECT_EQ(ContentOf(AudioName(2)), "data");
 }
 
-// A link that somebody left in /tmp, to a file that exists or to one that does not.
-class DebugDumpLink : public DebugDumpFile, public testing::WithParamInterface<bool> {
-protected:
-  std::string Target() const {
-    if (GetParam()) {
-      std::ofstream(elsewhere) << "precious";
-    }
-    return elsewhere;
+TEST_F(DebugDumpFile, AFileThatOthersCouldReadIsTheirsNoLonger) {
+  for (const std::string& name : {AudioName(1), ResultName(1)}) {
+    std::ofstream(name) << "old";
+    ASSERT_EQ(chmod(name.c_str(), 0666), 0);
   }
-  void ExpectTargetUntouched() const { EXPECT_EQ(ContentOf(elsewhere), GetParam() ? "precious" : "(no file)"); }
+  writer.Start();
+  for (const std::string& name : {AudioName(1), ResultName(1)}) {
+    struct stat status {};
+    ASSERT_EQ(stat(name.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777U, 0600U) << name;
+    EXPECT_EQ(status.st_size, 0) << name;
+  }
+}
+
+// Something that somebody left in /tmp under one of the two names. It must be as it was afterwards.
+struct Obstacle {
+  const char* name;
+  void (*place)(const std::string& name, const std::string& elsewhere);
+  std::string (*look)(const std::string& name, const std::string& elsewhere);
+  bool needsRoot = false;
 };
 
-TEST_P(DebugDumpLink, InTheWayOfTheRawFileIsNotFollowed) {
-  fs::create_symlink(Target(), AudioName(1));
-  EXPECT_THAT(During([&] { writer.Start(); }), ElementsAre("I0 CDebugDumpImplFile start", StartLine(1), kNotFound));
-  ExpectClosed();
-  writer.Stop();
-  ExpectTargetUntouched();
+constexpr uid_t kForeignUser = 12345;
+
+std::string OwnerModeAndContent(const std::string& name) {
+  struct stat status {};
+  EXPECT_EQ(stat(name.c_str(), &status), 0);
+  return std::to_string(status.st_uid) + " " + std::to_string(status.st_mode) + " " + ContentOf(name);
 }
 
-TEST_P(DebugDumpLink, InTheWayOfTheResultFileIsNotFollowed) {
-  fs::create_symlink(Target(), ResultName(1));
-  EXPECT_THAT(During([&] { writer.Start(); }), ElementsAre("I0 CDebugDumpImplFile start", StartLine(1), kNotFound));
-  ExpectClosed();
-  writer.Stop();
-  ExpectTargetUntouched();
+const Obstacle kObstacles[] = {
+    {"ALinkToAFile",
+     [](const std::string& name, const std::string& elsewhere) {
+       std::ofstream(elsewhere) << "precious";
+       fs::create_symlink(elsewhere, name);
+     },
+     [](const std::string&, const std::string& elsewhere) { return ContentOf(elsewhere); }},
+    {"ALinkToNothing",
+     [](const std::string& name, const std::string& elsewhere) { fs::create_symlink(elsewhere, name); },
+     [](const std::string&, const std::string& elsewhere) { return ContentOf(elsewhere); }},
+    {"ASecondNameOfAFile",
+     [](const std::string& name, const std::string& elsewhere) {
+       std::ofstream(elsewhere) << "precious";
+       fs::create_hard_link(elsewhere, name);
+     },
+     [](const std::string&, const std::string& elsewhere) { return OwnerModeAndContent(elsewhere); }},
+    {"AFolder", [](const std::string& name, const std::string&) { fs::create_directory(name); },
+     [](const std::string& name, const std::string&) { return std::string(fs::is_directory(name) ? "folder" : ""); }},
+    {"APipe", [](const std::string& name, const std::string&) { EXPECT_EQ(mkfifo(name.c_str(), 0666), 0); },
+     [](const std::string& name, const std::string&) { return std::string(fs::is_fifo(name) ? "pipe" : ""); }},
+    {"ASocket",
+     [](const std::string& name, const std::string&) { EXPECT_EQ(mknod(name.c_str(), S_IFSOCK | 0666, 0), 0); },
+     [](const std::string& name, const std::string&) { return std::string(fs::is_socket(name) ? "socket" : ""); }},
+    {"ADevice",
+     [](const std::string& name, const std::string&) {
+       EXPECT_EQ(mknod(name.c_str(), S_IFCHR | 0666, makedev(1, 3)), 0);
+     },
+     [](const std::string& name, const std::string&) {
+       return std::string(fs::is_character_file(name) ? "device" : "");
+     },
+     true},
+    {"AFileOfAnotherUser",
+     [](const std::string& name, const std::string&) {
+       std::ofstream(name) << "theirs";
+       EXPECT_EQ(chmod(name.c_str(), 0666), 0);
+       EXPECT_EQ(chown(name.c_str(), kForeignUser, kForeignUser), 0);
+     },
+     [](const std::string& name, const std::string&) { return OwnerModeAndContent(name); }, true},
+};
+
+class DebugDumpObstacle : public DebugDumpFile, public testing::WithParamInterface<Obstacle> {
+protected:
+  void SetUp() override {
+    if (GetParam().needsRoot && geteuid() != 0) {
+      GTEST_SKIP() << "only root can put such a thing there";
+    }
+  }
+  void ExpectRefusedAt(const std::string& name) {
+    GetParam().place(name, elsewhere);
+    const std::string before = GetParam().look(name, elsewhere);
+    EXPECT_THAT(During([&] { writer.Start(); }), ElementsAre("I0 CDebugDumpImplFile start", StartLine(1), kNotFound));
+    ExpectClosed();
+    writer.Stop();
+    EXPECT_EQ(GetParam().look(name, elsewhere), before);
+    EXPECT_EQ(OpenDescriptorsOf(name), 0);
+  }
+};
+
+TEST_P(DebugDumpObstacle, InTheWayOfTheRawFileIsAFailureAndLeftAlone) {
+  ExpectRefusedAt(AudioName(1));
+  EXPECT_FALSE(fs::exists(ResultName(1)));
 }
 
-INSTANTIATE_TEST_SUITE_P(To, DebugDumpLink, testing::Bool(),
-                         [](const auto& tested) { return std::string(tested.param ? "AFile" : "Nothing"); });
+TEST_P(DebugDumpObstacle, InTheWayOfTheResultFileIsAFailureAndLeftAlone) {
+  ExpectRefusedAt(ResultName(1));
+  EXPECT_EQ(ContentOf(AudioName(1)), "");
+}
+
+INSTANTIATE_TEST_SUITE_P(All, DebugDumpObstacle, testing::ValuesIn(kObstacles),
+                         [](const auto& tested) { return std::string(tested.param.name); });
 
 }  // namespace
