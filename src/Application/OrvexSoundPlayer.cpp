@@ -31,7 +31,10 @@ OrvexSoundPlayer::~OrvexSoundPlayer() {
 
 void OrvexSoundPlayer::Prepare(const std::string& wavePath, Callback endCallback, Callback cancelCallback,
                                void* userData) {
-  m_strWavePath = wavePath;
+  // A worker that was stopped may still read the path.
+  if (m_strWavePath != wavePath) {
+    m_strWavePath = wavePath;
+  }
   m_pEndCallback = endCallback;
   m_pCancelCallback = cancelCallback;
   m_pUserData = userData;
@@ -45,21 +48,48 @@ bool OrvexSoundPlayer::PlayWave() {
   if (!m_AlsaAudio.Open()) {
     return false;
   }
-  m_PlayerThread = ecore_thread_run(m_StartPlayCB, m_EndPlayerCB, m_CancelPlayCB, this);
-  if (m_PlayerThread == nullptr) {
-    ORVEX_FAILURE("Assertion failed");
+  if (m_Worker == Worker::kNone) {
+    m_StartWorker();
+  } else {
+    m_PlayFollows = true;
   }
   return true;
 }
 
+void OrvexSoundPlayer::m_StartWorker() {
+  m_Worker = Worker::kStarting;
+  m_PlayerThread = ecore_thread_run(m_StartPlayCB, m_EndPlayerCB, m_CancelPlayCB, this);
+  m_Worker = m_PlayerThread == nullptr ? Worker::kNone : Worker::kRunning;
+  if (m_PlayerThread == nullptr) {
+    ORVEX_FAILURE("Assertion failed");
+  }
+}
+
+// At the end of the end or cancel function.
+void OrvexSoundPlayer::m_WorkerIsGone() {
+  m_Worker = Worker::kNone;
+  if (m_PlayFollows) {
+    m_PlayFollows = false;
+    if (m_AlsaAudio.Open()) {
+      m_StartWorker();
+    }
+  }
+}
+
 void OrvexSoundPlayer::StopWave() {
+  m_PlayFollows = false;
   if (m_PlayerThread == nullptr) {
     ORVEX_FAILURE("already thread stop");
-    m_AlsaAudio.Destroy();
+    // A worker that was stopped before still writes: its cancel function closes the device.
+    if (m_Worker == Worker::kNone) {
+      m_AlsaAudio.Destroy();
+    }
     return;
   }
   ORVEX_INFO("cancel_thread");
-  static_cast<void>(ecore_thread_cancel(m_PlayerThread));
+  // After a normal end the pool has taken the handle back: given to it once more, it would end whatever thread has the
+  // worker's place by then. There is nothing left to be cancelled, which null says.
+  static_cast<void>(ecore_thread_cancel(m_Worker == Worker::kRunning ? m_PlayerThread : nullptr));
   m_PlayerThread = nullptr;
 }
 
@@ -126,12 +156,18 @@ void OrvexSoundPlayer::m_EndPlayerCB(void* data, Ecore_Thread* /*thread*/) {
     pThis->m_pEndCallback(pThis->m_pUserData);
   }
   pThis->m_AlsaAudio.Destroy();
+  pThis->m_WorkerIsGone();
 }
 
-// Closes the device before anything else, other than after a normal end.
+// Closes the device before anything else, unlike m_EndPlayerCB.
 void OrvexSoundPlayer::m_CancelPlayCB(void* data, Ecore_Thread* /*thread*/) {
-  ORVEX_INFO("m_CancelPlayCB");
   auto* pThis = static_cast<OrvexSoundPlayer*>(data);
+  // The pool also calls this from inside ecore_thread_run() when it gets no thread. That play has not begun, and nobody
+  // is called back.
+  if (pThis != nullptr && pThis->m_Worker == Worker::kStarting) {
+    return;
+  }
+  ORVEX_INFO("m_CancelPlayCB");
   if (pThis == nullptr) {
     ORVEX_FAILURE("Assertion failed");
     return;
@@ -141,6 +177,7 @@ void OrvexSoundPlayer::m_CancelPlayCB(void* data, Ecore_Thread* /*thread*/) {
   if (pThis->m_pCancelCallback != nullptr) {
     pThis->m_pCancelCallback(pThis->m_pUserData);
   }
+  pThis->m_WorkerIsGone();
 }
 
 void OrvexSoundPlayer::m_FreeAudioData() {

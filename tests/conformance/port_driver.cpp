@@ -1,6 +1,8 @@
 // A driver that can tell the time and nothing else.
 #include "port_driver.h"
 
+#include <pthread.h>
+
 #include <chrono>
 #include <sstream>
 #include <stdexcept>
@@ -24,6 +26,21 @@ std::string PortDriver::CurrentThread() const {
   std::ostringstream text;
   text << std::this_thread::get_id();
   return text.str();
+}
+
+// No address space has room for the stack that a new thread gets.
+void PortDriver::WithoutThreads(const std::function<void()>& action) {
+  constexpr std::size_t kTooLargeStack = std::size_t{0xE} << (8 * sizeof(std::size_t) - 4);
+  pthread_attr_t attributes;
+  pthread_getattr_default_np(&attributes);
+  std::size_t usualStack = 0;
+  pthread_attr_getstacksize(&attributes, &usualStack);
+  pthread_attr_setstacksize(&attributes, kTooLargeStack);
+  pthread_setattr_default_np(&attributes);
+  action();
+  pthread_attr_setstacksize(&attributes, usualStack);
+  pthread_setattr_default_np(&attributes);
+  pthread_attr_destroy(&attributes);
 }
 
 void PortDriver::PlaceFile(const std::string& /*fixedPath*/, const std::string& /*content*/) {

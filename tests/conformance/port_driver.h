@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <set>
@@ -81,6 +82,8 @@ public:
   // A name of the thread that calls: the main loop has its own, and so has the delivery thread of the voice. Any
   // thread.
   virtual std::string CurrentThread() const;
+  // Does `action` while no further thread can be created.
+  virtual void WithoutThreads(const std::function<void()>& action);
 
   // Lets a file with this content lie at a fixed absolute path of the television.
   virtual void PlaceFile(const std::string& fixedPath, const std::string& content);

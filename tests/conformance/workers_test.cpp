@@ -13,10 +13,10 @@ using testing::ElementsAre;
 
 class Workers : public PortTest {
 protected:
+  void StartWorker() { m_Thread = ecore_thread_run(&OnWork, &OnEnd, &OnCancel, this); }
   // Starts a worker that works until it is let go, and goes on when it works.
   ScriptedApplication& WhileAWorkerWorks() {
-    const auto start = [this] { m_Thread = ecore_thread_run(&OnWork, &OnEnd, &OnCancel, this); };
-    return application.Do(start).Until("the worker to begin", [this] { return m_Works.load(); });
+    return application.Do([this] { StartWorker(); }).Until("the worker to begin", [this] { return m_Works.load(); });
   }
 
   std::function<void()> onWork = [this] { WaitUntil([this] { return letGo.load(); }); };
@@ -60,6 +60,18 @@ TEST_F(Workers, RunTheirCancelFunctionOnTheMainLoopBeforeAppMainReturns) {
   };
   onFinish = [&] { EXPECT_EQ(Port().CurrentThread(), mainLoop); };
   WhileAWorkerWorks().Run();
+  EXPECT_THAT(finishes, ElementsAre("cancel"));
+}
+
+// The pool has no other way to say it: whoever starts a worker must expect its cancel function inside the call.
+TEST_F(Workers, ThatGetNoThreadAreCancelledInsideTheCallAndHaveNoHandle) {
+  OnMainLoop([this] {
+    Port().WithoutThreads([this] {
+      StartWorker();
+      EXPECT_THAT(finishes, ElementsAre("cancel"));
+      EXPECT_EQ(m_Thread, nullptr);
+    });
+  });
   EXPECT_THAT(finishes, ElementsAre("cancel"));
 }
 

@@ -72,6 +72,10 @@ public:
 
   double NowMs() const override { return std::chrono::duration<double, std::milli>(m_World.scheduler.Now()).count(); }
   std::string CurrentThread() const override { return m_World.scheduler.CurrentThread(); }
+  void WithoutThreads(const std::function<void()>& action) override {
+    m_World.answers.Next("ecore_thread_run", {0});
+    action();
+  }
 
   // In this world one file of the television has a place.
   void PlaceFile(const std::string& /*fixedPath*/, const std::string& content) override {

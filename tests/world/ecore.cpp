@@ -2,6 +2,7 @@
 #include <Ecore.h>
 
 #include <memory>
+#include <stdexcept>
 
 #include "world.h"
 
@@ -45,9 +46,15 @@ struct Worker {
   bool finished = false;
 
   Ecore_Thread* Handle() { return reinterpret_cast<Ecore_Thread*>(this); }
+  // A worker that was cancelled before its body began has none.
+  void Run() {
+    if (!cancelled) {
+      body(const_cast<void*>(data), Handle());
+    }
+  }
   void Finish() {
-    finished = true;
     (cancelled ? cancel : end)(const_cast<void*>(data), Handle());
+    finished = true;
     --World::Current().runningWorkers;
   }
 };
@@ -89,26 +96,32 @@ Ecore_Thread* ecore_thread_run(Ecore_Thread_Cb funcBlocking, Ecore_Thread_Cb fun
                                const void* data) {
   World& world = World::Current();
   world.Call("ecore_thread_run()");
+  // As a pool that gets no thread: it says so to the cancel function, before it answers.
   if (world.answers.Take("ecore_thread_run").has_value()) {
+    funcCancel(const_cast<void*>(data), nullptr);
     return nullptr;
   }
   const auto worker = std::make_shared<Worker>(Worker{funcBlocking, funcEnd, funcCancel, data});
   world.poolJobs.push_back({funcBlocking, funcEnd, funcCancel});
   ++world.runningWorkers;
   static_cast<void>(world.scheduler.Spawn("worker", [worker] {
-    worker->body(const_cast<void*>(worker->data), worker->Handle());
+    worker->Run();
     Scheduler& scheduler = World::Current().scheduler;
     scheduler.At(scheduler.Now(), Lane::kMainLoop, [worker] { worker->Finish(); });
   }));
   return worker->Handle();
 }
 
-// A worker that has ended is cancelled without effect.
+// No worker is cancelled without effect. The handle of one that has finished is not to be used any more: the pool has
+// given it to another worker by then, or freed it.
 Eina_Bool ecore_thread_cancel(Ecore_Thread* thread) {
-  World::Current().Call("ecore_thread_cancel()");
+  World::Current().Call(thread == nullptr ? "ecore_thread_cancel(null)" : "ecore_thread_cancel()");
   auto* worker = reinterpret_cast<Worker*>(thread);
-  if (worker->finished) {
+  if (worker == nullptr) {
     return EINA_TRUE;
+  }
+  if (worker->finished) {
+    throw std::logic_error("a finished worker is cancelled");
   }
   worker->cancelled = true;
   return EINA_FALSE;

@@ -74,8 +74,9 @@ TEST_F(Manager, EveryOtherSelectorStartsThePlayerOnce) {
   world.AdvanceMs(1000);
   EXPECT_TRUE(world.journal.Has(
       "> file_location(\"/usr/apps/com.norvel.tv.orvex-service/res/sound/LR_test_sample_17_19.wav\")"));
-  EXPECT_THAT(JournalOf([this] { manager.m_StopOrvex(2); }),
-              ElementsAre("I0 Stop Orvex[2]", "I0 stop Sound Player", "I0 cancel_thread", "> ecore_thread_cancel()"));
+  EXPECT_THAT(
+      JournalOf([this] { manager.m_StopOrvex(2); }),
+      ElementsAre("I0 Stop Orvex[2]", "I0 stop Sound Player", "I0 cancel_thread", "> ecore_thread_cancel(null)"));
 }
 
 TEST_F(Manager, ADeviceThatCannotBeOpenedIsAPlayFailureAndThePlayerIsNotStarted) {

@@ -10,9 +10,6 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr const char* kFirst17 = "I0   ====> @ g_first index \n";
-constexpr const char* kFirst19 = "I0 @ g_first index (reverse)\n";
-
 class ReceiverDetection : public ReceiverTest {
 protected:
   // Buffers 1 to 35 with this sound: the ambience is known.

@@ -10,8 +10,6 @@ using testing::IsEmpty;
 using testing::Not;
 using testing::SizeIs;
 
-constexpr const char* kFirst17 = "I0   ====> @ g_first index \n";
-constexpr const char* kFirst19 = "I0 @ g_first index (reverse)\n";
 constexpr const char* kSequenceError = "I0 syquence error -> recheck \n";
 constexpr const char* kCompleted = "E0 completed calculation of delay";
 constexpr const char* kEndCallback = "> end of calculation";

@@ -85,7 +85,9 @@ protected:
     }
     return events;
   }
-  // The receiver's lines about a tone that stands out.
+  // The receiver's lines about a tone that stands out, and about one that is taken as the first of a pair.
+  static constexpr const char* kFirst17 = "I0   ====> @ g_first index \n";
+  static constexpr const char* kFirst19 = "I0 @ g_first index (reverse)\n";
   static std::string Found17(int buffer, const Samples& block) {
     const Levels levels = LevelsOf(block);
     return Text("I0 [%d] %0.4f s %.1Lf, %.1Lf\n", buffer, BufferSeconds(buffer), levels.at17000, levels.at19000);

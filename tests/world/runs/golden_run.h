@@ -22,9 +22,11 @@ protected:
   using Speaker = RunGolden::Speaker;
 
   static constexpr int kSoundFrames = 24000;
-  static constexpr Workers kBoth{true, true};
-  static constexpr Workers kRecorder{true, false};
-  static constexpr Workers kNobody{false, false};
+  using Sound = RunGolden::Sound;
+  static constexpr Workers kBoth{true, Sound::kWritten};
+  static constexpr Workers kRecorderAndEndedSound{true, Sound::kEnded};
+  static constexpr Workers kRecorder{true, Sound::kNotStarted};
+  static constexpr Workers kNobody{false, Sound::kNotStarted};
 
   // Does `action` on the main loop at this time.
   void AtMs(double milliseconds, const std::function<void()>& action) {

@@ -172,11 +172,12 @@ E0 Stop bt audio
 )"
                         : "I0 BT Recoder is not started");
   Add("I0 stop Sound Player");
-  Add(workers.playing ? R"(
-I0 cancel_thread
-> ecore_thread_cancel()
-)"
-                      : "I0 Sound Player is not started");
+  if (workers.sound == Sound::kNotStarted) {
+    Add("I0 Sound Player is not started");
+  } else {
+    Add("I0 cancel_thread");
+    Add(workers.sound == Sound::kWritten ? "> ecore_thread_cancel()" : "> ecore_thread_cancel(null)");
+  }
   return *this;
 }
 

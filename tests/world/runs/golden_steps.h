@@ -18,10 +18,11 @@ public:
 
   enum class Consent { kMissing, kGiven };
   enum class Speaker { kAudible, kMuted };
+  enum class Sound { kNotStarted, kWritten, kEnded };  // kEnded: its worker's end function has run
   // What m_StopOrvex(3) finds.
   struct Workers {
     bool recording = false;  // started, and the remote sends
-    bool playing = false;    // started, and the pool has a worker
+    Sound sound = Sound::kNotStarted;
   };
   struct EndRecord {
     std::string result = "fail";

@@ -95,7 +95,7 @@ TEST_F(GoldenDifference, IsMissingWhenTheSoundEndsWithoutAPair) {
   const EndRecord record{"fail", 100, "diff_fail"};
   golden.UntilPlaying().Blocks(36, 49).FirstTone17(50).Blocks(51, 59);
   golden.At(golden.WritesEndMs());
-  golden.PlayerEnds().EndSync(kBoth, "0.0000", record).Exit().Destroy({kNobody, record});
+  golden.PlayerEnds().EndSync(kRecorderAndEndedSound, "0.0000", record).Exit().Destroy({kNobody, record});
   ExpectGolden();
 }
 

@@ -22,7 +22,7 @@ bool FirstRunIsGolden() {
   }
   RunGolden golden(remote, 0);
   golden.SetNewInstances("I0 [singleton] new instance").UntilRecording().At(10).On("main").Add("* termination");
-  golden.Destroy({{true, false}, {}});
+  golden.Destroy({{true, RunGolden::Sound::kNotStarted}, {}});
   const testing::AssertionResult agree = Agree(golden, run.world.journal);
   std::cerr << agree.message();
   return agree;

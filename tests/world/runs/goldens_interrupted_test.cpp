@@ -63,16 +63,14 @@ TEST_F(GoldenInterruption, TheOpticalFlagDuringTheAmbientPhase) {
   ExpectGolden();
 }
 
-TEST_F(GoldenInterruption, TheOpticalFlagAtTheEndOfTheAmbientPhaseStillLetsTheSoundStart) {
+TEST_F(GoldenInterruption, TheOpticalFlagAtTheEndOfTheAmbientPhaseCancelsTheSoundBeforeItBegins) {
   run.After(kAmbientDone, [this] { run.SwitchOpticalFlag(); });
   RunToEnd();
   golden.UntilRecording().Blocks(1, 34);
   ExpectAtTheEndOfTheAmbientPhase("* optical flag");
   golden.On("main").Add(kOpticalCallback);
-  golden.StartSound();
   // EXIT was sent before the worker began.
-  golden.Exit().Destroy({kBoth, {}}).Worker().At(golden.WritesEndMs());
-  golden.PlayerIsCancelled();
+  golden.StartSound().Exit().Destroy({kBoth, {}}).PlayerIsCancelled();
   ExpectGolden();
 }
 

@@ -71,7 +71,10 @@ TEST_F(GoldenSpeaker, IsMutedAgainAfterARunThatEndsByItself) {
   RunToEnd();
   const EndRecord record{"fail", 100, "diff_fail"};
   golden.UntilPlaying(Speaker::kMuted).Blocks(36, 59).At(golden.WritesEndMs());
-  golden.PlayerEnds().EndSync(kBoth, "0.0000", record).Exit().Destroy({kNobody, record, true, kMutedAgain});
+  golden.PlayerEnds()
+      .EndSync(kRecorderAndEndedSound, "0.0000", record)
+      .Exit()
+      .Destroy({kNobody, record, true, kMutedAgain});
   ExpectLeft(true);
 }
 
