@@ -76,6 +76,7 @@ void OrvexReceiver::m_ResetRecording() {
   m_Peak19K = 0.0;
   m_DiffTime = 0.0;
   m_Direction = kNone;
+  m_Spare = 0;
 }
 
 void OrvexReceiver::m_InstallCallbacks() {

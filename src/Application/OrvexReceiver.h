@@ -51,7 +51,8 @@ public:
   // true: only report progress for the audible setting, look for no tone. Takes effect with the next block; starts
   // false.
   void SetHearable(bool hearable) { m_SoundMode = hearable ? kHearableSet : kDetection; }
-  // true: accept no further second tone in this recording. Cleared by a start.
+  // true: accept no further second tone in this recording, so that its first result stands. Cleared by a start. Any
+  // thread; from the end-of-calculation callback it holds for the blocks that follow.
   void SetFinished(bool finished) { m_Finished = finished ? 1 : 0; }
 
   // Progress: 1 after the ambient phase or a first tone, 2 in the audible setting at buffer 25, 0 before and after
@@ -127,6 +128,7 @@ private:
   double m_Peak19K = 0.0;
   std::atomic<double> m_DiffTime{0.0};
   std::int32_t m_Direction = kNone;
+  [[maybe_unused]] std::int32_t m_Spare = 0;
   OrvexReceiverCallbacks::Callback m_EndCalculationCallback = nullptr;
   OrvexReceiverCallbacks::Callback m_EndAmbientNoiseCallback = nullptr;
   OrvexReceiverCallbacks::Callback m_AbnormalStatusCallback = nullptr;
