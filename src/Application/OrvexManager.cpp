@@ -16,15 +16,6 @@ constexpr useconds_t kThreadRetryPauseUs = 100000;
 constexpr char kOpticalChangeFlagKey[] = "db/device-detector-service/optical_change_flag";
 constexpr char kTestSoundPath[] = "/usr/apps/com.norvel.tv.orvex-service/res/sound/LR_test_sample_17_19.wav";
 
-// The controller behind a callback's data. Null, and said so, when there is none.
-OrvexManager* Controller(void* data) {
-  if (data == nullptr) {
-    ORVEX_FAILURE("pThis is null");
-    ORVEX_FAILURE("Assertion failed");
-  }
-  return static_cast<OrvexManager*>(data);
-}
-
 }  // namespace
 
 OrvexManager::OrvexManager()
@@ -175,40 +166,43 @@ void OrvexManager::m_OnOpticalVconfCallback(const SettingsNode* node, void* data
 
 void OrvexManager::m_OnEndAmientNoiseCallback(void* data) {
   ORVEX_INFO("m_OnEndAmientNoiseCallback");
-  OrvexManager* pThis = Controller(data);
-  if (pThis != nullptr) {
-    pThis->m_SendOrvexEvent(ORVEX_PLAY_INAUDIBLE_SOUND);
+  if (ORVEX_IS_NULL(data)) {
+    return;
   }
+  static_cast<OrvexManager*>(data)->m_SendOrvexEvent(ORVEX_PLAY_INAUDIBLE_SOUND);
 }
 
 void OrvexManager::m_OnEndCalculationDiffCallback(void* data) {
   ORVEX_INFO("m_OnEndCalculationDiffCallback");
-  OrvexManager* pThis = Controller(data);
-  if (pThis != nullptr) {
-    pThis->m_SendOrvexEvent(ORVEX_END_SYNC);
-    pThis->m_SendOrvexEvent(ORVEX_EXIT);
+  if (ORVEX_IS_NULL(data)) {
+    return;
   }
+  auto* pThis = static_cast<OrvexManager*>(data);
+  pThis->m_SendOrvexEvent(ORVEX_END_SYNC);
+  pThis->m_SendOrvexEvent(ORVEX_EXIT);
 }
 
 void OrvexManager::m_OnAbnomalStatusCallback(void* data) {
   ORVEX_INFO("m_OnAbnomalStatusCallback");
-  OrvexManager* pThis = Controller(data);
-  if (pThis != nullptr) {
-    pThis->m_TerminateStatus = "abnormal_input_fail";
-    pThis->m_SendOrvexEvent(ORVEX_EXIT);
+  if (ORVEX_IS_NULL(data)) {
+    return;
   }
+  auto* pThis = static_cast<OrvexManager*>(data);
+  pThis->m_TerminateStatus = "abnormal_input_fail";
+  pThis->m_SendOrvexEvent(ORVEX_EXIT);
 }
 
 void OrvexManager::m_OnEndWavPlayCallback(void* data) {
   ORVEX_INFO("m_OnEndWavPlayCallback");
-  OrvexManager* pThis = Controller(data);
-  if (pThis != nullptr) {
-    pThis->m_SendOrvexEvent(ORVEX_END_SYNC);
-    pThis->m_SendOrvexEvent(ORVEX_EXIT);
+  if (ORVEX_IS_NULL(data)) {
+    return;
   }
+  auto* pThis = static_cast<OrvexManager*>(data);
+  pThis->m_SendOrvexEvent(ORVEX_END_SYNC);
+  pThis->m_SendOrvexEvent(ORVEX_EXIT);
 }
 
 void OrvexManager::m_OnCancelWavPlayCallback(void* data) {
   ORVEX_INFO("m_OnCancelWavPlayCallback");
-  static_cast<void>(Controller(data));
+  static_cast<void>(ORVEX_IS_NULL(data));
 }

@@ -25,3 +25,7 @@
 // Something failed or was refused; kept in the system buffer.
 #define ORVEX_FAILURE(format, ...) \
   ORVEX_LOG_LINE(LogBuffer::kSystem, LogPriority::kError, "\033[31m", format, ##__VA_ARGS__)
+
+// True when `pointer` is null, which is logged under the caller's own name.
+#define ORVEX_IS_NULL(pointer) \
+  ((pointer) == nullptr && (ORVEX_FAILURE("pThis is null"), ORVEX_FAILURE("Assertion failed"), true))

@@ -150,9 +150,12 @@ TEST_P(ManagerCallbacks, SayTheirNameThenSendTheirEvents) {
   EXPECT_STREQ(manager.GetTerminateStatus(), GetParam().status);
 }
 
-TEST_P(ManagerCallbacks, WithoutAControllerTheyOnlyComplain) {
+TEST_P(ManagerCallbacks, WithoutAControllerOnlyLogThatUnderTheirOwnName) {
   EXPECT_THAT(JournalOf([] { GetParam().function(nullptr); }),
               ElementsAre(std::string("I0 ") + GetParam().name, "E2 pThis is null", "E2 Assertion failed"));
+  for (const orvex::world::Entry& entry : world.journal.Entries()) {
+    EXPECT_EQ(entry.function, GetParam().name) << entry.text;
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(
