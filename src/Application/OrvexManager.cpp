@@ -178,6 +178,8 @@ void OrvexManager::m_OnEndCalculationDiffCallback(void* data) {
     return;
   }
   auto* pThis = static_cast<OrvexManager*>(data);
+  // The main loop may be busy, and blocks go on arriving until it stops the recording: the first result stands.
+  pThis->m_Receiver.SetFinished(true);
   pThis->m_SendOrvexEvent(ORVEX_END_SYNC);
   pThis->m_SendOrvexEvent(ORVEX_EXIT);
 }

@@ -25,7 +25,8 @@ bool Scheduler::RunsThisThread() {
 }
 
 Scheduler::Id Scheduler::At(Time when, Lane lane, std::function<void()> action) {
-  const Id id{std::max(when, m_Now), m_NextNumber++};
+  const Time lateness = lane == Lane::kMainLoop ? m_MainLoopLateness : Time(0);
+  const Id id{std::max(when, m_Now) + lateness, m_NextNumber++};
   m_Items.emplace(id, Item{lane, std::move(action)});
   return id;
 }

@@ -49,6 +49,9 @@ public:
   // Name of the thread that runs: "main", or what Spawn() or RunAs() was told.
   const std::string& CurrentThread() const { return m_CurrentThread; }
 
+  // From now on the main loop comes so much late to whatever is put into its lane.
+  void MakeMainLoopLate(Time lateness) { m_MainLoopLateness = lateness; }
+
   // Puts an item into the queue; items due at the same time run in the order in which they were put.
   Id At(Time when, Lane lane, std::function<void()> action);
   void Cancel(Id id) { m_Items.erase(id); }
@@ -84,6 +87,7 @@ private:
   std::map<Id, Item> m_Items;
   std::uint64_t m_NextNumber = 0;
   Time m_Now{0};
+  Time m_MainLoopLateness{0};
   std::string m_CurrentThread = "main";
   VirtualThread* m_Running = nullptr;  // null: the main thread
   bool m_Unwinding = false;

@@ -66,6 +66,7 @@ private:
       const std::vector<std::string> fields =
           StartsWith(entry.text, pattern->Beginning()) ? pattern->Fields(entry.text) : std::vector<std::string>();
       if (!fields.empty()) {
+        Require(m_Buffers == 0, "a second result of one recording: " + entry.text);
         m_Buffers = std::stoi(fields[1]) - std::stoi(fields[0]);
         Require((m_Buffers > 0) == (pattern == &kForward) && std::abs(m_Buffers) <= kPairingSpan,
                 "a pair that is none: " + entry.text);

@@ -26,6 +26,7 @@ const std::vector<std::int16_t>& Samples(Heard heard) {
       {Heard::kAmbient, test::Ambient()},
       {Heard::k17kHz, test::Tone(17000, kToneAmplitude)},
       {Heard::k19kHz, test::Tone(19000, kToneAmplitude)},
+      {Heard::kWeak19kHz, test::Tone(19000, kToneAmplitude / 2)},
       {Heard::kNoisy19kHz, NoisyTone()},
   };
   return kSamples.at(heard);

@@ -15,6 +15,7 @@ enum class Heard {
   kAmbient,
   k17kHz,
   k19kHz,
+  kWeak19kHz,   // clean, but below a tone that was heard before
   kNoisy19kHz,  // beside it something nearly as loud
   kLost,        // the port says so with a null record
 };
