@@ -29,8 +29,13 @@ COrvexApp::COrvexApp() : FwEflApplication("org.velta.orvex-service") {
 COrvexApp::~COrvexApp() = default;
 
 COrvexApp* COrvexApp::CreateAtProgramStart() {
-  static_cast<void>(tv_get_hdmi_input_count());
-  return new (std::nothrow) COrvexApp;
+  try {
+    static_cast<void>(tv_get_hdmi_input_count());
+    return new (std::nothrow) COrvexApp;
+  } catch (const std::bad_alloc&) {
+    // The object had its memory, something in it had none: a string, a format, a subscription.
+    return nullptr;
+  }
 }
 
 bool COrvexApp::t_OnCreate() {

@@ -14,8 +14,8 @@ public:
   COrvexApp();
   ~COrvexApp() override;
 
-  // What happens before main(): greets the television's service layer and makes the application object. Null, and
-  // nothing else happens, when there is no memory for it.
+  // What happens before main(): queries the number of HDMI inputs, an answer that is not used, and makes the
+  // application object. Null when there is no memory for it or for anything in it.
   static COrvexApp* CreateAtProgramStart();
 
   bool t_HasWindow() override { return false; }

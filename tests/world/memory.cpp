@@ -62,7 +62,11 @@ void __wrap_free(void* block) {
 }
 
 void* ORVEX_WRAP_NEW(std::size_t size, const std::nothrow_t& tag) {
-  return IsRefused("new") ? nullptr : ORVEX_REAL_NEW(size, tag);
+  try {
+    return IsRefused("new") ? nullptr : ORVEX_REAL_NEW(size, tag);
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
 }
 
 }  // extern "C"
