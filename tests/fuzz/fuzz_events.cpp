@@ -3,7 +3,7 @@
 //
 // An input is a byte for the television, then a list of orders, a letter and its arguments, one byte each:
 //   w N    N * 4 ms pass
-//   e N    event 10000 + N % 9; behind those that stop the sound an exit
+//   e N    event 10000 + N % 9
 //   v K N  N % 40 + 1 blocks of the remote, 16.5 ms each, of kind K: click, 17 kHz, 19 kHz, noisy 19 kHz, loud 17 kHz
 //   n z    a lost block, a block of an odd byte
 //   f N R C  operation N answers its failure R at its call C % 6 + 1 from now, or from now on for C of 192 and more
@@ -75,7 +75,7 @@ private:
         m_Run.world.AdvanceMs(4.0 * m_Input.Byte());
         break;
       case 'e':
-        SendEvent(ORVEX_START_SYNC + m_Input.Below(9));
+        m_Run.SendServiceEvent(ORVEX_START_SYNC + m_Input.Below(9));
         break;
       case 'v': {
         const int kind = m_Input.Byte();
@@ -120,14 +120,6 @@ private:
         break;
       default:
         break;
-    }
-  }
-  // A sound that is stopped is written to its end, and must not be played again meanwhile: whoever ends a sync ends the
-  // process, too.
-  void SendEvent(std::int32_t type) {
-    m_Run.SendServiceEvent(type);
-    if (type == ORVEX_END_SYNC || type == ORVEX_STOP_INAUDIBLE_SOUND) {
-      m_Run.SendServiceEvent(ORVEX_EXIT);
     }
   }
   void SendMessage(const char* method) {

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <map>
 #include <memory>
@@ -26,6 +27,9 @@ struct VirtualThread {
   std::function<void()> body;
   bool hasTurn = false;
   bool finished = false;
+  bool isHeld = false;                      // it gave way, and has not gone on yet
+  std::deque<std::function<void()>> tasks;  // of a thread that RunOn() made
+  bool isBusy = false;                      // with one of them
   std::condition_variable wake;
   std::thread thread;
 };
@@ -52,14 +56,24 @@ public:
   // From now on the main loop comes so much late to whatever is put into its lane.
   void MakeMainLoopLate(Time lateness) { m_MainLoopLateness = lateness; }
 
-  // Puts an item into the queue; items due at the same time run in the order in which they were put.
-  Id At(Time when, Lane lane, std::function<void()> action);
+  // Puts an item into the queue; items due at the same time run in the order in which they were put. `thread`: whose
+  // turn it is when the item is not the main loop's.
+  Id At(Time when, Lane lane, std::function<void()> action, const std::string& thread = {});
   void Cancel(Id id) { m_Items.erase(id); }
 
   // Runs what is due until `until`, on the main thread; stops early when `stop` says so after an item.
   void RunUntil(Time until, const std::function<bool()>& stop);
   // Runs `action` under another thread's name, on the thread that calls.
   void RunAs(const std::string& name, const std::function<void()>& action);
+  // Runs `action` on a virtual thread of this name, behind what that thread is still busy with; returns when the thread
+  // waits, gives way or has nothing left to do. Called on a virtual thread, as RunAs().
+  void RunOn(const std::string& name, std::function<void()> action);
+
+  // Names of the threads that could take a turn within `longest`, were the running one held back; "main" among them.
+  std::vector<std::string> OthersWithWork(Time longest) const;
+  // The running thread is held back until thread `name` has taken its next turn, or waits, for at most `longest`.
+  // False: that thread could take no turn, and nothing has happened.
+  bool GiveWayTo(const std::string& name, Time longest);
 
   // The running thread waits until the time has come, or `ready` says so.
   void Sleep(Time duration);
@@ -74,12 +88,28 @@ public:
 private:
   struct Item {
     Lane lane;
+    std::string thread;
     std::function<void()> action;
+  };
+  // A thread that is held back until another one has taken a turn.
+  struct Held {
+    VirtualThread* thread;
+    std::string until;
+    Id deadline;
   };
   struct Unwinding {};
 
   bool RunNext(Time until, bool mainLoopIsFree);
   void RunBlocked(Time until, const std::function<bool()>& ready);
+  void BlockMain(Time until, const std::function<bool()>& ready);
+  bool CanTakeTurn(const std::string& name, Time until) const;
+  void HoldMain(const std::string& name, Time until);
+  void Hold(VirtualThread& thread, const std::string& name, Time until);
+  // A thread has done an item, or waits: those that gave way to it go on.
+  void EndTurn(const std::string& name);
+  void Release(const std::function<bool(const Held& held)>& which);
+  void DoTasks(VirtualThread& thread);
+  VirtualThread* Make(const std::string& name, std::function<void()> body);
   void HandTurnTo(VirtualThread& thread);
   void ReturnTurn(VirtualThread& thread);
   void RunThread(VirtualThread& thread);
@@ -95,6 +125,12 @@ private:
   std::condition_variable m_MainWake;
   bool m_MainHasTurn = true;
   std::vector<std::unique_ptr<VirtualThread>> m_Threads;
+  std::map<std::string, VirtualThread*> m_TaskThreads;
+  std::map<std::string, int> m_Turns;  // taken, by name of the thread
+  std::vector<Held> m_Held;
+  bool m_MainIsBlocked = false;
+  bool m_MainIsHeld = false;
+  bool m_MainIsWanted = false;  // another thread gives way to the main thread, which is held
 };
 
 }  // namespace orvex::world

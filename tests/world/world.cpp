@@ -144,14 +144,28 @@ FwMessage World::SendMessage(const FwMessage& message, FwMessage reply) {
   return reply;
 }
 
-bool World::Deliver(const VoiceData* record) {
+bool World::DeliverBy(const std::function<void(VoiceDataCallback callback, void* userData)>& delivery) {
   if (voiceCallback == nullptr) {
     return false;
   }
-  voiceCallbackRuns = true;
-  scheduler.RunAs("delivery", [&] { voiceCallback(record, voiceUserData); });
-  voiceCallbackRuns = false;
+  const auto deliver = [this, delivery] {
+    // A receiver that is gone by the time of its turn gets nothing.
+    if (voiceCallback != nullptr) {
+      voiceCallbackRuns = true;
+      delivery(voiceCallback, voiceUserData);
+      voiceCallbackRuns = false;
+    }
+  };
+  if (hasDeliveryThread) {
+    scheduler.RunOn("delivery", deliver);
+  } else {
+    scheduler.RunAs("delivery", deliver);
+  }
   return true;
+}
+
+bool World::Deliver(const VoiceData* record) {
+  return DeliverBy([record](VoiceDataCallback callback, void* userData) { callback(record, userData); });
 }
 
 bool World::Deliver(const std::vector<std::int16_t>& samples) {
@@ -160,8 +174,11 @@ bool World::Deliver(const std::vector<std::int16_t>& samples) {
     bytes.push_back(static_cast<std::uint8_t>(static_cast<std::uint16_t>(sample) & 0xFFU));
     bytes.push_back(static_cast<std::uint8_t>(static_cast<std::uint16_t>(sample) >> 8U));
   }
-  const VoiceData record{static_cast<std::uint16_t>(bytes.size()), bytes.data()};
-  return Deliver(&record);
+  // A thread that is held back still has them when this call has returned.
+  return DeliverBy([bytes = std::move(bytes)](VoiceDataCallback callback, void* userData) {
+    const VoiceData record{static_cast<std::uint16_t>(bytes.size()), bytes.data()};
+    callback(&record, userData);
+  });
 }
 
 void World::UseRoom(const sim::RoomConfig& config) {
@@ -203,14 +220,17 @@ void World::ScheduleDelivery() {
   if (!due.has_value()) {
     return;
   }
-  m_NextDelivery = scheduler.At(*due, Lane::kElsewhere, [this] {
-    m_NextDelivery.reset();
-    sim::VoiceChannel::Block block{};
-    if (m_Voice->TakeBlock(block)) {
-      static_cast<void>(Deliver(std::vector<std::int16_t>(block.begin(), block.end())));
-    }
-    ScheduleDelivery();
-  });
+  m_NextDelivery = scheduler.At(
+      *due, Lane::kElsewhere,
+      [this] {
+        m_NextDelivery.reset();
+        sim::VoiceChannel::Block block{};
+        if (m_Voice->TakeBlock(block)) {
+          static_cast<void>(Deliver(std::vector<std::int16_t>(block.begin(), block.end())));
+        }
+        ScheduleDelivery();
+      },
+      "delivery");
 }
 
 std::string Quoted(const char* text) {

@@ -100,6 +100,9 @@ public:
   // Ecore's timers that run are due now.
   void RingTimers();
   FwMessage SendMessage(const FwMessage& message, FwMessage reply);
+  // Whether the remote's delivery thread is a thread that can be held back. Otherwise it is but a name, which is
+  // faster.
+  bool hasDeliveryThread = false;
   // The remote delivers a block, now, on its delivery thread; false when nobody receives it.
   bool Deliver(const VoiceData* record);
   bool Deliver(const std::vector<std::int16_t>& samples);
@@ -158,6 +161,7 @@ public:
 private:
   void AfterItem();
   void ScheduleDelivery();
+  bool DeliverBy(const std::function<void(VoiceDataCallback callback, void* userData)>& delivery);
 
   FwEflApplication* m_Application = nullptr;
   bool m_EndRequested = false;

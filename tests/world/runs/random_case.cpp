@@ -101,6 +101,13 @@ struct Happening {
   void (*happen)(ServiceRun& run, int number);
 };
 
+void SendWithOrWithoutExit(ServiceRun& run, std::int32_t type, int number) {
+  run.SendServiceEvent(type);
+  if (number % 2 == 1) {
+    run.SendServiceEvent(ORVEX_EXIT);
+  }
+}
+
 const Happening kHappenings[] = {
     {"optical flag", [](ServiceRun& run, int) { run.SwitchOpticalFlag(); }},
     {"termination", [](ServiceRun& run, int) { run.Terminate(); }},
@@ -114,6 +121,15 @@ const Happening kHappenings[] = {
     {"restart", [](ServiceRun& run, int) { run.SendServiceEvent(ORVEX_RESTART_BT_RECODING); }},
     {"start of recording", [](ServiceRun& run, int) { run.SendServiceEvent(ORVEX_START_BT_RECODING); }},
     {"end of recording", [](ServiceRun& run, int) { run.SendServiceEvent(ORVEX_FINISH_BT_RECODING); }},
+    {"start of sound", [](ServiceRun& run, int) { run.SendServiceEvent(ORVEX_PLAY_INAUDIBLE_SOUND); }},
+    {"stop of sound",
+     [](ServiceRun& run, int number) { SendWithOrWithoutExit(run, ORVEX_STOP_INAUDIBLE_SOUND, number); }},
+    {"sound stopped and started",
+     [](ServiceRun& run, int) {
+       run.SendServiceEvent(ORVEX_STOP_INAUDIBLE_SOUND);
+       run.SendServiceEvent(ORVEX_PLAY_INAUDIBLE_SOUND);
+     }},
+    {"end of sync", [](ServiceRun& run, int number) { SendWithOrWithoutExit(run, ORVEX_END_SYNC, number); }},
     {"foreign event", [](ServiceRun& run, int) { run.SendServiceEvent(ORVEX_EXIT + 1); }},
 };
 
@@ -143,7 +159,7 @@ std::string PrepareRandomRun(std::uint64_t seed, ServiceRun& run) {
   for (int i = lot.Index(3); i > 0; --i) {
     DrawFault(lot, run.world.answers, drawn);
   }
-  for (int i = lot.Index(3); i > 0; --i) {
+  for (int i = lot.Index(5); i > 0; --i) {
     DrawHappening(lot, run, drawn);
   }
   return drawn.str();

@@ -7,6 +7,7 @@
 #include <iostream>
 #include <map>
 
+#include "environment.h"
 #include "random_case.h"
 #include "run_rules.h"
 
@@ -17,11 +18,6 @@ using testing::IsEmpty;
 
 constexpr std::uint64_t kRuns = 300;
 constexpr std::uint64_t kFirstSeed = 1;
-
-std::uint64_t FromEnvironment(const char* name, std::uint64_t otherwise) {
-  const char* value = std::getenv(name);
-  return value == nullptr ? otherwise : std::strtoull(value, nullptr, 10);
-}
 
 TEST(RandomRuns, KeepAllRules) {
   const std::uint64_t runs = FromEnvironment("ORVEX_WORLD_RUNS", kRuns);

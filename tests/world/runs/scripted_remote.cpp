@@ -61,11 +61,14 @@ void ScriptedRemote::Schedule(world::Time start, int block) {
     return;
   }
   const world::Time due = start + world::Time(std::llround(DeliveredAtMs(block) * 1e6));
-  m_World.scheduler.At(due, world::Lane::kElsewhere, [this, start, block, recording = m_Recording] {
-    if (m_World.voiceSending && recording == m_Recording) {
-      Deliver(start, block);
-    }
-  });
+  m_World.scheduler.At(
+      due, world::Lane::kElsewhere,
+      [this, start, block, recording = m_Recording] {
+        if (m_World.voiceSending && recording == m_Recording) {
+          Deliver(start, block);
+        }
+      },
+      "delivery");
 }
 
 void ScriptedRemote::Deliver(world::Time start, int block) {

@@ -34,6 +34,8 @@ public:
 
   // Program start and create step. False: there is no application, and the process is over.
   bool Start();
+  // From the end of the program start on.
+  bool HasStarted() const { return m_App != nullptr; }
   // Time passes until the process has ended, at most 60 s. False when it has not.
   bool ToEnd() { return world.RunToEnd(); }
 
@@ -65,6 +67,8 @@ private:
 
 public:
   world::World world;
+  // Threads are held back in this run, so that it may take longer than its parts do.
+  bool holdsThreads = false;
 
 private:
   std::unique_ptr<COrvexApp> m_App;
