@@ -90,7 +90,7 @@ bool COrvexApp::IfMessageReceived(const std::string& /*sender*/, const FwMessage
   const std::string method = Method(received);
   ORVEX_INFO("IfMessageReceived called,  message Type: %s, method: %s", received.type.c_str(), method.c_str());
   if (!method.empty()) {
-    ORVEX_FAILURE("UNKNOWN MESSAGE");
+    ORVEX_MILESTONE("UNKNOWN MESSAGE");
   }
   if (reply.body.empty()) {
     ORVEX_INFO("reply empty...");

@@ -20,7 +20,7 @@ struct Row {
 Lines Received(const std::string& type, const std::string& method) {
   Lines lines{"I IfMessageReceived called,  message Type: " + type + ", method: " + method};
   if (!method.empty()) {
-    lines.push_back("F UNKNOWN MESSAGE");
+    lines.push_back("E UNKNOWN MESSAGE");
   }
   lines.push_back("I reply empty...");
   return lines;

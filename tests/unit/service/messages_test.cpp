@@ -16,7 +16,7 @@ using orvex::service_tests::Texts;
 using testing::ElementsAre;
 using testing::ElementsAreArray;
 
-constexpr char kUnknown[] = "E2 UNKNOWN MESSAGE";
+constexpr char kUnknown[] = "E0 UNKNOWN MESSAGE";
 constexpr char kEmptyReply[] = "I0 reply empty...";
 constexpr char kFilledReply[] = "I0 reply not empty!";
 

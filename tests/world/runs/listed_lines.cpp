@@ -27,7 +27,7 @@ constexpr Listed kLines[] = {
     {"E2 Failed to notify watchdog", "m"},
     {"E0 pEvent.type {d}", "m"},
     {"I0 IfMessageReceived called,  message Type: {s}, method: {s}", "m"},
-    {"E2 UNKNOWN MESSAGE", "m"},
+    {"E0 UNKNOWN MESSAGE", "m"},
     {"I0 reply empty...", "m"},
     {"I0 reply not empty!", "m"},
     // events
