@@ -15,6 +15,8 @@
 #include "faults.h"
 #include "report.h"
 #include "television.h"
+#include "television_files.h"
+#include "television_text.h"
 #include "utc_time.h"
 
 class CLogger {};
@@ -45,7 +47,7 @@ public:
   // False: errno tells why.
   bool Open() {
     struct stat state {};
-    if (m_Fd < 0 || ::flock(m_Fd, LOCK_EX) != 0 || ::fstat(m_Fd, &state) != 0) {
+    if (m_Fd < 0 || !orvex::host::IsRegularFile(m_Fd) || ::flock(m_Fd, LOCK_EX) != 0 || ::fstat(m_Fd, &state) != 0) {
       return false;
     }
     m_Size = state.st_size;
@@ -117,10 +119,10 @@ std::string RecordLine(const std::string& service, const std::string& event, con
                        const std::string& value) {
   Json::Value record;
   record["time"] = orvex::host::UtcNow();
-  record["service"] = service;
-  record["event"] = event;
-  record["category"] = category;
-  record["value"] = value;
+  record["service"] = orvex::host::ValidUtf8(service);
+  record["event"] = orvex::host::ValidUtf8(event);
+  record["category"] = orvex::host::ValidUtf8(category);
+  record["value"] = orvex::host::ValidUtf8(value);
   Json::StreamWriterBuilder writer;
   writer["indentation"] = "";
   return Json::writeString(writer, record) + "\n";

@@ -1,4 +1,4 @@
-// The system log: every record as it is on stderr, and as one line with time, buffer and priority in service.log.
+// The system log: every record on stderr, and as one line with time, buffer and priority in service.log.
 #include "orvex/platform/system_log.h"
 
 #include <fcntl.h>
@@ -14,12 +14,17 @@
 #include <new>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "television.h"
+#include "television_files.h"
+#include "television_text.h"
 #include "utc_time.h"
 
 namespace {
 
+using orvex::host::IsRegularFile;
+using orvex::host::Printable;
 using orvex::host::Television;
 using orvex::host::UtcNow;
 
@@ -87,7 +92,42 @@ char PriorityLetter(LogPriority priority) {
   return index < kLetters.size() ? kLetters[index] : '?';
 }
 
-std::string FileLine(LogBuffer buffer, LogPriority priority, const char* tag, const std::string& record) {
+// A coloured line is "file: function(line) > ", a colour, the message, and this.
+constexpr std::string_view kEndOfColour = "\033[0m\n";
+constexpr std::size_t kColourLength = 5;
+
+bool IsColour(std::string_view text) {
+  return text.size() == kColourLength && text.substr(0, 3) == "\033[3" && text[3] >= '0' && text[3] <= '7' &&
+         text[4] == 'm';
+}
+
+bool EndsWith(std::string_view text, std::string_view end) {
+  return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
+}
+
+// Escapes what could command a terminal or begin a line of its own, but for one line break at the end.
+std::string SafeMessage(std::string_view message) {
+  const bool hasBreak = EndsWith(message, "\n");
+  message.remove_suffix(hasBreak ? 1 : 0);
+  return Printable(message) + (hasBreak ? "\n" : "");
+}
+
+// The same, and a coloured line keeps its colour.
+std::string SafeRecord(std::string_view record) {
+  constexpr std::string_view kEndOfPrefix = ") > ";
+  const std::size_t prefix = record.find(kEndOfPrefix);
+  const std::size_t colour = prefix == std::string_view::npos ? record.size() : prefix + kEndOfPrefix.size();
+  if (!IsColour(record.substr(colour, kColourLength)) || !EndsWith(record, kEndOfColour)) {
+    return SafeMessage(record);
+  }
+  const std::size_t begin = colour + kColourLength;
+  const std::size_t length = record.size() - begin - kEndOfColour.size();
+  return Printable(record.substr(0, colour)) + std::string(record.substr(colour, kColourLength)) +
+         SafeMessage(record.substr(begin, length)) + std::string(kEndOfColour);
+}
+
+// `record`: as SafeRecord() made it.
+std::string FileLine(LogBuffer buffer, LogPriority priority, const std::string& tag, const std::string& record) {
   std::string line =
       UtcNow() + (buffer == LogBuffer::kSystem ? " system " : " main ") + PriorityLetter(priority) + " " + tag + ": ";
   const std::size_t length = record.size() - (!record.empty() && record.back() == '\n' ? 1 : 0);
@@ -104,8 +144,8 @@ std::string FileLine(LogBuffer buffer, LogPriority priority, const char* tag, co
 // Opened for every record: the file may be moved away or removed at any time.
 bool AppendToFile(const std::string& line) {
   const auto path = Television::Instance().PathOf("service.log");
-  const int fd = ::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0600);
-  const bool written = fd >= 0 && WriteRecord(fd, line);
+  const int fd = ::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW, 0600);
+  const bool written = fd >= 0 && IsRegularFile(fd) && WriteRecord(fd, line);
   if (fd >= 0) {
     ::close(fd);
   }
@@ -119,11 +159,11 @@ std::mutex& WriteMutex() {
 }
 
 // A broken stderr is no failure: nobody reads it any more.
-int WriteBoth(const std::string& record, const std::string& line) {
+bool WriteBoth(const std::string& record, const std::string& line) {
   const std::lock_guard<std::mutex> lock(WriteMutex());
   const PipeSignalGuard guard;
   WriteRecord(STDERR_FILENO, record);
-  return AppendToFile(line) ? static_cast<int>(record.size()) : -1;
+  return AppendToFile(line);
 }
 
 }  // namespace
@@ -138,7 +178,9 @@ int system_log_print(LogBuffer buffer, LogPriority priority, const char* tag, co
   int result = -1;
   try {
     if (const auto record = FormatRecord(format, arguments)) {
-      result = WriteBoth(*record, FileLine(buffer, priority, tag == nullptr ? "" : tag, *record));
+      const std::string safe = SafeRecord(*record);
+      const std::string line = FileLine(buffer, priority, Printable(tag == nullptr ? "" : tag), safe);
+      result = WriteBoth(safe, line) ? static_cast<int>(record->size()) : -1;
     }
   } catch (const std::bad_alloc&) {
     result = -1;

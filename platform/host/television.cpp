@@ -1,13 +1,16 @@
 // The virtual television's directory: where it is, how it is made, how values are read and replaced.
 #include "television.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdlib>
+#include <functional>
 #include <system_error>
 
 #include "television_files.h"
+#include "television_text.h"
 
 namespace orvex::host {
 namespace {
@@ -33,7 +36,7 @@ TelevisionError Inaccessible(const char* deed, const fs::path& path, const std::
 TelevisionValue Describe(const std::string& name) {
   auto value = DescribeTelevisionValue(name);
   if (!value) {
-    throw TelevisionError(Cause::kUnknownName, "\"" + name + "\" is no value of a television");
+    throw TelevisionError(Cause::kUnknownName, "\"" + Printable(name) + "\" is no value of a television");
   }
   return *value;
 }
@@ -41,12 +44,12 @@ TelevisionValue Describe(const std::string& name) {
 // The text as it is stored, or an error that names `origin`.
 std::string Check(const TelevisionValue& value, const std::string& text, const std::string& origin) {
   std::string trimmed = TrimTelevisionText(text);
-  const bool good = value.isText ? trimmed.find('\n') == std::string::npos && text.size() <= kMaximumValueBytes
+  const bool good = value.isText ? IsPrintable(trimmed) && text.size() <= kMaximumValueBytes
                                  : ParseTelevisionNumber(trimmed, value.minimum, value.maximum).has_value();
   if (!good) {
     constexpr std::size_t kShownBytes = 60;
-    throw TelevisionError(Cause::kBadValue, origin + ": \"" + trimmed.substr(0, kShownBytes) + "\": expected " +
-                                                ExpectedTelevisionValue(value));
+    throw TelevisionError(Cause::kBadValue, origin + ": \"" + Printable(trimmed.substr(0, kShownBytes)) +
+                                                "\": expected " + ExpectedTelevisionValue(value));
   }
   return trimmed;
 }
@@ -57,6 +60,51 @@ void MakeFolder(const fs::path& folder) {
   if (error) {
     throw Inaccessible("make the directory", folder, error);
   }
+}
+
+void CreateFile(const fs::path& path, const std::string& text) {
+  try {
+    CreateFileOnce(path, text);
+  } catch (const std::system_error& problem) {
+    throw Inaccessible("make", path, problem.code());
+  }
+}
+
+// Makes `folder`, for its owner alone, under another name, has it filled and gives it its name: on a full disk there is
+// none. One that somebody else has made meanwhile stays.
+void CreateWhole(const fs::path& folder, const std::function<void(const fs::path& folder)>& fill) {
+  constexpr mode_t kOwnerOnly = 0700;
+  const auto fail = [&](const std::error_code& reason) { throw Inaccessible("make the directory", folder, reason); };
+  std::error_code error;
+  fs::create_directories(folder.parent_path(), error);
+  const fs::path temporary = TemporaryName(folder);
+  if (error || ::mkdir(temporary.c_str(), kOwnerOnly) != 0) {
+    fail(error ? error : std::error_code(errno, std::generic_category()));
+  }
+  std::error_code ignored;
+  try {
+    fill(temporary);
+    if (::rename(temporary.c_str(), folder.c_str()) != 0 && errno != EEXIST && errno != ENOTEMPTY) {
+      fail({errno, std::generic_category()});
+    }
+  } catch (...) {
+    fs::remove_all(temporary, ignored);
+    throw;
+  }
+  fs::remove_all(temporary, ignored);
+}
+
+// Where a user without a home has a television.
+fs::path LastResort() {
+  return "/tmp/orvex-tv-" + std::to_string(::getuid());
+}
+
+// No file can be below it.
+constexpr const char* kNowhere = "/dev/null";
+
+std::string& TheProblem() {
+  static auto& problem = *new std::string;
+  return problem;
 }
 
 }  // namespace
@@ -73,7 +121,7 @@ fs::path Television::DirectoryFromEnvironment() {
   if (const auto home = EnvironmentPath("HOME")) {
     return *home / ".local/state/orvex-tv";
   }
-  return "/tmp/orvex-tv-" + std::to_string(::getuid());
+  return LastResort();
 }
 
 const Television& Television::Instance() {
@@ -83,26 +131,63 @@ const Television& Television::Instance() {
     try {
       made->Create();
     } catch (const std::exception& problem) {
-      const std::string line = std::string("orvex-host: ") + problem.what() + "\n";
-      [[maybe_unused]] const ssize_t count = ::write(STDERR_FILENO, line.data(), line.size());
+      TheProblem() = problem.what();
+      made->m_Directory = kNowhere;
     }
     return made;
   }();
   return television;
 }
 
+const std::string& Television::InstanceProblem() {
+  Instance();
+  return TheProblem();
+}
+
+// What lies in /tmp under the name of the last resort may be another user's.
+void Television::CheckOwner() const {
+  struct stat state {};
+  if (m_Directory != LastResort() || ::lstat(m_Directory.c_str(), &state) != 0) {
+    return;
+  }
+  if (!S_ISDIR(state.st_mode) || state.st_uid != ::geteuid()) {
+    throw TelevisionError(Cause::kInaccessible,
+                          m_Directory.string() + ": expected a directory of this user; ORVEX_TV names another one");
+  }
+}
+
 void Television::Create() const {
-  MakeFolder(m_Directory);
+  CheckOwner();
   std::error_code error;
-  const bool hasQueries = fs::exists(PathOf(kQueriesFolder), error);
-  MakeFolder(PathOf(kQueriesFolder));
+  if (fs::exists(fs::symlink_status(m_Directory, error))) {
+    Complete();
+  } else {
+    CreateWhole(m_Directory, [](const fs::path& folder) { Television(folder).Complete(); });
+  }
+}
+
+void Television::Complete() const {
+  const auto isQuery = [](const TelevisionValue& value) {
+    return fs::path(value.name).begin()->string() == kQueriesFolder;
+  };
   for (const TelevisionValue& value : TelevisionValues()) {
-    const bool isQuery = fs::path(value.name).begin()->string() == kQueriesFolder;
-    if (!isQuery || !hasQueries) {
+    if (!isQuery(value)) {
       CreateMissing(value.name, value.defaultText + "\n");
     }
   }
   CreateMissing(kRoomFile, kDefaultRoom);
+  const fs::path queries = PathOf(kQueriesFolder);
+  std::error_code error;
+  if (fs::exists(fs::symlink_status(queries, error))) {
+    return;
+  }
+  CreateWhole(queries, [&](const fs::path& folder) {
+    for (const TelevisionValue& value : TelevisionValues()) {
+      if (isQuery(value)) {
+        CreateFile(folder / fs::path(value.name).filename(), value.defaultText + "\n");
+      }
+    }
+  });
 }
 
 void Television::CreateMissing(const std::string& name, const std::string& text) const {
@@ -112,14 +197,11 @@ void Television::CreateMissing(const std::string& name, const std::string& text)
     return;
   }
   MakeFolder(path.parent_path());
-  try {
-    CreateFileOnce(path, text);
-  } catch (const std::system_error& problem) {
-    throw Inaccessible("make", path, problem.code());
-  }
+  CreateFile(path, text);
 }
 
 std::string Television::ReadFile(const std::string& name) const {
+  CheckOwner();
   const fs::path path = PathOf(name);
   try {
     return ReadSmallFile(path, kMaximumValueBytes);
@@ -148,6 +230,7 @@ std::int64_t Television::GetNumber(const std::string& name) const {
 
 void Television::Set(const std::string& name, const std::string& text) const {
   const std::string trimmed = Check(Describe(name), text, name);
+  CheckOwner();
   const fs::path path = PathOf(name);
   MakeFolder(path.parent_path());
   try {

@@ -37,12 +37,15 @@ public:
   // The directory that the environment names: ORVEX_TV, else orvex-tv below XDG_STATE_HOME or ~/.local/state, else
   // /tmp/orvex-tv-UID.
   static std::filesystem::path DirectoryFromEnvironment();
-  // The television of this process, made on first use with everything that was missing. Never throws: a directory that
-  // cannot be made is one line on stderr, and each later read and write fails by itself.
+  // The television of this process, made on first use with everything that was missing. Never throws: see
+  // InstanceProblem().
   static const Television& Instance();
+  // Why this process has no television; empty when it has one. Without one each read and write fails by itself.
+  static const std::string& InstanceProblem();
 
-  // Makes the directory and every file that is missing, with its default. An existing tv/ is left as it is: there a
-  // missing file means a query that fails. Throws TelevisionError.
+  // Makes the directory, for its owner alone, and every file that is missing, with its default. A new directory appears
+  // with everything in it or not at all. An existing tv/ is left as it is: there a missing file means a query that
+  // fails. A directory in /tmp must be this user's own. Throws TelevisionError.
   void Create() const;
 
   const std::filesystem::path& GetDirectory() const { return m_Directory; }
@@ -58,6 +61,8 @@ public:
 
 private:
   std::string ReadFile(const std::string& name) const;
+  void CheckOwner() const;
+  void Complete() const;
   void CreateMissing(const std::string& name, const std::string& text) const;
 
   std::filesystem::path m_Directory;

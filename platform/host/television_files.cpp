@@ -2,6 +2,7 @@
 #include "television_files.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
@@ -32,13 +33,6 @@ public:
 private:
   int m_Fd;
 };
-
-// A name that no other thread and no other process uses. Hidden, so that watchers of the folder can leave it aside.
-std::filesystem::path TemporaryName(const std::filesystem::path& path) {
-  static std::atomic<unsigned> counter{0};
-  return path.parent_path() / ("." + path.filename().string() + "." + std::to_string(::getpid()) + "." +
-                               std::to_string(counter.fetch_add(1)));
-}
 
 void WriteAll(int fd, const std::string& content) {
   std::size_t done = 0;
@@ -73,6 +67,21 @@ private:
 };
 
 }  // namespace
+
+bool IsRegularFile(int fd) {
+  struct stat state {};
+  if (::fstat(fd, &state) != 0) {
+    return false;
+  }
+  errno = EINVAL;
+  return S_ISREG(state.st_mode);
+}
+
+std::filesystem::path TemporaryName(const std::filesystem::path& path) {
+  static std::atomic<unsigned> counter{0};
+  return path.parent_path() / ("." + path.filename().string() + "." + std::to_string(::getpid()) + "." +
+                               std::to_string(counter.fetch_add(1)));
+}
 
 std::string ReadSmallFile(const std::filesystem::path& path, std::size_t maximumBytes) {
   // Not blocking: a pipe that someone put there must not stop the caller.

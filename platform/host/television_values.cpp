@@ -65,7 +65,7 @@ std::optional<TelevisionValue> DescribeTelevisionValue(const std::string& name) 
 
 std::string ExpectedTelevisionValue(const TelevisionValue& value) {
   if (value.isText) {
-    return "one line of text";
+    return "one line of UTF-8 text without control characters";
   }
   const std::string unit = value.unit.empty() ? "" : " " + value.unit;
   return "an integer from " + std::to_string(value.minimum) + " to " + std::to_string(value.maximum) + unit;

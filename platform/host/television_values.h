@@ -12,7 +12,7 @@ struct TelevisionValue {
   std::string name;  // path below the television's directory
   std::string meaning;
   std::string unit;      // empty: a plain number, or text
-  bool isText;           // one line of UTF-8 text; minimum and maximum do not apply
+  bool isText;           // one line of UTF-8 without control characters; minimum and maximum do not apply
   std::int64_t minimum;  // both bounds are allowed values
   std::int64_t maximum;
   std::string defaultText;

@@ -38,6 +38,22 @@ protected:
   }
 };
 
+TEST_F(HostEventLog, LosesNothingBehindBytesThatAreNoText) {
+  EXPECT_EQ(Add("{device=B\xF6 \xE2\x82|1;source=5}"), 1);
+  const auto records = Records();
+  ASSERT_EQ(records.size(), 1U);
+  EXPECT_EQ(records[0]["value"], "{device=B\uFFFD \uFFFD\uFFFD|1;source=5}");
+}
+
+TEST_F(HostEventLog, IsUnreachableAtAPipeADeviceOrALink) {
+  const std::string path = (Folder() / "events.jsonl").string();
+  ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+  EXPECT_EQ(Add("x"), -1);
+  Remove("events.jsonl");
+  std::filesystem::create_symlink("/dev/null", path);
+  EXPECT_EQ(Add("x"), -1);
+}
+
 TEST_F(HostEventLog, KeepsOneLinePerRecord) {
   EXPECT_EQ(Add("{result=pass}"), 1);
   EXPECT_EQ(Add("two\nlines \"and\" größer \xff"), 1);

@@ -1,5 +1,7 @@
 // The system log: records as they are on stderr, one line each in service.log.
+#include <fcntl.h>
 #include <signal.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <regex>
@@ -59,6 +61,54 @@ TEST_F(HostSystemLog, NamesBufferAndPriority) {
 TEST_F(HostSystemLog, KeepsARecordWithLineBreaksOnOneLine) {
   Print(LogBuffer::kMain, LogPriority::kInfo, "one\ntwo\n\n");
   EXPECT_THAT(LogLine(), testing::EndsWith(": one\\ntwo\\n\n"));
+}
+
+TEST_F(HostSystemLog, EscapesWhatCouldCommandATerminalOrBeginALine) {
+  const std::string head = "file.cpp: run(7) > \033[32m";
+  const std::string end = "\033[0m\n";
+  const struct {
+    std::string message;
+    std::string shown;
+  } rows[] = {
+      {"method: \033]0;title\007x", "method: \\x1b]0;title\\x07x"},
+      {"method: \033[31mred\033[0m", "method: \\x1b[31mred\\x1b[0m"},
+      {"a\nOrvexApp.cpp: forged(1) > line", "a\\nOrvexApp.cpp: forged(1) > line"},
+      {"diff time = 0.0330\n", "diff time = 0.0330\n"},
+      {"two\n\n", "two\\n\n"},
+      {"\xC2\x9B"
+       "2J \xFF",
+       "\\u009b2J \\xff"},
+  };
+  for (const auto& row : rows) {
+    Remove("service.log");
+    EXPECT_EQ(Print(LogBuffer::kMain, LogPriority::kInfo, head + row.message + end), head + row.shown + end);
+    EXPECT_EQ(m_Result, static_cast<int>((head + row.message + end).size()));
+    EXPECT_EQ(LogLine().find('\n'), LogLine().size() - 1) << "one line";
+  }
+}
+
+TEST_F(HostSystemLog, LeavesOnlyAColourBehindThePrefix) {
+  for (const char* const text : {"\033[2J", "x: y(1) > \033[2Jz", "x: y(1) > \033[3", "x: y(1) > ", "\033[0m"}) {
+    const std::string shown = Print(LogBuffer::kMain, LogPriority::kInfo, std::string(text) + "\n");
+    EXPECT_EQ(shown.find('\033'), std::string::npos) << text;
+  }
+}
+
+TEST_F(HostSystemLog, FollowsNoLinkAndFillsNoPipe) {
+  const auto elsewhere = Folder() / "elsewhere";
+  std::filesystem::create_symlink(elsewhere, Folder() / "service.log");
+  Print(LogBuffer::kMain, LogPriority::kInfo, "x\n");
+  EXPECT_LT(m_Result, 0);
+  EXPECT_FALSE(std::filesystem::exists(elsewhere));
+
+  Remove("service.log");
+  ASSERT_EQ(mkfifo((Folder() / "service.log").c_str(), 0600), 0);
+  const int reader = open((Folder() / "service.log").c_str(), O_RDONLY | O_NONBLOCK);
+  Print(LogBuffer::kMain, LogPriority::kInfo, "x\n");
+  EXPECT_LT(m_Result, 0);
+  char byte = 0;
+  EXPECT_LE(read(reader, &byte, 1), 0);
+  close(reader);
 }
 
 TEST_F(HostSystemLog, CutsNoRecordHoweverLong) {
