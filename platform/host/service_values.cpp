@@ -1,6 +1,11 @@
 // Turns the television's exceptions into result codes and reports.
 #include "service_values.h"
 
+#include <map>
+#include <mutex>
+#include <set>
+#include <string>
+
 #include "report.h"
 #include "television.h"
 
@@ -24,14 +29,38 @@ AccessResult ResultOf(TelevisionError::Cause cause) {
   return AccessResult::kInaccessible;
 }
 
+// What has been reported of a value since it could last be read or written: a run asks for one several times.
+class KnownProblems {
+public:
+  static KnownProblems& Instance() {
+    static auto& problems = *new KnownProblems;
+    return problems;
+  }
+  void Report(const std::string& name, const std::string& problem) {
+    const std::lock_guard<std::mutex> lock(m_Mutex);
+    if (m_Problems[name].insert(problem).second) {
+      ReportProblem(problem);
+    }
+  }
+  void Forget(const std::string& name) {
+    const std::lock_guard<std::mutex> lock(m_Mutex);
+    m_Problems.erase(name);
+  }
+
+private:
+  std::mutex m_Mutex;
+  std::map<std::string, std::set<std::string>> m_Problems;
+};
+
 template <typename Work>
 AccessResult Attempt(const std::string& name, Work work) {
   try {
     work(Television::Instance());
+    KnownProblems::Instance().Forget(name);
     return AccessResult::kDone;
   } catch (const TelevisionError& error) {
     if (error.GetCause() != TelevisionError::Cause::kMissing || !MayBeMissing(name)) {
-      ReportProblem(error.what());
+      KnownProblems::Instance().Report(name, error.what());
     }
     return ResultOf(error.GetCause());
   }

@@ -8,7 +8,8 @@ namespace orvex::host {
 
 enum class AccessResult { kDone, kMissing, kBadValue, kInaccessible };
 
-// A failure is reported, except a missing file where that is a state of its own: below settings/ and tv/. Any thread.
+// A failure is reported, once as long as it lasts, except a missing file where that is a state of its own: below
+// settings/ and tv/. Any thread.
 // `*number` and `*text` are untouched by a failure.
 AccessResult ReadNumber(const std::string& name, std::int64_t* number);
 AccessResult ReadText(const std::string& name, std::string* text);

@@ -1,4 +1,5 @@
 // Sound manager, output delay and queries: what the files say is what the service hears.
+#include <algorithm>
 #include <functional>
 
 #include "host_television.h"
@@ -30,6 +31,27 @@ TEST_F(HostServices, ReadAndWriteTheSoundManagersFiles) {
   EXPECT_EQ(sound_manager_set_tv_master_volume(100), 0);
   EXPECT_EQ(Content("sound/mute"), "0\n");
   EXPECT_EQ(Content("sound/volume"), "100\n");
+}
+
+TEST_F(HostServices, SayOnceThatAValueCannotBeReadUntilItCan) {
+  std::uint32_t delayMs = 0;
+  const auto problems = [&](int reads) {
+    testing::internal::CaptureStderr();
+    for (int read = 0; read < reads; ++read) {
+      avoc_get_delay(&delayMs, kDelayKindSpdif);
+    }
+    const std::string text = testing::internal::GetCapturedStderr();
+    return std::count(text.begin(), text.end(), '\n');
+  };
+  Echo("delay/spdif", "soon\n");
+  EXPECT_EQ(problems(5), 1);
+  EXPECT_EQ(problems(5), 0);
+  Echo("delay/spdif", "later\n");
+  EXPECT_EQ(problems(5), 1) << "another problem";
+  Echo("delay/spdif", "7\n");
+  EXPECT_EQ(problems(1), 0);
+  Echo("delay/spdif", "soon\n");
+  EXPECT_EQ(problems(2), 1) << "it was good meanwhile";
 }
 
 TEST_F(HostServices, RefuseOtherDevicesAndVolumesOutOfRange) {
@@ -173,6 +195,7 @@ TEST_F(HostServices, FailWithTargetsUntouchedWhenTheirFileIsMissingOrBad) {
     const bool isQuery = std::string(operation.file).rfind("tv/", 0) == 0;  // a missing one is a state of its own
     EXPECT_EQ(testing::internal::GetCapturedStderr().empty(), isQuery) << operation.file;
     Television::Instance().Set(operation.file, "1");
+    EXPECT_NE(operation.run(&target), operation.failure) << operation.file;
   }
 }
 
