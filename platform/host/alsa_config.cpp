@@ -65,16 +65,6 @@ void WriteConfiguration() {
   ::setenv("ALSA_CONFIG_PATH", ListEntry(path).c_str(), 1);
 }
 
-// A program opens the device by libasound's own functions, so nothing of ours is called before.
-[[maybe_unused]] const bool kIsConfigured = [] {
-  const char* const directory = std::getenv("ORVEX_TV");
-  const bool isNamed = directory != nullptr && *directory != '\0';
-  if (isNamed) {
-    ConfigureAlsa();
-  }
-  return isNamed;
-}();
-
 }  // namespace
 
 void ConfigureAlsa() {

@@ -12,6 +12,8 @@
 #include "alsa_config.h"
 #include "end_signals.h"
 #include "event_queue.h"
+#include "exit_codes.h"
+#include "late_main_loop.h"
 #include "main_loop.h"
 #include "message_answer.h"
 #include "message_socket.h"
@@ -19,6 +21,7 @@
 #include "report.h"
 #include "settings_notifier.h"
 #include "television.h"
+#include "television_lock.h"
 
 namespace {
 
@@ -40,6 +43,11 @@ void OpenOrReport(host::MessageSocket& socket) {
   }
 }
 
+int Refuse(const std::string& problem, int exitCode) {
+  host::ReportProblem(problem);
+  return exitCode;
+}
+
 // Everything between the main loop's start and its end. The socket and the notifications live in it only.
 void LiveThrough(FwEflApplication& application) {
   const bool mayInject = MayInjectEvents();
@@ -48,6 +56,7 @@ void LiveThrough(FwEflApplication& application) {
   });
   OpenOrReport(socket);
   ecore_file_init();
+  host::MakeMainLoopLate();
   host::SettingsNotifier::Instance().Start();
   if (!application.t_OnCreate()) {
     host::RequestMainLoopEnd();
@@ -61,11 +70,11 @@ void LiveThrough(FwEflApplication& application) {
 
 FwEflApplication::FwEflApplication(const char* identifier) : m_Identifier(identifier == nullptr ? "" : identifier) {
   // From here on there is a destroy step to be run.
-  host::RememberEndSignals();
+  orvex::port::HoldEndSignals();
 }
 
 FwEflApplication::~FwEflApplication() {
-  host::ForgetEndSignals();
+  orvex::port::ReleaseEndSignals();
 }
 
 bool FwEflApplication::IfMessageReceived(const std::string& /*sender*/, const FwMessage& /*received*/,
@@ -83,12 +92,21 @@ bool SendEvent(const FwEvent& event) {
 }
 
 int AppMain(int /*argc*/, char** /*argv*/, FwEflApplication* application) {
+  const host::Television& television = host::Television::Instance();
+  if (const std::string& problem = host::Television::InstanceProblem(); !problem.empty()) {
+    return Refuse("there is no television: " + problem, host::kExitNoTelevision);
+  }
+  const host::TelevisionLock lock(television.GetDirectory());
+  if (!lock.IsHeld()) {
+    return Refuse(television.GetDirectory().string() + ": another service runs on this television; wait for its end",
+                  host::kExitTelevisionInUse);
+  }
   // Both change the environment, while there is one thread.
   host::TakeNotifySocketFromEnvironment();
   host::ConfigureAlsa();
-  if (application == nullptr || !host::StartMainLoop()) {
-    host::ReportProblem("the main loop cannot run: expected an application and a working Ecore");
-    return EXIT_FAILURE;
+  const std::string problem = application == nullptr ? "expected an application" : host::StartMainLoop();
+  if (!problem.empty()) {
+    return Refuse("the main loop cannot run: " + problem, host::kExitNoMainLoop);
   }
   LiveThrough(*application);
   application->t_OnDestroy();
@@ -96,10 +114,10 @@ int AppMain(int /*argc*/, char** /*argv*/, FwEflApplication* application) {
     host::ReportProblem("a worker thread did not finish within 6 s; ending without it");
     // Without destructors, which that thread may still need things of; what was written to files is kept.
     std::fflush(nullptr);
-    std::_Exit(EXIT_SUCCESS);
+    std::_Exit(host::kExitInOrder);
   }
   host::StopMainLoop();
-  return EXIT_SUCCESS;
+  return host::kExitInOrder;
 }
 
 void ui_app_exit() {

@@ -14,13 +14,13 @@ namespace {
 // Operations that may be answered by the file, and what is asked of each entry.
 const std::set<std::string>& AnswerKeys() {
   static const auto& keys = *new std::set<std::string>{
-      "voice.register",      "voice.unregister",   "voice.start",        "voice.extend",
-      "voice.stop",          "delay.get",          "delay.set",          "settings.get",
-      "watchdog.notify",     "settings.subscribe", "watchdog.register",  "settings.unsubscribe",
-      "sound.get_mute",      "sound.set_mute",     "sound.get_volume",   "sound.set_volume",
-      "sound.get_speaker",   "event_log.add",      "tv.hdmi_inputs",     "tv.activity",
-      "tv.av_control",       "tv.resolution",      "tv.source_control",  "tv.source",
-      "audio_control.delay", "pcm.open",           "audio_control.codec"};
+      "voice.register",      "voice.unregister",   "voice.start",         "voice.extend",
+      "voice.stop",          "delay.get",          "delay.set",           "settings.get",
+      "watchdog.notify",     "settings.subscribe", "watchdog.register",   "settings.unsubscribe",
+      "sound.get_mute",      "sound.set_mute",     "sound.get_volume",    "sound.set_volume",
+      "sound.get_speaker",   "event_log.add",      "tv.hdmi_inputs",      "tv.activity",
+      "tv.av_control",       "tv.resolution",      "tv.source_control",   "tv.source",
+      "audio_control.delay", "pcm.open",           "audio_control.codec", "main_loop.late_ms"};
   return keys;
 }
 

@@ -45,6 +45,11 @@ void Faults::Reload() {
   m_CallCounts.clear();
 }
 
+bool Faults::IsListed(const std::string& operation) const {
+  const std::lock_guard<std::mutex> lock(m_Mutex);
+  return m_Table.answers.count(operation) != 0;
+}
+
 std::optional<int> Faults::Next(const std::string& operation) {
   const std::lock_guard<std::mutex> lock(m_Mutex);
   const auto answer = m_Table.answers.find(operation);

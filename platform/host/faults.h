@@ -26,6 +26,8 @@ public:
   // Reads the file again; all calls count from the beginning.
   void Reload();
 
+  // Is there anything to answer `operation` with?
+  bool IsListed(const std::string& operation) const;
   // Counts one call of `operation`, such as "voice.start": the answer to give instead of doing it, or empty.
   std::optional<int> Next(const std::string& operation);
   // The frame numbers of `fault`, such as "pcm.underrun_at_frame", ascending; each frame counts once.

@@ -5,6 +5,7 @@
 
 #include <atomic>
 
+#include "ecore_start.h"
 #include "end_signals.h"
 #include "event_queue.h"
 #include "signal_errno.h"
@@ -15,12 +16,7 @@ namespace {
 std::atomic<bool> isEnding{false};
 unsigned startedLoops = 0;
 bool isStarted = false;
-Ecore_Event_Handler* exitHandler = nullptr;
-
-Eina_Bool OnExitSignal(void* /*data*/, int /*type*/, void* /*event*/) {
-  RequestMainLoopEnd();
-  return ECORE_CALLBACK_DONE;
-}
+port::EndSignalWatch endSignals;
 
 Eina_Bool KeepAwake(void* /*data*/) {
   return ECORE_CALLBACK_RENEW;
@@ -30,35 +26,21 @@ bool HasWorkers() {
   return ecore_thread_active_get() > 0 || ecore_thread_pending_total_get() > 0;
 }
 
-bool InitEcore() {
-  // Otherwise Ecore looks for D-Bus services, and complains at length where there are none.
-  ecore_app_no_system_modules();
-  // Not with the end signals held back: Ecore lets them through before its handler can keep one, and it would be lost.
-  if (ecore_init() <= 0) {
-    return false;
-  }
-  KeepErrnoInEcoreHandlers();
-  return true;
-}
-
 }  // namespace
 
-bool StartMainLoop() {
-  if (!InitEcore()) {
-    return false;
+std::string StartMainLoop() {
+  if (const std::string problem = port::BeginEcore(); !problem.empty()) {
+    return problem;
   }
+  KeepErrnoInEcoreHandlers();
   isStarted = true;
   ++startedLoops;
   isEnding = false;
-  exitHandler = ecore_event_handler_add(ECORE_EVENT_SIGNAL_EXIT, &OnExitSignal, nullptr);
-  if (exitHandler == nullptr || !EventQueue::Instance().Open()) {
+  if (!EventQueue::Instance().Open() || !endSignals.Begin(&RequestMainLoopEnd)) {
     StopMainLoop();
-    return false;
+    return "Ecore cannot watch file descriptors";
   }
-  if (TakeRememberedEndSignal()) {
-    RequestMainLoopEnd();
-  }
-  return true;
+  return "";
 }
 
 void RunMainLoop() {
@@ -87,14 +69,9 @@ void StopMainLoop() {
   isEnding = true;
   EventQueue::Instance().Close();
   EventQueue::Instance().Release();
-  if (exitHandler != nullptr) {
-    ecore_event_handler_del(exitHandler);
-    exitHandler = nullptr;
-  }
+  endSignals.End();
   isStarted = false;
-  const EndSignalBlock block;
   ecore_shutdown();
-  TakeOverEndSignals();
 }
 
 void RequestMainLoopEnd() {

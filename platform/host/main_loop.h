@@ -2,11 +2,12 @@
 #pragma once
 
 #include <chrono>
+#include <string>
 
 namespace orvex::host {
 
-// Starts Ecore on this thread. False: it could not; nothing is left behind.
-bool StartMainLoop();
+// Starts Ecore on this thread. Empty: it has started. Otherwise what is missing; nothing is left behind.
+std::string StartMainLoop();
 // Runs until the end was requested; at once back when it was already.
 void RunMainLoop();
 // Iterates until no worker of the pool runs and their end and cancel functions have been called. False: some still run

@@ -2,9 +2,7 @@
 #include "orvex/platform/application.h"
 
 #include <Ecore.h>
-#include <signal.h>
 #include <sys/eventfd.h>
-#include <sys/signalfd.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -14,6 +12,10 @@
 #include <mutex>
 #include <new>
 #include <optional>
+#include <string>
+
+#include "ecore_start.h"
+#include "end_signals.h"
 
 namespace {
 
@@ -85,45 +87,27 @@ Eina_Bool DeliverOne(void* /*data*/, Ecore_Fd_Handler* /*handler*/) {
   return ECORE_CALLBACK_RENEW;
 }
 
-// From now on SIGTERM and SIGINT interrupt no thread: this descriptor is readable when one has come.
-int OpenEndSignals() {
-  sigset_t signals;
-  sigemptyset(&signals);
-  sigaddset(&signals, SIGTERM);
-  sigaddset(&signals, SIGINT);
-  pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-  return ::signalfd(-1, &signals, SFD_NONBLOCK | SFD_CLOEXEC);
-}
-
-Eina_Bool OnEndSignal(void* /*data*/, Ecore_Fd_Handler* handler) {
-  signalfd_siginfo signal{};
-  if (::read(ecore_main_fd_handler_fd_get(handler), &signal, sizeof signal) > 0) {
-    ui_app_exit();
-  }
-  return ECORE_CALLBACK_RENEW;
-}
-
-bool Watch(int fd, Ecore_Fd_Cb callback) {
-  return fd >= 0 && ecore_main_fd_handler_add(fd, ECORE_FD_READ, callback, nullptr, nullptr, nullptr) != nullptr;
+bool WatchEvents() {
+  const int fd = Queue().GetDescriptor();
+  return fd >= 0 && ecore_main_fd_handler_add(fd, ECORE_FD_READ, &DeliverOne, nullptr, nullptr, nullptr) != nullptr;
 }
 
 // Ecore from AppMain() to the process's end, since an alarm may outlive AppMain().
 class Ecore {
 public:
-  Ecore() {
-    ecore_app_no_system_modules();
-    // The signals after Ecore has begun, as it lets through what was held back.
-    m_IsReady =
-        ecore_init() > 0 && Watch(OpenEndSignals(), &OnEndSignal) && Watch(Queue().GetDescriptor(), &DeliverOne);
+  Ecore() : m_Problem(orvex::port::BeginEcore()) {}
+  ~Ecore() {
+    if (m_Problem.empty()) {
+      ecore_shutdown();
+    }
   }
-  ~Ecore() { ecore_shutdown(); }
   Ecore(const Ecore&) = delete;
   Ecore& operator=(const Ecore&) = delete;
 
-  bool IsReady() const { return m_IsReady; }
+  const std::string& Problem() const { return m_Problem; }
 
 private:
-  bool m_IsReady = false;
+  const std::string m_Problem;
 };
 
 bool HasWorkers() {
@@ -147,8 +131,14 @@ bool LetWorkersFinish() {
 
 }  // namespace
 
-FwEflApplication::FwEflApplication(const char* identifier) : m_Identifier(identifier == nullptr ? "" : identifier) {}
-FwEflApplication::~FwEflApplication() = default;
+FwEflApplication::FwEflApplication(const char* identifier) : m_Identifier(identifier == nullptr ? "" : identifier) {
+  // From here on there is a destroy step to be run.
+  orvex::port::HoldEndSignals();
+}
+
+FwEflApplication::~FwEflApplication() {
+  orvex::port::ReleaseEndSignals();
+}
 
 bool FwEflApplication::IfMessageReceived(const std::string& /*sender*/, const FwMessage& /*received*/,
                                          FwMessage& /*reply*/) {
@@ -165,10 +155,13 @@ bool SendEvent(const FwEvent& event) {
 
 int AppMain(int /*argc*/, char** /*argv*/, FwEflApplication* application) {
   static const Ecore ecore;
-  if (application == nullptr || !ecore.IsReady()) {
+  static const bool watchesEvents = ecore.Problem().empty() && WatchEvents();
+  orvex::port::EndSignalWatch signals;
+  Queue().Open();
+  if (application == nullptr || !watchesEvents || !signals.Begin(&ui_app_exit)) {
+    std::fprintf(stderr, "orvex-minimal: the main loop cannot run: %s\n", ecore.Problem().c_str());
     return EXIT_FAILURE;
   }
-  Queue().Open();
   if (!application->t_OnCreate()) {
     ui_app_exit();
   }

@@ -79,6 +79,13 @@ TEST_P(TerminationSignal, IsNotLostInTheCreateStep) {
   EXPECT_THAT(application.calls, ElementsAre("create", "destroy"));
 }
 
+TEST_P(TerminationSignal, IsNotLostBeforeTheMainLoopRuns) {
+  ORVEX_NEEDS(kSendTerminationSignal);
+  Port().SendTerminationSignal(GetParam());
+  application.UntilTheEnd().Run();
+  EXPECT_THAT(application.calls, ElementsAre("create", "destroy"));
+}
+
 TEST_P(TerminationSignal, InTheDestroyStepDoesNotRepeatIt) {
   ORVEX_NEEDS(kSendTerminationSignal);
   application.onDestroy = [&] { Port().SendTerminationSignal(GetParam()); };
@@ -86,8 +93,8 @@ TEST_P(TerminationSignal, InTheDestroyStepDoesNotRepeatIt) {
   EXPECT_THAT(application.calls, ElementsAre("create", "destroy"));
 }
 
-INSTANTIATE_TEST_SUITE_P(Of, TerminationSignal, testing::Values(SIGTERM, SIGINT),
-                         [](const auto& signal) { return signal.param == SIGTERM ? "SIGTERM" : "SIGINT"; });
+INSTANTIATE_TEST_SUITE_P(Of, TerminationSignal, testing::Values(SIGTERM, SIGINT, SIGHUP, SIGQUIT),
+                         [](const auto& signal) { return std::string("SIG") + sigabbrev_np(signal.param); });
 
 }  // namespace
 }  // namespace orvex::conformance

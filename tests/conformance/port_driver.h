@@ -93,7 +93,7 @@ public:
   virtual void PutSetting(const std::string& key, int value);
   // Leaves a value that is no 32-bit integer under the key.
   virtual void SpoilSetting(const std::string& key);
-  // Sends this process SIGTERM or SIGINT.
+  // Sends this process SIGTERM, SIGINT, SIGHUP or SIGQUIT.
   virtual void SendTerminationSignal(int number);
   // Begins to send a message to the application, as another process does. A null body: the message has none.
   virtual void SendMessage(const FwMessage& message);

@@ -137,7 +137,7 @@ TEST(BadInput, AFitSoundWithAnExtendedFormatIsPlayed) {
   EXPECT_EQ(DelayFor(100, MeasuredDifferenceS(observation)), observation.delayMs);
 }
 
-TEST(BadInput, ATelevisionThatCannotBeMadeIsNamed) {
+TEST(BadInput, ATelevisionThatCannotBeMadeIsNamedAndNoRunBegins) {
   const TestTelevision television;
   television.WriteFile("file", "");
   std::vector<Scenario> scenarios;
@@ -146,9 +146,10 @@ TEST(BadInput, ATelevisionThatCannotBeMadeIsNamed) {
   }
   for (const Observation& observation : Perform(scenarios)) {
     SCOPED_TRACE(observation.name);
-    CheckEnding(observation);
-    EXPECT_THAT(observation.output, HasSubstr("orvex-host: cannot make the directory " + observation.name + ": "));
-    EXPECT_THAT(observation.output, HasSubstr("terminate=bt_fail}"));
+    EXPECT_EQ("exit code 4", Describe(observation.ending));
+    EXPECT_THAT(observation.output,
+                HasSubstr("orvex-host: there is no television: cannot make the directory " + observation.name + ": "));
+    EXPECT_THAT(observation.output, testing::Not(HasSubstr("Orvex Service Create!")));
     EXPECT_TRUE(observation.lines.empty());
     EXPECT_EQ(100, observation.delayMs);  // of the television beside it, which was not meant
   }

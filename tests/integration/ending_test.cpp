@@ -94,7 +94,7 @@ std::vector<const char*> BeginningLines() {
 // How far the run comes is open; that it ends in order is not.
 TEST(Ending, ASignalAtTheVeryBeginningIsNotLost) {
   std::vector<Scenario> scenarios;
-  for (const int number : {SIGTERM, SIGINT}) {
+  for (const int number : {SIGTERM, SIGINT, SIGHUP, SIGQUIT}) {
     for (const char* const line : BeginningLines()) {
       scenarios.push_back(
           {std::to_string(number) + " at " + line, MutedIn(RoomThatFallsSilent()), {SignalAt(line, number)}, {}});

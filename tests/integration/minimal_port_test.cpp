@@ -165,8 +165,8 @@ TEST_P(MinimalPortAtSignal, TheServiceEndsInOrderBeforeItsRunHasFailed) {
   EXPECT_EQ("exit code 0", service.Ending());
 }
 
-INSTANTIATE_TEST_SUITE_P(Of, MinimalPortAtSignal, testing::Values(SIGTERM, SIGINT),
-                         [](const auto& signal) { return signal.param == SIGTERM ? "SIGTERM" : "SIGINT"; });
+INSTANTIATE_TEST_SUITE_P(Of, MinimalPortAtSignal, testing::Values(SIGTERM, SIGINT, SIGHUP, SIGQUIT),
+                         [](const auto& signal) { return std::string("SIG") + sigabbrev_np(signal.param); });
 
 }  // namespace
 }  // namespace orvex::integration

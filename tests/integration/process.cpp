@@ -76,6 +76,28 @@ private:
   posix_spawn_file_actions_t m_Actions{};
 };
 
+class Attributes {
+public:
+  explicit Attributes(const ProcessCommand& command) {
+    sigset_t blocked;
+    sigemptyset(&blocked);
+    for (const int number : command.blockedSignals) {
+      sigaddset(&blocked, number);
+    }
+    posix_spawnattr_init(&m_Attributes);
+    posix_spawnattr_setsigmask(&m_Attributes, &blocked);
+    posix_spawnattr_setflags(&m_Attributes, POSIX_SPAWN_SETSIGMASK);
+  }
+  ~Attributes() { posix_spawnattr_destroy(&m_Attributes); }
+  Attributes(const Attributes&) = delete;
+  Attributes& operator=(const Attributes&) = delete;
+
+  const posix_spawnattr_t* Get() const { return &m_Attributes; }
+
+private:
+  posix_spawnattr_t m_Attributes{};
+};
+
 double Seconds(const timeval& time) {
   return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) * 1e-6;
 }
@@ -94,8 +116,9 @@ Process::Process(const ProcessCommand& command) {
   arguments.insert(arguments.end(), command.arguments.begin(), command.arguments.end());
   std::vector<std::string> environment = EnvironmentOf(command);
   const FileActions actions(command);
-  const int result = posix_spawn(&m_Id, command.program.c_str(), actions.Get(), nullptr, Pointers(arguments).data(),
-                                 Pointers(environment).data());
+  const Attributes attributes(command);
+  const int result = posix_spawn(&m_Id, command.program.c_str(), actions.Get(), attributes.Get(),
+                                 Pointers(arguments).data(), Pointers(environment).data());
   if (result != 0) {
     throw std::system_error(result, std::generic_category(), command.program.string());
   }

@@ -51,7 +51,7 @@ Observation Perform(const Scenario& scenario) {
   try {
     const TestTelevision television;
     scenario.prepare(television);
-    ServiceRun run(television, scenario.environment);
+    ServiceRun run(television, scenario.environment, scenario.shell);
     TakeSteps(scenario, run, observation);
     observation.ending = run.WaitForEnd();
     Collect(television, run, observation);

@@ -23,6 +23,7 @@ struct Scenario {
   std::function<void(const TestTelevision&)> prepare;
   std::vector<Step> steps;
   std::map<std::string, std::string> environment;
+  std::string shell = "";  // begins the service, see ServiceRun
 };
 
 // What a run has left behind.

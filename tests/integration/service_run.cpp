@@ -28,8 +28,11 @@ int Watch(const TestTelevision& television) {
 }
 
 ProcessCommand CommandFor(const TestTelevision& television, const std::string& outputFile,
-                          std::map<std::string, std::string> environment) {
+                          std::map<std::string, std::string> environment, const std::string& shell) {
   environment.emplace("ORVEX_TV", television.GetDirectory().string());
+  if (!shell.empty()) {
+    return {"/bin/sh", {"-c", shell, ORVEX_SERVICE_PROGRAM}, environment, outputFile, outputFile};
+  }
   return {ORVEX_SERVICE_PROGRAM, {}, environment, outputFile, outputFile};
 }
 
@@ -39,11 +42,12 @@ std::string DumpName(const char* stem, pid_t process, int number) {
 
 }  // namespace
 
-ServiceRun::ServiceRun(const TestTelevision& television, const std::map<std::string, std::string>& environment)
+ServiceRun::ServiceRun(const TestTelevision& television, const std::map<std::string, std::string>& environment,
+                       const std::string& shell)
     : m_Television(television),
       m_Notification(Watch(television)),
       m_OutputFile(OutputFileOf(television)),
-      m_Process(CommandFor(television, m_OutputFile, environment)),
+      m_Process(CommandFor(television, m_OutputFile, environment, shell)),
       m_Log(television.PathOf("service.log")) {}
 
 ServiceRun::~ServiceRun() {
@@ -53,9 +57,9 @@ ServiceRun::~ServiceRun() {
   std::filesystem::remove(m_OutputFile, ignored);
   bool isThere = true;
   for (int number = 1; isThere; ++number) {
-    const bool hadDump = std::filesystem::remove(DumpName("dump", m_Process.GetId(), number), ignored);
-    const bool hadResult = std::filesystem::remove(DumpName("result", m_Process.GetId(), number) + ".csv", ignored);
-    isThere = hadDump || hadResult;
+    const auto hadDump = std::filesystem::remove_all(DumpName("dump", m_Process.GetId(), number), ignored);
+    const auto hadResult = std::filesystem::remove_all(DumpName("result", m_Process.GetId(), number) + ".csv", ignored);
+    isThere = hadDump > 0 || hadResult > 0;
   }
 }
 

@@ -13,8 +13,10 @@ namespace orvex::integration {
 
 class ServiceRun {
 public:
-  // `environment` comes on top of what names the television.
-  ServiceRun(const TestTelevision& television, const std::map<std::string, std::string>& environment);
+  // `environment` comes on top of what names the television. `shell`, unless it is empty: what a shell does that begins
+  // the service by exec "$0"; $$ is the service's process number then.
+  ServiceRun(const TestTelevision& television, const std::map<std::string, std::string>& environment,
+             const std::string& shell = "");
   // Ends the service and removes the files that it has left in /tmp.
   ~ServiceRun();
   ServiceRun(const ServiceRun&) = delete;

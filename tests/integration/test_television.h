@@ -38,7 +38,7 @@ private:
   host::Television m_Television;
 };
 
-// The whole file; empty when there is none.
+// The whole file; empty when there is none, or something else.
 std::string ReadWholeFile(const std::filesystem::path& path);
 
 }  // namespace orvex::integration

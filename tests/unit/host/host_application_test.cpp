@@ -197,16 +197,13 @@ TEST_P(HostApplicationSignal, ChangesNothingInDestroyAndAfterTheEnd) {
   EXPECT_THAT(m_Application.steps, ElementsAre("create", "destroy"));
 }
 
-TEST_P(HostApplicationSignal, EndsAProcessWithoutApplicationAsUsual) {
-  const auto endWithout = [] {
-    { const LoopApplication gone; }
-    raise(GetParam());
-  };
-  EXPECT_EXIT(endWithout(), testing::KilledBySignal(GetParam()), "");
+constexpr int kEndSignals[] = {SIGTERM, SIGINT, SIGHUP, SIGQUIT};
+
+std::string NameOfSignal(const testing::TestParamInfo<int>& signal) {
+  return std::string("SIG") + sigabbrev_np(signal.param);
 }
 
-INSTANTIATE_TEST_SUITE_P(Termination, HostApplicationSignal, testing::Values(SIGTERM, SIGINT),
-                         [](const auto& signal) { return signal.param == SIGTERM ? "SIGTERM" : "SIGINT"; });
+INSTANTIATE_TEST_SUITE_P(End, HostApplicationSignal, testing::ValuesIn(kEndSignals), NameOfSignal);
 
 TEST_F(HostApplication, HasNoThreadOfItsOwnAtRest) {
   const auto countThreads = [] {

@@ -38,26 +38,5 @@ TEST(HostPcmConfigChoice, TheSystemsOwnDevicesStayInPlaceWhenAskedFor) {
   unsetenv("ALSA_CONFIG_PATH");
 }
 
-// The re-run of this test that the assertion starts has ORVEX_TV from the beginning.
-TEST(HostPcmConfigChoice, AProgramStartedOnATelevisionIsLedThereBeforeMain) {
-  testing::FLAGS_gtest_death_test_style = "threadsafe";
-  const char* const given = getenv("ORVEX_TV");
-  const bool isRerun = given != nullptr && *given != '\0';
-  std::string folder = isRerun ? given : (std::filesystem::temp_directory_path() / "orvex-pcm-XXXXXX").string();
-  if (!isRerun) {
-    ASSERT_NE(mkdtemp(folder.data()), nullptr);
-    setenv("ORVEX_TV", folder.c_str(), 1);
-  }
-  const std::string file = folder + "/alsa.conf";
-  EXPECT_EXIT(
-      {
-        const char* const path = getenv("ALSA_CONFIG_PATH");
-        std::exit(path != nullptr && path == file && std::filesystem::exists(file) ? 0 : 1);
-      },
-      testing::ExitedWithCode(0), "");
-  unsetenv("ORVEX_TV");
-  std::filesystem::remove_all(folder);
-}
-
 }  // namespace
 }  // namespace orvex::host

@@ -141,7 +141,7 @@ TEST_F(HostWorkers, SeeNoAlarmGoOffWhileTheyAreWaitedFor) {
 }
 
 TEST_F(HostWorkers, AreWaitedForNoLongerThanTheLimit) {
-  ASSERT_TRUE(StartMainLoop());
+  ASSERT_EQ(StartMainLoop(), "");
   m_Worker.Start();
   m_Worker.WaitUntilItWorks();
   EXPECT_FALSE(DrainWorkers(std::chrono::milliseconds(50)));
@@ -152,7 +152,7 @@ TEST_F(HostWorkers, AreWaitedForNoLongerThanTheLimit) {
 }
 
 TEST_F(HostWorkers, HaveTheirEndFunctionRunThoughTheirThreadIsGone) {
-  ASSERT_TRUE(StartMainLoop());
+  ASSERT_EQ(StartMainLoop(), "");
   m_Worker.Start();
   m_Worker.LetGo();
   while (ecore_thread_active_get() > 0) {

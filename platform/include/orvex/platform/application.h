@@ -139,7 +139,9 @@ private:
 
 // Runs the application: t_OnCreate(), the main loop until it is asked to end, t_OnDestroy(). Called once, from main().
 //
-// SIGTERM and SIGINT MUST end the main loop as ui_app_exit() does, so that the destroy step runs.
+// SIGTERM, SIGINT, SIGHUP and SIGQUIT MUST end the main loop as ui_app_exit() does, so that the destroy step runs; also
+// one that came before the main loop ran, from the construction of the application object on. A signal that the process
+// was started to ignore stays ignored. A closed stdout or stderr MUST NOT end the process.
 // Worker threads of the main loop's pool that still run after t_OnDestroy() MUST be let finish, and their end or cancel
 // functions run on this thread, before AppMain() returns: within 6 s. A worker that takes longer MUST NOT keep the
 // process: the port then ends it at once with the same exit code.
