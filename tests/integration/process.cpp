@@ -56,15 +56,10 @@ std::vector<char*> Pointers(std::vector<std::string>& texts) {
 class FileActions {
 public:
   explicit FileActions(const ProcessCommand& command) {
-    constexpr int kWrite = O_WRONLY | O_CREAT | O_APPEND;
     posix_spawn_file_actions_init(&m_Actions);
     posix_spawn_file_actions_addopen(&m_Actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-    posix_spawn_file_actions_addopen(&m_Actions, STDOUT_FILENO, command.output.c_str(), kWrite, 0600);
-    if (command.errorsDescriptor < 0) {
-      posix_spawn_file_actions_addopen(&m_Actions, STDERR_FILENO, command.errors.c_str(), kWrite, 0600);
-    } else {
-      posix_spawn_file_actions_adddup2(&m_Actions, command.errorsDescriptor, STDERR_FILENO);
-    }
+    AddWriter(STDOUT_FILENO, command.output, command.outputDescriptor);
+    AddWriter(STDERR_FILENO, command.errors, command.errorsDescriptor);
   }
   ~FileActions() { posix_spawn_file_actions_destroy(&m_Actions); }
   FileActions(const FileActions&) = delete;
@@ -73,6 +68,14 @@ public:
   const posix_spawn_file_actions_t* Get() const { return &m_Actions; }
 
 private:
+  void AddWriter(int stream, const std::filesystem::path& file, int descriptor) {
+    if (descriptor < 0) {
+      posix_spawn_file_actions_addopen(&m_Actions, stream, file.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0600);
+    } else {
+      posix_spawn_file_actions_adddup2(&m_Actions, descriptor, stream);
+    }
+  }
+
   posix_spawn_file_actions_t m_Actions{};
 };
 

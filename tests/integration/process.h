@@ -22,6 +22,7 @@ struct ProcessCommand {
   std::filesystem::path output;                    // file that takes stdout
   std::filesystem::path errors;                    // file that takes stderr
   int errorsDescriptor = -1;                       // takes stderr instead, unless -1
+  int outputDescriptor = -1;                       // takes stdout instead, unless -1
   std::vector<int> blockedSignals{};               // that wait for the program from its first moment on
 };
 

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "listener_pair.h"
+#include "output/standard_output.h"
 #include "progress.h"
 #include "receiver_rig.h"
 #include "recording.h"
@@ -79,13 +80,11 @@ int ReplayAll(const Arguments& arguments) {
   return worst;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int Run(int argc, char** argv) {
   CLI::App app(
       "Feeds recordings to the receiver, block by block as the remote would, and prints what it reports: one JSON "
       "object per line.\nExit code: 0 a difference was found in every file, 1 in some file none was found, 2 wrong "
-      "usage, or a file that cannot be read or written.");
+      "usage, or a file or standard output that cannot be read or written.");
   Arguments arguments;
   app.add_option("FILE", arguments.files, "debug dump (raw signed 16-bit little-endian mono) or WAV file")->required();
   app.add_flag("--trace", arguments.trace, "one object per analysed block, too: magnitudes and ratios");
@@ -104,10 +103,11 @@ int main(int argc, char** argv) {
               << " files, expected 1\n";
     return kExitBadInput;
   }
-  const int exitCode = ReplayAll(arguments);
-  if (!std::cout.flush()) {
-    std::cerr << "orvex-replay: the lines cannot be written to the standard output\n";
-    return kExitBadInput;
-  }
-  return exitCode;
+  return ReplayAll(arguments);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  return orvex::tools::RunWithStandardOutput("orvex-replay", kExitBadInput, [&] { return Run(argc, argv); });
 }

@@ -9,6 +9,7 @@
 #include <string>
 #include <thread>
 
+#include "output/standard_output.h"
 #include "plan.h"
 #include "plot.h"
 #include "progress.h"
@@ -34,7 +35,7 @@ constexpr char kDescription[] =
     "worse: the misalignment that is left "
     "exceeds the one before by more than a buffer (16.5 ms). decided: mean time from the start of the recording to the "
     "result or, without one, to the end of the playback; ended: to the end of the process.\n\n"
-    "Exit code: 0 done, 2 wrong usage or a file that cannot be written.";
+    "Exit code: 0 done, 2 wrong usage, or a file or standard output that cannot be written.";
 
 struct Arguments {
   std::map<Axis, std::string> axes;
@@ -102,9 +103,7 @@ int Sweep(Arguments& arguments) {
   return kExitDone;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int Run(int argc, char** argv) {
   CLI::App app(kDescription);
   Arguments arguments;
   DefineArguments(app, arguments);
@@ -117,4 +116,10 @@ int main(int argc, char** argv) {
     std::cerr << "orvex-sweep: " << problem.what() << '\n';
     return kExitUsage;
   }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  return RunWithStandardOutput("orvex-sweep", kExitUsage, [&] { return Run(argc, argv); });
 }

@@ -7,6 +7,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "output/standard_output.h"
 #include "testsound/checker.h"
 #include "testsound/generator.h"
 
@@ -70,12 +71,11 @@ int Write(const std::string& path, const SoundDesign& design) {
   return kFit;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int Run(int argc, char** argv) {
   CLI::App app(
       "Writes the test sound of a calibration (17 kHz bursts left, 19 kHz bursts right), or checks a file.\n"
-      "Exit code: 0 written or fit, 1 not fit, 2 wrong usage or a file that cannot be read or written.");
+      "Exit code: 0 written or fit, 1 not fit, 2 wrong usage, or a file or standard output that cannot be read or "
+      "written.");
   Arguments arguments;
   DefineArguments(app, arguments);
   try {
@@ -87,7 +87,13 @@ int main(int argc, char** argv) {
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? kFit : kUsage;
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "%s\n", error.what());
+    std::fprintf(stderr, "orvex-testsound: %s\n", error.what());
     return kUsage;
   }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  return orvex::tools::RunWithStandardOutput("orvex-testsound", kUsage, [&] { return Run(argc, argv); });
 }

@@ -1,0 +1,15 @@
+// What all tools' main() share: a standard output that cannot be written is an error.
+#pragma once
+
+#include <functional>
+
+namespace orvex::tools {
+
+// Does `work`, which answers the exit code, and answers that. When standard output could not take everything, a line on
+// stderr says so and the exit code is at least `failureCode`.
+//
+// Call it first in main(). A pipe that nobody reads no longer ends the program by a signal: writing to it fails. A
+// standard stream that is closed stays unusable, also when `work` opens files.
+int RunWithStandardOutput(const char* program, int failureCode, const std::function<int()>& work);
+
+}  // namespace orvex::tools
