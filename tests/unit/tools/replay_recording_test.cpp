@@ -28,7 +28,7 @@ void WriteWave(const std::string& path, int format, int channels, int rateHz, co
   sf_close(file);
 }
 
-std::vector<std::int16_t> Samples(const Recording& recording) {
+std::vector<std::int16_t> SamplesOf(const Recording& recording) {
   std::vector<std::int16_t> samples(recording.bytes.size() / 2);
   std::memcpy(samples.data(), recording.bytes.data(), 2 * samples.size());
   return samples;
@@ -59,7 +59,7 @@ TEST(ReplayRecording, ScalesEverySampleFormatToSixteenBits) {
     const std::string path = folder / "a.wav";
     WriteWave(path, SF_FORMAT_WAV | format, 1, kRateHz, {0.0, 0.25, -0.5, 1.0 / 32768, -0.25});
     const Recording recording = ReadRecording(path);
-    EXPECT_THAT(Samples(recording), ElementsAre(0, 8192, -16384, 1, -8192)) << format;
+    EXPECT_THAT(SamplesOf(recording), ElementsAre(0, 8192, -16384, 1, -8192)) << format;
     EXPECT_EQ("", recording.warning);
   }
 }
@@ -68,7 +68,7 @@ TEST(ReplayRecording, TakesWaveFilesOfTheOtherByteOrderAndOfAnyLength) {
   const TemporaryFolder folder;
   for (const int format : {SF_FORMAT_WAV | SF_ENDIAN_BIG, 0 | SF_FORMAT_RF64}) {
     WriteWave(folder / "a.wav", format | SF_FORMAT_PCM_16, 1, kRateHz, {0.25, 3.0 / 32768});
-    EXPECT_THAT(Samples(ReadRecording(folder / "a.wav")), ElementsAre(8192, 3)) << format;
+    EXPECT_THAT(SamplesOf(ReadRecording(folder / "a.wav")), ElementsAre(8192, 3)) << format;
   }
 }
 
@@ -85,14 +85,14 @@ TEST(ReplayRecording, FeedsEveryBlockAndTellsHowFarItIs) {
 TEST(ReplayRecording, KeepsWhatIsLouderThanFullScaleAtFullScale) {
   const TemporaryFolder folder;
   WriteWave(folder / "a.wav", SF_FORMAT_WAV | SF_FORMAT_FLOAT, 1, kRateHz, {1.5, -1.5});
-  EXPECT_THAT(Samples(ReadRecording(folder / "a.wav")), ElementsAre(32767, -32768));
+  EXPECT_THAT(SamplesOf(ReadRecording(folder / "a.wav")), ElementsAre(32767, -32768));
 }
 
 TEST(ReplayRecording, WarnsOfAnotherRate) {
   const TemporaryFolder folder;
   WriteWave(folder / "a.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16, 1, 48000, {0.25});
   const Recording recording = ReadRecording(folder / "a.wav");
-  EXPECT_THAT(Samples(recording), ElementsAre(8192));
+  EXPECT_THAT(SamplesOf(recording), ElementsAre(8192));
   EXPECT_EQ(folder / "a.wav" + ": 48000 Hz, taken as the remote's 46545 Hz", recording.warning);
 }
 
