@@ -91,7 +91,7 @@ std::string CutOff() {
 // A sound that the service has no reason to refuse, without a tone.
 void PutSilence(const TestTelevision& television) {
   television.WriteFile(kSound, "");
-  tools::WriteWaveFile(television.PathOf(kSound).string(), std::vector<std::int16_t>(2 * 9600, 0));
+  tools::WriteWaveFile(tools::OutputFile(television.PathOf(kSound).string()), std::vector<std::int16_t>(2 * 9600, 0));
 }
 
 TEST(BadInput, AnUnfitTestSoundEndsTheRunWithoutADifference) {

@@ -33,7 +33,7 @@ void WriteNoise(const std::string& path, const std::vector<double>& tonesHz, dou
     }
     samples.insert(samples.end(), 2, static_cast<std::int16_t>(sum));
   }
-  tools::WriteWaveFile(path, samples);
+  tools::WriteWaveFile(tools::OutputFile(path), samples);
 }
 
 double MagnitudeInDump(const std::string& dump, std::size_t block, double frequencyHz) {

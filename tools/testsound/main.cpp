@@ -27,7 +27,7 @@ struct Arguments {
 
 void DefineArguments(CLI::App& app, Arguments& arguments) {
   SoundDesign& design = arguments.design;
-  auto* output = app.add_option("-o,--output,OUT", arguments.output, "WAV file to write");
+  auto* output = app.add_option("-o,--output,OUT", arguments.output, "WAV file to write; -: standard output");
   auto* check = app.add_option("--check", arguments.check, "say whether FILE is fit, and why not")->type_name("FILE");
   check->excludes(output);
   const auto option = [&](const char* name, auto& value, double low, double high, const char* text) {
@@ -60,14 +60,15 @@ int Check(const std::string& path) {
 }
 
 int Write(const std::string& path, const SoundDesign& design) {
+  const orvex::tools::OutputFile file(path);
   const auto samples = orvex::tools::GenerateSound(design);
   if (const int result = Report(orvex::tools::CheckSound(samples)); result != kFit) {
     std::fprintf(stderr, "%s: not written, the sound would not be fit\n", path.c_str());
     return result;
   }
-  orvex::tools::WriteWaveFile(path, samples);
-  std::printf("%s: %.3f s, %d pairs of %.0f ms every %.0f ms\n", path.c_str(), design.DurationMs() / 1000.0,
-              design.pairs, design.burstMs, design.spacingMs);
+  orvex::tools::WriteWaveFile(file, samples);
+  std::fprintf(file.IsStandardOutput() ? stderr : stdout, "%s: %.3f s, %d pairs of %.0f ms every %.0f ms\n",
+               path.c_str(), design.DurationMs() / 1000.0, design.pairs, design.burstMs, design.spacingMs);
   return kFit;
 }
 

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -23,10 +22,6 @@ constexpr std::uint32_t kPlainFormatSize = 16;
 constexpr std::uint16_t kChannels = 2;
 constexpr std::uint16_t kBytesPerSample = 2;
 
-std::string SystemText() {
-  return std::strerror(errno);
-}
-
 std::string ReadBytes(const std::string& path) {
   std::error_code error;
   const std::uintmax_t size = std::filesystem::file_size(path, error);
@@ -40,7 +35,7 @@ std::string ReadBytes(const std::string& path) {
   std::ifstream in(path, std::ios::binary);
   std::string bytes(static_cast<std::size_t>(size), '\0');
   if (!in || (size > 0 && !in.read(bytes.data(), static_cast<std::streamsize>(size)))) {
-    throw WaveFileError(path + ": cannot be read: " + SystemText());
+    throw WaveFileError(path + ": cannot be read: " + std::strerror(errno));
   }
   return bytes;
 }
@@ -128,25 +123,8 @@ WaveFile ReadWaveFile(const std::string& path) {
   return file;
 }
 
-void WriteWaveFile(const std::string& path, const std::vector<std::int16_t>& samples) {
-  const std::string bytes = Serialise(samples);
-  const std::string unfinished = path + ".part";
-  {
-    std::ofstream out(unfinished, std::ios::binary | std::ios::trunc);
-    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    out.close();
-    if (!out) {
-      const std::string cause = SystemText();
-      std::remove(unfinished.c_str());
-      throw WaveFileError(path + ": cannot be written: " + cause);
-    }
-  }
-  std::error_code error;
-  std::filesystem::rename(unfinished, path, error);
-  if (error) {
-    std::remove(unfinished.c_str());
-    throw WaveFileError(path + ": cannot be written: " + error.message());
-  }
+void WriteWaveFile(const OutputFile& file, const std::vector<std::int16_t>& samples) {
+  file.Write([&](std::ostream& out) { out << Serialise(samples); });
 }
 
 }  // namespace orvex::tools

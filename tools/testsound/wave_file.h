@@ -6,9 +6,11 @@
 #include <string>
 #include <vector>
 
+#include "output/output_file.h"
+
 namespace orvex::tools {
 
-// A file that cannot be read or written; the text names it and the cause.
+// A file that cannot be read; the text names it and the cause.
 class WaveFileError : public std::runtime_error {
 public:
   using std::runtime_error::runtime_error;
@@ -29,8 +31,7 @@ struct WaveFile {
 // read or is larger than 64 MiB.
 WaveFile ReadWaveFile(const std::string& path);
 
-// Writes 48000 Hz, 2 channels, 16 bits, byte for byte the same for the same samples. A reader never sees half a file.
-// Throws WaveFileError.
-void WriteWaveFile(const std::string& path, const std::vector<std::int16_t>& samples);
+// Writes 48000 Hz, 2 channels, 16 bits, byte for byte the same for the same samples. Throws OutputError.
+void WriteWaveFile(const OutputFile& file, const std::vector<std::int16_t>& samples);
 
 }  // namespace orvex::tools

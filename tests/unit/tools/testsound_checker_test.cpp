@@ -130,7 +130,7 @@ struct HeaderCase {
 TEST(CheckFile, NamesTheFileAndWhatIsWrongWithItsHeaders) {
   using namespace std::string_literals;
   const TemporaryFolder folder;
-  WriteWaveFile(folder / "fit.wav", GenerateSound({}));
+  WriteWaveFile(OutputFile(folder / "fit.wav"), GenerateSound({}));
   ASSERT_THAT(CheckFile(folder / "fit.wav"), IsEmpty());
   const HeaderCase cases[] = {
       {"chunk at byte 0 \"RIFX\", expected \"RIFF\"", 0, "RIFX"},
@@ -159,7 +159,7 @@ TEST(CheckFile, NamesTheFileAndWhatIsWrongWithItsHeaders) {
 
 TEST(CheckFile, NamesAFileThatIsCutOrTooShort) {
   const TemporaryFolder folder;
-  WriteWaveFile(folder / "fit.wav", GenerateSound({}));
+  WriteWaveFile(OutputFile(folder / "fit.wav"), GenerateSound({}));
   const std::string fit = folder.Read("fit.wav");
   EXPECT_THAT(CheckFile(folder.Write("cut.wav", fit.substr(0, 1044))),
               Contains(HasSubstr("data size 525764, expected 1000")));
@@ -170,7 +170,7 @@ TEST(CheckFile, NamesAFileThatIsCutOrTooShort) {
 
 TEST(CheckFile, AcceptsAFormatChunkWithAnEmptyExtension) {
   const TemporaryFolder folder;
-  WriteWaveFile(folder / "fit.wav", GenerateSound({}));
+  WriteWaveFile(OutputFile(folder / "fit.wav"), GenerateSound({}));
   std::string bytes = folder.Read("fit.wav");
   bytes.insert(36, 2, '\0');
   bytes[16] = 18;

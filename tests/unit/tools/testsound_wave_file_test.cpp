@@ -1,4 +1,4 @@
-// The WAV file that we write, byte for byte, and what reading and writing answer when they cannot.
+// The WAV file that we write, byte for byte, and what reading answers when it cannot.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -13,7 +13,7 @@ using testing::HasSubstr;
 TEST(WaveFile, IsTheCanonicalHeaderAndTheSamples) {
   using namespace std::string_literals;
   const TemporaryFolder folder;
-  WriteWaveFile(folder / "out.wav", {1, -2, 0x1234, -32768});
+  WriteWaveFile(OutputFile(folder / "out.wav"), {1, -2, 0x1234, -32768});
   EXPECT_EQ(
       "RIFF\x2c\0\0\0WAVEfmt \x10\0\0\0\1\0\2\0\x80\xbb\0\0\0\xee\x02\0\4\0\x10\0data\x08\0\0\0"
       "\1\0\xfe\xff\x34\x12\0\x80"s,
@@ -23,28 +23,16 @@ TEST(WaveFile, IsTheCanonicalHeaderAndTheSamples) {
 TEST(WaveFile, ReadsBackWhatWasWritten) {
   const TemporaryFolder folder;
   const std::vector<std::int16_t> samples{0, 1, -1, 32767, -32768, 17};
-  WriteWaveFile(folder / "out.wav", samples);
+  WriteWaveFile(OutputFile(folder / "out.wav"), samples);
   const WaveFile file = ReadWaveFile(folder / "out.wav");
   EXPECT_EQ(samples, file.samples);
   EXPECT_EQ(48000u, file.sampleRate);
   EXPECT_EQ(44u, file.dataOffset);
 }
 
-TEST(WaveFile, LeavesNoHalfFileBehind) {
-  const TemporaryFolder folder;
-  WriteWaveFile(folder / "out.wav", {1, 2});
-  EXPECT_EQ(1, std::distance(std::filesystem::directory_iterator(folder.Path()), {}));
-}
-
-TEST(WaveFile, NamesAPathThatCannotBeReadOrWritten) {
+TEST(WaveFile, NamesAPathThatCannotBeRead) {
   const TemporaryFolder folder;
   const std::string missing = folder / "missing/out.wav";
-  try {
-    WriteWaveFile(missing, {1, 2});
-    ADD_FAILURE() << "written";
-  } catch (const WaveFileError& error) {
-    EXPECT_THAT(error.what(), HasSubstr(missing + ": cannot be written"));
-  }
   try {
     ReadWaveFile(missing);
     ADD_FAILURE() << "read";
