@@ -40,5 +40,58 @@ TEST_F(Output, OfTestsoundIsARegularFileOrStandardOutput) {
   EXPECT_THAT(output.errors, HasSubstr("-: 2.738 s, 4 pairs"));
 }
 
+class OutputOfReplay : public Output {
+protected:
+  OutputOfReplay() { m_Folder.WriteFile("recording", kSilence); }
+
+  ToolRun Report(const std::string& page, const std::vector<std::string>& more = {}) const {
+    std::vector<std::string> arguments{"--report", page, m_Recording};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    return RunProgram(ORVEX_REPLAY_PROGRAM, arguments);
+  }
+
+  const std::string kSilence = std::string(40 * 1536, '\0');
+  const std::string m_Recording = PathOf("recording");
+};
+
+TEST_F(OutputOfReplay, IsNotTheRecordingByWhateverName) {
+  std::filesystem::create_symlink("recording", PathOf("symbolic"));
+  std::filesystem::create_hard_link(m_Recording, PathOf("hard"));
+  for (const char* const name : {"recording", "symbolic", "hard"}) {
+    const ToolRun run = Report(PathOf(name));
+    EXPECT_EQ("exit code 2", Describe(run.ending));
+    EXPECT_THAT(run.errors, HasSubstr(": the same file as " + m_Recording + ", expected another one"));
+    EXPECT_EQ("", run.output);
+  }
+  EXPECT_EQ(kSilence, m_Folder.ReadFile("recording"));
+}
+
+TEST_F(OutputOfReplay, IsARegularFile) {
+  const ToolRun run = Report(Device());
+  EXPECT_EQ("exit code 2", Describe(run.ending));
+  EXPECT_THAT(run.errors, HasSubstr("device: no regular file, expected one or a new name"));
+}
+
+TEST_F(OutputOfReplay, IsTriedBeforeTheRecordingIsReadAndKeptWhenThatCannotBeRead) {
+  m_Folder.WriteFile("page.html", "old page");
+  EXPECT_EQ("exit code 2",
+            Describe(RunProgram(ORVEX_REPLAY_PROGRAM, {"--report", PathOf("page.html"), "gone"}).ending));
+  EXPECT_EQ("old page", m_Folder.ReadFile("page.html"));
+  const ToolRun run = Report("/nonexistent/page.html");
+  EXPECT_EQ("exit code 2", Describe(run.ending));
+  EXPECT_EQ("", run.output);
+}
+
+TEST_F(OutputOfReplay, GoesToStandardOutputInPlaceOfTheLines) {
+  Report(PathOf("page.html"));
+  const ToolRun run = Report("-");
+  EXPECT_EQ("exit code 1", Describe(run.ending)) << run.errors;
+  EXPECT_EQ(m_Folder.ReadFile("page.html"), run.output);
+  const ToolRun both = Report("-", {"--trace"});
+  EXPECT_EQ("exit code 2", Describe(both.ending));
+  EXPECT_THAT(both.errors, HasSubstr("--report -: takes standard output for the page, expected no --trace"));
+  EXPECT_EQ("", both.output);
+}
+
 }  // namespace
 }  // namespace orvex::integration

@@ -66,6 +66,25 @@ TEST(Replay, OfSilenceFindsNothing) {
   EXPECT_EQ(0.0, objects.back()["ambient"]["17000"].asDouble());
 }
 
+// A pipe gives its bytes once only.
+TEST(Replay, ReadsDumpsAndWaveFilesFromStandardInput) {
+  const TestTelevision folder;
+  folder.WriteFile("dump", std::string(40 * 1536, '\0'));
+  ASSERT_EQ("exit code 0", Describe(RunProgram(ORVEX_TESTSOUND_PROGRAM, {folder.PathOf("wave").string()}).ending));
+  std::string wave = folder.ReadFile("wave");
+  wave[22] = 1;  // one channel
+  folder.WriteFile("wave", wave);
+  for (const char* const name : {"dump", "wave"}) {
+    const std::string path = folder.PathOf(name).string();
+    const ToolRun file = RunProgram(ORVEX_REPLAY_PROGRAM, {"--trace", path});
+    const ToolRun pipe =
+        RunProgram("/bin/sh", {"-c", "cat \"$1\" | \"$2\" --trace -", "sh", path, ORVEX_REPLAY_PROGRAM});
+    EXPECT_EQ("exit code 1", Describe(pipe.ending)) << pipe.errors;
+    EXPECT_THAT(pipe.output, HasSubstr("\"block\""));
+    EXPECT_EQ(file.output, pipe.output);
+  }
+}
+
 TEST(Replay, WritesAReportBesideItsLinesWithTheSameExitCode) {
   const TestTelevision folder;
   folder.WriteFile("silence", std::string(40 * 1536, '\0'));

@@ -1,14 +1,13 @@
 // orvex-replay: feeds recordings to the receiver and prints what it reports.
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
-#include <fstream>
 #include <iostream>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "listener_pair.h"
+#include "output/output_file.h"
 #include "output/standard_output.h"
 #include "progress.h"
 #include "receiver_rig.h"
@@ -20,6 +19,8 @@
 namespace {
 
 using orvex::tools::ListenerPair;
+using orvex::tools::OutputError;
+using orvex::tools::OutputFile;
 using orvex::tools::Progress;
 using orvex::tools::ReceiverRig;
 using orvex::tools::Recording;
@@ -33,22 +34,15 @@ constexpr int kExitBadInput = 2;
 
 struct Arguments {
   std::vector<std::string> files;
-  std::string report;
+  std::optional<std::string> report;
   bool trace = false;
   bool hearable = false;
 };
 
-void WriteReport(const RunRecord& run, const Recording& recording, const Arguments& arguments) {
-  const std::string page =
-      orvex::tools::MakeReportPage(run, {arguments.files.front(), recording.warning, recording.bytes.size()});
-  std::ofstream file(arguments.report, std::ios::binary);
-  if (!(file << page).flush()) {
-    throw RecordingError(arguments.report + ": cannot be written: " + std::strerror(errno));
-  }
-}
-
-int Replay(const Recording& recording, const std::string& nameInReport, const Arguments& arguments) {
-  ReportLines lines(std::cout, nameInReport, arguments.trace);
+int Replay(const Recording& recording, const std::string& file, const Arguments& arguments, const OutputFile* page) {
+  std::ostream none(nullptr);
+  ReportLines lines(page != nullptr && page->IsStandardOutput() ? none : std::cout,
+                    arguments.files.size() > 1 ? file : "", arguments.trace);
   RunRecord run(arguments.hearable);
   ListenerPair both(lines, run);
   ReceiverRig rig(both, arguments.hearable);
@@ -57,13 +51,15 @@ int Replay(const Recording& recording, const std::string& nameInReport, const Ar
     orvex::tools::Feed(recording.bytes, rig, [&](std::size_t done) { progress.Show(done); });
   }
   lines.WriteSummary(rig);
-  if (!arguments.report.empty()) {
-    WriteReport(run, recording, arguments);
+  if (page != nullptr) {
+    page->Write([&](std::ostream& out) {
+      out << orvex::tools::MakeReportPage(run, {file, recording.warning, recording.bytes.size()});
+    });
   }
   return rig.GetDifferenceS() != 0.0 ? kExitResult : kExitNoResult;
 }
 
-int ReplayAll(const Arguments& arguments) {
+int ReplayAll(const Arguments& arguments, const OutputFile* page) {
   int worst = kExitResult;
   for (const std::string& file : arguments.files) {
     try {
@@ -71,7 +67,7 @@ int ReplayAll(const Arguments& arguments) {
       if (!recording.warning.empty()) {
         std::cerr << "orvex-replay: " << recording.warning << '\n';
       }
-      worst = std::max(worst, Replay(recording, arguments.files.size() > 1 ? file : "", arguments));
+      worst = std::max(worst, Replay(recording, file, arguments, page));
     } catch (const RecordingError& problem) {
       std::cerr << "orvex-replay: " << problem.what() << '\n';
       worst = kExitBadInput;
@@ -80,30 +76,49 @@ int ReplayAll(const Arguments& arguments) {
   return worst;
 }
 
+// None when no report is asked for.
+std::optional<OutputFile> OpenReport(const Arguments& arguments) {
+  if (!arguments.report) {
+    return std::nullopt;
+  }
+  const std::string option = "--report " + *arguments.report;
+  if (arguments.files.size() > 1) {
+    throw OutputError(option + ": " + std::to_string(arguments.files.size()) + " files, expected 1");
+  }
+  OutputFile page(*arguments.report, arguments.files);
+  if (page.IsStandardOutput() && arguments.trace) {
+    throw OutputError(option + ": takes standard output for the page, expected no --trace beside it");
+  }
+  return page;
+}
+
 int Run(int argc, char** argv) {
   CLI::App app(
       "Feeds recordings to the receiver, block by block as the remote would, and prints what it reports: one JSON "
       "object per line.\nExit code: 0 a difference was found in every file, 1 in some file none was found, 2 wrong "
       "usage, or a file or standard output that cannot be read or written.");
   Arguments arguments;
-  app.add_option("FILE", arguments.files, "debug dump (raw signed 16-bit little-endian mono) or WAV file")->required();
+  app.add_option("FILE", arguments.files,
+                 "debug dump (raw signed 16-bit little-endian mono) or WAV file; -: standard input")
+      ->required();
   app.add_flag("--trace", arguments.trace, "one object per analysed block, too: magnitudes and ratios");
   app.add_flag("--hearable", arguments.hearable, "set the audible setting: no tone is looked for");
   app.add_option("--report", arguments.report,
                  "also write a page for a browser: levels and thresholds over time, the pair, and why a difference was "
-                 "or was not found; takes one FILE")
+                 "or was not found; takes one FILE; -: to standard output, in place of the lines")
       ->type_name("OUT.html");
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& problem) {
     return app.exit(problem) == 0 ? kExitResult : kExitBadInput;
   }
-  if (!arguments.report.empty() && arguments.files.size() > 1) {
-    std::cerr << "orvex-replay: --report " << arguments.report << ": " << arguments.files.size()
-              << " files, expected 1\n";
+  try {
+    const std::optional<OutputFile> page = OpenReport(arguments);
+    return ReplayAll(arguments, page ? &*page : nullptr);
+  } catch (const OutputError& problem) {
+    std::cerr << "orvex-replay: " << problem.what() << '\n';
     return kExitBadInput;
   }
-  return ReplayAll(arguments);
 }
 
 }  // namespace

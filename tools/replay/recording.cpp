@@ -15,7 +15,11 @@ namespace orvex::tools {
 namespace {
 
 struct FileCloser {
-  void operator()(std::FILE* file) const { std::fclose(file); }
+  void operator()(std::FILE* file) const {
+    if (file != stdin) {
+      std::fclose(file);
+    }
+  }
 };
 
 struct SoundFileCloser {
@@ -33,7 +37,7 @@ bool IsWave(const std::vector<std::uint8_t>& bytes) {
 }
 
 std::vector<std::uint8_t> ReadBytes(const std::string& path) {
-  const std::unique_ptr<std::FILE, FileCloser> file(std::fopen(path.c_str(), "rb"));
+  const std::unique_ptr<std::FILE, FileCloser> file(path == "-" ? stdin : std::fopen(path.c_str(), "rb"));
   std::vector<std::uint8_t> bytes;
   std::uint8_t piece[65536];
   for (std::size_t count = 0; file != nullptr && (count = std::fread(piece, 1, sizeof piece, file.get())) > 0;) {
@@ -50,9 +54,31 @@ std::int16_t ToSixteenBits(double sample) {
   return static_cast<std::int16_t>(std::lrint(std::clamp(sample * 32768.0, -32768.0, 32767.0)));
 }
 
-Recording ReadWave(const std::string& path) {
+// What libsndfile reads from: a pipe gives its bytes only once.
+struct Memory {
+  const std::vector<std::uint8_t>& bytes;
+  sf_count_t position = 0;
+
+  static Memory& Of(void* memory) { return *static_cast<Memory*>(memory); }
+  static sf_count_t Length(void* memory) { return static_cast<sf_count_t>(Of(memory).bytes.size()); }
+  static sf_count_t Tell(void* memory) { return Of(memory).position; }
+  static sf_count_t Seek(sf_count_t offset, int whence, void* memory) {
+    const sf_count_t from = whence == SEEK_SET ? 0 : whence == SEEK_CUR ? Tell(memory) : Length(memory);
+    return Of(memory).position = std::clamp<sf_count_t>(from + offset, 0, Length(memory));
+  }
+  static sf_count_t Read(void* target, sf_count_t count, void* memory) {
+    const sf_count_t taken = std::min(count, Length(memory) - Tell(memory));
+    std::memcpy(target, Of(memory).bytes.data() + Tell(memory), static_cast<std::size_t>(taken));
+    Of(memory).position += taken;
+    return taken;
+  }
+};
+
+Recording ReadWave(const std::string& path, const std::vector<std::uint8_t>& bytes) {
   SF_INFO info{};
-  const std::unique_ptr<SNDFILE, SoundFileCloser> file(sf_open(path.c_str(), SFM_READ, &info));
+  SF_VIRTUAL_IO access{Memory::Length, Memory::Seek, Memory::Read, nullptr, Memory::Tell};
+  Memory memory{bytes};
+  const std::unique_ptr<SNDFILE, SoundFileCloser> file(sf_open_virtual(&access, SFM_READ, &info, &memory));
   if (file == nullptr) {
     throw RecordingError(path + ": no usable WAV file: " + sf_strerror(nullptr));
   }
@@ -80,7 +106,7 @@ Recording ReadWave(const std::string& path) {
 Recording ReadRecording(const std::string& path) {
   Recording recording;
   recording.bytes = ReadBytes(path);
-  return IsWave(recording.bytes) ? ReadWave(path) : recording;
+  return IsWave(recording.bytes) ? ReadWave(path, recording.bytes) : recording;
 }
 
 void Feed(const std::vector<std::uint8_t>& bytes, ReceiverRig& rig, const std::function<void(std::size_t)>& progress) {

@@ -25,7 +25,7 @@ struct Recording {
   std::string warning;
 };
 
-// Throws RecordingError.
+// "-" is standard input. Throws RecordingError.
 Recording ReadRecording(const std::string& path);
 
 // Delivers the bytes in blocks of 768 samples; the last one may be short. `progress` gets after each block how many
