@@ -96,7 +96,8 @@ int Sweep(Arguments& arguments) {
     WriteCsvFile(arguments.csv, plan, result);
   }
   if (!arguments.plot.empty()) {
-    DrawFigures(arguments.plot, plan, result);
+    std::ofstream out(arguments.plot, std::ios::binary);
+    DrawFigures(out, arguments.plot, plan, result);
   }
   std::cerr << "orvex-sweep: " << result.recordedS << " s of recordings in " << progress.ElapsedS() << " s, "
             << result.recordedS * CLOCKS_PER_SEC / static_cast<double>(std::clock()) << " times real time per core\n";

@@ -1,10 +1,12 @@
 // Figures of a sweep, drawn by gnuplot.
 #include "plot.h"
 
+#include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cmath>
 #include <cstdio>
@@ -28,6 +30,8 @@ std::string Quoted(const std::string& text) {
   return quoted + "'";
 }
 
+constexpr long kShownErrorMs = 35;  // to either side
+
 const char* TerminalFor(const std::string& path) {
   const std::string ending = std::filesystem::path(path).extension();
   if (ending == ".svg") {
@@ -39,21 +43,49 @@ const char* TerminalFor(const std::string& path) {
   throw std::runtime_error(path + ": expected a name that ends in .svg or .png");
 }
 
-// Its exit code.
-int RunGnuplot(const std::string& argument) {
+// Answers an error code.
+int StartGnuplot(const std::string& argument, int output, pid_t& child) {
   const char* const arguments[] = {"gnuplot", argument.c_str(), nullptr};
-  pid_t child = 0;
-  const int error = ::posix_spawnp(&child, "gnuplot", nullptr, nullptr, const_cast<char**>(arguments), environ);
-  if (error == ENOENT) {
-    throw std::runtime_error("gnuplot is not installed; the Debian package gnuplot-nox has it");
+  posix_spawn_file_actions_t actions;
+  ::posix_spawn_file_actions_init(&actions);
+  ::posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO);
+  const int error = ::posix_spawnp(&child, "gnuplot", &actions, nullptr, const_cast<char**>(arguments), environ);
+  ::posix_spawn_file_actions_destroy(&actions);
+  return error;
+}
+
+std::string ReadToTheEnd(int descriptor) {
+  std::string text;
+  char piece[65536];
+  ssize_t count = 0;
+  while ((count = ::read(descriptor, piece, sizeof piece)) > 0 || (count < 0 && errno == EINTR)) {
+    text.append(piece, count > 0 ? static_cast<std::size_t>(count) : 0);
   }
+  return text;
+}
+
+// What it prints. It does not tell when that cannot be written, and so it writes into a pipe.
+std::string RunGnuplot(const std::string& argument) {
+  int pipe[2];
+  if (::pipe2(pipe, O_CLOEXEC) != 0) {
+    throw std::runtime_error(std::string("gnuplot cannot be run: ") + std::strerror(errno));
+  }
+  pid_t child = 0;
+  const int error = StartGnuplot(argument, pipe[1], child);
+  ::close(pipe[1]);
+  std::string output = ReadToTheEnd(pipe[0]);
+  ::close(pipe[0]);
   if (error != 0) {
-    throw std::runtime_error(std::string("gnuplot cannot be run: ") + std::strerror(error));
+    throw std::runtime_error(error == ENOENT ? "gnuplot is not installed; the Debian package gnuplot-nox has it"
+                                             : std::string("gnuplot cannot be run: ") + std::strerror(error));
   }
   int status = 0;
   while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
   }
-  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  if (status != 0) {
+    throw std::runtime_error("gnuplot has failed with " + argument);
+  }
+  return output;
 }
 
 // A file that is gone with its object.
@@ -87,23 +119,24 @@ std::string DataName(const char* kind, std::size_t row) {
   return "$" + std::string(kind) + std::to_string(row + 1);
 }
 
-// Per millisecond of error the share of the row's rooms.
+// Per millisecond of error the share of the row's rooms. A bin that is left out would be bridged by its neighbours.
 void WriteHistogram(std::ostream& out, std::size_t row, const std::vector<RoomResult>& results) {
-  std::map<long, std::size_t> counts;
+  std::map<long, std::size_t> counts{{-kShownErrorMs, 0}, {kShownErrorMs, 0}};
   for (const RoomResult& result : results) {
     if (result.found) {
       ++counts[std::lround(result.errorMs)];
     }
   }
   out << DataName("histogram", row) << " << END\n";
-  for (const auto& [error, count] : counts) {
-    out << error << ' ' << 100.0 * static_cast<double>(count) / static_cast<double>(results.size()) << '\n';
+  for (long error = counts.begin()->first; error <= counts.rbegin()->first; ++error) {
+    out << error << ' ' << 100.0 * static_cast<double>(counts[error]) / static_cast<double>(results.size()) << '\n';
   }
   out << "END\n";
 }
 
+// Begins with a point that is none: gnuplot complains about data without any.
 void WriteErrors(std::ostream& out, std::size_t row, const std::vector<RoomResult>& results) {
-  out << DataName("errors", row) << " << END\n";
+  out << DataName("errors", row) << " << END\nNaN NaN\n";
   for (const RoomResult& result : results) {
     if (result.found) {
       out << result.beforeMs << ' ' << result.errorMs << '\n';
@@ -112,37 +145,40 @@ void WriteErrors(std::ostream& out, std::size_t row, const std::vector<RoomResul
   out << "END\n";
 }
 
+// And a line at 0: to gnuplot a picture without any point is an error.
 void WritePlotOfRows(std::ostream& out, const char* kind, const char* style, const Plan& plan,
                      const SweepResult& result) {
   out << "plot ";
   for (std::size_t row = 0; row < result.rows.size(); ++row) {
-    out << (row == 0 ? "" : ", ") << DataName(kind, row) << " using 1:2 " << style << " title "
-        << Quoted(RowName(plan, row));
+    out << DataName(kind, row) << " using 1:2 " << style << " title " << Quoted(RowName(plan, row)) << ", ";
   }
-  out << '\n';
+  out << "0 with lines linecolor 'grey' notitle\n";
 }
 
 }  // namespace
 
 void WriteFigureScript(std::ostream& out, const std::string& path, const Plan& plan, const SweepResult& result) {
+  const std::string shownErrors = "[-" + std::to_string(kShownErrorMs) + ':' + std::to_string(kShownErrorMs) + "]\n";
   std::vector<Statistics> statistics;
   for (std::size_t row = 0; row < result.rows.size(); ++row) {
     statistics.push_back(Summarise(result.rows[row]));
     WriteHistogram(out, row, result.rows[row]);
     WriteErrors(out, row, result.rows[row]);
   }
+  bool isAnyFound = false;
   out << "$found << END\n";
   for (std::size_t row = 0; row < result.rows.size(); ++row) {
+    isAnyFound = isAnyFound || statistics[row].foundPercent > 0.0;
     out << row + 1 << ' ' << statistics[row].foundPercent << " \"" << RowName(plan, row) << "\"\n";
   }
   out << "END\n"
-      << "set terminal " << TerminalFor(path) << "\nset output " << Quoted(path) << '\n'
+      << "set terminal " << TerminalFor(path) << '\n'
       << "set multiplot layout 3,1\nset grid\nset key outside bottom noenhanced\n"
       << "set title 'Error, reported minus true difference'\nset xlabel 'ms'\nset ylabel '% of rooms per ms'\n"
-      << "set xrange [-35:35]\n";
+      << "set yrange [0:" << (isAnyFound ? "*" : "1") << "]\nset xrange " << shownErrors;
   WritePlotOfRows(out, "histogram", "with histeps linewidth 2", plan, result);
   out << "set title 'Error over true difference'\nset xlabel 'true difference, ms'\nset ylabel 'error, ms'\n"
-      << "set xrange [*:*]\nset yrange [-35:35]\n";
+      << "set xrange [*:*]\nset yrange " << shownErrors;
   WritePlotOfRows(out, "errors", "with points pointtype 7 pointsize 0.2", plan, result);
   out << "set title 'Found'\nset xlabel ''\nset ylabel '% of rooms'\nset yrange [0:105]\nset boxwidth 0.6\n"
       << "set style fill solid 0.6\nset xtics rotate by -30 noenhanced\n"
@@ -154,14 +190,15 @@ void CheckFigures(const std::string& path) {
   RunGnuplot("--version");
 }
 
-void DrawFigures(const std::string& path, const Plan& plan, const SweepResult& result) {
+void DrawFigures(std::ostream& out, const std::string& path, const Plan& plan, const SweepResult& result) {
   const TemporaryFile script;
-  std::ofstream out(script.Path());
-  WriteFigureScript(out, path, plan, result);
-  out.close();
-  if (!out || RunGnuplot(script.Path()) != 0) {
-    throw std::runtime_error(path + ": the figures could not be drawn");
+  std::ofstream text(script.Path());
+  WriteFigureScript(text, path, plan, result);
+  text.close();
+  if (!text) {
+    throw std::runtime_error(script.Path() + ": cannot be written: " + std::strerror(errno));
   }
+  out << RunGnuplot(script.Path());
 }
 
 }  // namespace orvex::tools
