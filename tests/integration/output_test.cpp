@@ -1,8 +1,15 @@
 // Where the commands put what a person asks them to write.
+#include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include <filesystem>
 
 #include "test_television.h"
 #include "tool_run.h"
@@ -91,6 +98,93 @@ TEST_F(OutputOfReplay, GoesToStandardOutputInPlaceOfTheLines) {
   EXPECT_EQ("exit code 2", Describe(both.ending));
   EXPECT_THAT(both.errors, HasSubstr("--report -: takes standard output for the page, expected no --trace"));
   EXPECT_EQ("", both.output);
+}
+
+class OutputOfSweep : public Output {
+protected:
+  ToolRun Sweep(std::vector<std::string> arguments) const {
+    arguments.insert(arguments.begin(), {"--rooms", "2", "--jobs", "1"});
+    return RunProgram(ORVEX_SWEEP_PROGRAM, arguments);
+  }
+};
+
+TEST_F(OutputOfSweep, IsNeitherARecordingNorTheOtherOutputNorADevice) {
+  ASSERT_EQ("exit code 0", Describe(RunProgram(ORVEX_TESTSOUND_PROGRAM, {PathOf("noise.wav")}).ending));
+  const std::string noise = m_Folder.ReadFile("noise.wav");
+  for (const auto& [arguments, error] : std::vector<std::pair<std::vector<std::string>, std::string>>{
+           {{"--csv", PathOf("noise.wav"), "--recording", PathOf("noise.wav")}, "noise.wav: the same file as "},
+           {{"--csv", PathOf("new.svg"), "--plot", PathOf("./new.svg")}, "new.svg: the same file as "},
+           {{"--csv", Device()}, "device: no regular file, expected one or a new name"},
+           {{"--plot", PathOf("new.jpg")}, "new.jpg: expected a name that ends in .svg or .png"},
+           {{"--csv", "/nonexistent/rooms.csv"}, "rooms.csv: cannot be written: No such file or directory"}}) {
+    const ToolRun run = Sweep(arguments);
+    EXPECT_EQ("exit code 2", Describe(run.ending));
+    EXPECT_THAT(run.errors, HasSubstr(error));
+    EXPECT_EQ("", run.output);  // it has not begun
+  }
+  EXPECT_EQ(noise, m_Folder.ReadFile("noise.wav"));
+  EXPECT_FALSE(std::filesystem::exists(PathOf("new.svg")));
+}
+
+TEST_F(OutputOfSweep, GoesToStandardOutputWithTheTableOnStandardError) {
+  const ToolRun file = Sweep({"--csv", PathOf("rooms.csv")});
+  const ToolRun run = Sweep({"--csv", "-"});
+  EXPECT_EQ("exit code 0", Describe(run.ending));
+  EXPECT_EQ(m_Folder.ReadFile("rooms.csv"), run.output);
+  EXPECT_THAT(run.errors, HasSubstr(file.output));
+}
+
+// What a process writes to its standard error, while it runs.
+class ErrorPipe {
+public:
+  ErrorPipe() { EXPECT_EQ(0, ::pipe2(m_Ends.data(), O_CLOEXEC)); }
+  ~ErrorPipe() {
+    ::close(m_Ends[0]);
+    ::close(m_Ends[1]);
+  }
+  ErrorPipe(const ErrorPipe&) = delete;
+  ErrorPipe& operator=(const ErrorPipe&) = delete;
+
+  int WriteEnd() const { return m_Ends[1]; }
+  // False: `text` does not come in time.
+  bool WaitFor(const std::string& text) {
+    pollfd source{m_Ends[0], POLLIN, 0};
+    while (m_Text.find(text) == std::string::npos) {
+      std::array<char, 1000> piece{};
+      if (::poll(&source, 1, static_cast<int>(std::chrono::milliseconds(kPatience).count())) != 1) {
+        return false;
+      }
+      m_Text.append(piece.data(), static_cast<std::size_t>(::read(m_Ends[0], piece.data(), piece.size())));
+    }
+    return true;
+  }
+
+private:
+  std::array<int, 2> m_Ends{};
+  std::string m_Text;
+};
+
+TEST_F(OutputOfSweep, HasTheRoomsThatAreDoneWhenItIsInterrupted) {
+  m_Folder.WriteFile("figures.svg", "old figures");
+  ErrorPipe errors;
+  Process process({ORVEX_SWEEP_PROGRAM,
+                   {"--rooms", "100000", "--jobs", "2", "--csv", PathOf("rooms.csv"), "--plot", PathOf("figures.svg")},
+                   {},
+                   PathOf("table"),
+                   {},
+                   errors.WriteEnd()});
+  ASSERT_TRUE(errors.WaitFor(" of 100000 rooms, "));
+  process.Signal(SIGTERM);
+  EXPECT_EQ("exit code 1", Describe(process.WaitForEnd()));
+  EXPECT_TRUE(errors.WaitFor("orvex-sweep: interrupted after "));
+  const std::string csv = m_Folder.ReadFile("rooms.csv");
+  const auto rooms = std::count(csv.begin(), csv.end(), '\n') - 1;
+  EXPECT_GT(rooms, 0);
+  EXPECT_LT(rooms, 100000);
+  EXPECT_THAT(csv, HasSubstr("\n1," + std::to_string(rooms) + ","));
+  EXPECT_THAT(m_Folder.ReadFile("table"),
+              HasSubstr("\nincomplete: interrupted after " + std::to_string(rooms) + " of 100000 rooms\n"));
+  EXPECT_EQ("old figures", m_Folder.ReadFile("figures.svg"));
 }
 
 }  // namespace

@@ -2,13 +2,14 @@
 #include <CLI/CLI.hpp>
 #include <ctime>
 #include <exception>
-#include <fstream>
 #include <iostream>
 #include <map>
-#include <stdexcept>
+#include <optional>
 #include <string>
 #include <thread>
 
+#include "interruption.h"
+#include "output/output_file.h"
 #include "output/standard_output.h"
 #include "plan.h"
 #include "plot.h"
@@ -21,6 +22,7 @@ namespace {
 using namespace orvex::tools;
 
 constexpr int kExitDone = 0;
+constexpr int kExitInterrupted = 1;
 constexpr int kExitUsage = 2;
 
 constexpr char kDescription[] =
@@ -35,15 +37,16 @@ constexpr char kDescription[] =
     "worse: the misalignment that is left "
     "exceeds the one before by more than a buffer (16.5 ms). decided: mean time from the start of the recording to the "
     "result or, without one, to the end of the playback; ended: to the end of the process.\n\n"
-    "Exit code: 0 done, 2 wrong usage, or a file or standard output that cannot be written.";
+    "Exit code: 0 done, 1 interrupted, and what was done so far is written, 2 wrong usage, or a file or standard "
+    "output that cannot be written.";
 
 struct Arguments {
   std::map<Axis, std::string> axes;
   SweepOptions options;
   std::uint64_t seed = 1;
   std::vector<std::string> recordings;
-  std::string csv;
-  std::string plot;
+  std::optional<std::string> csv;
+  std::optional<std::string> plot;
 };
 
 void DefineArguments(CLI::App& app, Arguments& arguments) {
@@ -66,38 +69,58 @@ void DefineArguments(CLI::App& app, Arguments& arguments) {
       ->capture_default_str();
   app.add_option("--recording", arguments.recordings, "WAV files of one channel, for --disturbance recording")
       ->type_name("FILE");
-  app.add_option("--csv", arguments.csv, "write one line per room to FILE")->type_name("FILE");
+  app.add_option("--csv", arguments.csv,
+                 "write one line per room to FILE; -: to standard output, and the table to standard error")
+      ->type_name("FILE");
   app.add_option("--plot", arguments.plot, "draw figures into FILE, an SVG or PNG by its ending; needs gnuplot")
       ->type_name("FILE");
 }
 
-void WriteCsvFile(const std::string& path, const Plan& plan, const SweepResult& result) {
-  std::ofstream out(path);
-  WriteCsv(out, plan, result);
-  out.close();
-  if (!out) {
-    throw std::runtime_error(path + ": cannot be written");
+// Tried before the work begins.
+struct Outputs {
+  std::optional<OutputFile> csv;
+  std::optional<OutputFile> plot;
+
+  explicit Outputs(const Arguments& arguments) {
+    std::vector<std::string> others = arguments.recordings;
+    if (arguments.csv) {
+      csv.emplace(*arguments.csv, others);
+      others.push_back(*arguments.csv);
+    }
+    if (arguments.plot) {
+      CheckFigures(*arguments.plot);
+      plot.emplace(*arguments.plot, others);
+    }
+  }
+};
+
+// An incomplete sweep is not drawn: nobody would see that from the figures.
+void Write(const Outputs& outputs, const Arguments& arguments, const Plan& plan, const SweepResult& result) {
+  WriteTable(outputs.csv && outputs.csv->IsStandardOutput() ? std::cerr : std::cout, plan, result);
+  if (outputs.csv) {
+    outputs.csv->Write([&](std::ostream& out) { WriteCsv(out, plan, result); });
+  }
+  if (outputs.plot && result.IsComplete()) {
+    outputs.plot->Write([&](std::ostream& out) { DrawFigures(out, *arguments.plot, plan, result); });
   }
 }
 
 int Sweep(Arguments& arguments) {
-  if (!arguments.plot.empty()) {
-    CheckFigures(arguments.plot);
-  }
+  const Outputs outputs(arguments);
   for (const std::string& file : arguments.recordings) {
     arguments.options.recordings.push_back(ReadSound(file));
   }
   const Plan plan(arguments.axes, arguments.seed);
+  const Interruption interruption;
   Progress progress("orvex-sweep", "rooms", plan.Rows() * arguments.options.rooms);
   arguments.options.progress = [&](std::size_t done) { progress.Show(done); };
+  arguments.options.isInterrupted = [&] { return interruption.HasCome(); };
   const SweepResult result = RunSweep(plan, arguments.options);
-  WriteTable(std::cout, plan, result);
-  if (!arguments.csv.empty()) {
-    WriteCsvFile(arguments.csv, plan, result);
-  }
-  if (!arguments.plot.empty()) {
-    std::ofstream out(arguments.plot, std::ios::binary);
-    DrawFigures(out, arguments.plot, plan, result);
+  Write(outputs, arguments, plan, result);
+  if (!result.IsComplete()) {
+    std::cerr << "orvex-sweep: interrupted after " << result.done << " of " << result.planned << " rooms"
+              << (outputs.plot ? ", no figures are drawn\n" : "\n");
+    return kExitInterrupted;
   }
   std::cerr << "orvex-sweep: " << result.recordedS << " s of recordings in " << progress.ElapsedS() << " s, "
             << result.recordedS * CLOCKS_PER_SEC / static_cast<double>(std::clock()) << " times real time per core\n";

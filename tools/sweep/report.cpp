@@ -83,6 +83,9 @@ void WriteTable(std::ostream& out, const Plan& plan, const SweepResult& result) 
     lines.push_back(std::move(line));
   }
   WriteAligned(out, lines);
+  if (!result.IsComplete()) {
+    out << "incomplete: interrupted after " << result.done << " of " << result.planned << " rooms\n";
+  }
 }
 
 void WriteCsv(std::ostream& out, const Plan& plan, const SweepResult& result) {

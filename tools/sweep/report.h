@@ -8,7 +8,7 @@
 
 namespace orvex::tools {
 
-// One line per row: what the listed axes are, then the figures.
+// One line per row: what the listed axes are, then the figures. A last line says when rooms are missing.
 void WriteTable(std::ostream& out, const Plan& plan, const SweepResult& result);
 
 // One line per room: row and room from 1, the drawn values, what became of it. Empty: no such figure.

@@ -41,7 +41,7 @@ public:
   Workers(const Plan& plan, const SweepOptions& options)
       : m_Plan(plan), m_Options(options), m_Results(plan.Rows(), std::vector<RoomResult>(options.rooms)) {}
 
-  std::vector<std::vector<RoomResult>> Run() {
+  SweepResult Run() {
     std::vector<std::thread> threads;
     for (unsigned job = 0; job < m_Options.jobs; ++job) {
       threads.emplace_back([this] { Work(); });
@@ -53,7 +53,12 @@ public:
     if (m_Failure != nullptr) {
       std::rethrow_exception(m_Failure);
     }
-    return std::move(m_Results);
+    KeepWhatIsDone();
+    SweepResult result;
+    result.rows = std::move(m_Results);
+    result.done = m_Done;
+    result.planned = Total();
+    return result;
   }
 
 private:
@@ -61,7 +66,11 @@ private:
 
   void Work() {
     try {
-      for (std::size_t next = m_Next++; next < Total(); next = m_Next++) {
+      while (!m_Options.isInterrupted()) {
+        const std::size_t next = m_Next++;
+        if (next >= Total()) {
+          break;
+        }
         const std::size_t row = next / m_Options.rooms;
         const std::size_t room = next % m_Options.rooms;
         m_Results[row][room] = RunRoom(m_Plan, row, room, m_Options.recordings);
@@ -75,6 +84,16 @@ private:
     const std::lock_guard<std::mutex> lock(m_Mutex);
     ++m_Finished;
     m_Changed.notify_one();
+  }
+
+  // Every room that was handed out is done, and so they are the first ones.
+  void KeepWhatIsDone() {
+    const std::size_t wholeRows = m_Done / m_Options.rooms;
+    const std::size_t rest = m_Done % m_Options.rooms;
+    m_Results.resize(wholeRows + (rest > 0 ? 1 : 0));
+    if (rest > 0) {
+      m_Results.back().resize(rest);
+    }
   }
 
   void WatchUntilDone() {
@@ -123,8 +142,7 @@ RoomResult RunRoom(const Plan& plan, std::size_t row, std::size_t room, const st
 }
 
 SweepResult RunSweep(const Plan& plan, const SweepOptions& options) {
-  SweepResult result;
-  result.rows = Workers(plan, options).Run();
+  SweepResult result = Workers(plan, options).Run();
   for (const auto& row : result.rows) {
     for (const RoomResult& room : row) {
       result.recordedS += room.decidedMs / 1000.0;
