@@ -49,7 +49,7 @@ TEST(Replay, OfARunsOwnDumpGivesThatRunsResultBitForBit) {
     EXPECT_EQ("ambient", objects.front()["event"].asString());
     EXPECT_EQ(35, objects.front()["buffer"].asInt());
     EXPECT_EQ("summary", objects.back()["event"].asString());
-    EXPECT_EQ(run["difference_s"].asDouble(), objects.back()["difference_s"].asDouble());
+    EXPECT_EQ(run["difference_s"].asDouble(), objects.back()["run_difference_s"].asDouble());
   }
 }
 

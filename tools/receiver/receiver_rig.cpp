@@ -16,12 +16,13 @@ namespace {
 struct Feeding {
   ReceiverListener* listener = nullptr;
   const OrvexReceiver* receiver = nullptr;
+  BufferCount* count = nullptr;
 };
 thread_local Feeding feeding;
 
 class FeedingScope {
 public:
-  FeedingScope(ReceiverListener& listener, const OrvexReceiver& receiver) { feeding = {&listener, &receiver}; }
+  explicit FeedingScope(const Feeding& one) { feeding = one; }
   ~FeedingScope() { feeding = {}; }
   FeedingScope(const FeedingScope&) = delete;
   FeedingScope& operator=(const FeedingScope&) = delete;
@@ -66,7 +67,8 @@ void TakeResult(std::int32_t buffer, bool isReverse, va_list& arguments) {
   if (isReverse) {
     std::swap(first, second);
   }
-  feeding.listener->OnResult(buffer, first, second, va_arg(arguments, double));
+  feeding.listener->OnResult(buffer, feeding.count->Earlier(first), feeding.count->Earlier(second),
+                             va_arg(arguments, double));
 }
 
 struct Line {
@@ -112,7 +114,10 @@ ReceiverRig::ReceiverRig(ReceiverListener& listener, bool hearable)
 ReceiverRig::~ReceiverRig() = default;
 
 void ReceiverRig::Deliver(const std::uint8_t* bytes, std::uint16_t byteCount) {
-  const FeedingScope scope(m_Listener, m_Receiver);
+  if (m_Receiver.GetBufferCount() == 0) {  // it has been started
+    m_Count = {};
+  }
+  const FeedingScope scope({&m_Listener, &m_Receiver, &m_Count});
   const VoiceData record{byteCount, bytes};
   OrvexReceiver::m_ReceiveBTAudioDataCB(&record, &m_Receiver);
 }
@@ -131,7 +136,7 @@ int system_log_print(LogBuffer /*buffer*/, LogPriority /*priority*/, const char*
       va_list arguments;
       va_start(arguments, format);
       orvex::tools::SkipPrefix(arguments);
-      line.take(feeding.receiver->GetBufferCount(), arguments);
+      line.take(feeding.count->CountOn(feeding.receiver->GetBufferCount()), arguments);
       va_end(arguments);
       break;
     }

@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "Application/OrvexReceiver.h"
+#include "buffer_count.h"
 
 namespace orvex::tools {
 
@@ -26,7 +27,8 @@ struct BlockLevels {
   double ambient19000 = 0.0;
 };
 
-// What the receiver reports, in the order in which it happens. `buffer` is its buffer number at that moment.
+// What the receiver reports, in the order in which it happens. `buffer` is its buffer number at that moment. All
+// numbers of buffers go on in a recording, also where the receiver begins again at 1.
 class ReceiverListener {
 public:
   virtual ~ReceiverListener() = default;
@@ -59,10 +61,13 @@ public:
   // For one who stops and starts it, too. What it does outside of Deliver() is not listened to.
   OrvexReceiver& GetReceiver() { return m_Receiver; }
   double GetDifferenceS() { return m_Receiver.GetAudioTimeDifference(); }
+  // Number of the last buffer, as the listener gets it.
+  std::int32_t GetBufferCount() { return m_Count.CountOn(m_Receiver.GetBufferCount()); }
 
 private:
   ReceiverListener& m_Listener;
   OrvexReceiver m_Receiver;
+  BufferCount m_Count;
 };
 
 }  // namespace orvex::tools

@@ -135,8 +135,8 @@ Explanation ExplainFound(const RunRecord& run, const RecordedEvent& result) {
   }
   if (results > 1) {
     found.reasons.push_back(Text(
-        "The recording goes on, and so did the receiver: %s followed, the last one %+.1f ms in %s. A television's "
-        "run ends with the first.",
+        "The recording goes on, and so did the receiver: %s followed, the last one %+.1f ms in %s. A run goes by the "
+        "first; what comes after it changes nothing there.",
         Counted(results - 1, "further result").c_str(), last->differenceS * 1e3, BufferText(last->buffer).c_str()));
   }
   return found;
@@ -191,11 +191,10 @@ Explanation ExplainNotFound(const RunRecord& run) {
 }  // namespace
 
 Explanation Explain(const RunRecord& run) {
-  const auto result = run.FindFirst(EventKind::kResult);
-  const auto abnormal = run.FindFirst(EventKind::kAbnormal);
-  if (result && (!abnormal || result->buffer < abnormal->buffer)) {
+  if (const auto result = run.FindRunResult()) {
     return ExplainFound(run, *result);
   }
+  const auto abnormal = run.FindFirst(EventKind::kAbnormal);
   return abnormal ? ExplainAbnormal(run, *abnormal) : ExplainNotFound(run);
 }
 

@@ -50,7 +50,7 @@ int Replay(const Recording& recording, const std::string& file, const Arguments&
     Progress progress("orvex-replay", "bytes", recording.bytes.size());
     orvex::tools::Feed(recording.bytes, rig, [&](std::size_t done) { progress.Show(done); });
   }
-  lines.WriteSummary(rig);
+  lines.WriteSummary(rig, run);
   if (page != nullptr) {
     page->Write([&](std::ostream& out) {
       out << orvex::tools::MakeReportPage(run, {file, recording.warning, recording.bytes.size()});
@@ -95,7 +95,9 @@ std::optional<OutputFile> OpenReport(const Arguments& arguments) {
 int Run(int argc, char** argv) {
   CLI::App app(
       "Feeds recordings to the receiver, block by block as the remote would, and prints what it reports: one JSON "
-      "object per line.\nExit code: 0 a difference was found in every file, 1 in some file none was found, 2 wrong "
+      "object per line. The last one has run_difference_s, the first difference found, by which a run corrects the "
+      "delay, and difference_s, the receiver's last one; null: none.\nExit code: 0 a difference was found in every "
+      "file, 1 in some file none was found, 2 wrong "
       "usage, or a file or standard output that cannot be read or written.");
   Arguments arguments;
   app.add_option("FILE", arguments.files,

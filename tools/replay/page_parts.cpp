@@ -149,7 +149,9 @@ const char kEventsLegend[] =
                     ORVEX_MARK_KEY("sequence", "M13 -1l6 6l-6 6l-6-6z", "sequence error")
                         ORVEX_MARK_KEY("abnormal", "M13 -1l6 6l-6 6l-6-6z", "abnormal input")
                             "<span class='key pair'><svg viewBox='0 -3 26 16'><path class='span' d='M0 5H26'/></svg>"
-                            "pair: first to second tone</span>";
+                            "pair: first to second tone</span>"
+                            "<span class='key pair further'><svg viewBox='0 -3 26 16'><path class='span' d='M0 5H26'/></svg>"
+                            "further pair: changes nothing in a run</span>";
 
 const char kTonesLegend[] = ORVEX_KEY("curve f17", "17 kHz") ORVEX_KEY("curve f19", "19 kHz")
     ORVEX_KEY("ambient f17", "ambient mean") ORVEX_KEY("threshold f17", "threshold, 34.0 dB above it")
@@ -171,7 +173,8 @@ end. The first 4 are ignored, the next 30 give the ambient means, and from buffe
 tone, and is not noisy: at least 5 times (14.0 dB) the mean of its neighbours, 17.5 and 18 kHz. The eleventh noisy one
 ends a run as abnormal input if it is 19 kHz.</dd>
 <dt>a pair</dt><dd>is a first tone and the other one at most 19 buffers (313 ms) later, at least as strong as it was in
-the block of the first tone. Anything else is a sequence error, and the late or weak tone becomes the first.</dd>
+the block of the first tone. Anything else is a sequence error, and the late or weak tone becomes the first. A run goes
+by its first pair; pairs that follow in the recording change nothing there.</dd>
 <dt>long recordings</dt><dd>Where blocks outnumber the columns of a picture, each column shows its lowest and its
 highest block.</dd>
 </dl></section>

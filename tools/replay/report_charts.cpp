@@ -82,16 +82,11 @@ std::vector<RecordedEvent> PairsWithin(const RunRecord& run, const View& view) {
   return pairs;
 }
 
-// A run ends with its first pair.
-bool IsOwnPair(const RunRecord& run, const RecordedEvent& pair) {
-  return pair.buffer == run.FindFirst(EventKind::kResult)->buffer;
-}
-
 // The run's own pair lies above the others.
 void AddPairs(Chart& chart, const RunRecord& run, const View& view) {
   const std::vector<RecordedEvent> pairs = PairsWithin(run, view);
   std::for_each(pairs.rbegin(), pairs.rend(), [&](const RecordedEvent& pair) {
-    chart.AddPair(pair.first, pair.buffer, IsOwnPair(run, pair) ? Text("%+.1f ms", pair.differenceS * 1e3) : "");
+    chart.AddPair(pair.first, pair.buffer, run.IsRunResult(pair) ? Text("%+.1f ms", pair.differenceS * 1e3) : "");
   });
 }
 
@@ -151,7 +146,7 @@ View WholeRecording(const RunRecord& run) {
 
 std::optional<View> CloseUp(const RunRecord& run) {
   const double end = WholeRecording(run).buffers.high;
-  const auto result = run.FindFirst(EventKind::kResult);
+  const auto result = run.FindRunResult();
   const std::int32_t middle = result ? (result->first + result->buffer) / 2 : MostTellingBuffer(run);
   if (end < kWorthACloseUp || middle == 0) {
     return std::nullopt;
@@ -185,7 +180,7 @@ std::string DrawEvents(const RunRecord& run, const View& view) {
   for (const RecordedEvent& pair : PairsWithin(run, view)) {
     const bool is17First = pair.differenceS > 0.0;
     chart.AddLink({is17First ? k17 : k19, static_cast<double>(pair.first)},
-                  {is17First ? k19 : k17, static_cast<double>(pair.buffer)}, !IsOwnPair(run, pair));
+                  {is17First ? k19 : k17, static_cast<double>(pair.buffer)}, !run.IsRunResult(pair));
   }
   return chart.Finish();
 }

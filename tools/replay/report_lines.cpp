@@ -1,9 +1,8 @@
 // What the receiver reports about a recording, as JSON objects.
 #include "report_lines.h"
 
+#include <optional>
 #include <utility>
-
-#include "detector_limits.h"
 
 namespace orvex::tools {
 namespace {
@@ -23,7 +22,6 @@ ReportLines::ReportLines(std::ostream& out, std::string file, bool trace)
     : m_Out(out), m_File(std::move(file)), m_Trace(trace), m_Writer(MakeWriter()) {}
 
 void ReportLines::OnBlock(std::int32_t buffer, const BlockLevels& levels) {
-  m_Last = levels;
   if (!m_Trace) {
     return;
   }
@@ -55,23 +53,21 @@ void ReportLines::OnResult(std::int32_t buffer, std::int32_t first, std::int32_t
   Write("result", buffer, members);
 }
 
-void ReportLines::WriteSummary(ReceiverRig& rig) {
+void ReportLines::WriteSummary(ReceiverRig& rig, const RunRecord& run) {
   const OrvexReceiver& receiver = rig.GetReceiver();
+  const double differenceS = rig.GetDifferenceS();
+  const auto runResult = run.FindRunResult();
+  const std::optional<Levels>& means = run.GetAmbient();
   Json::Value summary;
   summary["event"] = "summary";
-  summary["buffers"] = receiver.GetBufferCount();
+  summary["buffers"] = rig.GetBufferCount();
   summary["blocks"] = receiver.GetBlockIndex();
-  // Up to the block that ends the ambient phase the last block shows the sums.
-  const bool hasMeans = receiver.GetBlockIndex() > kAmbientBlocks;
-  const double divisor = receiver.GetBlockIndex() == kAmbientBlocks + 1 ? kAmbientBlocks : 1.0;
-  const std::pair<const char*, double> ambient[] = {{"17000", m_Last.ambient17000},
-                                                    {"17500", m_Last.ambient17500},
-                                                    {"18000", m_Last.ambient18000},
-                                                    {"19000", m_Last.ambient19000}};
-  for (const auto& [frequency, level] : ambient) {
-    summary["ambient"][frequency] = hasMeans ? Json::Value(level / divisor) : Json::Value();
-  }
-  summary["difference_s"] = rig.GetDifferenceS();
+  summary["ambient"]["17000"] = means ? Json::Value(means->at17000) : Json::Value();
+  summary["ambient"]["17500"] = means ? Json::Value(means->at17500) : Json::Value();
+  summary["ambient"]["18000"] = means ? Json::Value(means->at18000) : Json::Value();
+  summary["ambient"]["19000"] = means ? Json::Value(means->at19000) : Json::Value();
+  summary["difference_s"] = differenceS != 0.0 ? Json::Value(differenceS) : Json::Value();
+  summary["run_difference_s"] = runResult ? Json::Value(runResult->differenceS) : Json::Value();
   summary["direction"] = receiver.GetDirection();
   summary["noise_count"] = receiver.GetNoiseCount();
   WriteObject(summary);

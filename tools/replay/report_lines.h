@@ -9,6 +9,7 @@
 #include <string>
 
 #include "receiver_rig.h"
+#include "run_record.h"
 
 namespace orvex::tools {
 
@@ -26,8 +27,8 @@ public:
   void OnAbnormal(std::int32_t buffer) override { Write("abnormal", buffer); }
   void OnExtend(std::int32_t buffer) override { Write("extend", buffer); }
 
-  // The last line.
-  void WriteSummary(ReceiverRig& rig);
+  // The last line. `run`: all that `rig` has reported.
+  void WriteSummary(ReceiverRig& rig, const RunRecord& run);
 
 private:
   void Write(const char* event, std::int32_t buffer, Json::Value members = Json::objectValue);
@@ -37,7 +38,6 @@ private:
   const std::string m_File;
   const bool m_Trace;
   std::unique_ptr<Json::StreamWriter> m_Writer;
-  BlockLevels m_Last;
 };
 
 }  // namespace orvex::tools

@@ -21,7 +21,7 @@ std::string Fact(const std::string& name, const std::string& value) {
 std::string MakeFacts(const RunRecord& run, const ReportSubject& subject) {
   constexpr std::size_t kBlockBytes = 2 * OrvexReceiver::kBlockSamples;
   const std::size_t buffers = (subject.bytes + kBlockBytes - 1) / kBlockBytes;
-  const auto result = run.FindFirst(EventKind::kResult);
+  const auto result = run.FindRunResult();
   const auto count = [&](auto... kinds) {
     const auto& events = run.GetEvents();
     return std::to_string(std::count_if(events.begin(), events.end(),

@@ -42,7 +42,7 @@ struct ToneRow {
   Cell cell;
 };
 
-std::string WhatHappened(const RecordedEvent& event) {
+std::string WhatHappened(const RunRecord& run, const RecordedEvent& event) {
   switch (event.kind) {
     case EventKind::kAmbient:
       return "the ambient means are known";
@@ -57,8 +57,9 @@ std::string WhatHappened(const RecordedEvent& event) {
     case EventKind::kNoisy19:
       return Text("19 kHz is noisy, number %d", event.count);
     case EventKind::kResult:
-      return Text("second tone: pair of buffers %d and %d, difference %+.1f ms", event.first, event.buffer,
-                  event.differenceS * 1e3);
+      return Text("second tone: pair of buffers %d and %d, difference %+.1f ms%s", event.first, event.buffer,
+                  event.differenceS * 1e3,
+                  run.IsRunResult(event) ? "" : "; after the end of a run, where it changes nothing");
     case EventKind::kAbnormal:
       return "abnormal input";
     case EventKind::kExtend:
@@ -106,7 +107,7 @@ std::string MakeEventTable(const RunRecord& run) {
   for (std::size_t i = 0; i < shown; ++i) {
     const RecordedEvent& event = events[i];
     html << Text("<tr><td>%d</td><td>%.3f</td><td>%s</td></tr>\n", event.buffer, event.buffer * kBufferS,
-                 WhatHappened(event).c_str());
+                 WhatHappened(run, event).c_str());
   }
   html << "</table>\n";
   if (shown < events.size()) {

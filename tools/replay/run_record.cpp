@@ -6,11 +6,6 @@
 #include "detector_limits.h"
 
 namespace orvex::tools {
-namespace {
-
-constexpr std::int32_t kBuffersPerRound = 100000;
-
-}  // namespace
 
 void RunRecord::OnBlock(std::int32_t buffer, const BlockLevels& levels) {
   // The block that ends the ambient phase still shows the sums.
@@ -18,10 +13,8 @@ void RunRecord::OnBlock(std::int32_t buffer, const BlockLevels& levels) {
     m_Ambient = Levels{levels.ambient17000 / kAmbientBlocks, levels.ambient17500 / kAmbientBlocks,
                        levels.ambient18000 / kAmbientBlocks, levels.ambient19000 / kAmbientBlocks};
   }
-  m_Blocks.push_back({CountOn(buffer),
-                      {levels.at17000, levels.at17500, levels.at18000, levels.at19000},
-                      levels.ratio17,
-                      levels.ratio19});
+  m_Blocks.push_back(
+      {buffer, {levels.at17000, levels.at17500, levels.at18000, levels.at19000}, levels.ratio17, levels.ratio19});
 }
 
 void RunRecord::OnFirst(std::int32_t buffer, Tone tone) {
@@ -32,9 +25,9 @@ void RunRecord::OnNoisy(std::int32_t buffer, Tone tone, std::int32_t count) {
   Add(tone == Tone::k17000Hz ? EventKind::kNoisy17 : EventKind::kNoisy19, buffer).count = count;
 }
 
-void RunRecord::OnResult(std::int32_t buffer, std::int32_t first, std::int32_t second, double differenceS) {
+void RunRecord::OnResult(std::int32_t buffer, std::int32_t first, std::int32_t /*second*/, double differenceS) {
   RecordedEvent& result = Add(EventKind::kResult, buffer);
-  result.first = result.buffer - (second - first);
+  result.first = first;
   result.differenceS = differenceS;
 }
 
@@ -44,14 +37,20 @@ std::optional<RecordedEvent> RunRecord::FindFirst(EventKind kind) const {
   return found == m_Events.end() ? std::nullopt : std::make_optional(*found);
 }
 
-std::int32_t RunRecord::CountOn(std::int32_t buffer) {
-  m_BuffersBefore += buffer < m_LastBuffer ? kBuffersPerRound : 0;
-  m_LastBuffer = buffer;
-  return m_BuffersBefore + buffer;
+std::optional<RecordedEvent> RunRecord::FindRunResult() const {
+  const auto end = std::find_if(m_Events.begin(), m_Events.end(), [](const RecordedEvent& event) {
+    return event.kind == EventKind::kResult || event.kind == EventKind::kAbnormal;
+  });
+  return end != m_Events.end() && end->kind == EventKind::kResult ? std::make_optional(*end) : std::nullopt;
+}
+
+bool RunRecord::IsRunResult(const RecordedEvent& result) const {
+  const auto own = FindRunResult();
+  return own && result.buffer == own->buffer;
 }
 
 RecordedEvent& RunRecord::Add(EventKind kind, std::int32_t buffer) {
-  m_Events.push_back({kind, CountOn(buffer)});
+  m_Events.push_back({kind, buffer});
   return m_Events.back();
 }
 

@@ -23,7 +23,6 @@ inline Tone Other(Tone tone) {
   return tone == Tone::k17000Hz ? Tone::k19000Hz : Tone::k17000Hz;
 }
 
-// Buffers are counted from the start of the recording, on and on, also where the receiver begins again at 1.
 struct RecordedBlock {
   std::int32_t buffer = 0;
   Levels levels;
@@ -61,21 +60,22 @@ public:
   const std::vector<RecordedBlock>& GetBlocks() const { return m_Blocks; }
   const std::vector<RecordedEvent>& GetEvents() const { return m_Events; }
   std::optional<RecordedEvent> FindFirst(EventKind kind) const;
+  // The result that a run of the service goes by: the first one, unless abnormal input has ended the run before. What
+  // comes after it changes nothing in a run.
+  std::optional<RecordedEvent> FindRunResult() const;
+  bool IsRunResult(const RecordedEvent& result) const;
   // Number of the last analysed buffer; 0 when there is none.
   std::int32_t GetLastBuffer() const { return m_Blocks.empty() ? 0 : m_Blocks.back().buffer; }
   // The ambient means; none when the recording ends before they are known.
   const std::optional<Levels>& GetAmbient() const { return m_Ambient; }
 
 private:
-  std::int32_t CountOn(std::int32_t buffer);
   RecordedEvent& Add(EventKind kind, std::int32_t buffer);
 
   const bool m_Hearable;
   std::vector<RecordedBlock> m_Blocks;
   std::vector<RecordedEvent> m_Events;
   std::optional<Levels> m_Ambient;
-  std::int32_t m_LastBuffer = 0;     // as the receiver counts
-  std::int32_t m_BuffersBefore = 0;  // its count began again after so many
 };
 
 }  // namespace orvex::tools

@@ -56,8 +56,11 @@ TEST(ReplayExplanation, GivesTheMarginsOfBothTonesOfThePair) {
 }
 
 TEST(ReplayExplanation, TellsOfWhatFollowedTheFirstDifference) {
-  EXPECT_THAT(Of(Ambient() + "7..6.9").reasons,
-              Contains(HasSubstr("1 further result followed, the last one +82.5 ms in buffer 41")));
+  const Explanation found = Of(Ambient() + "7..6.9");
+  EXPECT_EQ("The optical output is 49.5 ms late", found.headline);
+  EXPECT_THAT(found.reasons, Contains("The recording goes on, and so did the receiver: 1 further result followed, the "
+                                      "last one +82.5 ms in buffer 41 (0.677 s). A run goes by the first; what comes "
+                                      "after it changes nothing there."));
 }
 
 TEST(ReplayExplanation, OfATooShortRecording) {

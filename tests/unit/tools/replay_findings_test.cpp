@@ -181,19 +181,5 @@ TEST(ReplayFindings, RaiseWhatASecondToneMustReachWithEachPair) {
   EXPECT_EQ(44, pairing.errors[0].buffer);
 }
 
-TEST(ReplayRecord, CountsOnWhereTheReceiverBeginsAgain) {
-  RunRecord run(false);
-  run.OnBlock(100000, {});
-  run.OnExtend(100000);
-  run.OnBlock(5, {});
-  run.OnFirst(6, Tone::k17000Hz);
-  run.OnResult(8, 6, 8, 0.033);
-  EXPECT_EQ(100005, run.GetBlocks()[1].buffer);
-  EXPECT_EQ(100000, run.GetEvents()[0].buffer);
-  EXPECT_EQ(100006, run.GetEvents()[1].buffer);
-  EXPECT_EQ(100008, run.GetEvents()[2].buffer);
-  EXPECT_EQ(100006, run.GetEvents()[2].first);
-}
-
 }  // namespace
 }  // namespace orvex::tools

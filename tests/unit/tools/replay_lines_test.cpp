@@ -4,6 +4,8 @@
 
 #include <cmath>
 
+#include "listener_pair.h"
+#include "recording.h"
 #include "replay_recordings.h"
 #include "report_lines.h"
 
@@ -87,14 +89,36 @@ TEST(ReplayLines, TellTheExtendCommandWithTheBufferAfterWhichItIsSent) {
 TEST(ReplayLines, EndInASummary) {
   const auto lines = ReplayLines(MakeRecording(Ambient() + "..9...7."));
   const Json::Value& summary = lines.back();
-  EXPECT_THAT(summary.getMemberNames(),
-              ElementsAre("ambient", "blocks", "buffers", "difference_s", "direction", "event", "noise_count"));
+  EXPECT_THAT(summary.getMemberNames(), ElementsAre("ambient", "blocks", "buffers", "difference_s", "direction",
+                                                    "event", "noise_count", "run_difference_s"));
   EXPECT_EQ("summary", summary["event"].asString());
   EXPECT_EQ(43, summary["buffers"].asInt());
   EXPECT_EQ(39, summary["blocks"].asInt());
   EXPECT_EQ(-4 * 768 / 46545.0, summary["difference_s"].asDouble());
+  EXPECT_EQ(-4 * 768 / 46545.0, summary["run_difference_s"].asDouble());
   EXPECT_EQ(-1, summary["direction"].asInt());
   EXPECT_EQ(0, summary["noise_count"].asInt());
+}
+
+TEST(ReplayLines, EndInTheLastDifferenceAndInTheFirstByWhichARunGoes) {
+  const auto lines = ReplayLines(MakeRecording(Ambient() + "7..6.9"));
+  EXPECT_THAT(Events(lines), ElementsAre("ambient@35", "first17@36", "result@39", "result@41"));
+  EXPECT_EQ(5 * 768 / 46545.0, lines.back()["difference_s"].asDouble());
+  EXPECT_EQ(3 * 768 / 46545.0, lines.back()["run_difference_s"].asDouble());
+}
+
+TEST(ReplayLines, HaveNoDifferenceOfARunThatAbnormalInputHasEnded) {
+  const auto lines = ReplayLines(MakeRecording(Ambient() + std::string(11, 'y') + "7.9"));
+  EXPECT_EQ(2 * 768 / 46545.0, lines.back()["difference_s"].asDouble());
+  EXPECT_TRUE(lines.back()["run_difference_s"].isNull());
+}
+
+TEST(ReplayLines, HaveNoDifferenceWhenNoneWasFound) {
+  for (const char* const blocks : {"..7..", "..9.."}) {
+    const auto lines = ReplayLines(MakeRecording(Ambient() + blocks));
+    EXPECT_TRUE(lines.back()["difference_s"].isNull());
+    EXPECT_TRUE(lines.back()["run_difference_s"].isNull());
+  }
 }
 
 TEST(ReplayLines, GiveTheAmbientMeansOfTheThirtyBlocksAfterTheFirstFour) {
@@ -117,7 +141,7 @@ TEST(ReplayLines, HaveNoAmbientMeanOfARecordingThatIsTooShort) {
   const auto lines = ReplayLines(MakeRecording(std::string(34, '.')));
   ASSERT_EQ(1u, lines.size());
   EXPECT_TRUE(lines[0]["ambient"]["17000"].isNull());
-  EXPECT_EQ(0.0, lines[0]["difference_s"].asDouble());
+  EXPECT_TRUE(lines[0]["difference_s"].isNull());
   EXPECT_EQ(0, lines[0]["direction"].asInt());
 }
 
@@ -176,7 +200,40 @@ TEST(ReplayTrace, TakesAShortLastBlockAsOneThatEndsInSilence) {
 TEST(ReplayLines, FindNoToneInTheHearableMode) {
   const auto lines = ReplayLines(MakeRecording(Ambient() + "..7...9."), false, true);
   EXPECT_THAT(Events(lines), ElementsAre("ambient@35"));
-  EXPECT_EQ(0.0, lines.back()["difference_s"].asDouble());
+  EXPECT_TRUE(lines.back()["difference_s"].isNull());
+}
+
+// Blocks that the remote has lost count as buffers, and are soon received.
+void Lose(std::int32_t blocks, ReceiverRig& rig) {
+  for (std::int32_t block = 0; block < blocks; ++block) {
+    OrvexReceiver::m_ReceiveBTAudioDataCB(nullptr, &rig.GetReceiver());
+  }
+}
+
+TEST(ReplayLines, CountOnWhereTheReceiverBeginsAgain) {
+  std::stringstream text;
+  ReportLines lines(text, "", false);
+  RunRecord run(false);
+  ListenerPair both(lines, run);
+  ReceiverRig rig(both);
+  Feed(MakeRecording(Ambient()), rig);
+  Lose(99997 - 35, rig);
+  Feed(MakeRecording(".7.....9"), rig);
+  lines.WriteSummary(rig, run);
+  EXPECT_EQ(5, rig.GetReceiver().GetBufferCount());
+  EXPECT_THAT(text.str(), testing::HasSubstr("{\"buffer\":99999,\"event\":\"first17\"}\n"));
+  EXPECT_THAT(text.str(), testing::HasSubstr("{\"buffer\":100000,\"event\":\"extend\"}\n"));
+  EXPECT_THAT(text.str(), testing::HasSubstr("\"event\":\"result\",\"first\":99999,\"second\":100005}\n"));
+  EXPECT_THAT(text.str(), testing::HasSubstr("\"buffers\":100005,"));
+  ASSERT_TRUE(run.FindRunResult());
+  EXPECT_EQ(99999, run.FindRunResult()->first);
+  EXPECT_EQ(100005, run.FindRunResult()->buffer);
+  EXPECT_EQ(100005, run.GetLastBuffer());
+
+  rig.GetReceiver().StopBTRecoder();
+  rig.GetReceiver().StartBTRecoder();
+  Feed(MakeRecording("..."), rig);
+  EXPECT_EQ(3, rig.GetBufferCount());
 }
 
 TEST(ReplayLines, NameTheFileWhenItIsGiven) {

@@ -209,6 +209,24 @@ TEST(ReplayPage, ShowsTheWarningAboutARecording) {
               HasSubstr("<p class='warning'>a.wav: 48000 Hz</p>"));
 }
 
+TEST(ReplayPage, ShowsFurtherResultsAsSuch) {
+  const std::string page = PageOf(MakeRecording(Ambient() + "7..6.9"));
+  EXPECT_THAT(page, HasSubstr("<h2>The optical output is 49.5 ms late</h2>"));
+  EXPECT_THAT(page, HasSubstr("<dt>difference</dt><dd>+49.5 ms</dd>"));
+  EXPECT_THAT(page, HasSubstr("pair of buffers 36 and 39, difference +49.5 ms</td>"));
+  EXPECT_THAT(page, HasSubstr("pair of buffers 36 and 41, difference +82.5 ms; after the end of a run, where it "
+                              "changes nothing</td>"));
+  EXPECT_THAT(page, HasSubstr("<g class='pair' data-first='36' data-second='39'>"));
+  EXPECT_THAT(page, HasSubstr("<g class='pair further' data-first='36' data-second='41'>"));
+}
+
+TEST(ReplayPage, ShowsNoDifferenceOfARunThatAbnormalInputHasEnded) {
+  const std::string page = PageOf(MakeRecording(Ambient() + std::string(11, 'y') + "7.9"));
+  EXPECT_THAT(page, HasSubstr("<dt>difference</dt><dd>none</dd>"));
+  EXPECT_THAT(page, Not(HasSubstr("<g class='pair' ")));
+  EXPECT_THAT(page, HasSubstr("<g class='pair further' data-first='47' data-second='49'>"));
+}
+
 TEST(ReplayPage, ListsTheFirstEventsOfVeryMany) {
   const std::string page = PageOf(MakeRecording(Ambient() + std::string(300, 'x')));
   EXPECT_THAT(page, HasSubstr("17 kHz is noisy, number 199</td>"));

@@ -8,6 +8,7 @@
 #include <memory>
 #include <sstream>
 
+#include "listener_pair.h"
 #include "recording.h"
 #include "report_lines.h"
 
@@ -66,9 +67,11 @@ std::vector<std::uint8_t> MakeRecording(const std::string& blocks) {
 std::vector<Json::Value> ReplayLines(const std::vector<std::uint8_t>& bytes, bool trace, bool hearable) {
   std::stringstream text;
   ReportLines lines(text, "", trace);
-  ReceiverRig rig(lines, hearable);
+  RunRecord run(hearable);
+  ListenerPair both(lines, run);
+  ReceiverRig rig(both, hearable);
   Feed(bytes, rig);
-  lines.WriteSummary(rig);
+  lines.WriteSummary(rig, run);
   std::vector<Json::Value> objects;
   const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
   for (std::string line; std::getline(text, line);) {
