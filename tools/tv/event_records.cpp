@@ -1,12 +1,22 @@
 // The records that a virtual television's event-log collector has accepted.
 #include "tv/event_records.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <array>
-#include <fstream>
+#include <cerrno>
+#include <cstring>
 #include <memory>
+#include <sstream>
 
 #include <json/reader.h>
+#include <boost/locale/utf.hpp>
+
+#include "tv/errors.h"
+#include "tv/file_descriptor.h"
 
 namespace orvex::tools {
 namespace {
@@ -26,12 +36,60 @@ std::string ParseRecord(const std::string& line, Json::Value& record) {
   return record.isObject() ? "" : "no JSON object";
 }
 
+// DEL and the C1 controls, too: a terminal obeys them.
+bool IsControl(boost::locale::utf::code_point point) {
+  return point < 0x20 || (point >= 0x7F && point < 0xA0);
+}
+
+// The text with blanks in place of controls and question marks in place of bytes that are no UTF-8.
+std::string Printable(const std::string& text) {
+  namespace utf = boost::locale::utf;
+  std::string shown;
+  for (auto next = text.begin(); next != text.end();) {
+    const auto begin = next;
+    const utf::code_point point = utf::utf_traits<char>::decode(next, text.end());
+    if (point == utf::illegal || point == utf::incomplete) {
+      shown += '?';
+      next = begin + 1;
+    } else if (IsControl(point)) {
+      shown += ' ';
+    } else {
+      shown.append(begin, next);
+    }
+  }
+  return shown;
+}
+
 std::string Cell(const Json::Value& record, const char* column) {
   const Json::Value& value = record[column];
-  std::string text = value.isString() ? value.asString() : "-";
-  std::replace_if(
-      text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < ' '; }, ' ');
-  return text;
+  return value.isString() ? Printable(value.asString()) : "-";
+}
+
+// Empty when there is none.
+std::string ReadRegularFile(const std::string& path) {
+  const auto cannotBeRead = [&] { return CommandError(path + ": cannot be read: " + std::strerror(errno)); };
+  // Not blocking: nobody may write into a pipe that stands there.
+  const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
+  struct stat state {};
+  if (file.Get() < 0 && errno == ENOENT) {
+    return "";
+  }
+  if (file.Get() < 0 || ::fstat(file.Get(), &state) != 0) {
+    throw cannotBeRead();
+  }
+  if (!S_ISREG(state.st_mode)) {
+    throw CommandError(path + ": no regular file, expected one with a record on each line");
+  }
+  std::string content;
+  std::array<char, 65536> piece{};
+  ssize_t count = 0;
+  while ((count = ::read(file.Get(), piece.data(), piece.size())) > 0) {
+    content.append(piece.data(), static_cast<std::size_t>(count));
+  }
+  if (count < 0) {
+    throw cannotBeRead();
+  }
+  return content;
 }
 
 using Row = std::array<std::string, kColumns.size()>;
@@ -57,7 +115,7 @@ std::string Print(const std::vector<Row>& rows) {
 
 EventRecords ReadEventRecords(const std::string& path) {
   EventRecords events;
-  std::ifstream in(path, std::ios::binary);
+  std::istringstream in(ReadRegularFile(path));
   std::string line;
   for (int number = 1; std::getline(in, line); ++number) {
     Json::Value record;

@@ -13,7 +13,7 @@ struct EventRecords {
   std::vector<std::string> problems;  // lines that were skipped: file, line number, why
 };
 
-// A missing file has no records.
+// A missing file has no records. Throws CommandError when `path` is no regular file or cannot be read.
 EventRecords ReadEventRecords(const std::string& path);
 
 // The records as a table with a heading line; every cell is one line of printable text.

@@ -1,7 +1,9 @@
 // orvex-tv send: a message from another application to the running service.
 #include <cstdio>
 #include <memory>
+#include <stdexcept>
 
+#include "television_json.h"
 #include "tv/commands.h"
 #include "tv/errors.h"
 #include "tv/message_client.h"
@@ -16,6 +18,34 @@ struct SendArguments {
   double timeoutS = 5.0;
 };
 
+void CheckMessage(const std::string& message) {
+  try {
+    static_cast<void>(host::ParseJsonObject(message, "a message like {\"type\": \"...\", \"body\": {...}}"));
+  } catch (const std::runtime_error& problem) {
+    throw UsageError("\"" + message + "\": " + problem.what());
+  }
+}
+
+// {"error": ...}: the television did not take the message.
+bool IsError(const std::string& reply) {
+  try {
+    return host::ParseJsonObject(reply, "a reply").isMember("error");
+  } catch (const std::runtime_error&) {
+    return false;
+  }
+}
+
+void Send(const SendArguments& arguments) {
+  CheckMessage(arguments.message);
+  const auto timeout = std::chrono::milliseconds(static_cast<std::int64_t>(arguments.timeoutS * 1000.0));
+  const std::string path = TelevisionOf(arguments.directory).PathOf("messages.sock").string();
+  const std::string reply = ExchangeMessage(path, arguments.message, timeout);
+  std::printf("%s\n", reply.c_str());
+  if (IsError(reply)) {
+    throw CommandError(path + ": the reply is an error");
+  }
+}
+
 }  // namespace
 
 void AddSendCommand(CLI::App& app, int& exitCode) {
@@ -28,9 +58,7 @@ void AddSendCommand(CLI::App& app, int& exitCode) {
       ->check(CLI::Range(0.001, 3600.0))
       ->capture_default_str();
   command->callback([=, &exitCode] {
-    const auto timeout = std::chrono::milliseconds(static_cast<std::int64_t>(arguments->timeoutS * 1000.0));
-    const std::string path = TelevisionOf(arguments->directory).PathOf("messages.sock").string();
-    std::printf("%s\n", ExchangeMessage(path, arguments->message, timeout).c_str());
+    Send(*arguments);
     exitCode = kExitGood;
   });
 }

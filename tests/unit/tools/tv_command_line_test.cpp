@@ -89,6 +89,22 @@ TEST_F(CommandLine, PrintsRecordsAndComplainsAboutTheOthers) {
   EXPECT_THAT(events.error, HasSubstr("line 2: no whole JSON value, skipped"));
 }
 
+TEST_F(CommandLine, FailsOnRecordsThatCannotBeRead) {
+  std::filesystem::create_directories(m_Tv + "/events.jsonl");
+  const Outcome events = Call({"events", "--tv", m_Tv.c_str()});
+  EXPECT_EQ(1, events.exitCode);
+  EXPECT_EQ("", events.out);
+  EXPECT_THAT(events.error, HasSubstr(m_Tv + "/events.jsonl: no regular file"));
+}
+
+TEST_F(CommandLine, RefusesAMessageThatIsNoJsonObjectBeforeItLooksForTheService) {
+  for (const char* const message : {"hello", "[]", "{\"type\": \"ask\"} {}", "", "{'type': 'ask'}"}) {
+    const Outcome send = Call({"send", "--tv", m_Tv.c_str(), message});
+    EXPECT_EQ(2, send.exitCode) << message;
+    EXPECT_THAT(send.error, HasSubstr("\"" + std::string(message) + "\": expected a message like "));
+  }
+}
+
 TEST_F(CommandLine, SaysThatNoServiceListens) {
   const Outcome send = Call({"send", "--tv", m_Tv.c_str(), "{}"});
   EXPECT_EQ(1, send.exitCode);

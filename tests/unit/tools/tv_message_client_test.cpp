@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <map>
 #include <string>
 #include <thread>
 
@@ -12,6 +13,7 @@
 #include <gtest/gtest.h>
 
 #include "temporary_folder.h"
+#include "tv/command_line.h"
 #include "tv/errors.h"
 #include "tv/file_descriptor.h"
 #include "tv/message_client.h"
@@ -94,6 +96,27 @@ TEST(ExchangeMessage, NamesASocketThatCannotBeUsed) {
               HasSubstr("messages.sock: no service listens"));
   EXPECT_THAT(Refusal<UsageError>(std::string(200, 'x'), "{}", kGenerous), HasSubstr("200 bytes, expected less than"));
   EXPECT_THAT(Refusal<UsageError>(folder / "messages.sock", "{\n}", kGenerous), HasSubstr("several lines"));
+}
+
+TEST(SendCommand, FailsWhenTheReplyIsAnErrorAndPrintsItAnyway) {
+  const TemporaryFolder folder;
+  const Listener listener(folder / "messages.sock");
+  for (const auto& [reply, exitCode] : std::map<std::string, int>{{R"({"error":"no"})", 1},
+                                                                  {R"({"error": null})", 1},
+                                                                  {R"({"result":"error"})", 0},
+                                                                  {R"({})", 0},
+                                                                  {R"(["error"])", 0}}) {
+    std::thread service([&line = reply, &listener] { listener.Answer(line + "\n"); });
+    const std::string directory = folder.Path();
+    const std::array<const char*, 5> arguments{"orvex-tv", "send", "--tv", directory.c_str(), R"({"type": "ask"})"};
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(exitCode, RunCommandLine(static_cast<int>(arguments.size()), arguments.data())) << reply;
+    service.join();
+    EXPECT_EQ(reply + "\n", testing::internal::GetCapturedStdout());
+    EXPECT_EQ(exitCode == 0 ? "" : "orvex-tv: " + directory + "/messages.sock: the reply is an error\n",
+              testing::internal::GetCapturedStderr());
+  }
 }
 
 }  // namespace

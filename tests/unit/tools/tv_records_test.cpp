@@ -1,4 +1,8 @@
 // Names of values, and collected records as a table.
+#include <sys/stat.h>
+
+#include <filesystem>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -59,6 +63,32 @@ TEST(ReadEventRecords, FindsNothingInAMissingFile) {
   const TemporaryFolder folder;
   const EventRecords events = ReadEventRecords(folder / "events.jsonl");
   EXPECT_TRUE(events.records.empty() && events.problems.empty());
+}
+
+TEST(ReadEventRecords, RefusesWhatIsNoRegularFileWithoutWaitingForIt) {
+  const TemporaryFolder folder;
+  ASSERT_EQ(0, ::mkfifo((folder / "pipe").c_str(), 0600));
+  std::filesystem::create_symlink("/dev/zero", folder / "device");
+  for (const std::string& path : {folder / "pipe", folder / "device", folder.Path()}) {
+    EXPECT_THAT([&] { ReadEventRecords(path); },
+                testing::ThrowsMessage<CommandError>(HasSubstr(path + ": no regular file, expected one")));
+  }
+}
+
+TEST(ReadEventRecords, RefusesAFileThatCannotBeRead) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Write("file", "") + "/events.jsonl";
+  EXPECT_THAT([&] { ReadEventRecords(path); },
+              testing::ThrowsMessage<CommandError>(HasSubstr(path + ": cannot be read: Not a directory")));
+}
+
+TEST(EventTable, ShowsNoControlCharacters) {
+  const TemporaryFolder folder;
+  const EventRecords events =
+      ReadEventRecords(folder.Write("events.jsonl",
+                                    "{\"event\":\"a\\u001b[2Jb\\u009bc\\u007fd\\te\",\"value\":\"\x7f\xc2\x9b|\x9b|"
+                                    "\xc0\x9b|\xe2\x82|\xc2\xa0\xc3\xa4\xe2\x82\xac\"}\n"));
+  EXPECT_THAT(EventTable(events.records), testing::EndsWith("a [2Jb c d e    |?|??|??|\xc2\xa0\xc3\xa4\xe2\x82\xac\n"));
 }
 
 TEST(EventTable, AlignsColumnsAndKeepsARecordOnOneLine) {
