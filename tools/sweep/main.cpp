@@ -9,6 +9,7 @@
 #include <thread>
 
 #include "interruption.h"
+#include "options/whole_number.h"
 #include "output/output_file.h"
 #include "output/standard_output.h"
 #include "plan.h"
@@ -61,11 +62,11 @@ void DefineArguments(CLI::App& app, Arguments& arguments) {
   }
   arguments.options.jobs = std::max(1U, std::thread::hardware_concurrency());
   app.add_option("--rooms", arguments.options.rooms, "rooms of each row")
-      ->check(CLI::Range(1, 10000000))
+      ->check(WholeNumber(1, 10000000))
       ->capture_default_str();
-  app.add_option("--seed", arguments.seed, "of everything that is drawn")->capture_default_str();
+  app.add_option("--seed", arguments.seed, "of everything that is drawn")->check(WholeNumber())->capture_default_str();
   app.add_option("--jobs", arguments.options.jobs, "rooms at a time; the results do not depend on it")
-      ->check(CLI::Range(1, 1024))
+      ->check(WholeNumber(1, 1024))
       ->capture_default_str();
   app.add_option("--recording", arguments.recordings, "WAV files of one channel, for --disturbance recording")
       ->type_name("FILE");

@@ -1,0 +1,38 @@
+// What the commands answer to wrong usage.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tool_run.h"
+
+namespace orvex::integration {
+namespace {
+
+struct Row {
+  const char* program;
+  std::vector<std::string> arguments;
+  const char* error;
+};
+
+void ExpectRefusal(const Row& row) {
+  SCOPED_TRACE(testing::PrintToString(row.arguments));
+  const ToolRun run = RunProgram(row.program, row.arguments);
+  EXPECT_EQ("exit code 2", Describe(run.ending));
+  EXPECT_THAT(run.errors, testing::HasSubstr(row.error));
+  EXPECT_EQ("", run.output);
+}
+
+TEST(Usage, NamesTheOptionTheNumberAndWhatWasExpected) {
+  for (const Row& row : {
+           Row{ORVEX_SWEEP_PROGRAM,
+               {"--seed", "-1"},
+               "--seed: \"-1\": expected a whole number from 0 to 18446744073709551615"},
+           Row{ORVEX_SWEEP_PROGRAM, {"--seed", "x"}, "--seed: \"x\": expected a whole number from 0"},
+           Row{ORVEX_SWEEP_PROGRAM, {"--rooms", "-1"}, "--rooms: \"-1\": expected a whole number from 1 to 10000000"},
+           Row{ORVEX_SWEEP_PROGRAM, {"--jobs", "-1"}, "--jobs: \"-1\": expected a whole number from 1 to 1024"},
+       }) {
+    ExpectRefusal(row);
+  }
+}
+
+}  // namespace
+}  // namespace orvex::integration
