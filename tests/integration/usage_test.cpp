@@ -34,5 +34,18 @@ TEST(Usage, NamesTheOptionTheNumberAndWhatWasExpected) {
   }
 }
 
+TEST(Usage, MessagesBeginWithTheProgramsName) {
+  for (const Row& row : {
+           Row{ORVEX_TESTSOUND_PROGRAM, {"--pairs", "9", "x.wav"}, "orvex-testsound: --pairs: "},
+           Row{ORVEX_TESTSOUND_PROGRAM, {}, "orvex-testsound: OUT or --check FILE is required"},
+           Row{ORVEX_SWEEP_PROGRAM, {"--colour"}, "orvex-sweep: "},
+           Row{ORVEX_REPLAY_PROGRAM, {}, "orvex-replay: FILE is required"},
+           Row{ORVEX_TV_PROGRAM, {"dance"}, "orvex-tv: "},
+           Row{ORVEX_TV_PROGRAM, {"run", "--base-delay", "soon"}, "orvex-tv: "},
+       }) {
+    ExpectRefusal(row);
+  }
+}
+
 }  // namespace
 }  // namespace orvex::integration

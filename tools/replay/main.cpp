@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "listener_pair.h"
+#include "options/usage_message.h"
 #include "output/output_file.h"
 #include "output/standard_output.h"
 #include "progress.h"
@@ -99,6 +100,7 @@ int Run(int argc, char** argv) {
       "delay, and difference_s, the receiver's last one; null: none.\nExit code: 0 a difference was found in every "
       "file, 1 in some file none was found, 2 wrong "
       "usage, or a file or standard output that cannot be read or written.");
+  orvex::tools::NameInMessages(app, "orvex-replay");
   Arguments arguments;
   app.add_option("FILE", arguments.files,
                  "debug dump (raw signed 16-bit little-endian mono) or WAV file; -: standard input")

@@ -9,6 +9,7 @@
 #include <thread>
 
 #include "interruption.h"
+#include "options/usage_message.h"
 #include "options/whole_number.h"
 #include "output/output_file.h"
 #include "output/standard_output.h"
@@ -130,6 +131,7 @@ int Sweep(Arguments& arguments) {
 
 int Run(int argc, char** argv) {
   CLI::App app(kDescription);
+  NameInMessages(app, "orvex-sweep");
   Arguments arguments;
   DefineArguments(app, arguments);
   try {

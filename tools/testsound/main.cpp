@@ -7,6 +7,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "options/usage_message.h"
 #include "output/standard_output.h"
 #include "testsound/checker.h"
 #include "testsound/generator.h"
@@ -77,6 +78,7 @@ int Run(int argc, char** argv) {
       "Writes the test sound of a calibration (17 kHz bursts left, 19 kHz bursts right), or checks a file.\n"
       "Exit code: 0 written or fit, 1 not fit, 2 wrong usage, or a file or standard output that cannot be read or "
       "written.");
+  orvex::tools::NameInMessages(app, "orvex-testsound");
   Arguments arguments;
   DefineArguments(app, arguments);
   try {

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <exception>
 
+#include "options/usage_message.h"
 #include "orvex/sim/room_config.h"
 #include "television.h"
 #include "tv/commands.h"
@@ -30,6 +31,7 @@ int RunCommandLine(int argc, const char* const* argv) {
       "A virtual television: run the calibration service on it, read and change its values, send messages.\n"
       "Exit code: 0 done, 1 it could not be done or the calibration did not succeed, 2 wrong usage or bad "
       "input.");
+  NameInMessages(app, "orvex-tv");
   app.require_subcommand(1);
   int exitCode = kExitGood;
   AddRunCommand(app, exitCode);
