@@ -28,6 +28,7 @@ TEST(Usage, NamesTheOptionTheNumberAndWhatWasExpected) {
                "--seed: \"-1\": expected a whole number from 0 to 18446744073709551615"},
            Row{ORVEX_SWEEP_PROGRAM, {"--seed", "x"}, "--seed: \"x\": expected a whole number from 0"},
            Row{ORVEX_SWEEP_PROGRAM, {"--rooms", "-1"}, "--rooms: \"-1\": expected a whole number from 1 to 10000000"},
+           Row{ORVEX_TV_PROGRAM, {"run", "--seed", "-1"}, "--seed: \"-1\": expected a whole number from 0"},
            Row{ORVEX_SWEEP_PROGRAM, {"--jobs", "-1"}, "--jobs: \"-1\": expected a whole number from 1 to 1024"},
        }) {
     ExpectRefusal(row);

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "options/whole_number.h"
 #include "orvex/sim/room_json.h"
 #include "tv/text_files.h"
 
@@ -57,7 +58,7 @@ void RoomOptions::AddTo(CLI::App& app) {
       ->check(CLI::Number | CLI::IsMember({kNoNoise}))
       ->group(kGroup);
   app.add_flag("--optical-muted", m_OpticalMuted, "the external device is silent")->group(kGroup);
-  app.add_option("--seed", m_Seed, "of everything random")->type_name("N")->group(kGroup);
+  app.add_option("--seed", m_Seed, "of everything random")->type_name("N")->check(WholeNumber())->group(kGroup);
 }
 
 bool RoomOptions::Empty() const {
