@@ -156,7 +156,7 @@ EarlyEnd EndEarly(int number, std::chrono::microseconds after, const std::vector
   television.Set("sound/speaker", "1");
   const std::string output = television.GetDirectory().string() + ".output";
   Process process(
-      {ORVEX_SERVICE_PROGRAM, {}, {{"ORVEX_TV", television.GetDirectory().string()}}, output, output, -1, blocked});
+      {ORVEX_SERVICE_PROGRAM, {}, {{"ORVEX_TV", television.GetDirectory().string()}}, output, output, -1, -1, blocked});
   const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(after);
   const timespec pause{seconds.count(), static_cast<long>(std::chrono::nanoseconds(after - seconds).count())};
   ::nanosleep(&pause, nullptr);  // the moment is what is drawn

@@ -4,10 +4,12 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <limits>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "options/whole_number.h"
 #include "tv/commands.h"
 #include "tv/errors.h"
 #include "tv/event_records.h"
@@ -96,7 +98,8 @@ void AddRunCommand(CLI::App& app, int& exitCode) {
   command->add_option("--tv", television.directory, "directory of the television, kept; default: a temporary one")
       ->type_name("DIR");
   command->add_option("--base-delay", television.baseDelayMs, "delay of the optical output before the run")
-      ->type_name("MS");
+      ->type_name("MS")
+      ->check(WholeNumber(0, std::numeric_limits<std::uint32_t>::max()));
   command->add_option("--faults", television.faultsFile, "faults.json to inject")->type_name("FILE");
   command->add_option("--service", arguments->service, "the service; default: ORVEX_SERVICE, else beside orvex-tv")
       ->type_name("PATH");

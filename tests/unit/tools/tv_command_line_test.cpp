@@ -116,8 +116,18 @@ TEST_F(CommandLine, ExplainsItselfAndRefusesWhatItDoesNotKnow) {
   EXPECT_EQ(0, Call({"run", "--help"}).exitCode);
   EXPECT_EQ(2, Call({}).exitCode);
   EXPECT_EQ(2, Call({"dance"}).exitCode);
-  EXPECT_EQ(2, Call({"run", "--base-delay", "-1"}).exitCode);
-  EXPECT_EQ(2, Call({"run", "--base-delay", "4294967296"}).exitCode);
+}
+
+TEST_F(CommandLine, RefusesNumbersBelowZeroAndTooLargeOnes) {
+  const auto refusal = [](const char* option, const char* value) {
+    const Outcome run = Call({"run", option, value, "--service", "/nonexistent/service"});
+    EXPECT_EQ(2, run.exitCode) << option << " " << value;
+    return run.error;
+  };
+  EXPECT_THAT(refusal("--seed", "-1"), HasSubstr("--seed: \"-1\": expected a whole number from 0 to 18446744073709551615"));
+  EXPECT_THAT(refusal("--base-delay", "-1"),
+              HasSubstr("--base-delay: \"-1\": expected a whole number from 0 to 4294967295"));
+  EXPECT_THAT(refusal("--base-delay", "4294967296"), HasSubstr("--base-delay: \"4294967296\": expected a whole number"));
 }
 
 TEST_F(CommandLine, PrintsOneObjectOfARunWithTheRecordsOfThisRunOnly) {
