@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "orvex/sim/room.h"
+#include "spdif_delay.h"
 #include "units.h"
 
 namespace orvex::sim {
@@ -30,7 +31,7 @@ Playback::Playback(const RoomConfig& config)
     : m_OpticalMuted(config.opticalMuted), m_OpticalLock(TimeOfMs(config.opticalLockMs)) {}
 
 void Playback::SetSpdifDelayMs(double delayMs) {
-  m_SpdifDelayS = delayMs > 0.0 ? std::min(delayMs, Room::kMaxSpdifDelayMs) * 1e-3 : 0.0;
+  m_SpdifDelayS = LimitSpdifDelayMs(delayMs) * 1e-3;
 }
 
 void Playback::Play(Time start, const std::int16_t* stereo, std::size_t frames) {

@@ -1,6 +1,8 @@
 // The arithmetic of the real misalignment.
 #include "orvex/sim/truth.h"
 
+#include "spdif_delay.h"
+
 namespace orvex::sim {
 namespace {
 
@@ -11,7 +13,7 @@ double ArrivalMs(const PathConfig& path) {
 }  // namespace
 
 double MisalignmentMs(const RoomConfig& config, double spdifDelayMs) {
-  return spdifDelayMs + ArrivalMs(config.optical) - ArrivalMs(config.tv);
+  return LimitSpdifDelayMs(spdifDelayMs) + ArrivalMs(config.optical) - ArrivalMs(config.tv);
 }
 
 }  // namespace orvex::sim

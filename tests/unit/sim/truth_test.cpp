@@ -36,6 +36,13 @@ TEST(TruthTest, TheDefaultRoomHasSomethingToCorrect) {
   EXPECT_NEAR(MisalignmentMs(RoomConfig(), 100.0), 40.0, 1e-9);
 }
 
+TEST(TruthTest, KnowsTheLimitsOfTheOutputsDelay) {
+  const RoomConfig config = MakeBareRoom();
+  EXPECT_DOUBLE_EQ(MisalignmentMs(config, 10000.0), 10000.0);
+  EXPECT_DOUBLE_EQ(MisalignmentMs(config, 4294967295.0), 10000.0);
+  EXPECT_DOUBLE_EQ(MisalignmentMs(config, -5.0), 0.0);
+}
+
 TEST(TruthTest, IsWhatTheMicrophoneHears) {
   RoomConfig config = MakeBareRoom();
   config.tv.latencyMs = 60.0;

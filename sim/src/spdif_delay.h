@@ -1,0 +1,15 @@
+// The delays that the S/PDIF output can have.
+#pragma once
+
+#include <algorithm>
+
+#include "orvex/sim/room.h"
+
+namespace orvex::sim {
+
+// Below 0, or no number, counts as 0.
+inline double LimitSpdifDelayMs(double delayMs) {
+  return delayMs > 0.0 ? std::min(delayMs, Room::kMaxSpdifDelayMs) : 0.0;
+}
+
+}  // namespace orvex::sim
