@@ -12,6 +12,7 @@
 namespace orvex::integration {
 namespace {
 
+using testing::ContainsRegex;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
@@ -102,6 +103,15 @@ TEST(Tool, TellsByItsExitCodeWhetherItWasDoneRefusedOrWronglyAsked) {
   EXPECT_EQ("100\n", runs[1].output);
   EXPECT_EQ("diff_fail", runs[3].Json()["terminate"].asString());
   EXPECT_TRUE(runs[3].Json()["difference_s"].isNull());
+}
+
+TEST(Tool, SaysWhichDelayIsInForceWhenTheWriteDidNotTake) {
+  const TestTelevision television;
+  television.SetFaults(R"({"delay.set": -1})");
+  const ToolRun run = RunTool({"run", "--tv", television.GetDirectory().string()});
+  EXPECT_THAT(run.output, ContainsRegex("delay not applied: [0-9]+ ms wanted, 100 ms in force\n"));
+  EXPECT_THAT(run.output, ContainsRegex("applied delay +[0-9]+ ms wanted, 100 ms in force\n"));
+  EXPECT_EQ(100, television.Get("delay/spdif"));
 }
 
 // The values that a person changes are those that the service then finds.

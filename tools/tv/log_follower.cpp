@@ -65,6 +65,18 @@ std::string Milliseconds(double seconds) {
 
 }  // namespace
 
+bool IsInForce(std::optional<std::uint32_t> wantedMs, std::optional<std::int64_t> inForceMs) {
+  return wantedMs && inForceMs && *inForceMs == std::int64_t{*wantedMs};
+}
+
+std::string DelayInWords(std::optional<std::uint32_t> wantedMs, std::optional<std::int64_t> inForceMs) {
+  if (IsInForce(wantedMs, inForceMs)) {
+    return std::to_string(*inForceMs) + " ms";
+  }
+  return (wantedMs ? std::to_string(*wantedMs) + " ms" : "none") + " wanted, " +
+         (inForceMs ? std::to_string(*inForceMs) + " ms in force" : "the one in force cannot be read");
+}
+
 struct LogFollower::Rule {
   const char* prefix;
   News (LogFollower::*meaning)(const std::string& rest);
@@ -154,9 +166,11 @@ LogFollower::News LogFollower::OnDifference(const std::string& rest) {
 }
 
 LogFollower::News LogFollower::OnDelayWritten(const std::string& rest) {
-  m_Report.appliedMs = NumberOf(rest);
+  m_Report.wantedMs = NumberOf(rest);
   EndBy("done", "pass", "");
-  return "delay written: " + rest + " ms";
+  const std::optional<std::int64_t> inForceMs = m_ReadDelay();
+  return (IsInForce(m_Report.wantedMs, inForceMs) ? "delay in force: " : "delay not applied: ") +
+         DelayInWords(m_Report.wantedMs, inForceMs);
 }
 
 LogFollower::News LogFollower::OnDumpFiles(const std::string& rest) {

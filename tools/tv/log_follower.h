@@ -2,25 +2,38 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace orvex::tools {
 
 // What the lines have told so far. An empty optional or text: not told.
 struct RunReport {
-  std::optional<std::uint32_t> baseMs;     // delay of the optical output before the run
-  std::optional<std::uint32_t> appliedMs;  // the delay that was put in force
-  std::optional<double> differenceS;       // arrival of 19 kHz minus that of 17 kHz; never 0
-  std::string terminate = "etc";           // how the run ended, in the service's words
-  std::string result = "fail";             // "pass" or "fail"
+  std::optional<std::uint32_t> baseMs;    // delay of the optical output before the run
+  std::optional<std::uint32_t> wantedMs;  // the delay that the service tried to put in force
+  std::optional<double> differenceS;      // arrival of 19 kHz minus that of 17 kHz; never 0
+  std::string terminate = "etc";          // how the run ended, in the service's words
+  std::string result = "fail";            // "pass" or "fail"
   std::string dumpFile;
   std::string resultFile;
 };
 
+// Reads the delay that is in force on the television; empty: it cannot be read.
+using DelayReader = std::function<std::optional<std::int64_t>()>;
+
+// The delay in force is known, and the one that the service wanted.
+bool IsInForce(std::optional<std::uint32_t> wantedMs, std::optional<std::int64_t> inForceMs);
+// "67 ms" when that is in force as the service wanted, else both: "67 ms wanted, 100 ms in force".
+std::string DelayInWords(std::optional<std::uint32_t> wantedMs, std::optional<std::int64_t> inForceMs);
+
 // Lines in, report out.
 class LogFollower {
 public:
+  // The service logs which delay it wrote, not whether the write took: `readDelay` tells that.
+  explicit LogFollower(DelayReader readDelay) : m_ReadDelay(std::move(readDelay)) {}
+
   // One line without its line end, colours allowed. The answer, if any, is news for a person who watches the run.
   std::optional<std::string> Follow(const std::string& line);
 
@@ -48,6 +61,7 @@ private:
   News OnHostProblem(const std::string& rest);
   News EndBy(const char* terminate, const char* result, const char* news);
 
+  DelayReader m_ReadDelay;
   RunReport m_Report;
   std::optional<double> m_PairS;  // of the latest pair, in the resolution of the buffer numbers
   bool m_BaseFollows = false;

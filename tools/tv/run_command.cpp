@@ -41,7 +41,8 @@ std::filesystem::path FindService(const std::string& given) {
 // Shows what happens while it happens.
 class Watcher {
 public:
-  explicit Watcher(const RunArguments& arguments) : m_Arguments(arguments) {}
+  Watcher(const RunArguments& arguments, const RunTelevision& television)
+      : m_Arguments(arguments), m_Follower([&television] { return television.DelayMs(); }) {}
 
   void OnLine(const std::string& line) {
     if (m_Arguments.verbose) {
@@ -75,7 +76,7 @@ int Run(const RunArguments& arguments) {
   const std::size_t eventsBefore = ReadEventRecords(television.EventFile()).records.size();
   RunSummary summary;
   summary.misalignmentBeforeMs = television.MisalignmentMs();
-  Watcher watcher(arguments);
+  Watcher watcher(arguments, television);
   summary.ending = RunService({FindService(arguments.service), television.Get().GetDirectory()},
                               [&](const std::string& line) { watcher.OnLine(line); });
   summary.report = watcher.Report();

@@ -69,9 +69,9 @@ std::string SummaryText(const RunSummary& summary) {
   text += Line("base delay", Number("%.0f ms", report.baseMs));
   text += Line("measured difference",
                differenceMs ? Number("%+.1f ms, optical output against speaker", differenceMs) : "none");
-  text += Line("applied delay", report.appliedMs ? Number("%.0f ms", report.appliedMs) : "none, left as it was");
-  text += Line("true misalignment", Number("%+.1f ms before, ", summary.misalignmentBeforeMs) +
-                                        Number("%+.1f ms after", summary.misalignmentAfterMs));
+  text += Line("applied delay", DelayInWords(report.wantedMs, summary.delayAfterMs));
+  text += Line("true misalignment", Number("%+.1f ms", summary.misalignmentBeforeMs) + " before, " +
+                                        Number("%+.1f ms", summary.misalignmentAfterMs) + " after");
   text += Line("ended", report.terminate + " (" + report.result + ") after " +
                             Number("%.2f s", static_cast<double>(summary.ending.duration.count()) / 1000.0));
   return text;

@@ -23,8 +23,8 @@ struct Followed {
 };
 
 // Messages with a line end of their own come as two lines, as they do from the service.
-Followed Follow(const std::vector<std::string>& messages) {
-  LogFollower follower;
+Followed Follow(const std::vector<std::string>& messages, std::optional<std::int64_t> delayMs = std::nullopt) {
+  LogFollower follower([delayMs] { return delayMs; });
   Followed followed;
   for (const std::string& message : messages) {
     std::string text = Record(message) + "\n";
@@ -40,7 +40,7 @@ Followed Follow(const std::vector<std::string>& messages) {
 
 TEST(LogFollower, KnowsNothingBeforeTheFirstLine) {
   const RunReport report = Follow({}).report;
-  EXPECT_FALSE(report.baseMs || report.appliedMs || report.differenceS);
+  EXPECT_FALSE(report.baseMs || report.wantedMs || report.differenceS);
   EXPECT_EQ("etc", report.terminate);
   EXPECT_EQ("fail", report.result);
 }
@@ -52,9 +52,10 @@ TEST(LogFollower, TellsAGoodRunFromItsFirstLineToItsEndRecord) {
               "pcm start writing, buf 0x1, frames to write9824.", "pcm start writing, buf 0x1, frames to write9824.",
               "  ====> @ g_first index \n", "@ [RESULT] [100] - [105] : 0.0825 s\n", "completed calculation of delay",
               "diff time = 0.0825\n", "delay = 18", "after delay = 18", "avoc delay = 18",
-              "text = {result=pass;delay=18;du=1534;terminate=done}"});
+              "text = {result=pass;delay=18;du=1534;terminate=done}"},
+             18);
   EXPECT_THAT(run.report.baseMs, Optional(100u));
-  EXPECT_THAT(run.report.appliedMs, Optional(18u));
+  EXPECT_THAT(run.report.wantedMs, Optional(18u));
   EXPECT_THAT(run.report.differenceS, Optional(5 * 768 / 46545.0));
   EXPECT_EQ("done", run.report.terminate);
   EXPECT_EQ("pass", run.report.result);
@@ -63,13 +64,20 @@ TEST(LogFollower, TellsAGoodRunFromItsFirstLineToItsEndRecord) {
   EXPECT_THAT(run.news,
               ElementsAre("run started", "recording", "ambient noise measured", "playing the test sound",
                           "first tone: 17 kHz, television's speaker",
-                          "second tone: optical output +82.5 ms against the speaker", "delay written: 18 ms"));
+                          "second tone: optical output +82.5 ms against the speaker", "delay in force: 18 ms"));
 }
 
 TEST(LogFollower, GivesAnOpticalOutputThatIsEarlyItsSign) {
   const Followed run = Follow({"@ g_first index (reverse)\n", "(ruvo)   ====> @ [RESULT] [105] - [100] : -0.0825 s\n",
                                "diff time = -0.0825\n"});
   EXPECT_THAT(run.report.differenceS, Optional(-5 * 768 / 46545.0));
+}
+
+TEST(LogFollower, SaysWhatIsInForceRatherThanWhatWasWritten) {
+  EXPECT_THAT(Follow({"after delay = 67"}, 67).news, ElementsAre("delay in force: 67 ms"));
+  EXPECT_THAT(Follow({"after delay = 67"}, 100).news, ElementsAre("delay not applied: 67 ms wanted, 100 ms in force"));
+  EXPECT_THAT(Follow({"after delay = 67"}).news,
+              ElementsAre("delay not applied: 67 ms wanted, the one in force cannot be read"));
 }
 
 TEST(LogFollower, BelievesTheDifferenceThatWasUsedRatherThanAnotherPair) {
@@ -117,7 +125,7 @@ TEST(LogFollower, TellsHowARunEnded) {
 }
 
 TEST(LogFollower, PassesOnWhatIsNoRecordOfTheLog) {
-  LogFollower follower;
+  LogFollower follower([] { return std::nullopt; });
   EXPECT_THAT(follower.Follow("room.json: expected one object"),
               Optional(std::string("room.json: expected one object")));
   EXPECT_EQ(std::nullopt, follower.Follow("\033[0m"));
@@ -128,10 +136,11 @@ TEST(LogFollower, SurvivesLinesThatAreCutOff) {
   for (const char* const message : {"Temp file name=", "Temp file name=[", "Temp file name=[a]", "Temp file name=[a][",
                                     "avoc delay = ", "after delay = x", "@ [RESULT] [1", "text = {result="}) {
     const Followed run = Follow({"ORVEX_START_SYNC", message});
-    EXPECT_FALSE(run.report.baseMs || run.report.differenceS || run.report.appliedMs) << message;
+    EXPECT_FALSE(run.report.baseMs || run.report.differenceS || run.report.wantedMs) << message;
     EXPECT_EQ("", run.report.dumpFile) << message;
   }
-  EXPECT_EQ(std::nullopt, LogFollower().Follow("OrvexManager.cpp: m_StartOrvex(41) > \033["));
+  EXPECT_EQ(std::nullopt,
+            LogFollower([] { return std::nullopt; }).Follow("OrvexManager.cpp: m_StartOrvex(41) > \033["));
 }
 
 }  // namespace

@@ -53,7 +53,7 @@ TEST(SummaryJson, SaysEverythingAboutAGoodRun) {
 
 TEST(SummaryJson, SaysTheDelayInForceWhenNoneWasApplied) {
   RunSummary summary = GoodRun();
-  summary.report.appliedMs.reset();
+  summary.report.wantedMs.reset();
   summary.delayAfterMs = 100;
   EXPECT_EQ(100, Parsed(summary)["applied_ms"].asInt());
 }
@@ -85,7 +85,25 @@ TEST(SummaryText, ShowsDelaysDifferenceAndTruth) {
        {"100 ms", "+82.5 ms", "18 ms", "+90.0 ms before, +8.0 ms after", "done (pass) after 3.29 s"}) {
     EXPECT_THAT(text, HasSubstr(part));
   }
-  EXPECT_THAT(SummaryText(RunSummary{}), HasSubstr("none, left as it was"));
+}
+
+TEST(SummaryText, SaysWhichDelayIsInForceWhenItIsNotTheOneThatWasWanted) {
+  RunSummary summary = GoodRun();
+  summary.delayAfterMs = 100;
+  EXPECT_THAT(SummaryText(summary), HasSubstr("applied delay           18 ms wanted, 100 ms in force\n"));
+  summary.report.wantedMs.reset();
+  EXPECT_THAT(SummaryText(summary), HasSubstr("applied delay           none wanted, 100 ms in force\n"));
+}
+
+TEST(SummaryText, IsWholeWhenADelayCannotBeRead) {
+  RunSummary summary = GoodRun();
+  summary.misalignmentBeforeMs.reset();
+  EXPECT_THAT(SummaryText(summary), HasSubstr("true misalignment       unknown before, +8.0 ms after\n"));
+  summary.misalignmentAfterMs.reset();
+  summary.delayAfterMs.reset();
+  const std::string text = SummaryText(summary);
+  EXPECT_THAT(text, HasSubstr("applied delay           18 ms wanted, the one in force cannot be read\n"));
+  EXPECT_THAT(text, HasSubstr("true misalignment       unknown before, unknown after\n"));
 }
 
 TEST(ServiceEnding, NamesWhatWentWrong) {
