@@ -38,9 +38,11 @@ void CheckRun(const ToolRun& run, double differenceMs) {
   EXPECT_EQ("exit code 0", Describe(run.ending));
   const Json::Value json = run.Json();
   ASSERT_TRUE(json.isObject());
-  EXPECT_THAT(json.getMemberNames(),
-              ElementsAre("applied_ms", "base_ms", "difference_s", "dump_file", "duration_ms", "events", "exit_code",
-                          "misalignment_after_ms", "misalignment_before_ms", "result", "result_file", "terminate"));
+  EXPECT_THAT(
+      json.getMemberNames(),
+      ElementsAre("applied_ms", "base_ms", "difference_s", "dump_file", "duration_ms", "events", "exit_code",
+                  "misalignment_after_ms", "misalignment_before_ms", "result", "result_file", "terminate", "verdict"));
+  EXPECT_EQ("aligned", json["verdict"].asString());
   EXPECT_EQ("done", json["terminate"].asString());
   EXPECT_EQ("pass", json["result"].asString());
   EXPECT_EQ(0, json["exit_code"].asInt());
@@ -102,6 +104,7 @@ TEST(Tool, TellsByItsExitCodeWhetherItWasDoneRefusedOrWronglyAsked) {
   }
   EXPECT_EQ("100\n", runs[1].output);
   EXPECT_EQ("diff_fail", runs[3].Json()["terminate"].asString());
+  EXPECT_EQ("no_difference", runs[3].Json()["verdict"].asString());
   EXPECT_TRUE(runs[3].Json()["difference_s"].isNull());
 }
 
@@ -109,9 +112,22 @@ TEST(Tool, SaysWhichDelayIsInForceWhenTheWriteDidNotTake) {
   const TestTelevision television;
   television.SetFaults(R"({"delay.set": -1})");
   const ToolRun run = RunTool({"run", "--tv", television.GetDirectory().string()});
+  EXPECT_EQ("exit code 1", Describe(run.ending));
   EXPECT_THAT(run.output, ContainsRegex("delay not applied: [0-9]+ ms wanted, 100 ms in force\n"));
   EXPECT_THAT(run.output, ContainsRegex("applied delay +[0-9]+ ms wanted, 100 ms in force\n"));
   EXPECT_EQ(100, television.Get("delay/spdif"));
+}
+
+// A tone that is 420 ms late pairs up with the next tone of the other channel, 640 ms behind its own one. A delay of
+// 100 ms cannot be shortened by 170 ms.
+TEST(Tool, TellsARunThatHelpedFromOneThatDidNot) {
+  const ToolRun worse = RunTool({"run", "--json", "--optical-latency", "400"});
+  EXPECT_EQ("exit code 1", Describe(worse.ending));
+  EXPECT_EQ("worse", worse.Json()["verdict"].asString()) << worse.output;
+  const ToolRun clamped = RunTool({"run", "--json", "--optical-latency", "150"});
+  EXPECT_EQ("exit code 0", Describe(clamped.ending));
+  EXPECT_EQ("clamped", clamped.Json()["verdict"].asString()) << clamped.output;
+  EXPECT_EQ(0, clamped.Json()["applied_ms"].asInt());
 }
 
 // The values that a person changes are those that the service then finds.

@@ -57,6 +57,19 @@ std::string FieldOf(const std::string& record, const std::string& key) {
   return "";
 }
 
+struct End {
+  const char* terminate;
+  const char* words;
+};
+
+// Every other end is one from outside, or by the time limit.
+constexpr End kEnds[] = {
+    {kFoundNothing, "no pair of tones with a difference was heard"},
+    {"play_fail", "the test sound cannot be played"},
+    {"bt_fail", "the remote's microphone cannot be started"},
+    {"abnormal_input_fail", "too much noise in the tones"},
+};
+
 std::string Milliseconds(double seconds) {
   char text[40];
   std::snprintf(text, sizeof text, "%+.1f ms", seconds * 1000.0);
@@ -64,6 +77,15 @@ std::string Milliseconds(double seconds) {
 }
 
 }  // namespace
+
+std::string EndInWords(const std::string& terminate) {
+  for (const End& end : kEnds) {
+    if (terminate == end.terminate) {
+      return end.words;
+    }
+  }
+  return "the run was ended before it had searched to the end";
+}
 
 bool IsInForce(std::optional<std::uint32_t> wantedMs, std::optional<std::int64_t> inForceMs) {
   return wantedMs && inForceMs && *inForceMs == std::int64_t{*wantedMs};
@@ -167,7 +189,8 @@ LogFollower::News LogFollower::OnDifference(const std::string& rest) {
 
 LogFollower::News LogFollower::OnDelayWritten(const std::string& rest) {
   m_Report.wantedMs = NumberOf(rest);
-  EndBy("done", "pass", "");
+  EndBy(kFoundDifference);
+  m_Report.result = m_HasEndRecord ? m_Report.result : "pass";
   const std::optional<std::int64_t> inForceMs = m_ReadDelay();
   return (IsInForce(m_Report.wantedMs, inForceMs) ? "delay in force: " : "delay not applied: ") +
          DelayInWords(m_Report.wantedMs, inForceMs);
@@ -194,19 +217,19 @@ LogFollower::News LogFollower::OnEndRecord(const std::string& rest) {
 }
 
 LogFollower::News LogFollower::OnNoDifference(const std::string&) {
-  return EndBy("diff_fail", "", "no pair of tones was heard");
+  return EndBy(kFoundNothing);
 }
 
 LogFollower::News LogFollower::OnPlayFailure(const std::string&) {
-  return EndBy("play_fail", "", "the test sound cannot be played");
+  return EndBy("play_fail");
 }
 
 LogFollower::News LogFollower::OnRecorderFailure(const std::string&) {
-  return EndBy("bt_fail", "", "the remote's microphone cannot be started");
+  return EndBy("bt_fail");
 }
 
 LogFollower::News LogFollower::OnAbnormalInput(const std::string&) {
-  return EndBy("abnormal_input_fail", "", "too much noise in the tones");
+  return EndBy("abnormal_input_fail");
 }
 
 // Everything that is no record of the log: the port's problems, a sanitizer's report, a crash.
@@ -214,13 +237,12 @@ LogFollower::News LogFollower::OnHostProblem(const std::string& rest) {
   return rest.find_first_not_of(" \t\r") == std::string::npos ? std::nullopt : News(rest);
 }
 
-// What the lines suggest stands until the service itself says how the run ended. A passed run stays passed.
-LogFollower::News LogFollower::EndBy(const char* terminate, const char* result, const char* news) {
+// What the lines suggest stands until the service itself says how the run ended.
+std::string LogFollower::EndBy(const char* terminate) {
   if (!m_HasEndRecord) {
     m_Report.terminate = terminate;
-    m_Report.result = *result == '\0' ? m_Report.result : result;
   }
-  return news;
+  return EndInWords(terminate);
 }
 
 }  // namespace orvex::tools

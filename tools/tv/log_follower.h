@@ -20,6 +20,13 @@ struct RunReport {
   std::string resultFile;
 };
 
+// RunReport::terminate of a run that searched to its end.
+constexpr char kFoundDifference[] = "done";
+constexpr char kFoundNothing[] = "diff_fail";
+
+// Why a run that ended so, "play_fail" say, has not put a delay in force.
+std::string EndInWords(const std::string& terminate);
+
 // Reads the delay that is in force on the television; empty: it cannot be read.
 using DelayReader = std::function<std::optional<std::int64_t>()>;
 
@@ -59,7 +66,7 @@ private:
   News OnRecorderFailure(const std::string& rest);
   News OnAbnormalInput(const std::string& rest);
   News OnHostProblem(const std::string& rest);
-  News EndBy(const char* terminate, const char* result, const char* news);
+  std::string EndBy(const char* terminate);
 
   DelayReader m_ReadDelay;
   RunReport m_Report;

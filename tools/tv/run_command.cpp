@@ -15,6 +15,7 @@
 #include "tv/event_records.h"
 #include "tv/run_summary.h"
 #include "tv/run_television.h"
+#include "tv/verdict.h"
 
 namespace orvex::tools {
 namespace {
@@ -75,19 +76,19 @@ int Run(const RunArguments& arguments) {
   const RunTelevision television(arguments.television);
   const std::size_t eventsBefore = ReadEventRecords(television.EventFile()).records.size();
   RunSummary summary;
-  summary.misalignmentBeforeMs = television.MisalignmentMs();
+  summary.misalignmentBeforeMs = television.MisalignmentMs(television.DelayMs());
   Watcher watcher(arguments, television);
   summary.ending = RunService({FindService(arguments.service), television.Get().GetDirectory()},
                               [&](const std::string& line) { watcher.OnLine(line); });
   summary.report = watcher.Report();
   summary.delayAfterMs = television.DelayMs();
-  summary.misalignmentAfterMs = television.MisalignmentMs();
+  summary.misalignmentAfterMs = television.MisalignmentMs(summary.delayAfterMs);
   summary.events = EventsSince(television.EventFile(), eventsBefore);
   if (const std::string problem = summary.ending.Problem(); !problem.empty()) {
     std::fprintf(stderr, "orvex-tv: %s\n", problem.c_str());
   }
   std::fputs((arguments.json ? SummaryJson(summary) : SummaryText(summary)).c_str(), stdout);
-  return summary.Done() ? kExitGood : kExitFailed;
+  return IsGood(VerdictOf(summary)) ? kExitGood : kExitFailed;
 }
 
 }  // namespace

@@ -5,6 +5,8 @@
 
 #include <json/writer.h>
 
+#include "tv/verdict.h"
+
 namespace orvex::tools {
 namespace {
 
@@ -35,12 +37,9 @@ std::string Line(const char* name, const std::string& value) {
 
 }  // namespace
 
-bool RunSummary::Done() const {
-  return report.terminate == "done" && ending.exitCode == 0;
-}
-
 std::string SummaryJson(const RunSummary& summary) {
   Json::Value json(Json::objectValue);
+  json["verdict"] = NameOf(VerdictOf(summary));
   json["terminate"] = summary.report.terminate;
   json["result"] = summary.report.result;
   json["base_ms"] = OrNull(summary.report.baseMs);
@@ -74,6 +73,7 @@ std::string SummaryText(const RunSummary& summary) {
                                         Number("%+.1f ms", summary.misalignmentAfterMs) + " after");
   text += Line("ended", report.terminate + " (" + report.result + ") after " +
                             Number("%.2f s", static_cast<double>(summary.ending.duration.count()) / 1000.0));
+  text += Line("verdict", VerdictInWords(summary));
   return text;
 }
 

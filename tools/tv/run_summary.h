@@ -19,9 +19,6 @@ struct RunSummary {
   std::optional<double> misalignmentAfterMs;
   std::optional<std::int64_t> delayAfterMs;  // in force when the run had ended
   std::vector<Json::Value> events;
-
-  // The delay was corrected and the service ended in order.
-  bool Done() const;
 };
 
 // One object with a line end; what is not known is null.

@@ -92,8 +92,7 @@ std::optional<std::int64_t> RunTelevision::DelayMs() const {
   }
 }
 
-std::optional<double> RunTelevision::MisalignmentMs() const {
-  const std::optional<std::int64_t> delayMs = DelayMs();
+std::optional<double> RunTelevision::MisalignmentMs(std::optional<std::int64_t> delayMs) const {
   return delayMs ? std::optional<double>(sim::MisalignmentMs(m_Room, static_cast<double>(*delayMs))) : std::nullopt;
 }
 

@@ -32,8 +32,8 @@ public:
   std::string EventFile() const { return m_Television.PathOf("events.jsonl").string(); }
   // The optical output's delay in force; empty when it cannot be read.
   std::optional<std::int64_t> DelayMs() const;
-  // True difference between optical output and speaker with the delay in force; empty when that cannot be read.
-  std::optional<double> MisalignmentMs() const;
+  // True difference between optical output and speaker with that delay in force; empty when the delay is unknown.
+  std::optional<double> MisalignmentMs(std::optional<std::int64_t> delayMs) const;
 
 private:
   void Prepare(const TelevisionOptions& options);

@@ -142,6 +142,7 @@ TEST_F(CommandLine, PrintsOneObjectOfARunWithTheRecordsOfThisRunOnly) {
   Json::Value json;
   const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
   ASSERT_TRUE(reader->parse(run.out.data(), run.out.data() + run.out.size(), &json, nullptr)) << run.out;
+  EXPECT_EQ("aligned", json["verdict"].asString());
   EXPECT_EQ("done", json["terminate"].asString());
   EXPECT_DOUBLE_EQ(40.0, json["misalignment_before_ms"].asDouble());
   EXPECT_DOUBLE_EQ(0.0, json["misalignment_after_ms"].asDouble());
@@ -162,6 +163,24 @@ TEST_F(CommandLine, FailsWhenTheRunDoesNotEndDoneOrInOrder) {
   EXPECT_EQ(1, missing.exitCode);
   EXPECT_THAT(missing.error, HasSubstr("/nonexistent/service cannot be started"));
   EXPECT_THAT(missing.out, HasSubstr("\"exit_code\" : null"));
+}
+
+TEST_F(CommandLine, FailsWhenARunHasNotDoneWhatItSaysOrHasMadeThingsWorse) {
+  const auto run = [&](const std::string& room, const std::string& lines) {
+    const std::string service = Service("echo 'A.cpp: f(1) > after delay = 0'\n" + lines);
+    return Call({"run", "--optical-latency", room.c_str(), "--service", service.c_str()});
+  };
+  const std::string write = "echo 0 >$ORVEX_TV/delay/spdif\n";
+  const Outcome notApplied = run("20", "");
+  EXPECT_EQ(1, notApplied.exitCode);
+  EXPECT_THAT(notApplied.out, AllOf(HasSubstr("delay not applied: 0 ms wanted, 100 ms in force\n"),
+                                    HasSubstr("not_applied: 0 ms wanted, 100 ms in force; +40.0 ms remain\n")));
+  const Outcome worse = run("20", write);
+  EXPECT_EQ(1, worse.exitCode);
+  EXPECT_THAT(worse.out, HasSubstr("worse: there were +40.0 ms before; -60.0 ms remain\n"));
+  const Outcome clamped = run("150", write);
+  EXPECT_EQ(0, clamped.exitCode);
+  EXPECT_THAT(clamped.out, HasSubstr("clamped: the delay is 0 and cannot become less; +70.0 ms remain\n"));
 }
 
 TEST_F(CommandLine, ShowsTheRunAndOnRequestTheLog) {

@@ -73,6 +73,12 @@ TEST(LogFollower, GivesAnOpticalOutputThatIsEarlyItsSign) {
   EXPECT_THAT(run.report.differenceS, Optional(-5 * 768 / 46545.0));
 }
 
+TEST(LogFollower, SaysWhyARunEnds) {
+  EXPECT_THAT(Follow({"no_diff_detected!!\n", "fail to play wave", "fail bt recoding", "by abnormal input"}).news,
+              ElementsAre("no pair of tones with a difference was heard", "the test sound cannot be played",
+                          "the remote's microphone cannot be started", "too much noise in the tones"));
+}
+
 TEST(LogFollower, SaysWhatIsInForceRatherThanWhatWasWritten) {
   EXPECT_THAT(Follow({"after delay = 67"}, 67).news, ElementsAre("delay in force: 67 ms"));
   EXPECT_THAT(Follow({"after delay = 67"}, 100).news, ElementsAre("delay not applied: 67 ms wanted, 100 ms in force"));

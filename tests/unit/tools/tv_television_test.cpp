@@ -131,11 +131,11 @@ TEST(RunTelevision, KnowsTheTruthForTheDelayInForce) {
   TelevisionOptions options = Options("--tv-latency 30 --optical-latency 50");
   options.baseDelayMs = 100;
   const RunTelevision television(options);
-  EXPECT_THAT(television.MisalignmentMs(), Optional(DoubleEq(120.0)));
+  EXPECT_THAT(television.MisalignmentMs(television.DelayMs()), Optional(DoubleEq(120.0)));
   television.Get().Set("delay/spdif", "0");
-  EXPECT_THAT(television.MisalignmentMs(), Optional(DoubleEq(20.0)));
+  EXPECT_THAT(television.MisalignmentMs(television.DelayMs()), Optional(DoubleEq(20.0)));
   std::filesystem::remove(television.Get().PathOf("delay/spdif"));
-  EXPECT_EQ(std::nullopt, television.MisalignmentMs());
+  EXPECT_EQ(std::nullopt, television.MisalignmentMs(television.DelayMs()));
 }
 
 }  // namespace
