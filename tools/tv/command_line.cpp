@@ -30,7 +30,7 @@ int RunCommandLine(int argc, const char* const* argv) {
   CLI::App app(
       "A virtual television: run the calibration service on it, read and change its values, send messages.\n"
       "Exit code: 0 done, 1 it could not be done or the calibration did not succeed, 2 wrong usage or bad "
-      "input.");
+      "input, 128 plus the number of the signal that interrupted a run.");
   NameInMessages(app, "orvex-tv");
   app.require_subcommand(1);
   int exitCode = kExitGood;

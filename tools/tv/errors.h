@@ -8,6 +8,7 @@ namespace orvex::tools {
 constexpr int kExitGood = 0;
 constexpr int kExitFailed = 1;
 constexpr int kExitUsage = 2;
+constexpr int kExitSignal = 128;  // plus the number of the signal
 
 // Wrong usage or bad input: exit code 2.
 class UsageError : public std::runtime_error {

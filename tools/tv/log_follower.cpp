@@ -204,6 +204,8 @@ LogFollower::News LogFollower::OnDumpFiles(const std::string& rest) {
   }
   m_Report.dumpFile = rest.substr(1, between - 1);
   m_Report.resultFile = rest.substr(between + 2, end - between - 2);
+  m_Report.debugFiles.push_back(m_Report.dumpFile);
+  m_Report.debugFiles.push_back(m_Report.resultFile);
   return "recording";
 }
 

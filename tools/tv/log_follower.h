@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace orvex::tools {
 
@@ -16,8 +17,9 @@ struct RunReport {
   std::optional<double> differenceS;      // arrival of 19 kHz minus that of 17 kHz; never 0
   std::string terminate = "etc";          // how the run ended, in the service's words
   std::string result = "fail";            // "pass" or "fail"
-  std::string dumpFile;
+  std::string dumpFile;                   // of the latest recording
   std::string resultFile;
+  std::vector<std::string> debugFiles = {};  // both, of every recording
 };
 
 // RunReport::terminate of a run that searched to its end.

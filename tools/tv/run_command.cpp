@@ -1,4 +1,6 @@
 // orvex-tv run: one calibration on a virtual television.
+#include <string.h>
+
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -7,14 +9,17 @@
 #include <limits>
 #include <memory>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "options/whole_number.h"
 #include "tv/commands.h"
 #include "tv/errors.h"
 #include "tv/event_records.h"
+#include "tv/run_signals.h"
 #include "tv/run_summary.h"
 #include "tv/run_television.h"
+#include "tv/standard_output.h"
 #include "tv/verdict.h"
 
 namespace orvex::tools {
@@ -39,28 +44,40 @@ std::filesystem::path FindService(const std::string& given) {
   return std::filesystem::read_symlink("/proc/self/exe").parent_path() / "orvex-service";
 }
 
+void PrintProblem(const std::string& problem) {
+  std::fprintf(stderr, "orvex-tv: %s\n", problem.c_str());
+}
+
 // Shows what happens while it happens.
 class Watcher {
 public:
-  Watcher(const RunArguments& arguments, const RunTelevision& television)
-      : m_Arguments(arguments), m_Follower([&television] { return television.DelayMs(); }) {}
+  Watcher(const RunArguments& arguments, const RunTelevision& television, StandardOutput& out)
+      : m_Arguments(arguments), m_Out(out), m_Follower([&television] { return television.DelayMs(); }) {}
 
-  void OnLine(const std::string& line) {
+  // False: nobody sees it any more.
+  bool OnLine(const std::string& line) {
     if (m_Arguments.verbose) {
       std::fprintf(stderr, "%s\n", line.c_str());
     }
     const auto news = m_Follower.Follow(line);
     if (news && !m_Arguments.json) {
-      const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - m_Start;
-      std::printf("%8.2f s  %s\n", elapsed.count(), news->c_str());
-      std::fflush(stdout);
+      m_Out.Write(TimeStamp() + *news + "\n");
     }
+    return !m_Out.HasFailed();
   }
 
   const RunReport& Report() const { return m_Follower.GetReport(); }
 
 private:
+  std::string TimeStamp() const {
+    const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - m_Start;
+    char text[40];
+    std::snprintf(text, sizeof text, "%8.2f s  ", elapsed.count());
+    return text;
+  }
+
   const RunArguments& m_Arguments;
+  StandardOutput& m_Out;
   LogFollower m_Follower;
   std::chrono::steady_clock::time_point m_Start = std::chrono::steady_clock::now();
 };
@@ -72,23 +89,61 @@ std::vector<Json::Value> EventsSince(const std::string& file, std::size_t countB
   return records;
 }
 
-int Run(const RunArguments& arguments) {
+RunSummary Calibrate(const RunArguments& arguments, RunSignals& signals, StandardOutput& out) {
   const RunTelevision television(arguments.television);
   const std::size_t eventsBefore = ReadEventRecords(television.EventFile()).records.size();
   RunSummary summary;
   summary.misalignmentBeforeMs = television.MisalignmentMs(television.DelayMs());
-  Watcher watcher(arguments, television);
-  summary.ending = RunService({FindService(arguments.service), television.Get().GetDirectory()},
-                              [&](const std::string& line) { watcher.OnLine(line); });
+  Watcher watcher(arguments, television, out);
+  summary.ending = RunService({FindService(arguments.service), television.Get().GetDirectory()}, signals,
+                              [&](const std::string& line) { return watcher.OnLine(line); });
   summary.report = watcher.Report();
   summary.delayAfterMs = television.DelayMs();
   summary.misalignmentAfterMs = television.MisalignmentMs(summary.delayAfterMs);
   summary.events = EventsSince(television.EventFile(), eventsBefore);
-  if (const std::string problem = summary.ending.Problem(); !problem.empty()) {
-    std::fprintf(stderr, "orvex-tv: %s\n", problem.c_str());
+  return summary;
+}
+
+// What the service has left of its recordings.
+void RemoveDebugFiles(RunReport& report) {
+  for (const std::string& file : report.debugFiles) {
+    std::error_code ignored;
+    std::filesystem::remove(file, ignored);
   }
-  std::fputs((arguments.json ? SummaryJson(summary) : SummaryText(summary)).c_str(), stdout);
+  report.debugFiles.clear();
+  report.dumpFile.clear();
+  report.resultFile.clear();
+}
+
+int ExitCodeOf(const RunSummary& summary, int interruption, const StandardOutput& out) {
+  if (interruption != 0) {
+    PrintProblem("interrupted by signal " + std::to_string(interruption) + " (" + ::strsignal(interruption) + ")");
+    return kExitSignal + interruption;
+  }
+  if (out.HasFailed()) {
+    PrintProblem(out.Problem());
+    return kExitFailed;
+  }
   return IsGood(VerdictOf(summary)) ? kExitGood : kExitFailed;
+}
+
+// A run that is interrupted, or of which nobody reads the output to its end, leaves nothing behind.
+int Run(const RunArguments& arguments) {
+  RunSignals signals;
+  StandardOutput out;
+  RunSummary summary = Calibrate(arguments, signals, out);
+  if (signals.Interruption() != 0 || out.HasFailed()) {
+    RemoveDebugFiles(summary.report);
+  }
+  if (const std::string problem = summary.ending.Problem(); !problem.empty()) {
+    PrintProblem(problem);
+  }
+  out.Write(arguments.json ? SummaryJson(summary) : SummaryText(summary));
+  const int interruption = signals.Interruption();
+  if (interruption != 0 || out.HasFailed()) {
+    RemoveDebugFiles(summary.report);
+  }
+  return ExitCodeOf(summary, interruption, out);
 }
 
 }  // namespace

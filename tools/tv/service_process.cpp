@@ -5,7 +5,6 @@
 #include <poll.h>
 #include <signal.h>
 #include <sys/prctl.h>
-#include <sys/signalfd.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -16,6 +15,7 @@
 #include <system_error>
 #include <vector>
 
+#include "tv/errors.h"
 #include "tv/file_descriptor.h"
 
 namespace orvex::tools {
@@ -24,7 +24,6 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr std::size_t kLongestLine = 1u << 20;
-constexpr int kSignalBase = 128;
 
 struct Pipe {
   Pipe() {
@@ -37,35 +36,6 @@ struct Pipe {
   }
   FileDescriptor read;
   FileDescriptor write;
-};
-
-// The signals that this module waits for are blocked while it lives; the child gets the mask of before.
-class WatchedSignals {
-public:
-  WatchedSignals() {
-    sigset_t watched;
-    sigemptyset(&watched);
-    for (const int number : {SIGINT, SIGTERM, SIGCHLD}) {
-      sigaddset(&watched, number);
-    }
-    ::pthread_sigmask(SIG_BLOCK, &watched, &m_Before);
-    m_Fd.Reset(::signalfd(-1, &watched, SFD_CLOEXEC | SFD_NONBLOCK));
-  }
-  ~WatchedSignals() { ::pthread_sigmask(SIG_SETMASK, &m_Before, nullptr); }
-  WatchedSignals(const WatchedSignals&) = delete;
-  WatchedSignals& operator=(const WatchedSignals&) = delete;
-
-  int Fd() const { return m_Fd.Get(); }
-  const sigset_t& Before() const { return m_Before; }
-  // 0: none is pending.
-  int Next() const {
-    signalfd_siginfo info{};
-    return ::read(m_Fd.Get(), &info, sizeof info) == sizeof info ? static_cast<int>(info.ssi_signo) : 0;
-  }
-
-private:
-  FileDescriptor m_Fd;
-  sigset_t m_Before{};
 };
 
 // Hands bytes on as lines; the last one may lack its end.
@@ -84,7 +54,7 @@ public:
     }
   }
   void Flush() {
-    m_OnLine(m_Line);
+    m_IsEndWanted = !m_OnLine(m_Line) || m_IsEndWanted;
     m_Line.clear();
   }
   void Finish() {
@@ -92,10 +62,13 @@ public:
       Flush();
     }
   }
+  // Whether the receiver has asked for the service's end.
+  bool IsEndWanted() const { return m_IsEndWanted; }
 
 private:
   const LineReceiver& m_OnLine;
   std::string m_Line;
+  bool m_IsEndWanted = false;
 };
 
 std::vector<std::string> EnvironmentFor(const std::filesystem::path& television) {
@@ -122,20 +95,18 @@ std::vector<char*> Pointers(std::vector<std::string>& texts) {
 
 class Service {
 public:
-  Service(const ServiceCommand& command, const LineReceiver& onLine) : m_Command(command), m_Lines(onLine) {}
+  Service(const ServiceCommand& command, RunSignals& signals, const LineReceiver& onLine)
+      : m_Command(command), m_Signals(signals), m_Lines(onLine) {}
 
   ServiceEnding Run() {
     const Clock::time_point start = Clock::now();
     m_Deadline = start + m_Command.limit;
-    if (Start()) {
+    if (m_Signals.Interruption() == 0 && Start()) {
       while (!m_Ending.exitCode) {
         WaitOnce();
       }
       TakeOutput();
       m_Lines.Finish();
-    }
-    while (m_Signals.Next() != 0) {
-      // Came too late for the service; the caller still has to clean up.
     }
     m_Ending.duration = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start);
     return m_Ending;
@@ -172,7 +143,7 @@ private:
   [[noreturn]] void Become(pid_t parent, char* const* arguments, char* const* environment, int failureFd) const {
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (::getppid() != parent) {
-      ::_exit(kSignalBase + SIGKILL);
+      ::_exit(kExitSignal + SIGKILL);
     }
     // A group of its own: a terminal's interrupt reaches it once, through us.
     ::setpgid(0, 0);
@@ -180,11 +151,11 @@ private:
     ::dup2(nothing, STDIN_FILENO);
     ::dup2(m_Output.write.Get(), STDOUT_FILENO);
     ::dup2(m_Output.write.Get(), STDERR_FILENO);
-    ::sigprocmask(SIG_SETMASK, &m_Signals.Before(), nullptr);
+    ::sigprocmask(SIG_SETMASK, &m_Signals.MaskBefore(), nullptr);
     ::execve(arguments[0], arguments, environment);
     const int reason = errno;
     [[maybe_unused]] const ssize_t written = ::write(failureFd, &reason, sizeof reason);
-    ::_exit(kSignalBase - 1);
+    ::_exit(kExitSignal - 1);
   }
 
   void WaitOnce() {
@@ -197,19 +168,30 @@ private:
     const int timeoutMs = m_Ending.limitReached ? -1 : static_cast<int>(std::max<std::int64_t>(left.count(), 0));
     ::poll(sources.data(), sources.size(), timeoutMs);
     TakeOutput();
+    if (m_Lines.IsEndWanted() && !m_IsToldToEnd) {
+      TellToEnd();
+    }
     while (const int number = m_Signals.Next()) {
       OnSignal(number);
     }
   }
 
+  // By SIGTERM, whatever has come: the service ends in order then.
+  void TellToEnd() {
+    m_IsToldToEnd = true;
+    if (!m_Ending.exitCode) {
+      ::kill(m_Process, SIGTERM);
+    }
+  }
+
   void OnSignal(int number) {
     if (number != SIGCHLD) {
-      ::kill(m_Process, number);
+      TellToEnd();
       return;
     }
     int status = 0;
     if (::waitpid(m_Process, &status, WNOHANG) == m_Process) {
-      m_Ending.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : kSignalBase + WTERMSIG(status);
+      m_Ending.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : kExitSignal + WTERMSIG(status);
     }
   }
 
@@ -225,9 +207,10 @@ private:
   }
 
   const ServiceCommand& m_Command;
+  RunSignals& m_Signals;
   LineSplitter m_Lines;
-  WatchedSignals m_Signals;
   Pipe m_Output;
+  bool m_IsToldToEnd = false;
   pid_t m_Process = -1;
   Clock::time_point m_Deadline;
   ServiceEnding m_Ending;
@@ -242,15 +225,15 @@ std::string ServiceEnding::Problem() const {
   if (limitReached) {
     return "the service did not end within " + std::to_string(duration.count()) + " ms and was killed";
   }
-  if (exitCode.value_or(0) > kSignalBase) {
-    const int number = *exitCode - kSignalBase;
+  if (exitCode.value_or(0) > kExitSignal) {
+    const int number = *exitCode - kExitSignal;
     return "the service was ended by signal " + std::to_string(number) + " (" + ::strsignal(number) + ")";
   }
   return exitCode.value_or(0) == 0 ? "" : "the service ended with exit code " + std::to_string(*exitCode);
 }
 
-ServiceEnding RunService(const ServiceCommand& command, const LineReceiver& onLine) {
-  return Service(command, onLine).Run();
+ServiceEnding RunService(const ServiceCommand& command, RunSignals& signals, const LineReceiver& onLine) {
+  return Service(command, signals, onLine).Run();
 }
 
 }  // namespace orvex::tools

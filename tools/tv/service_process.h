@@ -7,6 +7,8 @@
 #include <optional>
 #include <string>
 
+#include "tv/run_signals.h"
+
 namespace orvex::tools {
 
 struct ServiceCommand {
@@ -25,10 +27,11 @@ struct ServiceEnding {
   std::string Problem() const;
 };
 
-using LineReceiver = std::function<void(const std::string& line)>;
+// False: the service is to end. Lines come until it has.
+using LineReceiver = std::function<bool(const std::string& line)>;
 
-// Starts the service and returns when it has ended. Its stdout and stderr come line by line; SIGINT and SIGTERM to this
-// process are passed on to it, and it is killed when this process dies. Call from a program of one thread.
-ServiceEnding RunService(const ServiceCommand& command, const LineReceiver& onLine);
+// Starts the service and returns when it has ended. Its stdout and stderr come line by line. A signal that asks this
+// process to end ends the service in order, or keeps it from being started; it is killed when this process dies.
+ServiceEnding RunService(const ServiceCommand& command, RunSignals& signals, const LineReceiver& onLine);
 
 }  // namespace orvex::tools

@@ -1,4 +1,9 @@
 // orvex-tv as it is called: what it prints and its exit codes.
+#include <fcntl.h>
+#include <signal.h>
+#include <stdlib.h>
+#include <unistd.h>
+
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -16,6 +21,7 @@ namespace {
 
 using testing::AllOf;
 using testing::HasSubstr;
+using testing::Not;
 
 struct Outcome {
   int exitCode;
@@ -190,6 +196,100 @@ TEST_F(CommandLine, ShowsTheRunAndOnRequestTheLog) {
   EXPECT_EQ("", quiet.error);
   const Outcome verbose = Call({"run", "--verbose", "--service", service.c_str()});
   EXPECT_EQ("A.cpp: f(1) > completed ambient noise\n", verbose.error);
+}
+
+// A run with its temporary television in a folder of its own, and with a service that leaves debug files.
+class InterruptedRun : public CommandLine {
+protected:
+  void SetUp() override {
+    std::filesystem::create_directory(m_Temporary);
+    ::setenv("TMPDIR", m_Temporary.c_str(), 1);
+    m_Folder.Write("dump", "sound");
+    m_Folder.Write("result.csv", "1");
+  }
+  void TearDown() override { ::unsetenv("TMPDIR"); }
+
+  // Ends in order when it is told to.
+  std::string ServiceWithDebugFiles(const std::string& lines) const {
+    return Service("trap 'exit 0' TERM\necho 'A.cpp: f(1) > Temp file name=[" + m_Folder / "dump" + "][" +
+                   m_Folder / "result.csv" + "]'\n" + lines);
+  }
+  bool HasDebugFiles() const {
+    return std::filesystem::exists(m_Folder / "dump") || std::filesystem::exists(m_Folder / "result.csv");
+  }
+  bool HasTelevision() const { return !std::filesystem::is_empty(m_Temporary); }
+
+  const std::string m_Temporary = m_Folder / "tmp";
+};
+
+TEST_F(InterruptedRun, LeavesNothingAndSaysWhichSignalItWas) {
+  ::signal(SIGHUP, SIG_DFL);
+  for (const int number : {SIGHUP, SIGINT, SIGQUIT, SIGTERM}) {
+    SetUp();
+    const std::string service =
+        ServiceWithDebugFiles("kill -" + std::to_string(number) + " $PPID\nwhile :; do sleep 0.01; done\n");
+    const Outcome run = Call({"run", "--json", "--service", service.c_str()});
+    EXPECT_EQ(128 + number, run.exitCode);
+    EXPECT_THAT(run.error, HasSubstr("orvex-tv: interrupted by signal " + std::to_string(number) + " ("));
+    EXPECT_THAT(run.out, AllOf(HasSubstr("\"verdict\" : \"failed\""), HasSubstr("\"dump_file\" : null")));
+    EXPECT_FALSE(HasDebugFiles());
+    EXPECT_FALSE(HasTelevision());
+  }
+}
+
+TEST_F(InterruptedRun, DoesNotBeginWhenTheSignalCameBefore) {
+  sigset_t held;
+  sigset_t before;
+  sigemptyset(&held);
+  sigaddset(&held, SIGTERM);
+  ::pthread_sigmask(SIG_BLOCK, &held, &before);
+  ::raise(SIGTERM);
+  const std::string service = Service("echo 'A.cpp: f(1) > ORVEX_START_SYNC'\n");
+  const Outcome run = Call({"run", "--service", service.c_str()});
+  ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
+  EXPECT_EQ(128 + SIGTERM, run.exitCode);
+  EXPECT_THAT(run.out, Not(HasSubstr("run started")));
+  EXPECT_FALSE(HasTelevision());
+}
+
+TEST_F(InterruptedRun, KeepsTheDebugFilesOfARunThatIsNot) {
+  const std::string service = ServiceWithDebugFiles("");
+  EXPECT_EQ(1, Call({"run", "--service", service.c_str()}).exitCode);
+  EXPECT_TRUE(HasDebugFiles());
+  EXPECT_FALSE(HasTelevision());
+}
+
+// Leads standard output to `fd` while it lives.
+class LedOutput {
+public:
+  explicit LedOutput(int fd) : m_Before(::dup(STDOUT_FILENO)) { ::dup2(fd, STDOUT_FILENO); }
+  ~LedOutput() {
+    ::dup2(m_Before, STDOUT_FILENO);
+    ::close(m_Before);
+  }
+  LedOutput(const LedOutput&) = delete;
+  LedOutput& operator=(const LedOutput&) = delete;
+
+private:
+  int m_Before;
+};
+
+TEST_F(InterruptedRun, EndsInOrderWhenItsOutputCannotBeWritten) {
+  const std::string service = ServiceWithDebugFiles("while :; do sleep 0.01; done\n");
+  const int full = ::open("/dev/full", O_WRONLY | O_CLOEXEC);
+  testing::internal::CaptureStderr();
+  int exitCode = 0;
+  {
+    const LedOutput output(full);
+    const char* const arguments[] = {"orvex-tv", "run", "--service", service.c_str()};
+    exitCode = RunCommandLine(4, arguments);
+  }
+  ::close(full);
+  EXPECT_EQ(1, exitCode);
+  EXPECT_EQ("orvex-tv: standard output cannot be written: No space left on device\n",
+            testing::internal::GetCapturedStderr());
+  EXPECT_FALSE(HasDebugFiles());
+  EXPECT_FALSE(HasTelevision());
 }
 
 }  // namespace

@@ -67,6 +67,16 @@ TEST(LogFollower, TellsAGoodRunFromItsFirstLineToItsEndRecord) {
                           "second tone: optical output +82.5 ms against the speaker", "delay in force: 18 ms"));
 }
 
+TEST(LogFollower, KnowsTheFilesOfEveryRecording) {
+  const RunReport report = Follow({"Temp file name=[/tmp/audio_dump_7_1][/tmp/audio_result_7_1.csv]",
+                                   "Temp file name=[/tmp/audio_dump_7_2][/tmp/audio_result_7_2.csv]"})
+                               .report;
+  EXPECT_EQ("/tmp/audio_dump_7_2", report.dumpFile);
+  EXPECT_EQ("/tmp/audio_result_7_2.csv", report.resultFile);
+  EXPECT_THAT(report.debugFiles, ElementsAre("/tmp/audio_dump_7_1", "/tmp/audio_result_7_1.csv", "/tmp/audio_dump_7_2",
+                                             "/tmp/audio_result_7_2.csv"));
+}
+
 TEST(LogFollower, GivesAnOpticalOutputThatIsEarlyItsSign) {
   const Followed run = Follow({"@ g_first index (reverse)\n", "(ruvo)   ====> @ [RESULT] [105] - [100] : -0.0825 s\n",
                                "diff time = -0.0825\n"});

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
@@ -28,6 +29,8 @@ using testing::Optional;
 // Far longer than any of the scripts takes.
 constexpr std::chrono::seconds kPatience{60};
 
+const LineReceiver kGoOn = [](const std::string&) { return true; };
+
 class Script {
 public:
   explicit Script(const std::string& text) : m_Path(m_Folder.Write("service", "#!/bin/sh\n" + text)) {
@@ -35,7 +38,11 @@ public:
   }
   ServiceCommand Command(std::chrono::milliseconds limit = kPatience) const { return {m_Path, "/a/television", limit}; }
   ServiceEnding Run(std::vector<std::string>& lines) const {
-    return RunService(Command(), [&](const std::string& line) { lines.push_back(line); });
+    RunSignals signals;
+    return RunService(Command(), signals, [&](const std::string& line) {
+      lines.push_back(line);
+      return true;
+    });
   }
 
 private:
@@ -61,7 +68,8 @@ TEST(RunService, NamesTheTelevisionAndKeepsTheRestOfTheEnvironment) {
 }
 
 TEST(RunService, SaysWhyAServiceCannotBeStarted) {
-  const ServiceEnding ending = RunService({"/nonexistent/service", "/tmp"}, [](const std::string&) {});
+  RunSignals signals;
+  const ServiceEnding ending = RunService({"/nonexistent/service", "/tmp"}, signals, kGoOn);
   EXPECT_EQ("/nonexistent/service cannot be started: No such file or directory", ending.startError);
   EXPECT_EQ(std::nullopt, ending.exitCode);
 }
@@ -73,25 +81,101 @@ TEST(RunService, TellsASignalFromAnExitCode) {
 
 TEST(RunService, KillsAServiceThatDoesNotEnd) {
   const Script script("exec sleep 1000\n");
-  const ServiceEnding ending = RunService(script.Command(std::chrono::milliseconds(20)), [](const std::string&) {});
+  RunSignals signals;
+  const ServiceEnding ending = RunService(script.Command(std::chrono::milliseconds(20)), signals, kGoOn);
   EXPECT_TRUE(ending.limitReached);
   EXPECT_THAT(ending.exitCode, Optional(128 + SIGKILL));
   EXPECT_THAT(ending.Problem(), HasSubstr("did not end within"));
 }
 
-TEST(RunService, PassesTerminationSignalsOn) {
-  const Script script("trap 'echo told; exit 7' TERM INT\necho ready\nwhile :; do sleep 0.01; done\n");
-  for (const int number : {SIGTERM, SIGINT}) {
+TEST(RunService, EndsTheServiceInOrderWhenASignalAsksForTheEnd) {
+  const Script script("trap 'echo told; exit 7' TERM\necho ready\nwhile :; do sleep 0.01; done\n");
+  ::signal(SIGHUP, SIG_DFL);
+  for (const int number : {SIGHUP, SIGINT, SIGQUIT, SIGTERM}) {
+    RunSignals signals;
     std::vector<std::string> lines;
-    const ServiceEnding ending = RunService(script.Command(), [&](const std::string& line) {
+    const ServiceEnding ending = RunService(script.Command(), signals, [&](const std::string& line) {
       lines.push_back(line);
       if (line == "ready") {
         ::kill(::getpid(), number);
       }
+      return true;
     });
     EXPECT_THAT(ending.exitCode, Optional(7));
     EXPECT_THAT(lines, ElementsAre("ready", "told"));
+    EXPECT_EQ(number, signals.Interruption());
   }
+}
+
+TEST(RunService, PassesASecondSignalOnAndRemembersTheFirst) {
+  const Script script(
+      "trap 'n=1$n; echo told $n; [ $n = 11 ] && exit 7' TERM\necho ready\nwhile :; do sleep 0.01; done\n");
+  RunSignals signals;
+  const ServiceEnding ending = RunService(script.Command(), signals, [&](const std::string& line) {
+    ::kill(::getpid(), line == "ready" ? SIGINT : SIGTERM);
+    return true;
+  });
+  EXPECT_THAT(ending.exitCode, Optional(7));
+  EXPECT_EQ(SIGINT, signals.Interruption());
+}
+
+TEST(RunService, EndsTheServiceInOrderWhenItsReceiverHasHadEnough) {
+  const Script script("trap 'echo told; exit 7' TERM\necho ready\nwhile :; do sleep 0.01; done\n");
+  RunSignals signals;
+  std::vector<std::string> lines;
+  const ServiceEnding ending = RunService(script.Command(), signals, [&](const std::string& line) {
+    lines.push_back(line);
+    return false;
+  });
+  EXPECT_THAT(ending.exitCode, Optional(7));
+  EXPECT_THAT(lines, ElementsAre("ready", "told"));
+  EXPECT_EQ(0, signals.Interruption());
+}
+
+TEST(RunService, StartsNothingWhenASignalHasComeBefore) {
+  RunSignals signals;
+  ::raise(SIGTERM);
+  const TemporaryFolder folder;
+  const Script script("echo >" + folder / "started");
+  const ServiceEnding ending = RunService(script.Command(), signals, kGoOn);
+  EXPECT_EQ(std::nullopt, ending.exitCode);
+  EXPECT_EQ("", ending.Problem());
+  EXPECT_EQ("", folder.Read("started"));
+  EXPECT_EQ(SIGTERM, signals.Interruption());
+}
+
+TEST(RunSignals, LeaveAnIgnoredHangupIgnored) {
+  ::signal(SIGHUP, SIG_IGN);
+  {
+    RunSignals signals;
+    ::raise(SIGHUP);
+    EXPECT_EQ(0, signals.Interruption());
+  }
+  ::signal(SIGHUP, SIG_DFL);
+}
+
+TEST(RunSignals, AreGoneWithTheObject) {
+  {
+    const RunSignals signals;
+    ::raise(SIGTERM);
+  }
+  sigset_t pending;
+  ::sigpending(&pending);
+  EXPECT_EQ(0, sigismember(&pending, SIGTERM));
+}
+
+TEST(RunSignals, LetAWriteToAClosedPipeFail) {
+  ::signal(SIGPIPE, SIG_DFL);
+  std::array<int, 2> pipe{};
+  ASSERT_EQ(0, ::pipe(pipe.data()));
+  ::close(pipe[0]);
+  {
+    RunSignals signals;
+    EXPECT_EQ(-1, ::write(pipe[1], "x", 1));
+    EXPECT_EQ(EPIPE, errno);
+    EXPECT_EQ(0, signals.Interruption());
+  }
+  ::close(pipe[1]);
 }
 
 TEST(RunService, DoesNotWaitForWhatTheServiceLeavesBehind) {
@@ -107,9 +191,10 @@ TEST(RunService, NeverOutlivesItsParent) {
   ASSERT_EQ(0, ::pipe(pipe.data()));
   const pid_t parent = ::fork();
   if (parent == 0) {
-    RunService(script.Command(), [&](const std::string& line) {
+    RunSignals signals;
+    RunService(script.Command(), signals, [&](const std::string& line) {
       const pid_t service = std::stoi(line);
-      [[maybe_unused]] const ssize_t count = ::write(pipe[1], &service, sizeof service);
+      return ::write(pipe[1], &service, sizeof service) == sizeof service;
     });
     ::_exit(0);
   }
