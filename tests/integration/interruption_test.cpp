@@ -157,8 +157,8 @@ TEST(Interruption, LeavesNothingAndEndsTheServiceInOrder) {
       {"playing the test sound", SIGQUIT, "exit code 131", "orvex-tv: interrupted by signal 3 ("},
       {"playing the test sound", SIGTERM, "exit code 143", "orvex-tv: interrupted by signal 15 ("},
       {"delay in force", SIGTERM, "exit code 143", "orvex-tv: interrupted by signal 15 ("},
-      {"run started", 0, "exit code 1", "orvex-tv: standard output cannot be written: Broken pipe"},
-      {"playing the test sound", 0, "exit code 1", "orvex-tv: standard output cannot be written: Broken pipe"},
+      {"run started", 0, "exit code 1", "orvex-tv: standard output: cannot be written: Broken pipe"},
+      {"playing the test sound", 0, "exit code 1", "orvex-tv: standard output: cannot be written: Broken pipe"},
   };
   InParallel(std::size(moments), [&](std::size_t n) { Interrupt(moments[n]); });
 }
@@ -181,7 +181,7 @@ TEST(Interruption, AFullDeviceEndsTheRun) {
   TemporaryRun run;
   run.Start("/dev/full");
   EXPECT_EQ("exit code 1", run.WaitForEnd());
-  EXPECT_THAT(run.ReadErrors(), HasSubstr("orvex-tv: standard output cannot be written: No space left on device"));
+  EXPECT_THAT(run.ReadErrors(), HasSubstr("orvex-tv: standard output: cannot be written: No space left on device"));
   ExpectServiceEndedInOrder(run);
   ExpectNothingLeft(run);
 }

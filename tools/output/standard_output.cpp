@@ -40,7 +40,28 @@ bool FlushStandardOutput() {
   return std::cout.flush().good() && std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
 }
 
+// `error`: 0 when the cause is not known any more.
+std::string ProblemText(int error) {
+  return std::string("standard output: cannot be written") +
+         (error == 0 ? "" : std::string(": ") + std::strerror(error));
+}
+
 }  // namespace
+
+void StandardOutput::Write(const std::string& text) {
+  for (std::size_t written = 0; written < text.size() && !HasFailed();) {
+    const ssize_t count = ::write(STDOUT_FILENO, text.data() + written, text.size() - written);
+    if (count >= 0) {
+      written += static_cast<std::size_t>(count);
+    } else if (errno != EINTR) {
+      m_Error = errno;
+    }
+  }
+}
+
+std::string StandardOutput::Problem() const {
+  return HasFailed() ? ProblemText(m_Error) : "";
+}
 
 int RunWithStandardOutput(const char* program, int failureCode, const std::function<int()>& work) {
   SurviveClosedPipes();
@@ -49,8 +70,7 @@ int RunWithStandardOutput(const char* program, int failureCode, const std::funct
   if (FlushStandardOutput()) {
     return exitCode;
   }
-  const std::string cause = errno == 0 ? "" : std::string(": ") + std::strerror(errno);
-  std::fprintf(stderr, "%s: standard output: cannot be written%s\n", program, cause.c_str());
+  std::fprintf(stderr, "%s: %s\n", program, ProblemText(errno).c_str());
   return std::max(exitCode, failureCode);
 }
 

@@ -2,8 +2,21 @@
 #pragma once
 
 #include <functional>
+#include <string>
 
 namespace orvex::tools {
+
+// For a tool that has to know at once whether anybody gets what it says. After a failure nothing more is written.
+class StandardOutput {
+public:
+  void Write(const std::string& text);
+  bool HasFailed() const { return m_Error != 0; }
+  // "standard output: cannot be written: No space left on device"; empty when nothing has failed.
+  std::string Problem() const;
+
+private:
+  int m_Error = 0;  // errno
+};
 
 // Does `work`, which answers the exit code, and answers that. When standard output could not take everything, a line on
 // stderr says so and the exit code is at least `failureCode`.

@@ -13,8 +13,8 @@
 #include <sstream>
 
 #include <json/reader.h>
-#include <boost/locale/utf.hpp>
 
+#include "television_text.h"
 #include "tv/errors.h"
 #include "tv/file_descriptor.h"
 
@@ -36,33 +36,9 @@ std::string ParseRecord(const std::string& line, Json::Value& record) {
   return record.isObject() ? "" : "no JSON object";
 }
 
-// DEL and the C1 controls, too: a terminal obeys them.
-bool IsControl(boost::locale::utf::code_point point) {
-  return point < 0x20 || (point >= 0x7F && point < 0xA0);
-}
-
-// The text with blanks in place of controls and question marks in place of bytes that are no UTF-8.
-std::string Printable(const std::string& text) {
-  namespace utf = boost::locale::utf;
-  std::string shown;
-  for (auto next = text.begin(); next != text.end();) {
-    const auto begin = next;
-    const utf::code_point point = utf::utf_traits<char>::decode(next, text.end());
-    if (point == utf::illegal || point == utf::incomplete) {
-      shown += '?';
-      next = begin + 1;
-    } else if (IsControl(point)) {
-      shown += ' ';
-    } else {
-      shown.append(begin, next);
-    }
-  }
-  return shown;
-}
-
 std::string Cell(const Json::Value& record, const char* column) {
   const Json::Value& value = record[column];
-  return value.isString() ? Printable(value.asString()) : "-";
+  return value.isString() ? host::Printable(value.asString()) : "-";
 }
 
 // Empty when there is none.

@@ -13,13 +13,13 @@
 #include <vector>
 
 #include "options/whole_number.h"
+#include "output/standard_output.h"
 #include "tv/commands.h"
 #include "tv/errors.h"
 #include "tv/event_records.h"
 #include "tv/run_signals.h"
 #include "tv/run_summary.h"
 #include "tv/run_television.h"
-#include "tv/standard_output.h"
 #include "tv/verdict.h"
 
 namespace orvex::tools {

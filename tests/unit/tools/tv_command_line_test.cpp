@@ -130,10 +130,12 @@ TEST_F(CommandLine, RefusesNumbersBelowZeroAndTooLargeOnes) {
     EXPECT_EQ(2, run.exitCode) << option << " " << value;
     return run.error;
   };
-  EXPECT_THAT(refusal("--seed", "-1"), HasSubstr("--seed: \"-1\": expected a whole number from 0 to 18446744073709551615"));
+  EXPECT_THAT(refusal("--seed", "-1"),
+              HasSubstr("--seed: \"-1\": expected a whole number from 0 to 18446744073709551615"));
   EXPECT_THAT(refusal("--base-delay", "-1"),
               HasSubstr("--base-delay: \"-1\": expected a whole number from 0 to 4294967295"));
-  EXPECT_THAT(refusal("--base-delay", "4294967296"), HasSubstr("--base-delay: \"4294967296\": expected a whole number"));
+  EXPECT_THAT(refusal("--base-delay", "4294967296"),
+              HasSubstr("--base-delay: \"4294967296\": expected a whole number"));
 }
 
 TEST_F(CommandLine, PrintsOneObjectOfARunWithTheRecordsOfThisRunOnly) {
@@ -286,7 +288,7 @@ TEST_F(InterruptedRun, EndsInOrderWhenItsOutputCannotBeWritten) {
   }
   ::close(full);
   EXPECT_EQ(1, exitCode);
-  EXPECT_EQ("orvex-tv: standard output cannot be written: No space left on device\n",
+  EXPECT_EQ("orvex-tv: standard output: cannot be written: No space left on device\n",
             testing::internal::GetCapturedStderr());
   EXPECT_FALSE(HasDebugFiles());
   EXPECT_FALSE(HasTelevision());
