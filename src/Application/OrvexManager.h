@@ -49,13 +49,18 @@ public:
   // The recorder first, then the player. May take as long as the remote takes to answer.
   void m_StopOrvex(int mask);
 
-  // The speaker volume guard: out of mute with volume 0, if it was muted, and back. Restoring twice restores once.
+  // The speaker volume guard. A muted TV speaker is turned down to 0 and taken out of mute. Restoring mutes it again
+  // unless it is the selected output, and puts its volume back; twice restores once.
   void m_PrepareVolumeCondition();
   void m_RestoreVolumeCondition();
 
   // The telemetry records of a run.
   void m_SendKPILogStartTime();
   void m_SendKPILogEndTime();
+
+  // The delay in ms that brings an output into step that is late by `diffSeconds` at `baseMs`: base - difference, whole
+  // milliseconds of the difference only. 0 when that is negative or needs more than 32 bits.
+  static std::uint32_t CorrectedDelay(std::uint32_t baseMs, double diffSeconds);
 
   // Wall clock in milliseconds modulo 2^32; differences of two values are right across the wrap.
   static std::uint32_t m_GetCurrentTime();

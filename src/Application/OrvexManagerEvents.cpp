@@ -77,21 +77,22 @@ void OrvexManager::m_OnEndSync() {
   m_SendKPILogEndTime();
 }
 
-// The optical output is late by `diffSeconds`: its delay is shortened by as many whole milliseconds.
 void OrvexManager::m_SyncSPDIFOutDelay(double diffSeconds) {
   if (diffSeconds == 0.0) {
     ORVEX_FAILURE("no_diff_detected!!\n");
     m_TerminateStatus = "diff_fail";
     return;
   }
-  const auto correctionMs = static_cast<std::int64_t>(diffSeconds * kMillisecondsPerSecond);
-  std::int64_t delayMs = std::int64_t{m_BaseSpdifDelay} - correctionMs;
   m_SyncResult = true;
   m_TerminateStatus = "done";
-  if (delayMs < 0 || delayMs > std::numeric_limits<std::uint32_t>::max()) {
-    delayMs = 0;
-  }
-  CSingleton<CAudioControl>::GetInstance()->SetSpdifOutDelay(static_cast<std::uint32_t>(delayMs));
+  CSingleton<CAudioControl>::GetInstance()->SetSpdifOutDelay(CorrectedDelay(m_BaseSpdifDelay, diffSeconds));
+}
+
+std::uint32_t OrvexManager::CorrectedDelay(std::uint32_t baseMs, double diffSeconds) {
+  const auto correctionMs = static_cast<std::int64_t>(diffSeconds * kMillisecondsPerSecond);
+  const std::int64_t delayMs = std::int64_t{baseMs} - correctionMs;
+  const bool isDelay = delayMs >= 0 && delayMs <= std::numeric_limits<std::uint32_t>::max();
+  return isDelay ? static_cast<std::uint32_t>(delayMs) : 0;
 }
 
 // A recorder that still runs is not stopped: its start then answers that it has started already.

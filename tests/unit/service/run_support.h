@@ -3,12 +3,12 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <string>
 #include <vector>
 
 #include "Application/OrvexApp.h"
 #include "blocks.h"
+#include "dump_support.h"
 #include "silent_wave.h"
 #include "world.h"
 
@@ -17,13 +17,13 @@ namespace orvex::test {
 class Run : public testing::Test {
 protected:
   Run() { world.soundFile = sound.Path(); }
-  ~Run() override { RemoveDumps(); }
+  ~Run() override { recordings.Note(world.journal); }
 
   // The application is created and its recorder records; the journal is empty.
   void StartRecording() {
     world.Create(app);
     world.AdvanceMs(1);
-    RememberDumps();
+    recordings.Note(world.journal);
     world.journal.Clear();
   }
   void DeliverAmbient(int blocks) {
@@ -44,7 +44,7 @@ protected:
     world.journal.Clear();
     FwEvent event(type, app.GetEventReceiver());
     app.t_OnEvent(&event);
-    RememberDumps();
+    recordings.Note(world.journal);
     return world.journal.Texts();
   }
   // Log lines only, and only those of the main thread.
@@ -57,29 +57,11 @@ protected:
     }
     return texts;
   }
-  void RememberDumps() {
-    const std::string beginning = "E0 Temp file name=[";
-    for (const std::string& text : world.journal.Logs()) {
-      if (text.compare(0, beginning.size(), beginning) == 0) {
-        const std::size_t middle = text.find("][");
-        m_Dumps.push_back(text.substr(beginning.size(), middle - beginning.size()));
-        m_Dumps.push_back(text.substr(middle + 2, text.size() - middle - 3));
-      }
-    }
-  }
 
+  service_tests::DumpedRecordings recordings;
   SilentWave sound{0.5};
   orvex::world::World world;
   COrvexApp app;
-
-private:
-  void RemoveDumps() {
-    RememberDumps();
-    for (const std::string& name : m_Dumps) {
-      std::remove(name.c_str());
-    }
-  }
-  std::vector<std::string> m_Dumps;
 };
 
 }  // namespace orvex::test

@@ -54,7 +54,7 @@ TEST_F(MutedTelevision, IsOutOfMuteAtVolumeZeroForAsLongAsTheServiceLives) {
     EXPECT_FALSE(world.muted) << second;
     EXPECT_EQ(world.volume, 0) << second;
     world.AdvanceMs(999);
-    RememberDumps();
+    recordings.Note(world.journal);
   }
   EXPECT_FALSE(world.HasEnded());
   EXPECT_TRUE(world.RunToEnd());
