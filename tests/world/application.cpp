@@ -67,11 +67,12 @@ FwAlarm::~FwAlarm() {
   --World::Current().openAlarms;
 }
 
-bool FwAlarm::Create(FwEventIO* /*eventInput*/, std::uint32_t periodMs, int repeatCount) {
+bool FwAlarm::Create(FwEventIO* eventInput, std::uint32_t periodMs, int repeatCount) {
   World& world = World::Current();
   const bool fails = world.answers.Take("FwAlarm::Create").has_value();
   world.Call("FwAlarm::Create(" + std::to_string(periodMs) + ", " +
              (repeatCount == kRepeatForever ? "forever" : std::to_string(repeatCount)) + ")");
+  world.alarmInput = eventInput;
   if (fails || m_Port->active) {
     return false;
   }
@@ -84,6 +85,7 @@ bool FwAlarm::Create(FwEventIO* /*eventInput*/, std::uint32_t periodMs, int repe
 
 void FwAlarm::SetAlarmCallback(Callback callback, void* userData) {
   World::Current().Call("FwAlarm::SetAlarmCallback()");
+  World::Current().alarmUserData = userData;
   m_Port->callback = callback;
   m_Port->userData = userData;
 }

@@ -153,6 +153,8 @@ public:
   std::vector<PoolJob> poolJobs;           // all that were started
   int runningWorkers = 0;
   int openAlarms = 0;
+  FwEventIO* alarmInput = nullptr;  // of the alarm that was made last
+  void* alarmUserData = nullptr;
   int openTimers = 0;
   std::map<void*, std::shared_ptr<void>> timers;
   std::set<void*> openBlocks;      // memory that the service asked for and may be refused

@@ -51,6 +51,8 @@ TEST_F(App, CreateRegistersWithTheWatchdogThenStartsTheRun) {
                   "> settings_subscribe(\"db/device-detector-service/optical_change_flag\") = 0",
                   "> sound_manager_get_device_mute(0) = 0", "I0 TV speaker mute status.[0]", "> SendEvent(10000)",
                   "I0 Orvex Service Create Done"));
+  EXPECT_EQ(world.alarmInput, &app);
+  EXPECT_EQ(world.alarmUserData, &app);
   app.t_OnDestroy();
 }
 

@@ -66,6 +66,18 @@ TEST(DebugDump, WithoutAWriterEveryOperationIsAFailedAssertion) {
   EXPECT_EQ(world.journal.Entries().size(), 4U);
 }
 
+TEST(DebugDump, HasNoWriterWhenThereIsNoMemoryForOne) {
+  World world;
+  world.answers.Next("new", {0});
+  CDebugDump dump;
+  dump.Start();
+  dump.DebugDump(std::string("text"));
+  dump.DebugDump("data", 4);
+  dump.Stop();
+  EXPECT_THAT(world.journal.Texts(),
+              ElementsAre("E2 Assertion failed", "E2 Assertion failed", "E2 Assertion failed", "E2 Assertion failed"));
+}
+
 TEST(DebugDump, WritesFilesUnlessItIsToldOtherwise) {
   DumpedRecordings recordings;
   World world;

@@ -43,6 +43,18 @@ TEST_F(ReceiverCapture, AStartSavesTheDelayRegistersSwitchesTheMicrophoneOnAndOp
   EXPECT_EQ(world.voiceUserData, &receiver);
 }
 
+TEST_F(ReceiverCapture, BlocksCountOnceTheStartIsToldAndBeforeTheDumpOpens) {
+  std::vector<bool> recording;
+  world.journal.onAdd = [&] {
+    const std::string& text = world.journal.Entries().back().text;
+    if (text == "E0 Start bt audio recorder" || text == "I0 CDebugDumpImplFile start") {
+      recording.push_back(receiver.IsRecording());
+    }
+  };
+  receiver.StartBTRecoder();
+  EXPECT_THAT(recording, ElementsAre(false, true));
+}
+
 TEST_F(ReceiverCapture, TheHearableSetIsStartedWithItsOwnCommand) {
   receiver.SetHearable(true);
   EXPECT_THAT(StartOfVoice(), Contains("> bt_hid_send_rc_command(null, 04 00, 2) = 0"));

@@ -84,6 +84,19 @@ TEST_P(ReceiverPairing, TonesUpTo19BuffersApartAreAPair) {
   }
 }
 
+TEST_P(ReceiverPairing, APairAcrossTheEndOfTheCountIsMeasuredByItsNumbers) {
+  Start();
+  BeQuietUntil(40);
+  LoseBlocksUntil(99999);
+  const Samples second = Second(100);
+  EXPECT_THAT(EventsAt(99999, First(100)), Contains(FirstLine()));
+  while (receiver.GetBufferCount() != 5) {
+    Hear(quiet);
+  }
+  EXPECT_THAT(EventsAt(6, second), ElementsAre(FoundSecond(6, second), ResultLine(99999, 6), kCompleted, kEndCallback));
+  EXPECT_DOUBLE_EQ(receiver.GetAudioTimeDifference(), Sign() * (6 - 99999) * 768 / 46545.0);
+}
+
 TEST_P(ReceiverPairing, ASecondToneThatComes20BuffersLaterIsANewFirstTone) {
   Start();
   EventsAt(100, First(100));
