@@ -85,6 +85,24 @@ TEST(Device, OneThatStallsDoesNotHoldTheProcess) {
   EXPECT_LT(wait.count(), 10000);
 }
 
+// No thread can be had any more, for each takes more memory than is left. Nobody calls back then, and the run goes on
+// until something else ends it.
+TEST(Device, IsClosedAtTheEndWhenThereIsNoThreadToPlayTheSound) {
+#if ORVEX_IS_SANITIZED
+  GTEST_SKIP() << "a sanitizer needs more memory, too";
+#endif
+  const Observation observation = Perform(
+      {"no thread",
+       WithRoom(RoomWithoutOpticalSound()),
+       {{kIsRecording, [](ServiceRun& run) { run.LimitMemory(16 * 1024); }}, SignalAt("Assertion failed", SIGTERM)},
+       {},
+       "ulimit -s 65536; exec \"$0\""});
+  Expectation expectation;
+  expectation.runLines = ExpectedLog().UpToPlaying().SoundWithoutWorker().Destroyed().GetLines();
+  expectation.terminate = "etc";
+  Check(observation, expectation);
+}
+
 // What is written, chunk by chunk, is the whole sound.
 TEST(Device, GetsEveryByteOfTheSoundOnce) {
   const Observation observation = Perform({"whole sound", WithRoom(RoomWithoutOpticalSound()), {}, {}});

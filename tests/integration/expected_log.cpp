@@ -130,6 +130,11 @@ ExpectedLog& ExpectedLog::PlayedToItsEnd() {
   return Add({"I m_EndPlayerCB", "I m_OnEndWavPlayCallback", "I Destroy", "I Done drop", "I Done close"});
 }
 
+ExpectedLog& ExpectedLog::SoundWithoutWorker() {
+  m_Player = Worker::kFailed;
+  return Add({"F Assertion failed"});
+}
+
 ExpectedLog& ExpectedLog::SoundStopped() {
   m_Player = Worker::kOff;
   return Add({"I Stop Orvex[2]", "I stop Sound Player", "I cancel_thread"});
@@ -180,7 +185,18 @@ void ExpectedLog::WorkersStopped() {
       Add({"F Already ready state!!"});
       break;
   }
-  Add({"I stop Sound Player", m_Player == Worker::kOn ? "I cancel_thread" : "I Sound Player is not started"});
+  Add({"I stop Sound Player"});
+  switch (m_Player) {
+    case Worker::kOff:
+      Add({"I Sound Player is not started"});
+      break;
+    case Worker::kOn:
+      Add({"I cancel_thread"});
+      break;
+    case Worker::kFailed:
+      Add({"F already thread stop", "I Destroy", "I Done drop", "I Done close"});
+      break;
+  }
   m_Recorder = Worker::kOff;
   m_Player = Worker::kOff;
 }

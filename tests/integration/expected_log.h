@@ -47,6 +47,7 @@ public:
   ExpectedLog& RecorderFailed();
   ExpectedLog& Playing();
   ExpectedLog& PlayedToItsEnd();
+  ExpectedLog& SoundWithoutWorker();   // there is no thread for it
   ExpectedLog& SoundStopped();         // the handler of ORVEX_STOP_INAUDIBLE_SOUND
   ExpectedLog& EndedWithDifference();  // the handler of ORVEX_END_SYNC
   ExpectedLog& EndedWithoutDifference();

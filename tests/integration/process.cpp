@@ -12,7 +12,6 @@
 
 #include <array>
 #include <cerrno>
-#include <cstdio>
 #include <fstream>
 #include <system_error>
 
@@ -134,14 +133,27 @@ Process::~Process() {
 }
 
 // Not from wait4(): that counts the parent's memory from before the program was loaded.
-long Process::ReadPeakMemoryKib() const {
+long Process::ReadStatusKib(const std::string& name) const {
   std::ifstream status("/proc/" + std::to_string(m_Id) + "/status");
-  std::string line;
-  long peakKib = -1;
-  while (std::getline(status, line)) {
-    static_cast<void>(std::sscanf(line.c_str(), "VmHWM: %ld kB", &peakKib));
+  const std::string beginning = name + ":";
+  for (std::string line; std::getline(status, line);) {
+    if (line.rfind(beginning, 0) == 0) {
+      return std::stol(line.substr(beginning.size()));
+    }
   }
-  return peakKib;
+  return -1;
+}
+
+long Process::ReadPeakMemoryKib() const {
+  return ReadStatusKib("VmHWM");
+}
+
+void Process::LimitMemory(long moreKib) const {
+  const rlim_t limit = static_cast<rlim_t>(ReadStatusKib("VmSize") + moreKib) * 1024;
+  const rlimit limits{limit, limit};
+  if (::prlimit(m_Id, RLIMIT_AS, &limits, nullptr) != 0) {
+    throw std::system_error(errno, std::generic_category(), "prlimit");
+  }
 }
 
 void Process::Signal(int number) const {

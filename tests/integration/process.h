@@ -49,12 +49,17 @@ public:
   int GetEndDescriptor() const { return m_EndDescriptor; }
   // Largest resident memory so far; -1 when the process has ended.
   long ReadPeakMemoryKib() const;
+  // From now on it gets no more than this, on top of what it has. Memory is counted as addresses, used or not.
+  void LimitMemory(long moreKib) const;
   void Signal(int number) const;
   bool HasEnded() const;
   // Returns when it has ended; after `patience` it is killed.
   ProcessEnding WaitForEnd(std::chrono::milliseconds patience = kPatience);
 
 private:
+  // A value of the process's status; -1 when it has ended.
+  long ReadStatusKib(const std::string& name) const;
+
   pid_t m_Id = -1;
   int m_EndDescriptor = -1;
   std::optional<ProcessEnding> m_Ending;

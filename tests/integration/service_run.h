@@ -30,6 +30,7 @@ public:
   std::string Exchange(const std::string& line) const;
   ProcessEnding WaitForEnd();
   long ReadPeakMemoryKib() const { return m_Process.ReadPeakMemoryKib(); }
+  void LimitMemory(long moreKib) const { m_Process.LimitMemory(moreKib); }
   // Keeps a text for whoever looks at the run afterwards.
   void Note(const std::string& text) { m_Notes.push_back(text); }
   const std::vector<std::string>& GetNotes() const { return m_Notes; }
