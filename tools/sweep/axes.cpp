@@ -100,6 +100,13 @@ const std::array<AxisKind, axis::kCount>& AxisKinds() {
       {"disturbance", "a sound that is not ours", "none", 0, 0, kDisturbanceNames},
       {"disturbance-dbfs", "its peak", "-20", -100, 0},
       {"disturbance-blocks", "length of a hiss in blocks", "1:60", 1, 1000},
+      {"late-ms", "the main loop acts on each event so much later than it comes", "0", 0, kLongMs},
+      {"finished-mark",
+       "whether the first result stands; no: what the receiver holds when the main loop acts",
+       "yes",
+       0,
+       1,
+       {"no", "yes"}},
   }};
   return kinds;
 }

@@ -10,7 +10,8 @@
 
 namespace orvex::tools {
 
-// In the order of the table; the earlier ones turn slowest.
+// In the order of the table; the earlier ones turn slowest. Each is drawn in this order: a new one goes to the end, and
+// the rooms that there were stay as they are.
 namespace axis {
 enum Axis : std::size_t {
   kDifferenceMs,
@@ -39,6 +40,8 @@ enum Axis : std::size_t {
   kDisturbance,
   kDisturbanceDbfs,
   kDisturbanceBlocks,
+  kLateMs,
+  kFinishedMark,
   kCount
 };
 }  // namespace axis

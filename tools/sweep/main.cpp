@@ -37,7 +37,8 @@ constexpr char kDescription[] =
     "Error = reported minus true difference, in ms, over all results. found: a result was reported. false: it is more "
     "than 33.0 ms (two buffers) from the truth, or the test sound was not heard; >17.5: more than 17.5 ms from it. "
     "worse: the misalignment that is left "
-    "exceeds the one before by more than a buffer (16.5 ms). decided: mean time from the start of the recording to the "
+    "exceeds the one before by more than a buffer (16.5 ms). changed: the run applied another result than its first. "
+    "decided: mean time from the start of the recording to the "
     "result or, without one, to the end of the playback; ended: to the end of the process.\n\n"
     "Exit code: 0 done, 1 interrupted, and what was done so far is written, 2 wrong usage, or a file or standard "
     "output that cannot be written.";

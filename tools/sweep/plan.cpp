@@ -85,6 +85,8 @@ SoundDesign DesignOf(const RoomValues& values) {
 Trial MakeTrial(const RoomValues& values, std::uint64_t seed) {
   Trial trial;
   trial.startMs = values[axis::kStartMs];
+  trial.lateMs = values[axis::kLateMs];
+  trial.finishedMark = values[axis::kFinishedMark] != 0.0;
   sim::RoomConfig& room = trial.room;
   room.tv.distanceM = room.optical.distanceM = 0.0;
   room.tv.reflections.clear();  // all that is not direct is in the tail, at the ratio that the axis says

@@ -30,6 +30,7 @@ const std::vector<Column>& Columns() {
       {"false %", [](const Statistics& s) { return Number(s.falsePercent, 2); }},
       {">17.5 %", [](const Statistics& s) { return Number(s.offGridPercent, 2); }},
       {"worse %", [](const Statistics& s) { return Number(s.worsePercent, 2); }},
+      {"changed %", [](const Statistics& s) { return Number(s.changedPercent, 2); }},
       {"abnormal %", [](const Statistics& s) { return Number(s.abnormalPercent, 2); }},
       {"bias", [](const Statistics& s) { return Number(s.biasMs, 2); }},
       {"RMS", [](const Statistics& s) { return Number(s.rmsMs, 2); }},
@@ -94,7 +95,7 @@ void WriteCsv(std::ostream& out, const Plan& plan, const SweepResult& result) {
   for (const AxisKind& kind : AxisKinds()) {
     out << ',' << kind.name;
   }
-  out << ",outcome,error-ms,remaining-ms,decided-ms,ended-ms\n";
+  out << ",outcome,error-ms,remaining-ms,decided-ms,ended-ms,changed\n";
   for (std::size_t row = 0; row < result.rows.size(); ++row) {
     for (std::size_t room = 0; room < result.rows[row].size(); ++room) {
       const RoomResult& outcome = result.rows[row][room];
@@ -106,7 +107,7 @@ void WriteCsv(std::ostream& out, const Plan& plan, const SweepResult& result) {
       }
       out << ',' << Outcome(outcome) << ',' << (outcome.found ? Number(outcome.errorMs, kDecimals) : "") << ','
           << Number(outcome.remainingMs, kDecimals) << ',' << Number(outcome.decidedMs, kDecimals) << ','
-          << Number(outcome.endedMs, kDecimals) << '\n';
+          << Number(outcome.endedMs, kDecimals) << ',' << (outcome.changed ? "yes" : "no") << '\n';
     }
   }
 }

@@ -41,6 +41,7 @@ Statistics Summarise(const std::vector<RoomResult>& results) {
     errors.push_back(result.errorMs);
     statistics.foundPercent += percent;
     statistics.falsePercent += result.isFalse ? percent : 0.0;
+    statistics.changedPercent += result.changed ? percent : 0.0;
     statistics.offGridPercent += std::abs(result.errorMs) > kOffGridMs ? percent : 0.0;
     statistics.worsePercent += std::abs(result.remainingMs) > std::abs(result.beforeMs) + kBufferMs ? percent : 0.0;
   }

@@ -11,6 +11,7 @@ struct RoomResult {
   bool found = false;
   bool abnormal = false;
   bool isFalse = false;      // found, but no measurement of the true difference
+  bool changed = false;      // found, but another one than the first result
   double errorMs = 0.0;      // reported minus true difference, when found
   double beforeMs = 0.0;     // the true misalignment, and what is left of it
   double remainingMs = 0.0;  // after whole milliseconds of the reported difference were taken off the delay
@@ -32,6 +33,7 @@ struct Statistics {
   double offGridPercent = 0.0;   // found, but more than kOffGridMs from the truth
   double abnormalPercent = 0.0;  // ended for abnormal input
   double worsePercent = 0.0;     // left more than a buffer worse than before
+  double changedPercent = 0.0;   // found, but another one than the first result
   double biasMs = 0.0;
   double rmsMs = 0.0;
   double p95Ms = 0.0;  // 95 % of the errors are no larger

@@ -134,6 +134,7 @@ RoomResult RunRoom(const Plan& plan, std::size_t row, std::size_t room, const st
   result.abnormal = outcome.ending == Ending::kAbnormal;
   result.beforeMs = sim::MisalignmentMs(trial.room, 0.0);
   result.errorMs = outcome.differenceMs - result.beforeMs;
+  result.changed = result.found && outcome.differenceMs != outcome.firstDifferenceMs;
   result.isFalse = result.found && (values[axis::kSilent] != 0.0 || std::abs(result.errorMs) > kFalseMs);
   result.remainingMs = result.beforeMs - std::trunc(outcome.differenceMs);
   result.decidedMs = outcome.decidedMs;

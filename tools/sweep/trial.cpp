@@ -28,7 +28,13 @@ double ToMs(Time time) {
 
 class VirtualRun : private ReceiverListener {
 public:
-  explicit VirtualRun(const Trial& trial) : m_Trial(trial), m_Room(trial.room), m_Voice(m_Room), m_Rig(*this) {
+  explicit VirtualRun(const Trial& trial)
+      : m_Trial(trial),
+        m_Room(trial.room),
+        m_Voice(m_Room),
+        m_Rig(*this),
+        m_Late(TimeOfMs(trial.lateMs)),
+        m_End(kLongestRun + m_Late) {
     if (!trial.disturbance.empty()) {
       m_Room.SetNoise(trial.disturbance, trial.room.microphoneRateHz);
     }
@@ -40,12 +46,34 @@ public:
       m_Now = *due;
       DeliverNext();
     }
+    ActOnEnd();
     m_Outcome.decidedMs = ToMs(m_End);
     m_Outcome.endedMs = ToMs(std::max(m_End, m_WrittenAt));
     return m_Outcome;
   }
 
 private:
+  enum class End { kTimer, kSync, kAbnormal };
+
+  // The main loop acts on the event that came first.
+  void EndBy(End event, Time comes) {
+    const Time acts = comes + m_Late;
+    if (acts < m_End) {
+      m_End = acts;
+      m_EndedBy = event;
+    }
+  }
+
+  // Results and the end of the playback alike make it read what the receiver holds.
+  void ActOnEnd() {
+    if (m_EndedBy == End::kSync) {
+      m_Outcome.differenceMs = m_Rig.GetDifferenceS() * 1e3;
+      m_Outcome.ending = m_Outcome.differenceMs != 0.0 ? Ending::kFound : Ending::kNothing;
+    } else if (m_EndedBy == End::kAbnormal) {
+      m_Outcome.ending = Ending::kAbnormal;
+    }
+  }
+
   void DeliverNext() {
     sim::VoiceChannel::Block block;
     if (!m_Voice.TakeBlock(block)) {
@@ -63,28 +91,29 @@ private:
   void OnAmbient(std::int32_t /*buffer*/) override {
     const std::size_t frames = m_Trial.sound.size() / 2;
     const std::size_t playedWhenWritten = frames - std::min(frames, kDeviceFrames);
-    const Time start = m_Now + TimeOfMs(m_Trial.startMs);
+    const Time start = m_Now + m_Late + TimeOfMs(m_Trial.startMs);
     m_Room.Play(start, m_Trial.sound.data(), frames);
     m_WrittenAt = start + TimeOfMs(static_cast<double>(playedWhenWritten) * 1e3 / sim::Room::kPlaybackRateHz);
-    m_End = std::min(m_End, m_WrittenAt);
+    EndBy(End::kSync, m_WrittenAt);
   }
   void OnResult(std::int32_t /*buffer*/, std::int32_t /*first*/, std::int32_t /*second*/, double differenceS) override {
-    m_Outcome.ending = Ending::kFound;
-    m_Outcome.differenceMs = differenceS * 1e3;
-    m_End = m_Now;
+    if (m_Outcome.firstDifferenceMs == 0.0) {
+      m_Outcome.firstDifferenceMs = differenceS * 1e3;
+    }
+    m_Rig.GetReceiver().SetFinished(m_Trial.finishedMark);
+    EndBy(End::kSync, m_Now);
   }
-  void OnAbnormal(std::int32_t /*buffer*/) override {
-    m_Outcome.ending = Ending::kAbnormal;
-    m_End = m_Now;
-  }
+  void OnAbnormal(std::int32_t /*buffer*/) override { EndBy(End::kAbnormal, m_Now); }
   void OnExtend(std::int32_t /*buffer*/) override { m_Voice.Extend(m_Now); }
 
   const Trial& m_Trial;
   sim::Room m_Room;
   sim::VoiceChannel m_Voice;
   ReceiverRig m_Rig;
+  const Time m_Late;
   Time m_Now{0};
-  Time m_End = kLongestRun;
+  Time m_End;
+  End m_EndedBy = End::kTimer;
   Time m_WrittenAt{0};
   TrialOutcome m_Outcome;
 };

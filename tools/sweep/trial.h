@@ -11,6 +11,8 @@ namespace orvex::tools {
 struct Trial {
   sim::RoomConfig room;             // its optical latency includes the delay of the output
   double startMs = 0.0;             // from the end of the ambient phase to the first frame of the sound
+  double lateMs = 0.0;              // the main loop acts on each event so much later than it comes
+  bool finishedMark = true;         // the receiver's finished mark is set at the first result
   std::vector<std::int16_t> sound;  // interleaved stereo at 48000 Hz
   std::vector<float> disturbance;   // added to the noise, at the microphone's nominal rate; full scale is 1
 };
@@ -20,14 +22,16 @@ enum class Ending { kFound, kNothing, kAbnormal };
 // Times are counted from the start of the recording.
 struct TrialOutcome {
   Ending ending = Ending::kNothing;
-  double differenceMs = 0.0;  // 0: none was found
-  double decidedMs = 0.0;     // when the run was over: result, abnormal input, or the end of the playback
-  double endedMs = 0.0;       // when the process is over: it waits for the player to write the whole sound
+  double differenceMs = 0.0;       // that the run applies; 0: none was found
+  double firstDifferenceMs = 0.0;  // of the first result; later ones may have replaced it, without the finished mark
+  double decidedMs = 0.0;          // when the run was over: result, abnormal input, or the end of the playback
+  double endedMs = 0.0;            // when the process is over: it waits for the player to write the whole sound
 };
 
 // As the service does it: the sound starts `startMs` after the block that completes the ambient phase was delivered. A
 // result ends the run, and so does the player's end callback, which comes when the last frame was written and drops
-// what the device still holds. The run has 10 s. Throws sim::RoomError.
+// what the device still holds. The run has 10 s. On each of these events the main loop acts `lateMs` later; the
+// receiver goes on with the blocks that are delivered meanwhile. Throws sim::RoomError.
 TrialOutcome RunTrial(const Trial& trial);
 
 }  // namespace orvex::tools

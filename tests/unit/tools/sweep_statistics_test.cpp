@@ -49,6 +49,12 @@ TEST(SweepStatistics, CallsARoomWorseWhenMoreThanABufferWasAdded) {
   EXPECT_NEAR(50.0, Summarise({kept, worse}).worsePercent, 1e-9);
 }
 
+TEST(SweepStatistics, CountsRoomsWhoseRunAppliedAnotherResultThanItsFirst) {
+  RoomResult changed = Found(0.0);
+  changed.changed = true;
+  EXPECT_NEAR(25.0, Summarise({changed, Found(0.0), Found(0.0), RoomResult{}}).changedPercent, 1e-9);
+}
+
 TEST(SweepStatistics, MeansTimesOverAllRooms) {
   RoomResult result = Found(0.0);
   result.decidedMs = 1000.0;

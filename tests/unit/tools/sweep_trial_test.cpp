@@ -70,6 +70,65 @@ TEST(SweepTrial, CallsEveryResultFalseWhenTheTestSoundIsNotHeard) {
   EXPECT_TRUE(result.isFalse);
 }
 
+// Rooms whose run applied another result than its first; each main loop is late by its own up to 200 ms.
+int CountChanged(const char* finishedMark, std::size_t rooms) {
+  const Plan plan({{axis::kDifferenceMs, "+-20:60"},
+                   {axis::kToneDb, "60"},
+                   {axis::kLateMs, "0:200"},
+                   {axis::kFinishedMark, finishedMark}},
+                  1);
+  int changed = 0;
+  for (std::size_t room = 0; room < rooms; ++room) {
+    const RoomResult result = RunRoom(plan, 0, room);
+    EXPECT_TRUE(result.found) << room;
+    changed += result.changed ? 1 : 0;
+  }
+  return changed;
+}
+
+TEST(SweepLateness, LeavesTheFirstResultAsItIsWithTheFinishedMark) {
+  EXPECT_EQ(0, CountChanged("yes", 200));
+}
+
+TEST(SweepLateness, LetsLaterResultsReplaceTheFirstWithoutTheFinishedMark) {
+  EXPECT_GT(CountChanged("no", 30), 0);
+}
+
+TEST(SweepLateness, DelaysTheSoundAndTheReadingOfTheResult) {
+  Given given = {{axis::kDifferenceMs, "200"}, {axis::kToneDb, "80"}};
+  const double atOnceMs = RunOne(given).decidedMs;
+  given[axis::kLateMs] = "300";
+  EXPECT_NEAR(atOnceMs + 2 * 300.0, RunOne(given).decidedMs, kBufferMs);
+}
+
+TEST(SweepLateness, DelaysTheSoundAndTheEndOfThePlayback) {
+  Given given = {{axis::kSilent, "yes"}};
+  const double atOnceMs = RunOne(given).endedMs;
+  given[axis::kLateMs] = "300";
+  EXPECT_NEAR(atOnceMs + 2 * 300.0, RunOne(given).endedMs, 1e-6);
+}
+
+TEST(SweepLateness, AppliesWhatIsFoundBeforeTheMainLoopActsOnTheEndOfThePlayback) {
+  Given given = {{axis::kDifferenceMs, "200"}, {axis::kPairs, "1"}, {axis::kToneDb, "80"}, {axis::kTailMs, "300"}};
+  EXPECT_FALSE(RunOne(given).found);
+  given[axis::kLateMs] = "300";
+  EXPECT_TRUE(RunOne(given).found);
+}
+
+TEST(SweepLateness, EndsARunOfAbnormalInputAsThat) {
+  Given given = {{axis::kSilent, "yes"},
+                 {axis::kToneDb, "70"},
+                 {axis::kDisturbance, "hiss"},
+                 {axis::kDisturbanceBlocks, "60"},
+                 {axis::kDisturbanceDbfs, "-10"}};
+  const RoomResult atOnce = RunOne(given);
+  EXPECT_TRUE(atOnce.abnormal);
+  given[axis::kLateMs] = "300";
+  const RoomResult late = RunOne(given);
+  EXPECT_TRUE(late.abnormal);
+  EXPECT_NEAR(atOnce.decidedMs + 300.0, late.decidedMs, 1e-6);
+}
+
 class Levels : public ReceiverListener {
 public:
   void OnBlock(std::int32_t /*buffer*/, const BlockLevels& levels) override { blocks.push_back(levels); }
