@@ -7,6 +7,7 @@
 #include <stdexcept>
 
 #include "disturbance.h"
+#include "orvex/sim/room_config.h"
 #include "testsound/sound_design.h"
 
 namespace orvex::tools {
@@ -101,12 +102,12 @@ const std::array<AxisKind, axis::kCount>& AxisKinds() {
       {"disturbance-dbfs", "its peak", "-20", -100, 0},
       {"disturbance-blocks", "length of a hiss in blocks", "1:60", 1, 1000},
       {"late-ms", "the main loop acts on each event so much later than it comes", "0", 0, kLongMs},
-      {"finished-mark",
-       "whether the first result stands; no: what the receiver holds when the main loop acts",
-       "yes",
-       0,
-       1,
-       {"no", "yes"}},
+      {"finished-mark", "whether the first result stands, as in the service", "yes", 0, 1, {"no", "yes"}},
+      {"reflections", "early reflections of each way", "2", 0, sim::kMaxReflections},
+      {"reflection-ms", "how much later than the direct sound a reflection comes; from a range each draws its own",
+       "4:11", 0, 1000},
+      {"reflection-db", "level of a reflection over the direct sound; from a range each draws its own", "-15:-12", -100,
+       20},
   }};
   return kinds;
 }

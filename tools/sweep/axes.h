@@ -42,6 +42,9 @@ enum Axis : std::size_t {
   kDisturbanceBlocks,
   kLateMs,
   kFinishedMark,
+  kReflections,
+  kReflectionMs,
+  kReflectionDb,
   kCount
 };
 }  // namespace axis

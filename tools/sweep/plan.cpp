@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <tuple>
 
 #include "Application/OrvexReceiver.h"
 
@@ -16,6 +17,11 @@ std::mt19937_64 MakeRandom(std::uint64_t seed, std::uint64_t room, std::uint64_t
 }
 
 }  // namespace
+
+bool operator==(const RoomValues& a, const RoomValues& b) {
+  return std::tie(a.numbers, a.tvReflections, a.opticalReflections) ==
+         std::tie(b.numbers, b.tvReflections, b.opticalReflections);
+}
 
 Plan::Plan(const std::map<Axis, std::string>& given, std::uint64_t seed) : m_Seed(seed) {
   for (std::size_t axis = 0; axis < axis::kCount; ++axis) {
@@ -54,7 +60,19 @@ RoomValues Plan::Draw(std::size_t row, std::size_t room) const {
   for (std::size_t axis = 0; axis < axis::kCount; ++axis) {
     values[axis] = m_Axes[axis].Draw(Position(static_cast<Axis>(axis), row), random);
   }
+  DrawReflections(row, room, values);
   return values;
+}
+
+void Plan::DrawReflections(std::size_t row, std::size_t room, RoomValues& values) const {
+  std::mt19937_64 random = MakeRandom(m_Seed, room, 2);
+  const auto draw = [&](Axis axis) { return m_Axes[axis].Draw(Position(axis, row), random); };
+  for (long left = std::lround(values[axis::kReflections]); left > 0; --left) {
+    for (auto* reflections : {&values.tvReflections, &values.opticalReflections}) {
+      const double delayMs = draw(axis::kReflectionMs);
+      reflections->push_back({delayMs, draw(axis::kReflectionDb)});
+    }
+  }
 }
 
 std::uint64_t Plan::RoomSeed(std::size_t room) const {
@@ -89,8 +107,8 @@ Trial MakeTrial(const RoomValues& values, std::uint64_t seed) {
   trial.finishedMark = values[axis::kFinishedMark] != 0.0;
   sim::RoomConfig& room = trial.room;
   room.tv.distanceM = room.optical.distanceM = 0.0;
-  room.tv.reflections.clear();  // all that is not direct is in the tail, at the ratio that the axis says
-  room.optical.reflections.clear();
+  room.tv.reflections = values.tvReflections;
+  room.optical.reflections = values.opticalReflections;
   room.tv.latencyMs = values[axis::kWayMs] + std::max(-values[axis::kDifferenceMs], 0.0);
   room.optical.latencyMs = values[axis::kWayMs] + std::max(values[axis::kDifferenceMs], 0.0);
   room.tv.gainDb = kReferenceGainDb + values[axis::kTvGainDb];

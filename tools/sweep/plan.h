@@ -14,7 +14,16 @@
 
 namespace orvex::tools {
 
-using RoomValues = std::array<double, axis::kCount>;
+// What one room has drawn: a number for each axis. Each of its early reflections has drawn delay and level by itself.
+struct RoomValues {
+  std::array<double, axis::kCount> numbers{};
+  std::vector<sim::Reflection> tvReflections;
+  std::vector<sim::Reflection> opticalReflections;
+
+  double& operator[](std::size_t axis) { return numbers[axis]; }
+  double operator[](std::size_t axis) const { return numbers[axis]; }
+};
+bool operator==(const RoomValues& a, const RoomValues& b);
 
 // Gain of either way at gain 0, and the level of the tone by which the noise is set.
 constexpr double kReferenceGainDb = -20.0;
@@ -30,11 +39,13 @@ public:
   std::vector<Axis> ListedAxes() const;
   const std::string& Text(Axis axis, std::size_t row) const;
 
-  // Room `room` is the same in every row, but for what the row says.
+  // Room `room` is the same in every row, but for what the row says; the reflections of a row that has fewer are the
+  // first of another's.
   RoomValues Draw(std::size_t row, std::size_t room) const;
   std::uint64_t RoomSeed(std::size_t room) const;
 
 private:
+  void DrawReflections(std::size_t row, std::size_t room, RoomValues& values) const;
   std::size_t Position(Axis axis, std::size_t row) const;
 
   std::vector<AxisValues> m_Axes;

@@ -57,6 +57,26 @@ void WriteAligned(std::ostream& out, const std::vector<Cells>& lines) {
   }
 }
 
+// Of delay and level of the reflections there are several: the speaker's, then the optical output's.
+std::string DrawnValue(const RoomValues& values, Axis axis) {
+  constexpr int kDecimals = 4;
+  const auto& names = AxisKinds()[axis].names;
+  if (!names.empty()) {
+    return names[static_cast<std::size_t>(values[axis])];
+  }
+  if (axis != axis::kReflectionMs && axis != axis::kReflectionDb) {
+    return Number(values[axis], kDecimals);
+  }
+  std::string all;
+  for (const auto* reflections : {&values.tvReflections, &values.opticalReflections}) {
+    for (const sim::Reflection& reflection : *reflections) {
+      all += (all.empty() ? "" : " ") +
+             Number(axis == axis::kReflectionMs ? reflection.delayMs : reflection.gainDb, kDecimals);
+    }
+  }
+  return all;
+}
+
 std::string Outcome(const RoomResult& result) {
   return result.found ? "found" : result.abnormal ? "abnormal" : "nothing";
 }
@@ -102,8 +122,7 @@ void WriteCsv(std::ostream& out, const Plan& plan, const SweepResult& result) {
       const RoomValues values = plan.Draw(row, room);
       out << row + 1 << ',' << room + 1;
       for (std::size_t axis = 0; axis < axis::kCount; ++axis) {
-        const auto& names = AxisKinds()[axis].names;
-        out << ',' << (names.empty() ? Number(values[axis], kDecimals) : names[static_cast<std::size_t>(values[axis])]);
+        out << ',' << DrawnValue(values, static_cast<Axis>(axis));
       }
       out << ',' << Outcome(outcome) << ',' << (outcome.found ? Number(outcome.errorMs, kDecimals) : "") << ','
           << Number(outcome.remainingMs, kDecimals) << ',' << Number(outcome.decidedMs, kDecimals) << ','

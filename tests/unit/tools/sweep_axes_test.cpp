@@ -11,9 +11,15 @@
 namespace orvex::tools {
 namespace {
 
+using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::ThrowsMessage;
+
+// The virtual living room's come 4 to 11 ms late, 12 to 15 dB weaker than the direct sound.
+MATCHER(IsLikeTheLivingRooms, "") {
+  return arg.delayMs >= 4.0 && arg.delayMs <= 11.0 && arg.gainDb >= -15.0 && arg.gainDb <= -12.0;
+}
 
 TEST(SweepPlan, HasOneRowForEachCombinationOfListedValuesAndTheLastListTurnsFastest) {
   const Plan plan({{axis::kToneDb, "46,40"}, {axis::kPairs, "2,3,4"}}, 1);
@@ -81,6 +87,45 @@ TEST(SweepPlan, RefusesWhatIsNoValueAndSaysWhatIs) {
   }
   EXPECT_THAT(made(axis::kSilent, "maybe"),
               ThrowsMessage<std::invalid_argument>(HasSubstr("\"maybe\", expected no, yes or several")));
+}
+
+TEST(SweepPlan, GivesEachWayTwoEarlyReflectionsLikeTheLivingRooms) {
+  const sim::RoomConfig livingRoom;
+  for (std::size_t room = 0; room < 20; ++room) {
+    const sim::RoomConfig drawn = MakeTrial(Plan({}, 1).Draw(0, room), 1).room;
+    EXPECT_EQ(livingRoom.tv.reflections.size(), drawn.tv.reflections.size());
+    EXPECT_EQ(livingRoom.optical.reflections.size(), drawn.optical.reflections.size());
+    EXPECT_THAT(drawn.tv.reflections, Each(IsLikeTheLivingRooms()));
+    EXPECT_THAT(drawn.optical.reflections, Each(IsLikeTheLivingRooms()));
+    EXPECT_FALSE(drawn.tv.reflections[0] == drawn.tv.reflections[1]);
+    EXPECT_FALSE(drawn.tv.reflections == drawn.optical.reflections);
+  }
+}
+
+TEST(SweepPlan, HasNoEarlyReflectionsWhenTheyAreCountedOut) {
+  const sim::RoomConfig room = MakeTrial(Plan({{axis::kReflections, "0"}}, 1).Draw(0, 0), 1).room;
+  EXPECT_TRUE(room.tv.reflections.empty());
+  EXPECT_TRUE(room.optical.reflections.empty());
+}
+
+TEST(SweepPlan, KeepsARoomsReflectionsInAllRows) {
+  const Plan plan({{axis::kReflections, "1,3"}, {axis::kReflectionDb, "-20:-10"}, {axis::kRt60S, "0.1,0.9"}}, 7);
+  const RoomValues one = plan.Draw(0, 12);
+  const RoomValues three = plan.Draw(1, 12);
+  EXPECT_EQ(three.tvReflections, plan.Draw(3, 12).tvReflections);
+  EXPECT_EQ(three.opticalReflections, plan.Draw(3, 12).opticalReflections);
+  EXPECT_THAT(one.tvReflections, ElementsAre(three.tvReflections[0]));
+  EXPECT_THAT(one.opticalReflections, ElementsAre(three.opticalReflections[0]));
+  EXPECT_FALSE(three.tvReflections == plan.Draw(1, 13).tvReflections);
+}
+
+TEST(SweepPlan, KeepsTheReflectionsDelaysWhenARowSaysAnotherLevel) {
+  const Plan plan({{axis::kReflectionDb, "-15,-3"}}, 7);
+  const std::vector<sim::Reflection> weak = plan.Draw(0, 5).tvReflections;
+  const std::vector<sim::Reflection> strong = plan.Draw(1, 5).tvReflections;
+  EXPECT_EQ(-15.0, weak[0].gainDb);
+  EXPECT_EQ(-3.0, strong[0].gainDb);
+  EXPECT_EQ(weak[0].delayMs, strong[0].delayMs);
 }
 
 TEST(SweepPlan, PutsTheTrueDifferenceOnTheWayThatIsLate) {

@@ -1,4 +1,5 @@
 // Runs in virtual time: what they find, when they end, and how the noise is set.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -16,6 +17,8 @@
 namespace orvex::tools {
 namespace {
 
+using ::testing::HasSubstr;
+
 using Given = std::map<axis::Axis, std::string>;
 
 RoomResult RunOne(const Given& given) {
@@ -24,7 +27,8 @@ RoomResult RunOne(const Given& given) {
 
 TEST(SweepTrial, FindsTheDifferenceOfABareQuietRoomWithinOneBuffer) {
   for (const char* difference : {"-280", "-101.3", "-35", "35", "101.3", "280"}) {
-    const RoomResult result = RunOne({{axis::kDifferenceMs, difference}, {axis::kToneDb, "80"}, {axis::kRt60S, "0"}});
+    const RoomResult result = RunOne(
+        {{axis::kDifferenceMs, difference}, {axis::kToneDb, "80"}, {axis::kRt60S, "0"}, {axis::kReflections, "0"}});
     ASSERT_TRUE(result.found) << difference;
     EXPECT_LT(std::abs(result.errorMs), kBufferMs) << difference;
     EXPECT_NEAR(-result.errorMs, result.remainingMs, 1.0) << difference;
@@ -165,7 +169,9 @@ constexpr std::size_t kFullBlock = 74;  // of those analysed; a good second afte
 
 TEST(SweepNoise, LiesBelowAFullBlockOfTheToneByTheAxisValue) {
   constexpr int kRooms = 12;
-  RoomValues values = Plan({{axis::kToneDb, "46"}, {axis::kRt60S, "0"}, {axis::kDifferenceMs, "0"}}, 1).Draw(0, 0);
+  RoomValues values =
+      Plan({{axis::kToneDb, "46"}, {axis::kRt60S, "0"}, {axis::kReflections, "0"}, {axis::kDifferenceMs, "0"}}, 1)
+          .Draw(0, 0);
   double toneOverAmbientDb = 0.0;
   for (std::uint64_t seed = 1; seed <= kRooms; ++seed) {
     const BlockLevels levels = Listen(values, seed)[kFullBlock];
@@ -176,7 +182,9 @@ TEST(SweepNoise, LiesBelowAFullBlockOfTheToneByTheAxisValue) {
 }
 
 TEST(SweepNoise, LeavesBothTonesEquallyStrong) {
-  RoomValues values = Plan({{axis::kToneDb, "90"}, {axis::kRt60S, "0"}, {axis::kDifferenceMs, "0"}}, 1).Draw(0, 0);
+  RoomValues values =
+      Plan({{axis::kToneDb, "90"}, {axis::kRt60S, "0"}, {axis::kReflections, "0"}, {axis::kDifferenceMs, "0"}}, 1)
+          .Draw(0, 0);
   const BlockLevels levels = Listen(values, 1)[kFullBlock];
   EXPECT_NEAR(0.0, 20.0 * std::log10(levels.at17000 / levels.at19000), 0.1);
 }
@@ -196,6 +204,15 @@ TEST(Sweep, GivesTheSameTableAndFileWhateverTheNumberOfJobs) {
   const std::string one = report(1);
   EXPECT_EQ(one, report(3));
   EXPECT_EQ(4 + 1 + 4 * 6 + 1, std::count(one.begin(), one.end(), '\n'));
+}
+
+TEST(Sweep, WritesIntoTheFileWhatEachReflectionHasDrawn) {
+  const Plan plan({{axis::kReflections, "2"}, {axis::kReflectionMs, "5"}, {axis::kReflectionDb, "-12"}}, 1);
+  SweepOptions options;
+  options.rooms = 1;
+  std::ostringstream file;
+  WriteCsv(file, plan, RunSweep(plan, options));
+  EXPECT_THAT(file.str(), HasSubstr(",5.0000 5.0000 5.0000 5.0000,-12.0000 -12.0000 -12.0000 -12.0000,found,"));
 }
 
 TEST(Sweep, TellsWhyADesignCannotBeMade) {
