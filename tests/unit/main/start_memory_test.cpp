@@ -34,11 +34,18 @@ void* operator new(std::size_t size) {
   void* block = Allocate(size);
   return block != nullptr ? block : throw std::bad_alloc();
 }
+// The library's own would do, but not a sanitizer's, which are pairs of their own.
+void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
+  return Allocate(size);
+}
 void operator delete(void* block) noexcept {
   g_Held -= block != nullptr ? 1 : 0;
   std::free(block);
 }
 void operator delete(void* block, std::size_t /*size*/) noexcept {
+  operator delete(block);
+}
+void operator delete(void* block, const std::nothrow_t& /*tag*/) noexcept {
   operator delete(block);
 }
 

@@ -35,6 +35,8 @@ TEST_F(PlayerOverlap, ANewSoundUsesTheOpenDeviceAndStartsNoSecondWorker) {
   EXPECT_THAT(PlayWave(), ElementsAre("I0 start Player ", "W0 alsa device alreay open"));
   EXPECT_TRUE(started);
   EXPECT_EQ(world.poolJobs.size(), 1U);
+  Rest();
+  EXPECT_FALSE(SamplesAreHeld());
 }
 
 TEST_F(PlayerOverlap, TheNewSoundBeginsWhenTheStoppedOneHasBeenWritten) {
