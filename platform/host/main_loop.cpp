@@ -29,7 +29,7 @@ bool HasWorkers() {
 }  // namespace
 
 std::string StartMainLoop() {
-  if (const std::string problem = port::BeginEcore(); !problem.empty()) {
+  if (std::string problem = port::BeginEcore(); !problem.empty()) {
     return problem;
   }
   KeepErrnoInEcoreHandlers();

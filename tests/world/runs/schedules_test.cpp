@@ -96,7 +96,7 @@ TEST_P(Schedules, WithOnePreemptionAndADrawnShareOfThoseWithTwoKeepAllRules) {
     }
     return;
   }
-  const std::uint64_t every = FromEnvironment("ORVEX_SCHEDULE_EVERY", kEvery);
+  const auto every = static_cast<std::size_t>(FromEnvironment("ORVEX_SCHEDULE_EVERY", kEvery));
   const std::vector<Preemption> all = Explore({}).choices;
   std::size_t ofTwo = 0;
   std::vector<Preemption> first;
@@ -109,7 +109,7 @@ TEST_P(Schedules, WithOnePreemptionAndADrawnShareOfThoseWithTwoKeepAllRules) {
   std::mt19937_64 random(FromEnvironment("ORVEX_SCHEDULE_SEED", 1));
   const std::uint64_t drawn = std::min<std::uint64_t>(FromEnvironment("ORVEX_SCHEDULES", 500 / every), ofTwo);
   for (std::uint64_t i = 0; i < drawn; ++i) {
-    std::size_t number = random() % ofTwo;
+    auto number = static_cast<std::size_t>(random() % ofTwo);
     std::size_t at = 0;
     while (number >= second[at].size()) {
       number -= second[at++].size();
