@@ -2,6 +2,7 @@
 #include "world.h"
 
 #include <stdexcept>
+#include <utility>
 
 namespace orvex::world {
 
@@ -11,6 +12,10 @@ World* g_World = nullptr;
 
 constexpr Time kLongestRun = std::chrono::seconds(60);
 constexpr Time kLongestDrain = std::chrono::seconds(6);
+
+// What a thread does takes no time, unless it goes round and round, as one does whose device is never ready.
+constexpr int kCallsAtOnce = 1000;
+constexpr Time kTimeOfThem = std::chrono::milliseconds(100);
 
 Time Milliseconds(double milliseconds) {
   return Time(static_cast<std::int64_t>(milliseconds * 1e6));
@@ -70,6 +75,12 @@ void World::Call(const std::string& text) {
   journal.Add({scheduler.Now(), scheduler.CurrentThread(), "> " + text, "", ""});
   if (onCall) {
     onCall(text);
+  }
+  if (std::exchange(m_CallsSince, scheduler.Now()) != scheduler.Now()) {
+    m_CallsAtOnce = 0;
+  }
+  if (++m_CallsAtOnce >= kCallsAtOnce) {
+    scheduler.Sleep(kTimeOfThem);
   }
 }
 

@@ -173,6 +173,8 @@ private:
   Time m_EndedAt{0};
   std::unique_ptr<sim::VoiceChannel> m_Voice;
   std::optional<Scheduler::Id> m_NextDelivery;
+  Time m_CallsSince{0};
+  int m_CallsAtOnce = 0;
 };
 
 // "name" or null as a text, for the journal.

@@ -73,6 +73,12 @@ INSTANTIATE_TEST_SUITE_P(
                        world.answers.Next("snd_pcm_wait", {-EIO, 0});
                      },
                      "done", "> snd_pcm_wait(1000) = -5"},
+        Misbehaviour{"IsNeverReadyAndCannotBeWaitedFor",
+                     [](World& world) {
+                       world.answers.Always("snd_pcm_writei", -EAGAIN);
+                       world.answers.Always("snd_pcm_wait", -EIO);
+                     },
+                     "etc", "I0 m_CancelPlayCB", 0},
         Misbehaviour{"TakesALittleAtATime",
                      [](World& world) {
                        world.answers.Next("snd_pcm_writei", {1, 100, 1228, 0, 1228, 7});
