@@ -13,3 +13,12 @@ function(orvex_startable program result)
        FILE_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
   set(${result} ${scripts}/${program} PARENT_SCOPE)
 endfunction()
+
+# orvex_starts_itself(PROGRAM): the tests of PROGRAM, a target, start it anew by the name that it was started with. Before
+# the tests are added.
+function(orvex_starts_itself program)
+  if(CMAKE_CROSSCOMPILING_EMULATOR)
+    orvex_startable(${program} script)
+    set_target_properties(${program} PROPERTIES CROSSCOMPILING_EMULATOR "${CMAKE_CROSSCOMPILING_EMULATOR};-0;${script}")
+  endif()
+endfunction()
