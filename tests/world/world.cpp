@@ -14,7 +14,7 @@ constexpr Time kLongestRun = std::chrono::seconds(60);
 constexpr Time kLongestDrain = std::chrono::seconds(6);
 
 // What a thread does takes no time, unless it goes round and round, as one does whose device is never ready.
-constexpr int kCallsAtOnce = 1000;
+constexpr int kCallsAtOnce = 200;
 constexpr Time kTimeOfThem = std::chrono::milliseconds(100);
 
 Time Milliseconds(double milliseconds) {
