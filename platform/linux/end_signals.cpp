@@ -74,6 +74,10 @@ void ReleaseEndSignals() {
 
 EndSignalKeeper::EndSignalKeeper() : m_StandardInput(::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1)) {
   cameEarly = TakePending() || cameEarly;
+  if (m_StandardInput < 0) {
+    // So that the pipe's own ends do not get its number.
+    static_cast<void>(::open("/dev/null", O_RDONLY | O_CLOEXEC));
+  }
   if (::pipe2(m_Pipe, O_NONBLOCK | O_CLOEXEC) == 0) {
     ::dup2(m_Pipe[1], STDIN_FILENO);
   }

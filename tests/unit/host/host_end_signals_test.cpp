@@ -7,6 +7,8 @@
 #include <cstdlib>
 #include <utility>
 
+#include "ecore_start.h"
+#include "end_signals.h"
 #include "host_television.h"
 #include "loop_application.h"
 
@@ -75,6 +77,24 @@ TEST_P(HostEndSignal, WorksWithoutStandardInput) {
     signalAtPipe = Signal();
     EXPECT_EQ(application.Run(), 0);
     EXPECT_THAT(application.steps, ElementsAre("create", "destroy"));
+    EndTest();
+  };
+  EXPECT_EXIT(run(), testing::ExitedWithCode(0), "");
+}
+
+// Of a port that has opened nothing yet, so that the number of standard input is the next one to be had.
+TEST_P(HostEndSignal, IsNotLostWithoutStandardInput) {
+  const auto run = [] {
+    static int calls = 0;
+    port::HoldEndSignals();
+    close(STDIN_FILENO);
+    signalAtPipe = Signal();
+    EXPECT_EQ(port::BeginEcore(), "");
+    EXPECT_EQ(signalAtPipe, 0) << "no pipe was made";
+    EXPECT_EQ(fcntl(STDIN_FILENO, F_GETFD), -1);
+    port::EndSignalWatch watch;
+    EXPECT_TRUE(watch.Begin([] { ++calls; }));
+    EXPECT_EQ(calls, 1);
     EndTest();
   };
   EXPECT_EXIT(run(), testing::ExitedWithCode(0), "");
