@@ -92,22 +92,31 @@ bool WatchEvents() {
   return fd >= 0 && ecore_main_fd_handler_add(fd, ECORE_FD_READ, &DeliverOne, nullptr, nullptr, nullptr) != nullptr;
 }
 
+constexpr char kNoDescriptors[] = "Ecore cannot watch file descriptors";
+
 // Ecore from AppMain() to the process's end, since an alarm may outlive AppMain().
 class Ecore {
 public:
-  Ecore() : m_Problem(orvex::port::BeginEcore()) {}
+  Ecore() : m_Problem(orvex::port::BeginEcore()) {
+    m_HasBegun = m_Problem.empty();
+    if (m_HasBegun && !WatchEvents()) {
+      m_Problem = kNoDescriptors;
+    }
+  }
   ~Ecore() {
-    if (m_Problem.empty()) {
+    if (m_HasBegun) {
       ecore_shutdown();
     }
   }
   Ecore(const Ecore&) = delete;
   Ecore& operator=(const Ecore&) = delete;
 
+  // Why there is no main loop; empty when there is one.
   const std::string& Problem() const { return m_Problem; }
 
 private:
-  const std::string m_Problem;
+  bool m_HasBegun = false;
+  std::string m_Problem;
 };
 
 bool HasWorkers() {
@@ -155,11 +164,14 @@ bool SendEvent(const FwEvent& event) {
 
 int AppMain(int /*argc*/, char** /*argv*/, FwEflApplication* application) {
   static const Ecore ecore;
-  static const bool watchesEvents = ecore.Problem().empty() && WatchEvents();
+  std::string problem = application == nullptr ? "expected an application" : ecore.Problem();
   orvex::port::EndSignalWatch signals;
   Queue().Open();
-  if (application == nullptr || !watchesEvents || !signals.Begin(&ui_app_exit)) {
-    std::fprintf(stderr, "orvex-minimal: the main loop cannot run: %s\n", ecore.Problem().c_str());
+  if (problem.empty() && !signals.Begin(&ui_app_exit)) {
+    problem = kNoDescriptors;
+  }
+  if (!problem.empty()) {
+    std::fprintf(stderr, "orvex-minimal: the main loop cannot run: %s\n", problem.c_str());
     return EXIT_FAILURE;
   }
   if (!application->t_OnCreate()) {
