@@ -3,8 +3,9 @@
 
 namespace orvex::tools {
 
-// While it lives, the first SIGINT or SIGTERM is noted and ends nothing; a second one of the same kind ends the program
-// as usual. One at a time.
+// While it lives, the first SIGINT, SIGTERM or SIGHUP is noted and ends nothing; a second one of the same kind ends the
+// program as usual. One that the program was started to ignore, as nohup and a shell's background jobs do, stays
+// ignored. One at a time.
 class Interruption {
 public:
   Interruption();

@@ -71,13 +71,23 @@ TEST(SweepInterruption, LeavesWholeRowsAloneOrNothing) {
   EXPECT_THAT(Table(nothing), EndsWith("\nincomplete: interrupted after 0 of 12 rooms\n"));
 }
 
-TEST(Interruption, ComesBySigintOrSigterm) {
-  for (const int signal : {SIGINT, SIGTERM}) {
+TEST(Interruption, ComesByAnySignalThatAsksForTheEnd) {
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
     const Interruption interruption;
     EXPECT_FALSE(interruption.HasCome());
     std::raise(signal);
     EXPECT_TRUE(interruption.HasCome());
   }
+}
+
+TEST(Interruption, LeavesASignalIgnoredThatWasSo) {
+  std::signal(SIGHUP, SIG_IGN);
+  {
+    const Interruption interruption;
+    std::raise(SIGHUP);
+    EXPECT_FALSE(interruption.HasCome());
+  }
+  EXPECT_EQ(SIG_IGN, std::signal(SIGHUP, SIG_DFL));
 }
 
 TEST(Interruption, EndsTheProgramTheSecondTimeAndWhenNobodyAsks) {
