@@ -91,12 +91,14 @@ TEST_P(Schedules, WithOnePreemptionAndADrawnShareOfThoseWithTwoKeepAllRules) {
   if (const char* const wanted = std::getenv("ORVEX_SCHEDULE")) {
     const std::string text = wanted;
     const std::string own = std::string(GetParam().name) + "/";
-    if (StartsWith(text, own)) {
-      EXPECT_THAT(Perform(ParseSchedule(text.substr(own.size())), &std::cout).violations, IsEmpty());
+    if (!StartsWith(text, own)) {
+      GTEST_SKIP() << "another kind of run is asked for";
     }
+    EXPECT_THAT(Perform(ParseSchedule(text.substr(own.size())), &std::cout).violations, IsEmpty());
     return;
   }
   const auto every = static_cast<std::size_t>(FromEnvironment("ORVEX_SCHEDULE_EVERY", kEvery));
+  ASSERT_GT(every, 0U);
   const std::vector<Preemption> all = Explore({}).choices;
   std::size_t ofTwo = 0;
   std::vector<Preemption> first;
