@@ -98,8 +98,8 @@ int Run(int argc, char** argv) {
       "Feeds recordings to the receiver, block by block as the remote would, and prints what it reports: one JSON "
       "object per line. The last one has run_difference_s, the first difference found, by which a run corrects the "
       "delay, and difference_s, the receiver's last one; null: none.\nExit code: 0 a difference was found in every "
-      "file, 1 in some file none was found, 2 wrong "
-      "usage, or a file or standard output that cannot be read or written.");
+      "file, 1 in some file none was found, 2 wrong usage, or a file or standard output that cannot be read or "
+      "written.");
   orvex::tools::NameInMessages(app, "orvex-replay");
   Arguments arguments;
   app.add_option("FILE", arguments.files,
