@@ -1,5 +1,5 @@
 // Begins Ecore.
-#include "ecore_start.h"
+#include "linux/ecore_start.h"
 
 #include <Ecore.h>
 #include <fcntl.h>
@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <vector>
 
-#include "end_signals.h"
+#include "linux/end_signals.h"
 
 namespace orvex::port {
 namespace {

@@ -1,5 +1,5 @@
 // The signals that end a run in order.
-#include "end_signals.h"
+#include "linux/end_signals.h"
 
 #include <fcntl.h>
 #include <signal.h>

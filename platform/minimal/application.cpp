@@ -14,8 +14,8 @@
 #include <optional>
 #include <string>
 
-#include "ecore_start.h"
-#include "end_signals.h"
+#include "linux/ecore_start.h"
+#include "linux/end_signals.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // The windowed sinc of a fractional delay: a Kaiser window that keeps its errors some 80 dB down.
-#include "fractional_kernel.h"
+#include "sim/src/fractional_kernel.h"
 
 #include <cmath>
 #include <cstddef>

@@ -1,12 +1,12 @@
 // Builds the taps of a path.
-#include "impulse_response.h"
+#include "sim/src/impulse_response.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
 
-#include "fractional_kernel.h"
-#include "units.h"
+#include "sim/src/fractional_kernel.h"
+#include "sim/src/units.h"
 
 namespace orvex::sim {
 namespace {

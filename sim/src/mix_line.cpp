@@ -1,5 +1,5 @@
 // The sum of everything that arrives at the microphone. Add() is the models' innermost loop.
-#include "mix_line.h"
+#include "sim/src/mix_line.h"
 
 #include <algorithm>
 

@@ -1,14 +1,14 @@
 // White noise from a seeded generator, and the recording's loop.
-#include "noise_source.h"
+#include "sim/src/noise_source.h"
 
 #include <algorithm>
 #include <cmath>
 #include <stdexcept>
 #include <string>
 
-#include "random.h"
-#include "rate_converter.h"
-#include "units.h"
+#include "sim/src/random.h"
+#include "sim/src/rate_converter.h"
+#include "sim/src/units.h"
 
 namespace orvex::sim {
 namespace {

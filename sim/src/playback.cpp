@@ -1,13 +1,13 @@
 // Splits the played frames into stretches of sound, each with the state that was in force when it was played.
-#include "playback.h"
+#include "sim/src/playback.h"
 
 #include <algorithm>
 #include <cmath>
 #include <utility>
 
 #include "orvex/sim/room.h"
-#include "spdif_delay.h"
-#include "units.h"
+#include "sim/src/spdif_delay.h"
+#include "sim/src/units.h"
 
 namespace orvex::sim {
 namespace {

@@ -1,5 +1,5 @@
 // Makes one random stream from the room's seed and the stream's use.
-#include "random.h"
+#include "sim/src/random.h"
 
 namespace orvex::sim {
 

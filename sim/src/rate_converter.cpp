@@ -1,5 +1,5 @@
 // Calls libsamplerate. The medium quality is the cheapest whose filter leaves 19 kHz untouched at the remote's rate.
-#include "rate_converter.h"
+#include "sim/src/rate_converter.h"
 
 #include <algorithm>
 #include <cmath>

@@ -11,13 +11,13 @@
 #include <optional>
 #include <stdexcept>
 
-#include "fractional_kernel.h"
-#include "impulse_response.h"
-#include "mix_line.h"
-#include "noise_source.h"
-#include "playback.h"
-#include "random.h"
-#include "rate_converter.h"
+#include "sim/src/fractional_kernel.h"
+#include "sim/src/impulse_response.h"
+#include "sim/src/mix_line.h"
+#include "sim/src/noise_source.h"
+#include "sim/src/playback.h"
+#include "sim/src/random.h"
+#include "sim/src/rate_converter.h"
 
 namespace orvex::sim {
 namespace {

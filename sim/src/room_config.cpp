@@ -4,7 +4,7 @@
 #include <sstream>
 #include <tuple>
 
-#include "room_fields.h"
+#include "sim/src/room_fields.h"
 
 namespace orvex::sim {
 namespace {

@@ -1,5 +1,5 @@
 // The table of a room's values. The ranges stand in room_config.h, too.
-#include "room_fields.h"
+#include "sim/src/room_fields.h"
 
 #include <sstream>
 

@@ -10,7 +10,7 @@
 #include <json/value.h>
 #include <json/writer.h>
 
-#include "room_fields.h"
+#include "sim/src/room_fields.h"
 
 namespace orvex::sim {
 namespace {

@@ -1,7 +1,7 @@
 // The arithmetic of the real misalignment.
 #include "orvex/sim/truth.h"
 
-#include "spdif_delay.h"
+#include "sim/src/spdif_delay.h"
 
 namespace orvex::sim {
 namespace {

@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <stdexcept>
 
-#include "random.h"
-#include "units.h"
+#include "sim/src/random.h"
+#include "sim/src/units.h"
 
 namespace orvex::sim {
 

@@ -10,9 +10,9 @@
 #include <mutex>
 #include <string>
 
-#include "parallel.h"
-#include "progress.h"
-#include "run_samples.h"
+#include "bench/run_samples.h"
+#include "integration/parallel.h"
+#include "progress/progress.h"
 
 namespace {
 

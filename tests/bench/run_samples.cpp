@@ -1,5 +1,5 @@
 // Times come from the service's own log, which has microseconds; the rest from the system.
-#include "run_samples.h"
+#include "bench/run_samples.h"
 
 #include <algorithm>
 #include <chrono>
@@ -10,10 +10,10 @@
 #include <string>
 #include <vector>
 
+#include "integration/process.h"
+#include "integration/service_run.h"
+#include "integration/test_television.h"
 #include "orvex/sim/room_config.h"
-#include "process.h"
-#include "service_run.h"
-#include "test_television.h"
 #include "testsound/sound_design.h"
 
 namespace orvex::bench {

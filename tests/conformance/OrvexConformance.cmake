@@ -10,7 +10,7 @@ file(GLOB suiteSources CONFIGURE_DEPENDS ${CMAKE_CURRENT_LIST_DIR}/port_driver.c
                                          ${CMAKE_CURRENT_LIST_DIR}/*_test.cpp)
 add_library(orvex_conformance OBJECT ${suiteSources})
 target_compile_features(orvex_conformance PUBLIC cxx_std_17)
-target_include_directories(orvex_conformance PUBLIC ${CMAKE_CURRENT_LIST_DIR})
+target_include_directories(orvex_conformance PUBLIC ${CMAKE_CURRENT_LIST_DIR}/..)
 # Of Ecore the suite calls what the service calls: timers and pool workers. The port says which Ecore is linked.
 target_include_directories(orvex_conformance SYSTEM PUBLIC ${ecore_INCLUDE_DIRS})
 target_link_libraries(orvex_conformance PUBLIC Orvex::contract GTest::gmock GTest::gtest GTest::gtest_main

@@ -1,9 +1,9 @@
 // Services that a port does not have: each operation fails as its header says and leaves its target untouched.
+#include "conformance/port_test.h"
+#include "conformance/unreachable_sound.h"
+#include "conformance/voice_listener.h"
 #include "orvex/platform/output_delay.h"
 #include "orvex/platform/settings.h"
-#include "port_test.h"
-#include "unreachable_sound.h"
-#include "voice_listener.h"
 
 namespace orvex::conformance {
 namespace {

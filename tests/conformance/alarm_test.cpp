@@ -1,5 +1,5 @@
 // FwAlarm: when it calls, how often, and when no more.
-#include "port_test.h"
+#include "conformance/port_test.h"
 
 namespace orvex::conformance {
 namespace {

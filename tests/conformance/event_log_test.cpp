@@ -1,6 +1,6 @@
 // The event-log collector: a record is kept whole, or not at all.
 #include "orvex/platform/event_log.h"
-#include "port_test.h"
+#include "conformance/port_test.h"
 
 namespace orvex::conformance {
 namespace {

@@ -1,7 +1,7 @@
 // SendEvent(): what reaches the application, when, and in which order.
 #include <array>
 
-#include "port_test.h"
+#include "conformance/port_test.h"
 
 namespace orvex::conformance {
 namespace {

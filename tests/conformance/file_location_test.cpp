@@ -4,7 +4,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "port_test.h"
+#include "conformance/port_test.h"
 
 namespace orvex::conformance {
 namespace {

@@ -1,7 +1,7 @@
 // AppMain(): create step, main loop, destroy step, and the ways in which the main loop ends.
 #include <signal.h>
 
-#include "port_test.h"
+#include "conformance/port_test.h"
 
 namespace orvex::conformance {
 namespace {

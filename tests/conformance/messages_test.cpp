@@ -1,5 +1,5 @@
 // Messages from other applications and the replies to them.
-#include "port_test.h"
+#include "conformance/port_test.h"
 
 namespace orvex::conformance {
 namespace {

@@ -8,7 +8,7 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "port_driver.h"
+#include "conformance/port_driver.h"
 
 namespace orvex::conformance {
 namespace {

@@ -1,6 +1,6 @@
 // The output delay service and the audio control object that reports on the optical output.
 #include "orvex/platform/output_delay.h"
-#include "port_test.h"
+#include "conformance/port_test.h"
 
 namespace orvex::conformance {
 namespace {

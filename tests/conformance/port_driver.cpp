@@ -1,5 +1,5 @@
 // A driver that can tell the time and nothing else.
-#include "port_driver.h"
+#include "conformance/port_driver.h"
 
 #include <pthread.h>
 

@@ -1,5 +1,5 @@
 // The script runs on a timer of the main loop.
-#include "port_test.h"
+#include "conformance/port_test.h"
 
 #include <Ecore.h>
 #include <unistd.h>

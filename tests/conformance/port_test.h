@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-#include "port_driver.h"
+#include "conformance/port_driver.h"
 
 namespace orvex::conformance {
 

@@ -1,6 +1,6 @@
 // Subscriptions to settings: who is told of a write, when, and when no more.
+#include "conformance/port_test.h"
 #include "orvex/platform/settings.h"
-#include "port_test.h"
 
 namespace orvex::conformance {
 namespace {

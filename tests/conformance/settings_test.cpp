@@ -1,8 +1,8 @@
 // settings_get_int(): values, their range and how a read fails.
 #include <climits>
 
+#include "conformance/port_test.h"
 #include "orvex/platform/settings.h"
-#include "port_test.h"
 
 namespace orvex::conformance {
 namespace {

@@ -1,6 +1,6 @@
 // The sound manager: mute and volume as they were set, the selected output, and how an operation fails.
-#include "port_test.h"
-#include "unreachable_sound.h"
+#include "conformance/port_test.h"
+#include "conformance/unreachable_sound.h"
 
 namespace orvex::conformance {
 namespace {

@@ -1,7 +1,7 @@
 // The system log: records whole, unmixed and in order, from any thread and at any time.
 #include "orvex/platform/system_log.h"
 
-#include "port_test.h"
+#include "conformance/port_test.h"
 
 namespace orvex::conformance {
 namespace {

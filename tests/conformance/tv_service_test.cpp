@@ -1,6 +1,6 @@
 // Queries of the television's service layer.
 #include "orvex/platform/tv_service.h"
-#include "port_test.h"
+#include "conformance/port_test.h"
 
 namespace orvex::conformance {
 namespace {

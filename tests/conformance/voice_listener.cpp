@@ -1,5 +1,5 @@
 // Keeps blocks; reads each of their bytes, which a memory checker looks at.
-#include "voice_listener.h"
+#include "conformance/voice_listener.h"
 
 #include <numeric>
 

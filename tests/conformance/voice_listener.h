@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "conformance/port_driver.h"
 #include "orvex/platform/remote_voice.h"
-#include "port_driver.h"
 
 namespace orvex::conformance {
 

@@ -3,8 +3,8 @@
 
 #include <atomic>
 
-#include "port_test.h"
-#include "voice_listener.h"
+#include "conformance/port_test.h"
+#include "conformance/voice_listener.h"
 
 namespace orvex::conformance {
 namespace {

@@ -1,6 +1,6 @@
 // The remote control: commands, blocks as it sends them, its voice window.
-#include "port_test.h"
-#include "voice_listener.h"
+#include "conformance/port_test.h"
+#include "conformance/voice_listener.h"
 
 namespace orvex::conformance {
 namespace {

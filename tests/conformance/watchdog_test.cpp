@@ -1,7 +1,7 @@
 // The watchdog: notifications of a process that is registered, and of one that is not.
 #include "orvex/platform/watchdog.h"
 
-#include "port_test.h"
+#include "conformance/port_test.h"
 
 namespace orvex::conformance {
 namespace {

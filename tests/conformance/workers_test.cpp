@@ -4,7 +4,7 @@
 #include <atomic>
 #include <cstdlib>
 
-#include "port_test.h"
+#include "conformance/port_test.h"
 
 namespace orvex::conformance {
 namespace {

@@ -7,8 +7,8 @@
 #include <fstream>
 #include <stdexcept>
 
-#include "port_driver.h"
-#include "world.h"
+#include "conformance/port_driver.h"
+#include "world/world.h"
 
 namespace orvex::conformance {
 namespace {

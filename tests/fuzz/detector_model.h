@@ -4,7 +4,7 @@
 #include <tuple>
 #include <vector>
 
-#include "receiver_rig.h"
+#include "receiver/receiver_rig.h"
 
 namespace orvex::fuzz {
 

@@ -12,8 +12,8 @@
 #include <memory>
 
 #include "Application/OrvexEventId.h"
-#include "byte_reader.h"
-#include "require.h"
+#include "fuzz/byte_reader.h"
+#include "fuzz/require.h"
 #include "unit/service/blocks.h"
 #include "unit/service/silent_wave.h"
 #include "world/runs/faults.h"

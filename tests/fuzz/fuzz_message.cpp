@@ -12,17 +12,17 @@
 #include <sstream>
 
 #include "Application/OrvexApp.h"
-#include "byte_reader.h"
-#include "main_loop.h"
-#include "message_answer.h"
-#include "message_client.h"
-#include "require.h"
-#include "world.h"
+#include "fuzz/byte_reader.h"
+#include "fuzz/require.h"
+#include "virtual/main_loop.h"
+#include "virtual/message_answer.h"
+#include "virtual/message_client.h"
+#include "world/world.h"
 
 namespace {
 
 using namespace orvex::fuzz;
-using orvex::host::MessageClient;
+using orvex::virtual_tv::MessageClient;
 
 Ecore_Fd_Cb handlerFunction = nullptr;
 const void* handlerData = nullptr;
@@ -132,7 +132,7 @@ void* ecore_main_fd_handler_del(Ecore_Fd_Handler* /*handler*/) {
 }
 void ecore_main_fd_handler_active_set(Ecore_Fd_Handler* /*handler*/, Ecore_Fd_Handler_Flags /*flags*/) {}
 
-bool orvex::host::IsMainLoopEnding() {
+bool orvex::virtual_tv::IsMainLoopEnding() {
   return false;
 }
 
@@ -146,7 +146,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
   orvex::world::World world;
   COrvexApp app;
-  Peer peer([&](const std::string& line) { return orvex::host::AnswerMessage(line, app, mayInject); });
+  Peer peer([&](const std::string& line) { return orvex::virtual_tv::AnswerMessage(line, app, mayInject); });
   for (std::size_t at = 0; at < text.size(); at += piece) {
     peer.Send(text.substr(at, piece));
   }

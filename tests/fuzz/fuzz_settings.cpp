@@ -8,15 +8,15 @@
 #include <fstream>
 #include <memory>
 
-#include "byte_reader.h"
-#include "fault_table.h"
-#include "key_state.h"
+#include "fuzz/byte_reader.h"
+#include "fuzz/require.h"
 #include "orvex/sim/room.h"
 #include "orvex/sim/room_json.h"
-#include "require.h"
-#include "television.h"
-#include "television_files.h"
-#include "television_values.h"
+#include "virtual/fault_table.h"
+#include "virtual/key_state.h"
+#include "virtual/television.h"
+#include "virtual/television_files.h"
+#include "virtual/television_values.h"
 
 namespace {
 
@@ -30,7 +30,7 @@ public:
     char name[] = "/tmp/orvex_fuzz_XXXXXX";
     Require(mkdtemp(name) != nullptr, "a directory in /tmp");
     m_Path = name;
-    host::Television(m_Path).Create();
+    virtual_tv::Television(m_Path).Create();
   }
   ~Folder() { std::filesystem::remove_all(m_Path); }
   Folder(const Folder&) = delete;
@@ -73,7 +73,7 @@ void ReadRoom(const std::string& text) {
 
 void ReadFaults(const std::string& text) {
   try {
-    const host::FaultTable table = host::ParseFaults(text);
+    const virtual_tv::FaultTable table = virtual_tv::ParseFaults(text);
     Require(text.find('\0') == std::string::npos, "a text that is no JSON is refused");
     for (const auto& [name, answer] : table.answers) {
       Require(!answer.always || (answer.calls.size() == 1 && answer.calls.front().has_value()), "one answer for ever");
@@ -87,24 +87,24 @@ void ReadFaults(const std::string& text) {
 }
 
 void WriteValue(const std::string& name, const std::string& text) {
-  const std::vector<host::TelevisionValue>& known = host::TelevisionValues();
+  const std::vector<virtual_tv::TelevisionValue>& known = virtual_tv::TelevisionValues();
   const bool isKnown = std::any_of(known.begin(), known.end(), [&](const auto& value) { return value.name == name; });
-  const host::Television television(isKnown ? Directory() : Directory() / "others");
-  const std::optional<host::TelevisionValue> value = host::DescribeTelevisionValue(name);
+  const virtual_tv::Television television(isKnown ? Directory() : Directory() / "others");
+  const std::optional<virtual_tv::TelevisionValue> value = virtual_tv::DescribeTelevisionValue(name);
   Require(!value.has_value() || television.PathOf(name).lexically_normal() == television.PathOf(name),
           "a value lies within its directory");
   try {
     television.Set(name, text);
     Require(value.has_value(), "only values can be set");
     const std::string written = television.Get(name);
-    Require(written == host::TrimTelevisionText(text), "the text read back is the text written");
+    Require(written == virtual_tv::TrimTelevisionText(text), "the text read back is the text written");
     if (!value->isText) {
       const std::int64_t number = television.GetNumber(name);
       Require(number >= value->minimum && number <= value->maximum, "a number lies in its range");
-      Require(host::ParseTelevisionNumber(std::to_string(number), value->minimum, value->maximum) == number,
+      Require(virtual_tv::ParseTelevisionNumber(std::to_string(number), value->minimum, value->maximum) == number,
               "the number read back is the number written");
     }
-  } catch (const host::TelevisionError& error) {
+  } catch (const virtual_tv::TelevisionError& error) {
     Require(*error.what() != '\0', "an error has a text");
   }
   if (!isKnown) {
@@ -117,12 +117,12 @@ void WriteValue(const std::string& name, const std::string& text) {
 void WatchKey(ByteReader& input) {
   const std::filesystem::path file = Directory() / "settings/key";
   std::filesystem::remove(file);
-  host::KeyState state(file);
+  virtual_tv::KeyState state(file);
   bool isWritten = false;
   while (!input.IsAtEnd()) {
     switch (input.Letter()) {
       case 'r':
-        host::ReplaceFile(file, std::to_string(input.Byte()));
+        virtual_tv::ReplaceFile(file, std::to_string(input.Byte()));
         isWritten = true;
         break;
       case 'o': {

@@ -10,9 +10,9 @@
 #include <array>
 #include <cmath>
 
-#include "byte_reader.h"
-#include "detector_model.h"
-#include "require.h"
+#include "fuzz/byte_reader.h"
+#include "fuzz/detector_model.h"
+#include "fuzz/require.h"
 
 namespace {
 

@@ -7,8 +7,8 @@
 #include <fstream>
 
 #include "Application/OrvexSoundPlayer.h"
-#include "require.h"
-#include "world.h"
+#include "fuzz/require.h"
+#include "world/world.h"
 
 namespace {
 

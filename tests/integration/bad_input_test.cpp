@@ -6,7 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "expectation.h"
+#include "integration/expectation.h"
 #include "testsound/wave_file.h"
 
 namespace orvex::integration {

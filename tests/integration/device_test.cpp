@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "expectation.h"
+#include "integration/expectation.h"
 
 namespace orvex::integration {
 namespace {

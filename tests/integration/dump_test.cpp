@@ -10,7 +10,7 @@
 #include <fstream>
 #include <regex>
 
-#include "expectation.h"
+#include "integration/expectation.h"
 
 namespace orvex::integration {
 namespace {

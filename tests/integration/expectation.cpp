@@ -1,5 +1,5 @@
 // Compares what a run has left behind with what it must leave.
-#include "expectation.h"
+#include "integration/expectation.h"
 
 #include <algorithm>
 #include <cmath>

@@ -6,8 +6,8 @@
 #include <optional>
 #include <string>
 
-#include "expected_log.h"
-#include "scenario.h"
+#include "integration/expected_log.h"
+#include "integration/scenario.h"
 
 namespace orvex::integration {
 

@@ -1,5 +1,5 @@
 // The lines of each happening.
-#include "expected_log.h"
+#include "integration/expected_log.h"
 
 namespace orvex::integration {
 

@@ -14,9 +14,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "parallel.h"
-#include "process.h"
-#include "test_television.h"
+#include "integration/parallel.h"
+#include "integration/process.h"
+#include "integration/test_television.h"
 
 namespace orvex::integration {
 namespace {

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "expectation.h"
+#include "integration/expectation.h"
 
 namespace orvex::integration {
 namespace {

@@ -1,5 +1,5 @@
 // Takes the lines of a service.log apart and compares them with patterns.
-#include "log_lines.h"
+#include "integration/log_lines.h"
 
 #include <algorithm>
 #include <array>

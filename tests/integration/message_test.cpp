@@ -4,7 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "expectation.h"
+#include "integration/expectation.h"
 
 namespace orvex::integration {
 namespace {

@@ -10,8 +10,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "log_lines.h"
-#include "process.h"
+#include "integration/log_lines.h"
+#include "integration/process.h"
 
 namespace orvex::integration {
 namespace {

@@ -1,5 +1,5 @@
 // Makes sounds; measures one frequency of a block by definition.
-#include "noise.h"
+#include "integration/noise.h"
 
 #include <cmath>
 #include <complex>

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "common/manager_socket.h"
-#include "service_run.h"
+#include "integration/service_run.h"
 
 namespace orvex::integration {
 namespace {

@@ -4,8 +4,8 @@
 
 #include <gtest/gtest.h>
 
-#include "expectation.h"
-#include "noise.h"
+#include "integration/expectation.h"
+#include "integration/noise.h"
 
 namespace orvex::integration {
 namespace {

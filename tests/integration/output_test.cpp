@@ -11,8 +11,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "test_television.h"
-#include "tool_run.h"
+#include "integration/test_television.h"
+#include "integration/tool_run.h"
 
 namespace orvex::integration {
 namespace {

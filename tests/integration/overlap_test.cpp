@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-#include "expectation.h"
+#include "integration/expectation.h"
 
 namespace orvex::integration {
 namespace {

@@ -1,5 +1,5 @@
 // A few threads that share out the numbers.
-#include "parallel.h"
+#include "integration/parallel.h"
 
 #include <algorithm>
 #include <atomic>

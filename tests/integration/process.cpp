@@ -1,5 +1,5 @@
 // Starts programs by posix_spawn, which is safe from any thread, and waits for them by a process descriptor.
-#include "process.h"
+#include "integration/process.h"
 
 #include <fcntl.h>
 #include <poll.h>

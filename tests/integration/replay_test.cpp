@@ -7,8 +7,8 @@
 #include <memory>
 #include <sstream>
 
-#include "test_television.h"
-#include "tool_run.h"
+#include "integration/test_television.h"
+#include "integration/tool_run.h"
 
 namespace orvex::integration {
 namespace {

@@ -1,10 +1,10 @@
 // Performs scenarios and collects what they leave behind.
-#include "scenario.h"
+#include "integration/scenario.h"
 
 #include <algorithm>
 #include <filesystem>
 
-#include "parallel.h"
+#include "integration/parallel.h"
 #include "tv/event_records.h"
 
 namespace orvex::integration {
@@ -13,7 +13,7 @@ namespace {
 std::int64_t NumberOrMinusOne(const TestTelevision& television, const char* name) {
   try {
     return television.Get(name);
-  } catch (const host::TelevisionError&) {
+  } catch (const virtual_tv::TelevisionError&) {
     return -1;
   }
 }

@@ -9,7 +9,7 @@
 
 #include <json/value.h>
 
-#include "service_run.h"
+#include "integration/service_run.h"
 
 namespace orvex::integration {
 

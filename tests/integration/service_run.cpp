@@ -1,5 +1,5 @@
 // Follows a running service by its log file: inotify tells of every write.
-#include "service_run.h"
+#include "integration/service_run.h"
 
 #include <poll.h>
 #include <signal.h>

@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "log_lines.h"
-#include "process.h"
-#include "test_television.h"
+#include "integration/log_lines.h"
+#include "integration/process.h"
+#include "integration/test_television.h"
 
 namespace orvex::integration {
 

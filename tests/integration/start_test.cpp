@@ -10,8 +10,8 @@
 #include <filesystem>
 #include <random>
 
-#include "expectation.h"
-#include "parallel.h"
+#include "integration/expectation.h"
+#include "integration/parallel.h"
 
 namespace orvex::integration {
 namespace {

@@ -1,5 +1,5 @@
 // Makes, fills and removes the directory of a virtual television.
-#include "test_television.h"
+#include "integration/test_television.h"
 
 #include <stdlib.h>
 

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "orvex/sim/room_config.h"
-#include "television.h"
+#include "virtual/television.h"
 
 namespace orvex::integration {
 
@@ -35,7 +35,7 @@ public:
   void Remove(const std::string& name) const;
 
 private:
-  host::Television m_Television;
+  virtual_tv::Television m_Television;
 };
 
 // The whole file; empty when there is none, or something else.

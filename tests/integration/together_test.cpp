@@ -1,7 +1,7 @@
 // Two services at the same time, each on a television of its own.
 #include <gtest/gtest.h>
 
-#include "expectation.h"
+#include "integration/expectation.h"
 
 namespace orvex::integration {
 namespace {

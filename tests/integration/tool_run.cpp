@@ -1,12 +1,12 @@
 // Runs the commands with their output in files.
-#include "tool_run.h"
+#include "integration/tool_run.h"
 
 #include <json/reader.h>
 
 #include <filesystem>
 #include <memory>
 
-#include "test_television.h"
+#include "integration/test_television.h"
 
 namespace orvex::integration {
 

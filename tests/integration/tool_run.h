@@ -6,7 +6,7 @@
 
 #include <json/value.h>
 
-#include "process.h"
+#include "integration/process.h"
 
 namespace orvex::integration {
 

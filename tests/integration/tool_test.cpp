@@ -5,9 +5,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "expectation.h"
-#include "parallel.h"
-#include "tool_run.h"
+#include "integration/expectation.h"
+#include "integration/parallel.h"
+#include "integration/tool_run.h"
 
 namespace orvex::integration {
 namespace {

@@ -2,7 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tool_run.h"
+#include "integration/tool_run.h"
 
 namespace orvex::integration {
 namespace {

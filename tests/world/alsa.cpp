@@ -4,7 +4,7 @@
 #include <cerrno>
 #include <cstring>
 
-#include "world.h"
+#include "world/world.h"
 
 using orvex::world::PcmDevice;
 using orvex::world::Quoted;

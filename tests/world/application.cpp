@@ -3,7 +3,7 @@
 
 #include <cstdlib>
 
-#include "world.h"
+#include "world/world.h"
 
 using orvex::world::Lane;
 using orvex::world::Scheduler;

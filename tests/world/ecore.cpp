@@ -4,7 +4,7 @@
 #include <memory>
 #include <stdexcept>
 
-#include "world.h"
+#include "world/world.h"
 
 using orvex::world::Lane;
 using orvex::world::Scheduler;

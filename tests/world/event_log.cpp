@@ -1,7 +1,7 @@
 // The event-log collector in virtual time.
 #include "orvex/platform/event_log.h"
 
-#include "world.h"
+#include "world/world.h"
 
 using orvex::world::World;
 

@@ -1,7 +1,7 @@
 // File locations in virtual time: the one file that the service looks for is where the test says.
 #include "orvex/platform/file_location.h"
 
-#include "world.h"
+#include "world/world.h"
 
 using orvex::world::World;
 

@@ -2,7 +2,7 @@
 #include <cerrno>
 #include <cstdio>
 
-#include "world.h"
+#include "world/world.h"
 
 using orvex::world::World;
 

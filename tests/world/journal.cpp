@@ -1,5 +1,5 @@
 // What a world saw.
-#include "journal.h"
+#include "world/journal.h"
 
 #include <algorithm>
 #include <iomanip>

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "orvex/platform/system_log.h"
-#include "scheduler.h"
+#include "world/scheduler.h"
 
 namespace orvex::world {
 

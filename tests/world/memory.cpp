@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <new>
 
-#include "world.h"
+#include "world/world.h"
 
 using orvex::world::World;
 

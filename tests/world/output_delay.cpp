@@ -1,7 +1,7 @@
 // The output delay service and the audio control object in virtual time.
 #include "orvex/platform/output_delay.h"
 
-#include "world.h"
+#include "world/world.h"
 
 using orvex::world::World;
 

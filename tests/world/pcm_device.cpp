@@ -1,5 +1,5 @@
 // A playback device in virtual time.
-#include "pcm_device.h"
+#include "world/pcm_device.h"
 
 #include <algorithm>
 #include <cerrno>

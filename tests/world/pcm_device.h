@@ -7,7 +7,7 @@
 #include <functional>
 #include <vector>
 
-#include "scheduler.h"
+#include "world/scheduler.h"
 
 namespace orvex::world {
 

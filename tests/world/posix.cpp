@@ -6,7 +6,7 @@
 
 #include <cerrno>
 
-#include "world.h"
+#include "world/world.h"
 
 using orvex::world::Time;
 using orvex::world::VirtualThread;

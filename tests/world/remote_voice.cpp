@@ -5,7 +5,7 @@
 #include <cerrno>
 #include <cstdio>
 
-#include "world.h"
+#include "world/world.h"
 
 using orvex::world::Quoted;
 using orvex::world::World;

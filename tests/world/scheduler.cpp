@@ -1,5 +1,5 @@
 // Virtual time and threads that take turns.
-#include "scheduler.h"
+#include "world/scheduler.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 // The sound manager in virtual time.
 #include "orvex/platform/sound_manager.h"
 
-#include "world.h"
+#include "world/world.h"
 
 using orvex::world::World;
 

@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <string>
 
-#include "world.h"
+#include "world/world.h"
 
 using orvex::world::World;
 

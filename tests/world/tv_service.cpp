@@ -1,7 +1,7 @@
 // The television's service layer in virtual time.
 #include "orvex/platform/tv_service.h"
 
-#include "world.h"
+#include "world/world.h"
 
 using orvex::world::World;
 

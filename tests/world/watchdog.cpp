@@ -1,7 +1,7 @@
 // The watchdog in virtual time.
 #include "orvex/platform/watchdog.h"
 
-#include "world.h"
+#include "world/world.h"
 
 using orvex::world::World;
 

@@ -1,5 +1,5 @@
 // A television in virtual time.
-#include "world.h"
+#include "world/world.h"
 
 #include <stdexcept>
 #include <utility>

@@ -14,7 +14,6 @@
 #include <string>
 #include <vector>
 
-#include "journal.h"
 #include "orvex/platform/application.h"
 #include "orvex/platform/event_log.h"
 #include "orvex/platform/output_delay.h"
@@ -23,8 +22,9 @@
 #include "orvex/platform/tv_service.h"
 #include "orvex/sim/room.h"
 #include "orvex/sim/voice_channel.h"
-#include "pcm_device.h"
-#include "scheduler.h"
+#include "world/journal.h"
+#include "world/pcm_device.h"
+#include "world/scheduler.h"
 
 namespace orvex::world {
 

@@ -1,5 +1,5 @@
 // Notes signals.
-#include "interruption.h"
+#include "progress/interruption.h"
 
 #include <signal.h>
 

@@ -1,5 +1,5 @@
 // How far a long command is, on stderr.
-#include "progress.h"
+#include "progress/progress.h"
 
 #include <unistd.h>
 

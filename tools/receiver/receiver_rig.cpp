@@ -1,6 +1,6 @@
 // The shipped receiver without a television. It tells of itself in its log lines; the rig's log takes their values
 // before they are rounded into a text, and formats nothing.
-#include "receiver_rig.h"
+#include "receiver/receiver_rig.h"
 
 #include <cstdarg>
 #include <cstring>

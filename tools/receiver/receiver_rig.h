@@ -6,7 +6,7 @@
 #include <cstdint>
 
 #include "Application/OrvexReceiver.h"
-#include "buffer_count.h"
+#include "receiver/buffer_count.h"
 
 namespace orvex::tools {
 

@@ -1,12 +1,12 @@
 // Draws a chart.
-#include "chart.h"
+#include "replay/chart.h"
 
 #include <algorithm>
 #include <cmath>
 #include <set>
 
-#include "detector_limits.h"
-#include "text.h"
+#include "replay/detector_limits.h"
+#include "replay/text.h"
 
 namespace orvex::tools {
 namespace {

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "curve.h"
+#include "replay/curve.h"
 
 namespace orvex::tools {
 

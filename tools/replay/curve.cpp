@@ -1,5 +1,5 @@
 // Thins curves.
-#include "curve.h"
+#include "replay/curve.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,13 +1,13 @@
 // Puts the receiver's decision into words.
-#include "explanation.h"
+#include "replay/explanation.h"
 
 #include <algorithm>
 #include <cmath>
 #include <iterator>
 
-#include "detector_limits.h"
-#include "findings.h"
-#include "text.h"
+#include "replay/detector_limits.h"
+#include "replay/findings.h"
+#include "replay/text.h"
 
 namespace orvex::tools {
 namespace {

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "run_record.h"
+#include "replay/run_record.h"
 
 namespace orvex::tools {
 

@@ -1,9 +1,9 @@
 // Follows the receiver through a recording.
-#include "findings.h"
+#include "replay/findings.h"
 
 #include <algorithm>
 
-#include "detector_limits.h"
+#include "replay/detector_limits.h"
 
 namespace orvex::tools {
 namespace {

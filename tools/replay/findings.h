@@ -5,7 +5,7 @@
 #include <optional>
 #include <vector>
 
-#include "run_record.h"
+#include "replay/run_record.h"
 
 namespace orvex::tools {
 

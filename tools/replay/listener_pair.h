@@ -1,7 +1,7 @@
 // Two listeners in the place of one.
 #pragma once
 
-#include "receiver_rig.h"
+#include "receiver/receiver_rig.h"
 
 namespace orvex::tools {
 

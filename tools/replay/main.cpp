@@ -6,16 +6,16 @@
 #include <string>
 #include <vector>
 
-#include "listener_pair.h"
 #include "options/usage_message.h"
 #include "output/output_file.h"
 #include "output/standard_output.h"
-#include "progress.h"
-#include "receiver_rig.h"
-#include "recording.h"
-#include "report_lines.h"
-#include "report_page.h"
-#include "run_record.h"
+#include "progress/progress.h"
+#include "receiver/receiver_rig.h"
+#include "replay/listener_pair.h"
+#include "replay/recording.h"
+#include "replay/report_lines.h"
+#include "replay/report_page.h"
+#include "replay/run_record.h"
 
 namespace {
 

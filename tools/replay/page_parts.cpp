@@ -1,5 +1,5 @@
 // Style, cursor, legends and notes of the page.
-#include "page_parts.h"
+#include "replay/page_parts.h"
 
 namespace orvex::tools {
 

@@ -1,5 +1,5 @@
 // Reads debug dumps and WAV files.
-#include "recording.h"
+#include "replay/recording.h"
 
 #include <sndfile.h>
 

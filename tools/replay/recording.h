@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "receiver_rig.h"
+#include "receiver/receiver_rig.h"
 
 namespace orvex::tools {
 

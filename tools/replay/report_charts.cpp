@@ -1,14 +1,14 @@
 // Draws what the receiver measured and reported.
-#include "report_charts.h"
+#include "replay/report_charts.h"
 
 #include <algorithm>
 #include <cmath>
 #include <functional>
 #include <limits>
 
-#include "detector_limits.h"
-#include "findings.h"
-#include "text.h"
+#include "replay/detector_limits.h"
+#include "replay/findings.h"
+#include "replay/text.h"
 
 namespace orvex::tools {
 namespace {

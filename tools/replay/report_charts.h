@@ -4,8 +4,8 @@
 #include <optional>
 #include <string>
 
-#include "chart.h"
-#include "run_record.h"
+#include "replay/chart.h"
+#include "replay/run_record.h"
 
 namespace orvex::tools {
 

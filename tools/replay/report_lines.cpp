@@ -1,5 +1,5 @@
 // What the receiver reports about a recording, as JSON objects.
-#include "report_lines.h"
+#include "replay/report_lines.h"
 
 #include <optional>
 #include <utility>

@@ -8,8 +8,8 @@
 #include <ostream>
 #include <string>
 
-#include "receiver_rig.h"
-#include "run_record.h"
+#include "receiver/receiver_rig.h"
+#include "replay/run_record.h"
 
 namespace orvex::tools {
 

@@ -1,15 +1,15 @@
 // Puts the page together.
-#include "report_page.h"
+#include "replay/report_page.h"
 
 #include <algorithm>
 #include <sstream>
 
-#include "detector_limits.h"
-#include "explanation.h"
-#include "page_parts.h"
-#include "report_charts.h"
-#include "report_tables.h"
-#include "text.h"
+#include "replay/detector_limits.h"
+#include "replay/explanation.h"
+#include "replay/page_parts.h"
+#include "replay/report_charts.h"
+#include "replay/report_tables.h"
+#include "replay/text.h"
 
 namespace orvex::tools {
 namespace {

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <string>
 
-#include "run_record.h"
+#include "replay/run_record.h"
 
 namespace orvex::tools {
 

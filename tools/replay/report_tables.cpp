@@ -1,13 +1,13 @@
 // Writes the tables.
-#include "report_tables.h"
+#include "replay/report_tables.h"
 
 #include <algorithm>
 #include <functional>
 #include <sstream>
 
-#include "detector_limits.h"
-#include "findings.h"
-#include "text.h"
+#include "replay/detector_limits.h"
+#include "replay/findings.h"
+#include "replay/text.h"
 
 namespace orvex::tools {
 namespace {

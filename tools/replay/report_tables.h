@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "run_record.h"
+#include "replay/run_record.h"
 
 namespace orvex::tools {
 

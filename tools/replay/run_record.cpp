@@ -1,9 +1,9 @@
 // Keeps what the receiver reports.
-#include "run_record.h"
+#include "replay/run_record.h"
 
 #include <algorithm>
 
-#include "detector_limits.h"
+#include "replay/detector_limits.h"
 
 namespace orvex::tools {
 

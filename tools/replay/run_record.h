@@ -5,7 +5,7 @@
 #include <optional>
 #include <vector>
 
-#include "receiver_rig.h"
+#include "receiver/receiver_rig.h"
 
 namespace orvex::tools {
 

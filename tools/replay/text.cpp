@@ -1,11 +1,11 @@
 // Texts of the report.
-#include "text.h"
+#include "replay/text.h"
 
 #include <cmath>
 #include <cstdarg>
 #include <cstdio>
 
-#include "detector_limits.h"
+#include "replay/detector_limits.h"
 
 namespace orvex::tools {
 

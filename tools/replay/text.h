@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "receiver_rig.h"
+#include "receiver/receiver_rig.h"
 
 namespace orvex::tools {
 

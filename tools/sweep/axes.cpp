@@ -1,13 +1,13 @@
 // The axes' table, and how their values are read and drawn.
-#include "axes.h"
+#include "sweep/axes.h"
 
 #include <algorithm>
 #include <cstdlib>
 #include <sstream>
 #include <stdexcept>
 
-#include "disturbance.h"
 #include "orvex/sim/room_config.h"
+#include "sweep/disturbance.h"
 #include "testsound/sound_design.h"
 
 namespace orvex::tools {

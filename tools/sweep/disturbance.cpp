@@ -1,5 +1,5 @@
 // Makes the sounds that are not ours.
-#include "disturbance.h"
+#include "sweep/disturbance.h"
 
 #include <algorithm>
 #include <cmath>

@@ -8,16 +8,16 @@
 #include <string>
 #include <thread>
 
-#include "interruption.h"
 #include "options/usage_message.h"
 #include "options/whole_number.h"
 #include "output/output_file.h"
 #include "output/standard_output.h"
-#include "plan.h"
-#include "plot.h"
-#include "progress.h"
-#include "report.h"
-#include "sweep.h"
+#include "progress/interruption.h"
+#include "progress/progress.h"
+#include "sweep/plan.h"
+#include "sweep/plot.h"
+#include "sweep/report.h"
+#include "sweep/sweep.h"
 
 namespace {
 

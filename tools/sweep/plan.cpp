@@ -1,5 +1,5 @@
 // Draws rooms.
-#include "plan.h"
+#include "sweep/plan.h"
 
 #include <algorithm>
 #include <cmath>

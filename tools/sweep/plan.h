@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "axes.h"
+#include "sweep/axes.h"
+#include "sweep/trial.h"
 #include "testsound/sound_design.h"
-#include "trial.h"
 
 namespace orvex::tools {
 

@@ -1,5 +1,5 @@
 // Figures of a sweep, drawn by gnuplot.
-#include "plot.h"
+#include "sweep/plot.h"
 
 #include <fcntl.h>
 #include <spawn.h>

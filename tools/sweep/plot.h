@@ -4,8 +4,8 @@
 #include <ostream>
 #include <string>
 
-#include "plan.h"
-#include "sweep.h"
+#include "sweep/plan.h"
+#include "sweep/sweep.h"
 
 namespace orvex::tools {
 

@@ -1,5 +1,5 @@
 // A sweep's table and its CSV file.
-#include "report.h"
+#include "sweep/report.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -3,8 +3,8 @@
 
 #include <ostream>
 
-#include "plan.h"
-#include "sweep.h"
+#include "sweep/plan.h"
+#include "sweep/sweep.h"
 
 namespace orvex::tools {
 

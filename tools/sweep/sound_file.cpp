@@ -7,7 +7,7 @@
 #include <stdexcept>
 
 #include "Application/OrvexReceiver.h"
-#include "disturbance.h"
+#include "sweep/disturbance.h"
 
 namespace orvex::tools {
 namespace {

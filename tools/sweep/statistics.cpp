@@ -1,5 +1,5 @@
 // The figures of one table row.
-#include "statistics.h"
+#include "sweep/statistics.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,5 +1,5 @@
 // Rooms are handed out by number and their results kept by number.
-#include "sweep.h"
+#include "sweep/sweep.h"
 
 #include <algorithm>
 #include <atomic>

@@ -5,9 +5,9 @@
 #include <functional>
 #include <vector>
 
-#include "disturbance.h"
-#include "plan.h"
-#include "statistics.h"
+#include "sweep/disturbance.h"
+#include "sweep/plan.h"
+#include "sweep/statistics.h"
 
 namespace orvex::tools {
 

@@ -1,5 +1,5 @@
 // A run in virtual time.
-#include "trial.h"
+#include "sweep/trial.h"
 
 #include <algorithm>
 #include <array>
@@ -7,7 +7,7 @@
 
 #include "orvex/sim/room.h"
 #include "orvex/sim/voice_channel.h"
-#include "receiver_rig.h"
+#include "receiver/receiver_rig.h"
 
 namespace orvex::tools {
 namespace {

@@ -6,15 +6,15 @@
 
 #include "options/usage_message.h"
 #include "orvex/sim/room_config.h"
-#include "television.h"
 #include "tv/commands.h"
 #include "tv/errors.h"
+#include "virtual/television.h"
 
 namespace orvex::tools {
 namespace {
 
-int ExitCodeOf(const host::TelevisionError& error) {
-  using Cause = host::TelevisionError::Cause;
+int ExitCodeOf(const virtual_tv::TelevisionError& error) {
+  using Cause = virtual_tv::TelevisionError::Cause;
   const bool usage = error.GetCause() == Cause::kUnknownName || error.GetCause() == Cause::kBadValue;
   return usage ? kExitUsage : kExitFailed;
 }
@@ -47,7 +47,7 @@ int RunCommandLine(int argc, const char* const* argv) {
     return Complain(error, kExitUsage);
   } catch (const sim::RoomError& error) {
     return Complain(error, kExitUsage);
-  } catch (const host::TelevisionError& error) {
+  } catch (const virtual_tv::TelevisionError& error) {
     return Complain(error, ExitCodeOf(error));
   } catch (const std::exception& error) {
     return Complain(error, kExitFailed);

@@ -9,12 +9,12 @@
 #include <stdexcept>
 #include <system_error>
 
-#include "fault_table.h"
 #include "orvex/sim/room_json.h"
 #include "orvex/sim/truth.h"
-#include "television_files.h"
 #include "tv/errors.h"
 #include "tv/text_files.h"
+#include "virtual/fault_table.h"
+#include "virtual/television_files.h"
 
 namespace orvex::tools {
 namespace {
@@ -33,7 +33,7 @@ std::filesystem::path MakeTemporaryFolder() {
 
 void CheckFaults(const std::string& text, const std::string& path) {
   try {
-    static_cast<void>(host::ParseFaults(text));
+    static_cast<void>(virtual_tv::ParseFaults(text));
   } catch (const std::runtime_error& problem) {
     throw UsageError(path + ": " + problem.what());
   }
@@ -74,10 +74,10 @@ void RunTelevision::Prepare(const TelevisionOptions& options) {
   const std::string roomPath = m_Television.PathOf(kRoomFile).string();
   m_Room = options.room.Override(room ? *room : sim::ParseRoom(ReadTextFile(roomPath), roomPath));
   if (!options.room.Empty()) {
-    host::ReplaceFile(roomPath, sim::RoomToJson(m_Room));
+    virtual_tv::ReplaceFile(roomPath, sim::RoomToJson(m_Room));
   }
   if (!options.faultsFile.empty()) {
-    host::ReplaceFile(m_Television.PathOf(kFaultsFile), faults);
+    virtual_tv::ReplaceFile(m_Television.PathOf(kFaultsFile), faults);
   }
   if (options.baseDelayMs) {
     m_Television.Set(kDelay, std::to_string(*options.baseDelayMs));
@@ -87,7 +87,7 @@ void RunTelevision::Prepare(const TelevisionOptions& options) {
 std::optional<std::int64_t> RunTelevision::DelayMs() const {
   try {
     return m_Television.GetNumber(kDelay);
-  } catch (const host::TelevisionError&) {
+  } catch (const virtual_tv::TelevisionError&) {
     return std::nullopt;
   }
 }

@@ -6,8 +6,8 @@
 #include <string>
 
 #include "orvex/sim/room_config.h"
-#include "television.h"
 #include "tv/room_options.h"
+#include "virtual/television.h"
 
 namespace orvex::tools {
 
@@ -21,14 +21,14 @@ struct TelevisionOptions {
 // What the options do not say stays as it is on an existing television, and is the default on a new one.
 class RunTelevision {
 public:
-  // Throws UsageError, sim::RoomError or host::TelevisionError; a television that existed is then unchanged, its
+  // Throws UsageError, sim::RoomError or virtual_tv::TelevisionError; a television that existed is then unchanged, its
   // missing files aside.
   explicit RunTelevision(const TelevisionOptions& options);
   ~RunTelevision();
   RunTelevision(const RunTelevision&) = delete;
   RunTelevision& operator=(const RunTelevision&) = delete;
 
-  const host::Television& Get() const { return m_Television; }
+  const virtual_tv::Television& Get() const { return m_Television; }
   std::string EventFile() const { return m_Television.PathOf("events.jsonl").string(); }
   // The optical output's delay in force; empty when it cannot be read.
   std::optional<std::int64_t> DelayMs() const;
@@ -39,7 +39,7 @@ private:
   void Prepare(const TelevisionOptions& options);
 
   bool m_IsTemporary;
-  host::Television m_Television;
+  virtual_tv::Television m_Television;
   sim::RoomConfig m_Room;
 };
 

@@ -6,7 +6,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include "television.h"
+#include "virtual/television.h"
 
 namespace orvex::tools {
 
@@ -14,9 +14,9 @@ inline void AddTelevisionOption(CLI::App& command, std::string& directory) {
   command.add_option("--tv", directory, "directory of the television; default: what ORVEX_TV names")->type_name("DIR");
 }
 
-inline host::Television TelevisionOf(const std::string& directory) {
-  return host::Television(directory.empty() ? host::Television::DirectoryFromEnvironment()
-                                            : std::filesystem::absolute(directory));
+inline virtual_tv::Television TelevisionOf(const std::string& directory) {
+  return virtual_tv::Television(directory.empty() ? virtual_tv::Television::DirectoryFromEnvironment()
+                                                  : std::filesystem::absolute(directory));
 }
 
 }  // namespace orvex::tools

@@ -3,15 +3,15 @@
 
 #include <system_error>
 
-#include "television_files.h"
 #include "tv/errors.h"
+#include "virtual/television_files.h"
 
 namespace orvex::tools {
 
 std::string ReadTextFile(const std::string& path) {
   constexpr std::size_t kLargest = 1u << 20;
   try {
-    std::string text = host::ReadSmallFile(path, kLargest);
+    std::string text = virtual_tv::ReadSmallFile(path, kLargest);
     if (text.size() > kLargest) {
       throw UsageError(path + ": too large, expected at most " + std::to_string(kLargest) + " bytes");
     }

@@ -23,27 +23,27 @@ void Get(const ValueArguments& arguments) {
 
 void Set(const ValueArguments& arguments) {
   const std::string name = FullValueName(arguments.name);
-  const host::Television television = TelevisionOf(arguments.directory);
+  const virtual_tv::Television television = TelevisionOf(arguments.directory);
   television.Create();
   television.Set(name, arguments.value);
 }
 
 // What the television has; a value that is missing or bad is shown as such.
-std::string ValueOrProblem(const host::Television& television, const std::string& name) {
+std::string ValueOrProblem(const virtual_tv::Television& television, const std::string& name) {
   try {
     return television.Get(name);
-  } catch (const host::TelevisionError& error) {
-    return error.GetCause() == host::TelevisionError::Cause::kMissing ? "(missing)" : "(unreadable)";
+  } catch (const virtual_tv::TelevisionError& error) {
+    return error.GetCause() == virtual_tv::TelevisionError::Cause::kMissing ? "(missing)" : "(unreadable)";
   }
 }
 
-std::string RangeOf(const host::TelevisionValue& value) {
+std::string RangeOf(const virtual_tv::TelevisionValue& value) {
   return value.isText ? "text" : std::to_string(value.minimum) + ".." + std::to_string(value.maximum);
 }
 
 void List(const ValueArguments& arguments) {
-  const host::Television television = TelevisionOf(arguments.directory);
-  for (const host::TelevisionValue& value : host::TelevisionValues()) {
+  const virtual_tv::Television television = TelevisionOf(arguments.directory);
+  for (const virtual_tv::TelevisionValue& value : virtual_tv::TelevisionValues()) {
     std::printf("%-62s %12s %-3s %-24s %s\n", value.name.c_str(), ValueOrProblem(television, value.name).c_str(),
                 value.unit.c_str(), RangeOf(value).c_str(), value.meaning.c_str());
   }

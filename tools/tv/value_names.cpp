@@ -5,8 +5,8 @@
 #include <filesystem>
 #include <vector>
 
-#include "television_values.h"
 #include "tv/errors.h"
+#include "virtual/television_values.h"
 
 namespace orvex::tools {
 namespace {
@@ -27,12 +27,12 @@ std::string Lines(const std::vector<std::string>& names) {
 }  // namespace
 
 std::string FullValueName(const std::string& name) {
-  if (host::DescribeTelevisionValue(name)) {
+  if (virtual_tv::DescribeTelevisionValue(name)) {
     return name;
   }
   std::vector<std::string> all;
   std::vector<std::string> meant;
-  for (const host::TelevisionValue& value : host::TelevisionValues()) {
+  for (const virtual_tv::TelevisionValue& value : virtual_tv::TelevisionValues()) {
     all.push_back(value.name);
     if (HasPart(value.name, name)) {
       meant.push_back(value.name);

@@ -7,7 +7,7 @@
 #include <new>
 
 #include "Application/OrvexApp.h"
-#include "world.h"
+#include "world/world.h"
 
 namespace {
 

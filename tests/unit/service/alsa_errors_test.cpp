@@ -4,7 +4,7 @@
 
 #include <cerrno>
 
-#include "two_chunks_support.h"
+#include "unit/service/two_chunks_support.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <cerrno>
 
 #include "Common/AlsaAudio.h"
-#include "sound_support.h"
+#include "unit/service/sound_support.h"
 
 namespace {
 

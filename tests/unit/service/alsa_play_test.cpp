@@ -7,7 +7,7 @@
 #include <set>
 
 #include "Common/AlsaAudio.h"
-#include "sound_support.h"
+#include "unit/service/sound_support.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <memory>
 #include <stdexcept>
 
-#include "world.h"
+#include "world/world.h"
 
 namespace {
 

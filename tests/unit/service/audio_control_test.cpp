@@ -8,8 +8,8 @@
 
 #include "Util/DebugDump.h"
 #include "Util/Singleton.h"
-#include "dump_support.h"
-#include "world.h"
+#include "unit/service/dump_support.h"
+#include "world/world.h"
 
 namespace {
 

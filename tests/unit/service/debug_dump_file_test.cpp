@@ -11,8 +11,8 @@
 #include <fstream>
 #include <string>
 
-#include "dump_support.h"
-#include "world.h"
+#include "unit/service/dump_support.h"
+#include "world/world.h"
 
 namespace {
 

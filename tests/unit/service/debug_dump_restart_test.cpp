@@ -6,8 +6,8 @@
 #include <string>
 
 #include "Util/DebugDumpImplFile.h"
-#include "dump_support.h"
-#include "world.h"
+#include "unit/service/dump_support.h"
+#include "world/world.h"
 
 namespace {
 

@@ -10,7 +10,7 @@
 #include <system_error>
 #include <vector>
 
-#include "journal.h"
+#include "world/journal.h"
 
 namespace orvex::service_tests {
 

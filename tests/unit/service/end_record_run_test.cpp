@@ -2,8 +2,8 @@
 #include <cerrno>
 #include <string>
 
-#include "record_run_support.h"
-#include "run_support.h"
+#include "unit/service/record_run_support.h"
+#include "unit/service/run_support.h"
 
 namespace {
 

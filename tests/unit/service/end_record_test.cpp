@@ -3,7 +3,7 @@
 #include <locale>
 #include <string>
 
-#include "record_run_support.h"
+#include "unit/service/record_run_support.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include "Common/AudioControl.h"
 #include "Util/DebugDump.h"
 #include "Util/Singleton.h"
-#include "run_support.h"
+#include "unit/service/run_support.h"
 
 namespace {
 

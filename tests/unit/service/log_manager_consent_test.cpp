@@ -1,5 +1,5 @@
 // Records that wait for the owner's consent: what a change of the setting sends, what it keeps and what it loses.
-#include "log_manager_support.h"
+#include "unit/service/log_manager_support.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include <string>
 
 #include "Util/OrvexLogManager.h"
-#include "journal_support.h"
+#include "unit/service/journal_support.h"
 
 namespace orvex::service_tests {
 

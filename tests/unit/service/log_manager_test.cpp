@@ -2,7 +2,7 @@
 #include <limits>
 #include <type_traits>
 
-#include "log_manager_support.h"
+#include "unit/service/log_manager_support.h"
 
 namespace {
 

@@ -8,8 +8,8 @@
 
 #include "Application/OrvexApp.h"
 #include "Util/OrvexLog.h"
-#include "dump_support.h"
-#include "world.h"
+#include "unit/service/dump_support.h"
+#include "world/world.h"
 
 namespace {
 

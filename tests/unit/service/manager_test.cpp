@@ -1,7 +1,7 @@
 // The run controller: its workers, its callbacks and its clock.
 #include <gmock/gmock.h>
 
-#include "run_support.h"
+#include "unit/service/run_support.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <sstream>
 
 #include "Application/OrvexApp.h"
-#include "journal_support.h"
+#include "unit/service/journal_support.h"
 
 namespace {
 

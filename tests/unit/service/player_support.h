@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "Application/OrvexSoundPlayer.h"
-#include "sound_support.h"
+#include "unit/service/sound_support.h"
 
 namespace orvex::world {
 

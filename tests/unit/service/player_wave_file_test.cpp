@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "player_support.h"
+#include "unit/service/player_support.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // The remote's microphone goes on and off: commands, order of steps, busy remotes, refusals.
-#include "receiver_support.h"
+#include "unit/service/receiver_support.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // Blocks are counted, kept alive with extend commands, read within their bytes, and dumped as they came.
-#include "receiver_model_support.h"
-#include "receiver_support.h"
+#include "unit/service/receiver_model_support.h"
+#include "unit/service/receiver_support.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // The ambience of 30 blocks, and when a tone stands out of it.
 #include <optional>
 
-#include "receiver_support.h"
+#include "unit/service/receiver_support.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // The hearable set: progress by buffer number, no tone detection.
-#include "receiver_support.h"
+#include "unit/service/receiver_support.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "orvex/platform/remote_voice.h"
-#include "receiver_sound_support.h"
+#include "unit/service/receiver_sound_support.h"
 
 namespace orvex::service_tests {
 

@@ -1,5 +1,5 @@
 // Tones that do not stand out of their neighbours are counted as noise; too many of them are abnormal.
-#include "receiver_support.h"
+#include "unit/service/receiver_support.h"
 
 namespace {
 

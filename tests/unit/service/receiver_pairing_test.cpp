@@ -1,5 +1,5 @@
 // Two tones make a pair: order, distance, level, results that follow, and what is written of them.
-#include "receiver_support.h"
+#include "unit/service/receiver_support.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 // Hundreds of random recordings, heard by the receiver and by a model of it: they have to say the same.
 #include <random>
 
-#include "receiver_model_support.h"
-#include "receiver_support.h"
+#include "unit/service/receiver_model_support.h"
+#include "unit/service/receiver_support.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // A recording begins with nothing of the one before, except for the kind of sound that it listens for.
-#include "receiver_support.h"
+#include "unit/service/receiver_support.h"
 
 namespace {
 

@@ -11,9 +11,9 @@
 #include "Common/AudioControl.h"
 #include "Util/DebugDump.h"
 #include "Util/Singleton.h"
-#include "dump_support.h"
-#include "receiver_sound_support.h"
-#include "world.h"
+#include "unit/service/dump_support.h"
+#include "unit/service/receiver_sound_support.h"
+#include "world/world.h"
 
 namespace orvex::service_tests {
 

@@ -10,9 +10,9 @@
 #include "Common/AudioControl.h"
 #include "Util/DebugDump.h"
 #include "Util/Singleton.h"
-#include "blocks.h"
-#include "dump_support.h"
-#include "journal_support.h"
+#include "unit/service/blocks.h"
+#include "unit/service/dump_support.h"
+#include "unit/service/journal_support.h"
 
 namespace orvex::service_tests {
 

@@ -7,10 +7,10 @@
 #include <vector>
 
 #include "Application/OrvexApp.h"
-#include "blocks.h"
-#include "dump_support.h"
-#include "silent_wave.h"
-#include "world.h"
+#include "unit/service/blocks.h"
+#include "unit/service/dump_support.h"
+#include "unit/service/silent_wave.h"
+#include "world/world.h"
 
 namespace orvex::test {
 

@@ -12,7 +12,7 @@
 #include <thread>
 #include <vector>
 
-#include "world.h"
+#include "world/world.h"
 
 namespace {
 

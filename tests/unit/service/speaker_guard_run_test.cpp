@@ -1,8 +1,8 @@
 // The speaker guard in the life of the service: when it prepares, when it restores, and what the owner then hears.
 #include <gmock/gmock.h>
 
-#include "journal_support.h"
-#include "run_support.h"
+#include "unit/service/journal_support.h"
+#include "unit/service/run_support.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <limits>
 
 #include "Application/OrvexManager.h"
-#include "journal_support.h"
+#include "unit/service/journal_support.h"
 
 namespace {
 

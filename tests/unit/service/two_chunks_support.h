@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "Common/AlsaAudio.h"
-#include "sound_support.h"
+#include "unit/service/sound_support.h"
 
 namespace orvex::world {
 

@@ -8,8 +8,8 @@
 #include <memory>
 
 #include "Application/OrvexApp.h"
-#include "journal_support.h"
-#include "run_support.h"
+#include "unit/service/journal_support.h"
+#include "unit/service/run_support.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "world.h"
+#include "world/world.h"
 
 namespace {
 

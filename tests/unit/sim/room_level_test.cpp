@@ -1,7 +1,7 @@
 // Tones reach the microphone at the source's level plus the path's gain.
 #include <gtest/gtest.h>
 
-#include "signals.h"
+#include "unit/sim/signals.h"
 
 namespace orvex::sim::test {
 namespace {

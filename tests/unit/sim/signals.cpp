@@ -1,5 +1,5 @@
 // Sounds and measurements for the models' tests.
-#include "signals.h"
+#include "unit/sim/signals.h"
 
 #include <algorithm>
 #include <cmath>

@@ -9,7 +9,7 @@
 
 #include <gtest/gtest.h>
 
-#include "signals.h"
+#include "unit/sim/signals.h"
 
 namespace orvex::sim::test {
 namespace {

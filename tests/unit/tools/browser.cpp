@@ -1,5 +1,5 @@
 // Has Chromium run a script in the page that writes what it sees into the document.
-#include "browser.h"
+#include "unit/tools/browser.h"
 
 #include <json/reader.h>
 

@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "temporary_folder.h"
+#include "unit/tools/temporary_folder.h"
 
 namespace orvex::tools {
 

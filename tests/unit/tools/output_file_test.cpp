@@ -16,7 +16,7 @@
 #include <gtest/gtest.h>
 
 #include "output/output_file.h"
-#include "temporary_folder.h"
+#include "unit/tools/temporary_folder.h"
 
 namespace orvex::tools {
 namespace {

@@ -13,7 +13,7 @@
 #include <gtest/gtest.h>
 
 #include "output/standard_output.h"
-#include "temporary_folder.h"
+#include "unit/tools/temporary_folder.h"
 
 namespace orvex::tools {
 namespace {

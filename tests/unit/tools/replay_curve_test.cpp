@@ -5,7 +5,7 @@
 #include <cmath>
 #include <random>
 
-#include "curve.h"
+#include "replay/curve.h"
 
 namespace orvex::tools {
 namespace {

@@ -5,8 +5,8 @@
 #include <cmath>
 #include <cstdio>
 
-#include "explanation.h"
-#include "replay_recordings.h"
+#include "replay/explanation.h"
+#include "unit/tools/replay_recordings.h"
 
 namespace orvex::tools {
 namespace {

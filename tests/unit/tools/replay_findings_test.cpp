@@ -4,9 +4,9 @@
 
 #include <random>
 
-#include "detector_limits.h"
-#include "findings.h"
-#include "replay_recordings.h"
+#include "replay/detector_limits.h"
+#include "replay/findings.h"
+#include "unit/tools/replay_recordings.h"
 
 namespace orvex::tools {
 namespace {

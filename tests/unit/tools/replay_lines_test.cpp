@@ -4,10 +4,10 @@
 
 #include <cmath>
 
-#include "listener_pair.h"
-#include "recording.h"
-#include "replay_recordings.h"
-#include "report_lines.h"
+#include "replay/listener_pair.h"
+#include "replay/recording.h"
+#include "replay/report_lines.h"
+#include "unit/tools/replay_recordings.h"
 
 namespace orvex::tools {
 namespace {

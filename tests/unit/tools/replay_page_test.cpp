@@ -5,12 +5,12 @@
 #include <cmath>
 #include <cstdio>
 
-#include "browser.h"
 #include "orvex/sim/room.h"
 #include "orvex/sim/voice_channel.h"
-#include "replay_recordings.h"
-#include "report_page.h"
+#include "replay/report_page.h"
 #include "testsound/generator.h"
+#include "unit/tools/browser.h"
+#include "unit/tools/replay_recordings.h"
 
 namespace orvex::tools {
 namespace {

@@ -6,8 +6,8 @@
 
 #include <cstring>
 
-#include "recording.h"
-#include "temporary_folder.h"
+#include "replay/recording.h"
+#include "unit/tools/temporary_folder.h"
 
 namespace orvex::tools {
 namespace {

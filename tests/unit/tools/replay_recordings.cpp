@@ -1,5 +1,5 @@
 // Makes recordings and replays them.
-#include "replay_recordings.h"
+#include "unit/tools/replay_recordings.h"
 
 #include <json/reader.h>
 
@@ -8,9 +8,9 @@
 #include <memory>
 #include <sstream>
 
-#include "listener_pair.h"
-#include "recording.h"
-#include "report_lines.h"
+#include "replay/listener_pair.h"
+#include "replay/recording.h"
+#include "replay/report_lines.h"
 
 namespace orvex::tools {
 namespace {

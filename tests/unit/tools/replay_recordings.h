@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "run_record.h"
+#include "replay/run_record.h"
 
 namespace orvex::tools {
 

@@ -5,8 +5,8 @@
 #include <cmath>
 #include <stdexcept>
 
-#include "axes.h"
-#include "plan.h"
+#include "sweep/axes.h"
+#include "sweep/plan.h"
 
 namespace orvex::tools {
 namespace {

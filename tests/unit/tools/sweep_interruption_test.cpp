@@ -7,10 +7,10 @@
 #include <atomic>
 #include <sstream>
 
-#include "interruption.h"
-#include "plan.h"
-#include "report.h"
-#include "sweep.h"
+#include "progress/interruption.h"
+#include "sweep/plan.h"
+#include "sweep/report.h"
+#include "sweep/sweep.h"
 
 namespace orvex::tools {
 namespace {

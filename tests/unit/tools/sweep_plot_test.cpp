@@ -5,7 +5,7 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "plot.h"
+#include "sweep/plot.h"
 
 namespace orvex::tools {
 namespace {

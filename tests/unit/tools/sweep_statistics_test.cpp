@@ -3,7 +3,7 @@
 
 #include <cmath>
 
-#include "statistics.h"
+#include "sweep/statistics.h"
 
 namespace orvex::tools {
 namespace {

@@ -8,10 +8,10 @@
 
 #include "orvex/sim/room.h"
 #include "orvex/sim/voice_channel.h"
-#include "plan.h"
-#include "receiver_rig.h"
-#include "report.h"
-#include "sweep.h"
+#include "receiver/receiver_rig.h"
+#include "sweep/plan.h"
+#include "sweep/report.h"
+#include "sweep/sweep.h"
 #include "testsound/generator.h"
 
 namespace orvex::tools {

@@ -4,10 +4,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "temporary_folder.h"
 #include "testsound/checker.h"
 #include "testsound/generator.h"
 #include "testsound/sound_design.h"
+#include "unit/tools/temporary_folder.h"
 
 namespace orvex::tools {
 namespace {

@@ -2,8 +2,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "temporary_folder.h"
 #include "testsound/wave_file.h"
+#include "unit/tools/temporary_folder.h"
 
 namespace orvex::tools {
 namespace {

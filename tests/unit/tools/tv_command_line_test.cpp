@@ -13,8 +13,8 @@
 #include <gtest/gtest.h>
 #include <json/reader.h>
 
-#include "temporary_folder.h"
 #include "tv/command_line.h"
+#include "unit/tools/temporary_folder.h"
 
 namespace orvex::tools {
 namespace {

@@ -12,11 +12,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "temporary_folder.h"
 #include "tv/command_line.h"
 #include "tv/errors.h"
 #include "tv/file_descriptor.h"
 #include "tv/message_client.h"
+#include "unit/tools/temporary_folder.h"
 
 namespace orvex::tools {
 namespace {

@@ -6,10 +6,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "temporary_folder.h"
 #include "tv/errors.h"
 #include "tv/event_records.h"
 #include "tv/value_names.h"
+#include "unit/tools/temporary_folder.h"
 
 namespace orvex::tools {
 namespace {

@@ -15,8 +15,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "temporary_folder.h"
 #include "tv/service_process.h"
+#include "unit/tools/temporary_folder.h"
 
 namespace orvex::tools {
 namespace {

@@ -6,9 +6,9 @@
 #include <CLI/CLI.hpp>
 
 #include "orvex/sim/room_json.h"
-#include "temporary_folder.h"
 #include "tv/errors.h"
 #include "tv/run_television.h"
+#include "unit/tools/temporary_folder.h"
 
 namespace orvex::tools {
 namespace {

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "orvex/sim/room.h"
-#include "receiver_rig.h"
+#include "receiver/receiver_rig.h"
 #include "testsound/generator.h"
 
 namespace orvex::tools {

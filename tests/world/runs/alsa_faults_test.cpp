@@ -4,8 +4,8 @@
 #include <cerrno>
 #include <functional>
 
-#include "good_room.h"
-#include "run_rules.h"
+#include "world/runs/good_room.h"
+#include "world/runs/run_rules.h"
 
 namespace {
 

@@ -5,10 +5,10 @@
 #include <cmath>
 #include <set>
 
-#include "faults.h"
-#include "good_room.h"
 #include "orvex/sim/truth.h"
-#include "run_rules.h"
+#include "world/runs/faults.h"
+#include "world/runs/good_room.h"
+#include "world/runs/run_rules.h"
 
 namespace {
 

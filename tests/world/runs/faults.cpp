@@ -1,5 +1,5 @@
 // What can fail around the service.
-#include "faults.h"
+#include "world/runs/faults.h"
 
 namespace orvex::runs {
 

@@ -1,5 +1,5 @@
 // A journal as it has to be.
-#include "golden.h"
+#include "world/runs/golden.h"
 
 #include <algorithm>
 #include <cmath>
@@ -7,7 +7,7 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "text_pattern.h"
+#include "world/runs/text_pattern.h"
 
 namespace orvex::runs {
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "journal.h"
+#include "world/journal.h"
 
 namespace orvex::runs {
 

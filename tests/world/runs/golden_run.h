@@ -6,11 +6,11 @@
 #include <functional>
 #include <string>
 
-#include "golden_steps.h"
-#include "run_rules.h"
-#include "scripted_remote.h"
-#include "service_run.h"
 #include "unit/service/silent_wave.h"
+#include "world/runs/golden_steps.h"
+#include "world/runs/run_rules.h"
+#include "world/runs/scripted_remote.h"
+#include "world/runs/service_run.h"
 
 namespace orvex::runs {
 

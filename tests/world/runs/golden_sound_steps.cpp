@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "golden_steps.h"
+#include "world/runs/golden_steps.h"
 
 namespace orvex::runs {
 

@@ -1,6 +1,6 @@
 // The steps of a run as fragments of a golden journal: what the main loop and the recorder thread do. What is heard and
 // played is in golden_sound_steps.cpp.
-#include "golden_steps.h"
+#include "world/runs/golden_steps.h"
 
 #include <unistd.h>
 

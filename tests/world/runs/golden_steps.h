@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "golden.h"
-#include "scripted_remote.h"
+#include "world/runs/golden.h"
+#include "world/runs/scripted_remote.h"
 
 namespace orvex::runs {
 

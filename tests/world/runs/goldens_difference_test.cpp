@@ -1,5 +1,5 @@
 // Runs that end by themselves, line by line: a difference found and applied, and none found.
-#include "golden_run.h"
+#include "world/runs/golden_run.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // Runs that cannot go on, line by line: the remote, the device, a thread or the input fails.
-#include "golden_run.h"
+#include "world/runs/golden_run.h"
 
 namespace {
 

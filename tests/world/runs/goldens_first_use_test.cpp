@@ -4,9 +4,9 @@
 #include <cstdlib>
 #include <iostream>
 
-#include "golden_steps.h"
-#include "scripted_remote.h"
-#include "service_run.h"
+#include "world/runs/golden_steps.h"
+#include "world/runs/scripted_remote.h"
+#include "world/runs/service_run.h"
 
 namespace {
 

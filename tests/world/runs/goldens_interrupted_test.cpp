@@ -1,5 +1,5 @@
 // Runs that something from outside ends, line by line: the time limit, the optical change flag, a termination request.
-#include "golden_run.h"
+#include "world/runs/golden_run.h"
 
 namespace {
 

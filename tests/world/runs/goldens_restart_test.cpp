@@ -1,6 +1,6 @@
 // Restarts, line by line: granted while the remote records and after it was stopped, and refused.
 #include "Application/OrvexEventId.h"
-#include "golden_run.h"
+#include "world/runs/golden_run.h"
 
 namespace {
 

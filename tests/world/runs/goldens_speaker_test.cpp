@@ -1,5 +1,5 @@
 // A speaker that was muted, line by line: what the run asks of the sound manager and what it leaves behind.
-#include "golden_run.h"
+#include "world/runs/golden_run.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "orvex/sim/room_config.h"
-#include "service_run.h"
+#include "world/runs/service_run.h"
 
 namespace orvex::runs {
 

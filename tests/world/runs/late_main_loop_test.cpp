@@ -2,10 +2,10 @@
 // same. That a run has one result for a recording, and applies it, is a rule of every run.
 #include <gmock/gmock.h>
 
-#include "good_room.h"
-#include "run_rules.h"
-#include "scripted_remote.h"
 #include "unit/service/silent_wave.h"
+#include "world/runs/good_room.h"
+#include "world/runs/run_rules.h"
+#include "world/runs/scripted_remote.h"
 
 namespace {
 

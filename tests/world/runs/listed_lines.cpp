@@ -1,12 +1,12 @@
 // Every line that the service may log and every call that it may make.
-#include "listed_lines.h"
+#include "world/runs/listed_lines.h"
 
 #include <map>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
-#include "text_pattern.h"
+#include "world/runs/text_pattern.h"
 
 namespace orvex::runs {
 

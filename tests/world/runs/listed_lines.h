@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "journal.h"
+#include "world/journal.h"
 
 namespace orvex::runs {
 

@@ -1,5 +1,5 @@
 // The list knows every line of a run that goes well, and nothing that it should not.
-#include "listed_lines.h"
+#include "world/runs/listed_lines.h"
 
 #include <gtest/gtest.h>
 

@@ -5,11 +5,11 @@
 #include <set>
 
 #include "Application/OrvexEventId.h"
-#include "good_room.h"
-#include "journal_reading.h"
-#include "run_rules.h"
-#include "scripted_remote.h"
 #include "unit/service/silent_wave.h"
+#include "world/runs/good_room.h"
+#include "world/runs/journal_reading.h"
+#include "world/runs/run_rules.h"
+#include "world/runs/scripted_remote.h"
 
 namespace {
 

@@ -1,12 +1,12 @@
 // A run drawn by lot.
-#include "random_case.h"
+#include "world/runs/random_case.h"
 
 #include <random>
 #include <sstream>
 
 #include "Application/OrvexEventId.h"
-#include "faults.h"
 #include "orvex/sim/room_json.h"
+#include "world/runs/faults.h"
 
 namespace orvex::runs {
 

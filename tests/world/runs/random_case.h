@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "service_run.h"
+#include "world/runs/service_run.h"
 
 namespace orvex::runs {
 

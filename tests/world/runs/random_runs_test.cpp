@@ -7,9 +7,9 @@
 #include <iostream>
 #include <map>
 
-#include "environment.h"
-#include "random_case.h"
-#include "run_rules.h"
+#include "world/runs/environment.h"
+#include "world/runs/random_case.h"
+#include "world/runs/run_rules.h"
 
 namespace {
 

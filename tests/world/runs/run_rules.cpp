@@ -1,11 +1,11 @@
 // What has to be true of every run: all rules, and those on its end and its lines.
-#include "run_rules.h"
+#include "world/runs/run_rules.h"
 
 #include <algorithm>
 #include <optional>
 
-#include "journal_reading.h"
-#include "listed_lines.h"
+#include "world/runs/journal_reading.h"
+#include "world/runs/listed_lines.h"
 
 namespace orvex::runs {
 

@@ -2,9 +2,9 @@
 #include <cstdio>
 #include <limits>
 
-#include "journal_reading.h"
-#include "run_rules.h"
-#include "text_pattern.h"
+#include "world/runs/journal_reading.h"
+#include "world/runs/run_rules.h"
+#include "world/runs/text_pattern.h"
 
 namespace orvex::runs {
 

@@ -1,8 +1,8 @@
 // What a run takes it gives back, but for what it leaves on purpose.
 #include <algorithm>
 
-#include "journal_reading.h"
-#include "run_rules.h"
+#include "world/runs/journal_reading.h"
+#include "world/runs/run_rules.h"
 
 namespace orvex::runs {
 

@@ -1,6 +1,6 @@
 // The speaker guard of a run: which calls it makes, in which order, and what is left behind.
-#include "journal_reading.h"
-#include "run_rules.h"
+#include "world/runs/journal_reading.h"
+#include "world/runs/run_rules.h"
 
 namespace orvex::runs {
 

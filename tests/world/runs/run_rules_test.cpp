@@ -1,11 +1,11 @@
 // The rules for every run notice a run that breaks them.
-#include "run_rules.h"
+#include "world/runs/run_rules.h"
 
 #include <gmock/gmock.h>
 
 #include <functional>
 
-#include "golden_run.h"
+#include "world/runs/golden_run.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // Which thread runs when.
-#include "schedule.h"
+#include "world/runs/schedule.h"
 
 #include <map>
 #include <sstream>

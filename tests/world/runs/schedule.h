@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "service_run.h"
+#include "world/runs/service_run.h"
 
 namespace orvex::runs {
 

@@ -15,13 +15,13 @@
 #include <random>
 #include <set>
 
-#include "environment.h"
-#include "good_room.h"
-#include "journal_reading.h"
-#include "run_rules.h"
-#include "schedule.h"
-#include "scripted_remote.h"
 #include "unit/service/silent_wave.h"
+#include "world/runs/environment.h"
+#include "world/runs/good_room.h"
+#include "world/runs/journal_reading.h"
+#include "world/runs/run_rules.h"
+#include "world/runs/schedule.h"
+#include "world/runs/scripted_remote.h"
 
 namespace {
 

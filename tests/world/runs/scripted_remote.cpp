@@ -1,5 +1,5 @@
 // A remote control that hears what a test says.
-#include "scripted_remote.h"
+#include "world/runs/scripted_remote.h"
 
 #include <cmath>
 

@@ -6,7 +6,7 @@
 #include <map>
 #include <vector>
 
-#include "world.h"
+#include "world/world.h"
 
 namespace orvex::runs {
 

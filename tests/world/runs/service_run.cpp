@@ -1,5 +1,5 @@
 // One process of the service on a television in virtual time.
-#include "service_run.h"
+#include "world/runs/service_run.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -9,7 +9,7 @@
 #include "Common/AudioControl.h"
 #include "Util/DebugDump.h"
 #include "Util/Singleton.h"
-#include "text_pattern.h"
+#include "world/runs/text_pattern.h"
 
 namespace orvex::runs {
 

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "Application/OrvexApp.h"
-#include "world.h"
+#include "world/world.h"
 
 namespace orvex::runs {
 

@@ -1,5 +1,5 @@
 // Texts with fields in them.
-#include "text_pattern.h"
+#include "world/runs/text_pattern.h"
 
 #include <algorithm>
 #include <cctype>

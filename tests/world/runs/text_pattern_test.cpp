@@ -1,7 +1,7 @@
 // Texts with fields in them match what they describe and nothing else.
 #include <gmock/gmock.h>
 
-#include "text_pattern.h"
+#include "world/runs/text_pattern.h"
 
 namespace {
 

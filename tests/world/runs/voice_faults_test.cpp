@@ -2,10 +2,10 @@
 // off.
 #include <gmock/gmock.h>
 
-#include "good_room.h"
-#include "run_rules.h"
-#include "scripted_remote.h"
 #include "unit/service/blocks.h"
+#include "world/runs/good_room.h"
+#include "world/runs/run_rules.h"
+#include "world/runs/scripted_remote.h"
 
 namespace {
 

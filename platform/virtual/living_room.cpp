@@ -1,0 +1,155 @@
+// Builds the room from the virtual television's files and guards it.
+#include "virtual/living_room.h"
+
+#include <sndfile.h>
+
+#include <filesystem>
+#include <stdexcept>
+#include <vector>
+
+#include "orvex/sim/room_json.h"
+#include "virtual/report.h"
+#include "virtual/television_files.h"
+
+namespace orvex::virtual_tv {
+namespace {
+
+constexpr std::size_t kMaximumRoomBytes = 1U << 20U;
+constexpr sf_count_t kMaximumNoiseSamples = sf_count_t{1} << 26U;  // 20 minutes of stereo at 48000 Hz
+
+std::string ReadRoomText(const std::filesystem::path& path) {
+  std::string text;
+  try {
+    text = ReadSmallFile(path, kMaximumRoomBytes);
+  } catch (const std::system_error& problem) {
+    throw std::runtime_error("cannot read " + path.string() + ": " + problem.code().message());
+  }
+  if (text.size() > kMaximumRoomBytes) {
+    throw std::runtime_error(path.string() + ": expected at most " + std::to_string(kMaximumRoomBytes) + " bytes");
+  }
+  return text;
+}
+
+struct Noise {
+  std::vector<float> samples;
+  double rateHz;
+};
+
+// The mean of the file's channels.
+Noise ReadNoise(const std::string& path) {
+  SF_INFO info{};
+  const std::unique_ptr<SNDFILE, decltype(&sf_close)> file(sf_open(path.c_str(), SFM_READ, &info), &sf_close);
+  if (!file) {
+    throw std::runtime_error("noise_file \"" + path + "\": expected a sound file: " + sf_strerror(nullptr));
+  }
+  if (info.frames <= 0 || info.frames > kMaximumNoiseSamples / info.channels) {
+    throw std::runtime_error("noise_file \"" + path + "\": " + std::to_string(info.frames) + " frames of " +
+                             std::to_string(info.channels) + " channels: expected 1 to " +
+                             std::to_string(kMaximumNoiseSamples) + " samples");
+  }
+  const auto channels = static_cast<std::size_t>(info.channels);
+  std::vector<float> interleaved(static_cast<std::size_t>(info.frames) * channels);
+  const auto frames = static_cast<std::size_t>(sf_readf_float(file.get(), interleaved.data(), info.frames));
+  Noise noise{std::vector<float>(frames), static_cast<double>(info.samplerate)};
+  for (std::size_t sample = 0; sample < frames * channels; ++sample) {
+    noise.samples[sample / channels] += interleaved[sample] / static_cast<float>(channels);
+  }
+  return noise;
+}
+
+}  // namespace
+
+LivingRoom::LivingRoom(const Television& television) : m_Television(television) {
+  try {
+    Build();
+  } catch (const std::exception& problem) {
+    m_Room.reset();
+    ReportProblem(std::string(problem.what()) + "; there is no room, so no remote control is connected");
+  }
+}
+
+LivingRoom& LivingRoom::Instance() {
+  static LivingRoom& room = *new LivingRoom(Television::Instance());
+  return room;
+}
+
+void LivingRoom::Build() {
+  const std::filesystem::path file = m_Television.PathOf("room.json");
+  m_Room = std::make_unique<sim::Room>(sim::ParseRoom(ReadRoomText(file), file.string()));
+  const std::string& noiseFile = m_Room->GetConfig().noiseFile;
+  if (!noiseFile.empty()) {
+    LoadNoise(file.parent_path() / noiseFile);
+  }
+  m_Voice = std::make_unique<sim::VoiceChannel>(*m_Room);
+}
+
+void LivingRoom::LoadNoise(const std::string& file) {
+  const Noise noise = ReadNoise(file);
+  try {
+    m_Room->SetNoise(noise.samples, noise.rateHz);
+  } catch (const std::invalid_argument& problem) {
+    throw std::runtime_error("noise_file \"" + file + "\": " + problem.what());
+  }
+}
+
+void LivingRoom::Play(MonotonicTime start, const std::int16_t* frames, std::size_t count) {
+  const std::lock_guard<std::mutex> lock(m_Mutex);
+  if (m_Room) {
+    FollowTelevision();
+    m_Room->Play(start, frames, count);
+  }
+}
+
+void LivingRoom::Cut(MonotonicTime from) {
+  const std::lock_guard<std::mutex> lock(m_Mutex);
+  if (m_Room) {
+    m_Room->CutPlayback(from);
+  }
+}
+
+// A value that cannot be read leaves the last one in force.
+void LivingRoom::FollowTelevision() {
+  try {
+    m_Room->SetTvMuted(m_Television.GetNumber("sound/mute") != 0);
+    m_Room->SetSpdifDelayMs(static_cast<double>(m_Television.GetNumber("delay/spdif")));
+    m_HasComplained = false;
+  } catch (const TelevisionError& problem) {
+    if (!m_HasComplained) {
+      ReportProblem(problem.what());
+    }
+    m_HasComplained = true;
+  }
+}
+
+void LivingRoom::StartVoice(MonotonicTime now) {
+  const std::lock_guard<std::mutex> lock(m_Mutex);
+  if (m_Voice) {
+    m_Voice->Start(now);
+  }
+}
+
+void LivingRoom::ExtendVoice(MonotonicTime now) {
+  const std::lock_guard<std::mutex> lock(m_Mutex);
+  if (m_Voice) {
+    m_Voice->Extend(now);
+  }
+}
+
+void LivingRoom::StopVoice() {
+  const std::lock_guard<std::mutex> lock(m_Mutex);
+  if (m_Voice) {
+    m_Voice->Stop();
+  }
+}
+
+std::optional<MonotonicTime> LivingRoom::NextDelivery() const {
+  const std::lock_guard<std::mutex> lock(m_Mutex);
+  return m_Voice ? m_Voice->NextDelivery() : std::nullopt;
+}
+
+bool LivingRoom::TakeBlock(Block& block) {
+  const std::lock_guard<std::mutex> lock(m_Mutex);
+  return m_Voice && m_Voice->TakeBlock(block);
+}
+
+}  // namespace orvex::virtual_tv

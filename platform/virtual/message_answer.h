@@ -1,0 +1,18 @@
+// One line of the message socket: what it asks for, and the line that answers it.
+#pragma once
+
+#include <string>
+
+#include "orvex/platform/application.h"
+
+namespace orvex::virtual_tv {
+
+// The line {"error": "..."}, without a line break.
+std::string ErrorLine(const std::string& text);
+
+// Hands the message in `line`, {"type": "...", "body": {...}}, to the application and answers with the reply's body. A
+// line that is no message is answered with an error line. With `mayInject` a message of the type "event" is kept from
+// the application: {"type": "event", "body": {"id": 10005}} sends the application that event. Main loop only.
+std::string AnswerMessage(const std::string& line, FwEflApplication& application, bool mayInject);
+
+}  // namespace orvex::virtual_tv

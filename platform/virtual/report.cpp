@@ -1,0 +1,12 @@
+// Problems go where the service's own lines go, under the port's tag.
+#include "virtual/report.h"
+
+#include "orvex/platform/system_log.h"
+
+namespace orvex::virtual_tv {
+
+void ReportProblem(const std::string& text) {
+  system_log_print(LogBuffer::kSystem, LogPriority::kError, "orvex-host", "orvex-host: %s\n", text.c_str());
+}
+
+}  // namespace orvex::virtual_tv

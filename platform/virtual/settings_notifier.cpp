@@ -1,0 +1,90 @@
+// Turns what happens to files into notifications of keys.
+#include "virtual/settings_notifier.h"
+
+#include <algorithm>
+#include <system_error>
+
+#include "virtual/main_loop.h"
+#include "virtual/report.h"
+#include "virtual/television.h"
+
+namespace orvex::virtual_tv {
+
+namespace fs = std::filesystem;
+
+SettingsNotifier& SettingsNotifier::Instance() {
+  static auto& notifier = *new SettingsNotifier;
+  return notifier;
+}
+
+SettingsNotifier::SettingsNotifier()
+    : m_Root(Television::Instance().PathOf("settings")),
+      m_Watch({[this](const fs::path& file) {
+                 NotifyWhere([&](KeyState& state) { return state.GetFile() == file && state.TakeChange(); });
+               },
+               [this](const fs::path& file) {
+                 NotifyWhere([&](KeyState& state) { return state.GetFile() == file && state.TakeClosing(); });
+               },
+               [this] { NotifyWhere([](KeyState& state) { return state.TakeChange(); }); }}) {}
+
+void SettingsNotifier::Start() {
+  if (!CanWatch() && !m_Subscriptions.empty()) {
+    ReportProblem("cannot watch " + m_Root.string() + ": changes of settings go unseen");
+  }
+}
+
+void SettingsNotifier::Stop() {
+  m_Watch.Disarm();
+}
+
+SettingsNotifier::Subscriptions::const_iterator SettingsNotifier::Find(const std::string& key,
+                                                                       SettingsChangedCallback callback) const {
+  return std::find_if(m_Subscriptions.begin(), m_Subscriptions.end(),
+                      [&](const std::shared_ptr<Subscription>& subscription) {
+                        return subscription->node.key == key && subscription->callback == callback;
+                      });
+}
+
+bool SettingsNotifier::IsSubscribed(const std::string& key, SettingsChangedCallback callback) const {
+  return Find(key, callback) != m_Subscriptions.end();
+}
+
+bool SettingsNotifier::CanWatch() {
+  if (CurrentMainLoop() != 0) {
+    return m_Watch.IsArmed() || m_Watch.Arm(m_Root);
+  }
+  std::error_code error;
+  return fs::is_directory(m_Root, error);
+}
+
+bool SettingsNotifier::Subscribe(const std::string& key, SettingsChangedCallback callback, void* userData) {
+  if (!CanWatch()) {
+    ReportProblem("cannot watch " + m_Root.string() + " for " + key);
+    return false;
+  }
+  m_Subscriptions.push_back(
+      std::make_shared<Subscription>(Subscription{{key}, callback, userData, KeyState(m_Root / key)}));
+  return true;
+}
+
+bool SettingsNotifier::Unsubscribe(const std::string& key, SettingsChangedCallback callback) {
+  const auto found = Find(key, callback);
+  if (found == m_Subscriptions.end()) {
+    return false;
+  }
+  (*found)->isCancelled = true;
+  m_Subscriptions.erase(found);
+  return true;
+}
+
+void SettingsNotifier::NotifyWhere(const std::function<bool(KeyState&)>& isNews) {
+  // A copy: callbacks subscribe and unsubscribe.
+  const Subscriptions subscriptions = m_Subscriptions;
+  for (const auto& subscription : subscriptions) {
+    if (!IsMainLoopEnding() && !subscription->isCancelled && isNews(subscription->state)) {
+      subscription->callback(&subscription->node, subscription->userData);
+    }
+  }
+}
+
+}  // namespace orvex::virtual_tv

@@ -1,0 +1,56 @@
+// Who wants to hear of which settings key, and how the news reaches them. Main loop's thread only.
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "orvex/platform/settings.h"
+#include "virtual/key_state.h"
+#include "virtual/tree_watch.h"
+
+struct SettingsNode {
+  std::string key;
+};
+
+namespace orvex::virtual_tv {
+
+class SettingsNotifier {
+public:
+  // Of this process's television. Never destroyed: a static object's destructor may unsubscribe.
+  static SettingsNotifier& Instance();
+
+  // Between the main loop's start and stop: subscriptions made before are served from now on.
+  void Start();
+  void Stop();
+
+  bool IsSubscribed(const std::string& key, SettingsChangedCallback callback) const;
+  // False: the settings directory cannot be watched, now or, before the main loop's start, later.
+  bool Subscribe(const std::string& key, SettingsChangedCallback callback, void* userData);
+  // False: there is no such subscription.
+  bool Unsubscribe(const std::string& key, SettingsChangedCallback callback);
+
+private:
+  struct Subscription {
+    SettingsNode node;
+    SettingsChangedCallback callback;
+    void* userData;
+    KeyState state;
+    bool isCancelled = false;
+  };
+  using Subscriptions = std::vector<std::shared_ptr<Subscription>>;
+
+  SettingsNotifier();
+  Subscriptions::const_iterator Find(const std::string& key, SettingsChangedCallback callback) const;
+  bool CanWatch();
+  // Notifies the subscriptions for which `isNews` says so.
+  void NotifyWhere(const std::function<bool(KeyState&)>& isNews);
+
+  const std::filesystem::path m_Root;
+  Subscriptions m_Subscriptions;
+  TreeWatch m_Watch;
+};
+
+}  // namespace orvex::virtual_tv

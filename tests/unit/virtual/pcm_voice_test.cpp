@@ -1,0 +1,262 @@
+// The remote control's voice channel: registration, commands, window, and blocks as the simulated remote sends them.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <future>
+
+#include "orvex/sim/room_json.h"
+#include "orvex/sim/voice_channel.h"
+#include "unit/virtual/pcm_television.h"
+#include "unit/virtual/voice_recorder.h"
+
+namespace orvex::virtual_tv {
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+
+constexpr double kBlockMs = 768 / 46.545;
+
+MonotonicTime Milliseconds(double count) {
+  return MonotonicTime(static_cast<std::int64_t>(count * 1e6));
+}
+
+class HostPcmVoice : public PcmTelevision {};
+
+// What a recording of `room` delivers when nothing is played, by the model alone.
+struct ModelBlock {
+  MonotonicTime due;  // after the start
+  std::vector<std::int16_t> samples;
+};
+
+std::vector<ModelBlock> ModelBlocks(const std::string& roomJson, std::size_t count) {
+  sim::Room room(sim::ParseRoom(roomJson, "model"));
+  sim::VoiceChannel channel(room);
+  channel.Start(MonotonicTime(0));
+  std::vector<ModelBlock> blocks;
+  sim::VoiceChannel::Block block;
+  while (blocks.size() < count) {
+    const MonotonicTime due = channel.NextDelivery().value();
+    if (channel.TakeBlock(block)) {
+      blocks.push_back({due, {block.begin(), block.end()}});
+    }
+  }
+  return blocks;
+}
+
+void ExpectAsModel(const std::vector<VoiceRecorder::Block>& blocks, MonotonicTime start,
+                   const std::vector<ModelBlock>& model) {
+  for (std::size_t index = 0; index < model.size(); ++index) {
+    EXPECT_EQ(blocks[index].samples, model[index].samples) << "block " << index;
+    EXPECT_GE(blocks[index].arrival, start + model[index].due - milliseconds(1)) << "block " << index;
+  }
+}
+
+TEST_F(HostPcmVoice, OneReceiverCanBeRegistered) {
+  VoiceRecorder first;
+  VoiceRecorder second;
+  EXPECT_EQ(bt_hid_unset_audio_data_receive_cb(), -22);
+  EXPECT_EQ(first.Register(), 0);
+  EXPECT_EQ(second.Register(), -16);
+  EXPECT_EQ(first.Unregister(), 0);
+  EXPECT_EQ(second.Register(), 0);
+}
+
+TEST_F(HostPcmVoice, OnlyTheThreeCommandsAreKnown) {
+  const std::uint8_t start[] = {0x05, 0x00, 0x00};
+  EXPECT_EQ(bt_hid_send_rc_command(nullptr, start, 2), 0);
+  EXPECT_EQ(SendVoiceCommand(0x04, 0x00), 0);
+  EXPECT_EQ(SendVoiceCommand(0x03, 0x10), 0);
+  EXPECT_EQ(SendVoiceCommand(0x05, 0x01), -22);
+  EXPECT_EQ(bt_hid_send_rc_command(nullptr, start, 1), -22);
+  EXPECT_EQ(bt_hid_send_rc_command(nullptr, start, 3), -22);
+  EXPECT_EQ(bt_hid_send_rc_command(nullptr, nullptr, 2), -22);
+}
+
+TEST_F(HostPcmVoice, AStopOfASilentRemoteIsDone) {
+  EXPECT_EQ(bt_hid_rc_stop_sending_voice(nullptr), 0);
+}
+
+TEST_F(HostPcmVoice, ListedAnswersComeFirstAndOncePerCall) {
+  Write("faults.json", R"({"voice.register": [-19], "voice.start": [-115, -5], "voice.extend": [-5],
+                           "voice.stop": [-115], "voice.unregister": [-19]})");
+  VoiceRecorder recorder;
+  EXPECT_EQ(recorder.Register(), -19);
+  EXPECT_EQ(recorder.Register(), 0);
+  EXPECT_EQ(StartVoice(), -115);
+  EXPECT_EQ(SendVoiceCommand(0x04, 0x00), -5);
+  EXPECT_EQ(StartVoice(), 0);
+  EXPECT_EQ(ExtendVoice(), -5);
+  EXPECT_EQ(ExtendVoice(), 0);
+  EXPECT_EQ(bt_hid_rc_stop_sending_voice(nullptr), -115);
+  EXPECT_EQ(bt_hid_rc_stop_sending_voice(nullptr), 0);
+  EXPECT_EQ(recorder.Unregister(), -19);
+  EXPECT_EQ(recorder.Unregister(), -22);  // a refused call too has ended the registration
+}
+
+TEST_F(HostPcmVoice, BlocksComeAtTheirTimesWithWhatTheMicrophoneHeard) {
+  const std::string room = R"({"microphone": {"noise_dbfs": -40}, "seed": 7})";
+  Write("room.json", room);
+  VoiceRecorder recorder;
+  ASSERT_EQ(recorder.Register(), 0);
+  const MonotonicTime start = MonotonicNow();
+  ASSERT_EQ(StartVoice(), 0);
+  ASSERT_TRUE(recorder.WaitForBlocks(20));
+  ExpectAsModel(recorder.Blocks(), start, ModelBlocks(room, 20));
+}
+
+TEST_F(HostPcmVoice, ALostBlockIsNotDelivered) {
+  const std::string room = R"({"microphone": {"noise_dbfs": -40}, "voice": {"loss_probability": 0.5}, "seed": 7})";
+  Write("room.json", room);
+  const auto model = ModelBlocks(room, 10);
+  ASSERT_GT(model.back().due, Milliseconds(12 * kBlockMs));  // some are lost in this room
+  VoiceRecorder recorder;
+  ASSERT_EQ(recorder.Register(), 0);
+  const MonotonicTime start = MonotonicNow();
+  ASSERT_EQ(StartVoice(), 0);
+  ASSERT_TRUE(recorder.WaitForBlocks(10));
+  ExpectAsModel(recorder.Blocks(), start, model);
+}
+
+TEST_F(HostPcmVoice, BlocksBehindASlowCallbackComeLateButAllAndInOrder) {
+  const std::string room = R"({"microphone": {"noise_dbfs": -40}, "seed": 7})";
+  Write("room.json", room);
+  std::promise<void> hold;
+  const auto released = hold.get_future().share();
+  VoiceRecorder recorder([released] { released.wait(); });
+  ASSERT_EQ(recorder.Register(), 0);
+  const MonotonicTime start = MonotonicNow();
+  ASSERT_EQ(StartVoice(), 0);
+  ASSERT_TRUE(recorder.WaitForBlocks(1));
+  while (MonotonicNow() < start + milliseconds(300)) {  // some 15 blocks become due
+    std::this_thread::yield();
+  }
+  EXPECT_EQ(recorder.Blocks().size(), 1U);
+  hold.set_value();
+  ASSERT_TRUE(recorder.WaitForBlocks(20));
+  ExpectAsModel(recorder.Blocks(), start, ModelBlocks(room, 20));
+}
+
+TEST_F(HostPcmVoice, UnregisteringWaitsForTheRunningCallback) {
+  std::promise<void> hold;
+  const auto released = hold.get_future().share();
+  std::atomic<bool> hasReturned{false};
+  VoiceRecorder recorder([&] {
+    released.wait();
+    hasReturned = true;
+  });
+  ASSERT_EQ(recorder.Register(), 0);
+  ASSERT_EQ(StartVoice(), 0);
+  ASSERT_TRUE(recorder.WaitForBlocks(1));
+  auto unregister = std::async(std::launch::async, [&] {
+    const int result = recorder.Unregister();
+    return std::make_pair(result, hasReturned.load());
+  });
+  EXPECT_EQ(unregister.wait_for(milliseconds(50)), std::future_status::timeout);
+  hold.set_value();
+  EXPECT_EQ(unregister.get(), std::make_pair(0, true));
+}
+
+TEST_F(HostPcmVoice, AnUnregisteredReceiverHearsNothingMore) {
+  VoiceRecorder first;
+  VoiceRecorder second;
+  ASSERT_EQ(first.Register(), 0);
+  ASSERT_EQ(StartVoice(), 0);
+  ASSERT_TRUE(first.WaitForBlocks(2));
+  ASSERT_EQ(first.Unregister(), 0);
+  const std::size_t heard = first.Blocks().size();
+  ASSERT_EQ(second.Register(), 0);
+  ASSERT_TRUE(second.WaitForBlocks(3));
+  EXPECT_EQ(first.Blocks().size(), heard);
+}
+
+TEST_F(HostPcmVoice, AStoppedRemoteSendsNothingUntilItIsStartedAgain) {
+  VoiceRecorder first;
+  VoiceRecorder second;
+  ASSERT_EQ(first.Register(), 0);
+  ASSERT_EQ(StartVoice(), 0);
+  ASSERT_TRUE(first.WaitForBlocks(2));
+  ASSERT_EQ(bt_hid_rc_stop_sending_voice(nullptr), 0);
+  ASSERT_EQ(first.Unregister(), 0);  // a block that was being handed over is over now
+  ASSERT_EQ(second.Register(), 0);
+  const MonotonicTime start = MonotonicNow();
+  ASSERT_EQ(StartVoice(), 0);
+  ASSERT_TRUE(second.WaitForBlocks(1));
+  EXPECT_GE(second.Blocks().front().arrival, start + Milliseconds(kBlockMs + 30.0));
+}
+
+TEST_F(HostPcmVoice, TheRemoteFallsSilentAtTheEndOfItsWindow) {
+  Write("room.json", R"({"voice": {"window_ms": 100}})");
+  VoiceRecorder recorder;
+  ASSERT_EQ(recorder.Register(), 0);
+  ASSERT_EQ(StartVoice(), 0);
+  ASSERT_TRUE(recorder.WaitForBlocks(6));  // 99 ms
+  const MonotonicTime start = MonotonicNow();
+  ASSERT_EQ(StartVoice(), 0);
+  ASSERT_TRUE(recorder.WaitForBlocks(7));
+  EXPECT_GE(recorder.Blocks()[6].arrival, start + Milliseconds(kBlockMs + 30.0));
+}
+
+TEST_F(HostPcmVoice, AnExtendFromTheCallbackKeepsItSending) {
+  Write("room.json", R"({"voice": {"window_ms": 1000}})");
+  VoiceRecorder recorder([] { EXPECT_EQ(ExtendVoice(), 0); });
+  ASSERT_EQ(recorder.Register(), 0);
+  ASSERT_EQ(StartVoice(), 0);
+  EXPECT_TRUE(recorder.WaitForBlocks(70));  // a window holds 60
+}
+
+TEST_F(HostPcmVoice, AStartWhileSendingBeginsTheWindowAnew) {
+  Write("room.json", R"({"voice": {"window_ms": 1000}})");
+  VoiceRecorder recorder;
+  ASSERT_EQ(recorder.Register(), 0);
+  ASSERT_EQ(StartVoice(), 0);
+  ASSERT_TRUE(recorder.WaitForBlocks(20));
+  ASSERT_EQ(StartVoice(), 0);
+  EXPECT_TRUE(recorder.WaitForBlocks(70));  // the first window holds 60
+}
+
+// The static receiver is older than the delivery thread and stays registered: it is gone when the process ends, so the
+// thread must be gone before it.
+TEST_F(HostPcmVoice, NothingIsDeliveredToAReceiverThatTheEndOfTheProcessDestroys) {
+  struct Receiver {
+    ~Receiver() {
+      isGone = true;
+      const MonotonicTime end = MonotonicNow() + milliseconds(100);  // six blocks
+      while (MonotonicNow() < end) {
+        std::this_thread::yield();
+      }
+    }
+    static void Receive(const VoiceData* /*record*/, void* self) {
+      if (static_cast<Receiver*>(self)->isGone) {
+        std::_Exit(1);
+      }
+    }
+    std::atomic<bool> isGone{false};
+  };
+  testing::FLAGS_gtest_death_test_style = "threadsafe";
+  EXPECT_EXIT(
+      {
+        static Receiver receiver;
+        bt_hid_set_audio_data_receive_cb(&Receiver::Receive, &receiver);
+        StartVoice();
+        std::exit(0);
+      },
+      testing::ExitedWithCode(0), "");
+}
+
+TEST_F(HostPcmVoice, TheProcessMayEndWhileTheRemoteSends) {
+  testing::FLAGS_gtest_death_test_style = "threadsafe";
+  EXPECT_EXIT(
+      {
+        static VoiceRecorder recorder;
+        recorder.Register();
+        StartVoice();
+        std::exit(recorder.WaitForBlocks(2) ? 0 : 1);
+      },
+      testing::ExitedWithCode(0), "");
+}
+
+}  // namespace
+}  // namespace orvex::virtual_tv

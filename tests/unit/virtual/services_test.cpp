@@ -1,0 +1,266 @@
+// Sound manager, output delay and queries: what the files say is what the service hears.
+#include <algorithm>
+#include <functional>
+
+#include "orvex/platform/file_location.h"
+#include "orvex/platform/output_delay.h"
+#include "orvex/platform/sound_manager.h"
+#include "orvex/platform/tv_service.h"
+#include "unit/virtual/television.h"
+
+namespace orvex::virtual_tv {
+namespace {
+
+using testing::HasSubstr;
+
+using HostServices = HostTelevision;
+
+TEST_F(HostServices, ReadAndWriteTheSoundManagersFiles) {
+  Echo("sound/mute", "1\n");
+  Echo("sound/volume", "33\n");
+  Echo("sound/speaker", "-4\n");
+  bool muted = false;
+  std::int32_t number = 0;
+  EXPECT_EQ(sound_manager_get_device_mute(0, &muted), 0);
+  EXPECT_TRUE(muted);
+  EXPECT_EQ(sound_manager_get_tv_master_volume(&number), 0);
+  EXPECT_EQ(number, 33);
+  EXPECT_EQ(sound_manager_get_speaker_selection(&number), 0);
+  EXPECT_EQ(number, -4);
+  EXPECT_EQ(sound_manager_set_device_mute(0, false), 0);
+  EXPECT_EQ(sound_manager_set_tv_master_volume(100), 0);
+  EXPECT_EQ(Content("sound/mute"), "0\n");
+  EXPECT_EQ(Content("sound/volume"), "100\n");
+}
+
+TEST_F(HostServices, SayOnceThatAValueCannotBeReadUntilItCan) {
+  std::uint32_t delayMs = 0;
+  const auto problems = [&](int reads) {
+    testing::internal::CaptureStderr();
+    for (int read = 0; read < reads; ++read) {
+      avoc_get_delay(&delayMs, kDelayKindSpdif);
+    }
+    const std::string text = testing::internal::GetCapturedStderr();
+    return std::count(text.begin(), text.end(), '\n');
+  };
+  Echo("delay/spdif", "soon\n");
+  EXPECT_EQ(problems(5), 1);
+  EXPECT_EQ(problems(5), 0);
+  Echo("delay/spdif", "later\n");
+  EXPECT_EQ(problems(5), 1) << "another problem";
+  Echo("delay/spdif", "7\n");
+  EXPECT_EQ(problems(1), 0);
+  Echo("delay/spdif", "soon\n");
+  EXPECT_EQ(problems(2), 1) << "it was good meanwhile";
+}
+
+TEST_F(HostServices, RefuseOtherDevicesAndVolumesOutOfRange) {
+  bool muted = true;
+  EXPECT_EQ(sound_manager_get_device_mute(1, &muted), -2);
+  EXPECT_TRUE(muted);
+  EXPECT_EQ(sound_manager_set_device_mute(1, true), -2);
+  EXPECT_EQ(sound_manager_set_tv_master_volume(-1), -2);
+  EXPECT_EQ(sound_manager_set_tv_master_volume(101), -2);
+  EXPECT_EQ(Content("sound/volume"), "15\n");
+  EXPECT_EQ(Content("sound/mute"), "0\n");
+}
+
+TEST_F(HostServices, ReadAndWriteTheDelayOfTheOpticalOutput) {
+  std::uint32_t delayMs = 0;
+  EXPECT_EQ(avoc_get_delay(&delayMs, kDelayKindSpdif), 0);
+  EXPECT_EQ(delayMs, 100U);
+  EXPECT_EQ(avoc_set_delay(4294967295U, kDelayKindSpdif), 0);
+  EXPECT_EQ(Content("delay/spdif"), "4294967295\n");
+  EXPECT_EQ(IAudioControl::getInstance()->getSpdifOutDelay(&delayMs), 0);
+  EXPECT_EQ(delayMs, 4294967295U);
+  EXPECT_EQ(avoc_get_delay(&delayMs, 2), -2);
+  EXPECT_EQ(avoc_set_delay(1, 2), -2);
+  EXPECT_EQ(Content("delay/spdif"), "4294967295\n");
+}
+
+TEST_F(HostServices, AnswerQueriesFromTheFilesOfTv) {
+  for (const auto& [name, text] : {std::pair("tv/brand", "Velta"),
+                                   {"tv/device_type", "-3"},
+                                   {"tv/source", "11"},
+                                   {"tv/resolution", "9"},
+                                   {"tv/frequency", "50"},
+                                   {"tv/codec", "2"},
+                                   {"tv/hdmi_inputs", "3"}}) {
+    Echo(name, std::string(text) + "\n");
+  }
+  const TvActivityInfo* const info = tv_get_activity_info_by_source(99);
+  ASSERT_NE(info, nullptr);
+  EXPECT_STREQ(info->brandName, "Velta");
+  EXPECT_EQ(info->deviceType, -3);
+  EXPECT_EQ(tv_get_hdmi_input_count(), 3);
+  ISourceControl* sources = nullptr;
+  ASSERT_EQ(tv_create_source_control(1, 0, &sources), 0);
+  ESource source{};
+  EXPECT_EQ(sources->getCurrentSource(&source), 0);
+  EXPECT_EQ(static_cast<int>(source), 11);
+  IAVControl* video = nullptr;
+  ASSERT_EQ(tv_create_av_control(1, 0, &video), 0);
+  std::int32_t resolution = 2;
+  TvResolution record{};
+  EXPECT_EQ(video->getResolution(&resolution, &record), 0);
+  EXPECT_EQ(resolution, 9);
+  EXPECT_EQ(record.frequency, 50);
+  std::int32_t codec = 0;
+  EXPECT_EQ(IAudioControl::getInstance()->getSpdifOutCodec(&codec), 0);
+  EXPECT_EQ(codec, 2);
+}
+
+// One operation that reads or writes a file: its name in faults.json and its answer. Targets start at 77.
+struct Operation {
+  const char* fault;
+  const char* file;
+  int failure;
+  std::function<int(int* target)> run;
+};
+
+const std::vector<Operation>& Operations() {
+  static const std::vector<Operation> operations{
+      {"sound.get_mute", "sound/mute", -1,
+       [](int* target) {
+         bool muted = true;
+         const int result = sound_manager_get_device_mute(0, &muted);
+         *target = muted ? 77 : 0;
+         return result;
+       }},
+      {"sound.get_volume", "sound/volume", -1, [](int* target) { return sound_manager_get_tv_master_volume(target); }},
+      {"sound.get_speaker", "sound/speaker", -1,
+       [](int* target) { return sound_manager_get_speaker_selection(target); }},
+      {"delay.get", "delay/spdif", -1,
+       [](int* target) {
+         std::uint32_t delayMs = 77;
+         const int result = avoc_get_delay(&delayMs, kDelayKindSpdif);
+         *target = static_cast<int>(delayMs);
+         return result;
+       }},
+      {"audio_control.delay", "delay/spdif", -1,
+       [](int* target) {
+         std::uint32_t delayMs = 77;
+         const int result = IAudioControl::getInstance()->getSpdifOutDelay(&delayMs);
+         *target = static_cast<int>(delayMs);
+         return result;
+       }},
+      {"audio_control.codec", "tv/codec", -1,
+       [](int* target) { return IAudioControl::getInstance()->getSpdifOutCodec(target); }},
+      {"tv.hdmi_inputs", "tv/hdmi_inputs", -1, [](int*) { return tv_get_hdmi_input_count(); }},
+      {"tv.resolution", "tv/resolution", -1,
+       [](int* target) {
+         IAVControl* video = nullptr;
+         tv_create_av_control(1, 0, &video);
+         TvResolution record{77};
+         const int result = video->getResolution(target, &record);
+         EXPECT_EQ(record.frequency == 77, result != 0);
+         return result;
+       }},
+      {"tv.resolution", "tv/frequency", -1,
+       [](int* target) {
+         IAVControl* video = nullptr;
+         tv_create_av_control(1, 0, &video);
+         TvResolution record{77};
+         return video->getResolution(target, &record);
+       }},
+      {"tv.source", "tv/source", -1,
+       [](int* target) {
+         ISourceControl* sources = nullptr;
+         tv_create_source_control(1, 0, &sources);
+         auto source = static_cast<ESource>(77);
+         const int result = sources->getCurrentSource(&source);
+         *target = source;
+         return result;
+       }},
+  };
+  return operations;
+}
+
+TEST_F(HostServices, FailWithTargetsUntouchedWhenTheirFileIsMissingOrBad) {
+  for (const Operation& operation : Operations()) {
+    for (const char* const content : {"", "much", "1e3"}) {
+      Echo(operation.file, content);
+      int target = 77;
+      testing::internal::CaptureStderr();
+      EXPECT_EQ(operation.run(&target), operation.failure) << operation.file;
+      EXPECT_EQ(target, 77) << operation.file;
+      EXPECT_THAT(testing::internal::GetCapturedStderr(),
+                  HasSubstr((Folder() / operation.file).string() + ": \"" + content + "\": expected an integer"));
+    }
+    Remove(operation.file);
+    int target = 77;
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(operation.run(&target), operation.failure) << operation.file;
+    EXPECT_EQ(target, 77) << operation.file;
+    const bool isQuery = std::string(operation.file).rfind("tv/", 0) == 0;  // a missing one is a state of its own
+    EXPECT_EQ(testing::internal::GetCapturedStderr().empty(), isQuery) << operation.file;
+    Television::Instance().Set(operation.file, "1");
+    EXPECT_NE(operation.run(&target), operation.failure) << operation.file;
+  }
+}
+
+TEST_F(HostServices, GiveAnInjectedAnswerOnceAndLeaveTargetsUntouched) {
+  for (const Operation& operation : Operations()) {
+    SetFaults(std::string("{\"") + operation.fault + "\": [-77]}");
+    int target = 77;
+    EXPECT_EQ(operation.run(&target), -77) << operation.fault;
+    EXPECT_EQ(target, 77) << operation.fault;
+    EXPECT_NE(operation.run(&target), -77) << operation.fault;
+  }
+}
+
+TEST_F(HostServices, WriteNothingWhenTheAnswerIsInjected) {
+  SetFaults(R"({"sound.set_mute": -1, "sound.set_volume": -1, "delay.set": -1})");
+  EXPECT_EQ(sound_manager_set_device_mute(0, true), -1);
+  EXPECT_EQ(sound_manager_set_tv_master_volume(99), -1);
+  EXPECT_EQ(avoc_set_delay(99, kDelayKindSpdif), -1);
+  EXPECT_EQ(Content("sound/mute") + Content("sound/volume") + Content("delay/spdif"), "0\n15\n100\n");
+}
+
+TEST_F(HostServices, FailToWriteWhereNothingCanBeWritten) {
+  Remove("delay");
+  Echo("delay", "a file in the way");
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(avoc_set_delay(99, kDelayKindSpdif), -1);
+  EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr((Folder() / "delay").string()));
+}
+
+TEST_F(HostServices, HaveNoActivityWithoutBrandOrKind) {
+  Remove("tv/brand");
+  EXPECT_EQ(tv_get_activity_info_by_source(99), nullptr);
+  Television::Instance().Set("tv/brand", "");
+  ASSERT_NE(tv_get_activity_info_by_source(99), nullptr);
+  EXPECT_STREQ(tv_get_activity_info_by_source(99)->brandName, "");
+  Remove("tv/device_type");
+  EXPECT_EQ(tv_get_activity_info_by_source(99), nullptr);
+  Television::Instance().Set("tv/device_type", "1");
+  SetFaults(R"({"tv.activity": [-1]})");
+  EXPECT_EQ(tv_get_activity_info_by_source(99), nullptr);
+  EXPECT_NE(tv_get_activity_info_by_source(99), nullptr);
+}
+
+TEST_F(HostServices, WithholdAControlWhenInjected) {
+  SetFaults(R"({"tv.av_control": -5, "tv.source_control": -6})");
+  IAVControl* video = nullptr;
+  ISourceControl* sources = nullptr;
+  EXPECT_EQ(tv_create_av_control(1, 0, &video), -5);
+  EXPECT_EQ(tv_create_source_control(1, 0, &sources), -6);
+  EXPECT_EQ(video, nullptr);
+  EXPECT_EQ(sources, nullptr);
+}
+
+TEST_F(HostServices, FindAFileOnTheTelevisionThenAtItsFixedPlaceThenAmongTheResources) {
+  const std::string fixed = "/usr/apps/example/sound.wav";
+  setenv("ORVEX_RESOURCES", "/resources", 1);
+  EXPECT_EQ(file_location(fixed), "/resources" + fixed);
+  EXPECT_EQ(file_location("/proc/self/status"), "/proc/self/status");
+  std::filesystem::create_directories(Folder() / "usr/apps/example");
+  Echo("usr/apps/example/sound.wav", "x");
+  EXPECT_EQ(file_location(fixed), Folder().string() + fixed);
+  Remove("usr");
+  unsetenv("ORVEX_RESOURCES");
+  EXPECT_THAT(file_location(fixed), testing::EndsWith("/sysroot" + fixed));
+}
+
+}  // namespace
+}  // namespace orvex::virtual_tv

@@ -1,0 +1,287 @@
+// The settings store: reading keys, and one notification per write however the write is made.
+#include <unistd.h>
+
+#include <functional>
+#include <map>
+
+#include "orvex/platform/settings.h"
+#include "unit/virtual/loop_application.h"
+#include "unit/virtual/television.h"
+#include "virtual/key_state.h"
+
+namespace orvex::virtual_tv {
+namespace {
+
+using testing::HasSubstr;
+
+constexpr const char* kFlag = "db/device-detector-service/optical_change_flag";
+constexpr const char* kConsent = "db/menu/tessar/homedatacontrol/defaultdisclaimeragree";
+constexpr const char* kLate = "db/quite/new/key";
+constexpr const char* kFence = "db/fence";
+
+std::string FileOf(const std::string& key) {
+  return "settings/" + key;
+}
+
+class HostSettings : public HostTelevision {
+protected:
+  // Subscriptions outlast a test that fails.
+  ~HostSettings() override {
+    for (const char* const key : {kFlag, kConsent, kLate, kFence}) {
+      settings_unsubscribe(key, &OnChanged);
+    }
+  }
+
+  static void OnChanged(const SettingsNode* node, void* test) {
+    auto& self = *static_cast<HostSettings*>(test);
+    ++self.m_Counts[settings_node_name(node)];
+    self.m_OnChanged(settings_node_name(node));
+  }
+
+  void Subscribe(const char* key) { EXPECT_EQ(settings_subscribe(key, &OnChanged, this), 0) << key; }
+
+  // Runs the main loop with `write` in it, until everything that `write` did has been notified: later writes of another
+  // key end the loop. Two, because new directories are looked into after the first.
+  void RunWith(const std::function<void()>& write) {
+    m_Application.onCreate = [this] {
+      Subscribe(kFence);
+      m_Application.Send(1);
+    };
+    m_Application.onEvent = [this, write](std::int32_t) {
+      write();
+      Echo(FileOf(kFence), "1\n");
+    };
+    const auto inner = m_OnChanged;
+    m_OnChanged = [this, inner](const std::string& key) {
+      inner(key);
+      if (key == kFence && m_Counts[kFence] == 1) {
+        Echo(FileOf(kFence), "2\n");
+      } else if (key == kFence) {
+        ui_app_exit();
+      }
+    };
+    m_Application.Run();
+  }
+
+  std::map<std::string, int> m_Counts;
+  std::function<void(const std::string&)> m_OnChanged = [](const std::string&) {};
+  LoopApplication m_Application;
+};
+
+TEST_F(HostSettings, ReadAnIntegerOrTellWhyNot) {
+  const struct {
+    const char* content;
+    int result;
+    int value;
+  } rows[] = {{"5\n", 0, 5},     {"-2147483648", 0, -2147483648LL}, {" 7 \n", 0, 7},   {"", -2, 77},
+              {"yes\n", -2, 77}, {"2147483648\n", -2, 77},          {"1 2\n", -2, 77}, {"1\n2\n", -2, 77}};
+  for (const auto& row : rows) {
+    Echo(FileOf(kFlag), row.content);
+    int value = 77;
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(settings_get_int(kFlag, &value), row.result) << row.content;
+    EXPECT_EQ(value, row.value) << row.content;
+    EXPECT_EQ(testing::internal::GetCapturedStderr().empty(), row.result == 0) << row.content;
+  }
+}
+
+TEST_F(HostSettings, TellAMissingKeyFromAnUnreadableStore) {
+  int value = 77;
+  EXPECT_EQ(settings_get_int("db/nothing", &value), -1);
+  EXPECT_EQ(settings_get_int(nullptr, &value), -1);
+  EXPECT_EQ(settings_get_int("../sound/volume", &value), -1);
+  Remove(FileOf(kFlag));
+  std::filesystem::create_directory(Folder() / FileOf(kFlag));
+  EXPECT_EQ(settings_get_int(kFlag, &value), -3);
+  SetFaults(R"({"settings.get": [-3]})");
+  EXPECT_EQ(settings_get_int(kConsent, &value), -3);
+  EXPECT_EQ(value, 77);
+  EXPECT_EQ(settings_get_int(kConsent, &value), 0);
+}
+
+TEST_F(HostSettings, TakeASubscriptionOncePerKeyAndCallback) {
+  EXPECT_EQ(settings_subscribe(kFlag, &OnChanged, this), 0);
+  EXPECT_EQ(settings_subscribe(kFlag, &OnChanged, nullptr), -1);
+  EXPECT_EQ(settings_subscribe(kConsent, &OnChanged, this), 0);
+  EXPECT_EQ(settings_unsubscribe(kFlag, &OnChanged), 0);
+  EXPECT_EQ(settings_unsubscribe(kFlag, &OnChanged), -1);
+  EXPECT_EQ(settings_unsubscribe(nullptr, &OnChanged), -1);
+  EXPECT_EQ(settings_subscribe(kFlag, &OnChanged, this), 0);
+}
+
+TEST_F(HostSettings, RefuseASubscriptionThatCannotBeServed) {
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(settings_subscribe("db/../../x", &OnChanged, this), -3);
+  EXPECT_EQ(settings_subscribe(nullptr, &OnChanged, this), -3);
+  EXPECT_EQ(settings_subscribe(kFlag, nullptr, this), -3);
+  Remove("settings");
+  EXPECT_EQ(settings_subscribe(kFlag, &OnChanged, this), -3);
+  EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("cannot watch " + (Folder() / "settings").string()));
+  SetFaults(R"({"settings.subscribe": -3})");
+  EXPECT_EQ(settings_subscribe(kFlag, &OnChanged, this), -3);
+}
+
+TEST_F(HostSettings, NotifyOncePerWriteByEcho) {
+  Subscribe(kFlag);
+  Subscribe(kConsent);
+  RunWith([this] { Echo(FileOf(kFlag), "1\n"); });
+  EXPECT_EQ(m_Counts[kFlag], 1);
+  EXPECT_EQ(m_Counts[kConsent], 0);
+}
+
+TEST_F(HostSettings, NotifyOncePerWriteByRename) {
+  Subscribe(kFlag);
+  RunWith([] { Television::Instance().Set(FileOf(kFlag), "1"); });
+  EXPECT_EQ(m_Counts[kFlag], 1);
+}
+
+TEST_F(HostSettings, NotifyAWriteOfTheSameValue) {
+  Subscribe(kFlag);
+  RunWith([this] { Echo(FileOf(kFlag), "0\n"); });
+  EXPECT_EQ(m_Counts[kFlag], 1);
+}
+
+TEST_F(HostSettings, NotifyTheKeyThatWasWrittenAndNoOther) {
+  Subscribe(kFlag);
+  Subscribe(kConsent);
+  RunWith([this] { Echo(FileOf(kConsent), "1\n"); });
+  EXPECT_EQ(m_Counts[kConsent], 1);
+  EXPECT_EQ(m_Counts[kFlag], 0);
+}
+
+TEST_F(HostSettings, NotifyEachWriteThatFollowsANotification) {
+  Subscribe(kFlag);
+  m_OnChanged = [this](const std::string& key) {
+    if (key == kFlag && m_Counts[kFlag] < 6) {
+      const std::string value = std::to_string(m_Counts[kFlag]);
+      m_Counts[kFlag] % 2 == 0 ? Echo(FileOf(kFlag), value) : Television::Instance().Set(FileOf(kFlag), value);
+    }
+    if (key == kFlag && m_Counts[kFlag] == 6) {
+      ui_app_exit();
+    }
+  };
+  m_Application.onCreate = [this] { Echo(FileOf(kFlag), "9\n"); };
+  m_Application.Run();
+  EXPECT_EQ(m_Counts[kFlag], 6);
+}
+
+TEST_F(HostSettings, NotifyAKeyThatAppearsLaterInNewDirectories) {
+  Subscribe(kLate);
+  RunWith([this] {
+    std::filesystem::create_directories((Folder() / FileOf(kLate)).parent_path());
+    Echo(FileOf(kLate), "1\n");
+  });
+  EXPECT_EQ(m_Counts[kLate], 1);
+}
+
+TEST_F(HostSettings, NotifyAKeyThatAppearsBesideOthers) {
+  Subscribe("db/fresh");
+  RunWith([this] { Echo(FileOf("db/fresh"), "1\n"); });
+  EXPECT_EQ(m_Counts["db/fresh"], 1);
+  EXPECT_EQ(settings_unsubscribe("db/fresh", &OnChanged), 0);
+}
+
+TEST_F(HostSettings, NotifyAKeyWhoseDirectoryWasRemovedAndMadeAgain) {
+  Subscribe(kFlag);
+  RunWith([this] {
+    Remove("settings/db/device-detector-service");
+    std::filesystem::create_directories((Folder() / FileOf(kFlag)).parent_path());
+    Echo(FileOf(kFlag), "1\n");
+  });
+  EXPECT_EQ(m_Counts[kFlag], 1);
+}
+
+TEST_F(HostSettings, NotifyAWriteBetweenTheSubscriptionAndTheMainLoop) {
+  Subscribe(kFlag);
+  Echo(FileOf(kFlag), "1\n");
+  m_OnChanged = [](const std::string& key) {
+    if (key == kFlag) {
+      ui_app_exit();
+    }
+  };
+  m_Application.onCreate = [this] { EXPECT_EQ(m_Counts[kFlag], 0) << "before the main loop"; };
+  m_Application.Run();
+  EXPECT_EQ(m_Counts[kFlag], 1);
+}
+
+TEST_F(HostSettings, AreSilentAboutARemovedKey) {
+  Subscribe(kFlag);
+  RunWith([this] { Remove(FileOf(kFlag)); });
+  EXPECT_EQ(m_Counts[kFlag], 0);
+}
+
+TEST_F(HostSettings, AreSilentAfterTheUnsubscribe) {
+  Subscribe(kFlag);
+  RunWith([this] {
+    Echo(FileOf(kFlag), "1\n");
+    EXPECT_EQ(settings_unsubscribe(kFlag, &OnChanged), 0);
+  });
+  EXPECT_EQ(m_Counts[kFlag], 0);
+}
+
+TEST_F(HostSettings, MayBeUnsubscribedByTheirOwnCallback) {
+  Subscribe(kFlag);
+  m_OnChanged = [](const std::string& key) {
+    if (key == kFlag) {
+      EXPECT_EQ(settings_unsubscribe(kFlag, &OnChanged), 0);
+    }
+  };
+  RunWith([this] {
+    Echo(FileOf(kFlag), "1\n");
+    Echo(FileOf(kFlag), "2\n");
+  });
+  EXPECT_EQ(m_Counts[kFlag], 1);
+}
+
+TEST_F(HostSettings, MayBeUnsubscribedByTheCallbackBeforeThem) {
+  Subscribe(kFlag);
+  static int otherCount = 0;
+  const SettingsChangedCallback other = [](const SettingsNode*, void*) { ++otherCount; };
+  EXPECT_EQ(settings_subscribe(kFlag, other, nullptr), 0);
+  m_OnChanged = [other](const std::string& key) {
+    if (key == kFlag) {
+      EXPECT_EQ(settings_unsubscribe(kFlag, other), 0);
+    }
+  };
+  RunWith([this] { Echo(FileOf(kFlag), "1\n"); });
+  EXPECT_EQ(m_Counts[kFlag], 1);
+  EXPECT_EQ(otherCount, 0);
+}
+
+TEST_F(HostSettings, AreSilentOnceTheEndIsRequested) {
+  Subscribe(kFlag);
+  m_Application.onCreate = [this] { m_Application.Send(1); };
+  m_Application.onEvent = [this](std::int32_t) {
+    Echo(FileOf(kFlag), "1\n");
+    ui_app_exit();
+  };
+  m_Application.onDestroy = [this] { Echo(FileOf(kFlag), "2\n"); };
+  m_Application.Run();
+  EXPECT_EQ(m_Counts[kFlag], 0);
+}
+
+TEST_F(HostSettings, HaveNoNameForNoNode) {
+  EXPECT_EQ(settings_node_name(nullptr), nullptr);
+}
+
+// The two signs of one write, in every order in which they can come.
+TEST_F(HostSettings, CountOneWriteOnceByCreationOrByClosing) {
+  const auto file = Folder() / "settings/state";
+  KeyState state(file);
+  EXPECT_FALSE(state.TakeChange()) << "nothing there";
+  Echo("settings/state", "");
+  EXPECT_FALSE(state.TakeChange()) << "opened, not written yet";
+  Echo("settings/state", "1");
+  EXPECT_TRUE(state.TakeChange());
+  EXPECT_FALSE(state.TakeClosing()) << "the same write";
+  EXPECT_TRUE(state.TakeClosing()) << "a further write, though of the same value";
+  Echo("settings/state", "2");
+  EXPECT_TRUE(state.TakeClosing());
+  EXPECT_FALSE(state.TakeChange()) << "known already";
+  Remove("settings/state");
+  EXPECT_FALSE(state.TakeChange());
+  EXPECT_FALSE(state.TakeClosing());
+}
+
+}  // namespace
+}  // namespace orvex::virtual_tv
