@@ -11,10 +11,11 @@ class CLogger;
 // The collector's instance, or null when there is none (now; a later call MAY succeed).
 CLogger* event_log_get_instance();
 
-// Result of a record that was accepted; every other result means that it was not.
-constexpr int kEventLogAccepted = 1;
+// Results of a record. After any but kEventLogAccepted nothing was kept.
+constexpr int kEventLogAccepted = 1;      // accepted whole
+constexpr int kEventLogRefused = 0;       // refused
+constexpr int kEventLogUnreachable = -1;  // the collector cannot be reached; a port MAY give another negative number
 
 // Hands over one record and waits until it is accepted whole or refused. Texts are UTF-8, passed by value.
-// 1: accepted. 0: refused. Negative: the collector cannot be reached. After any result but 1 nothing was kept.
 int event_log_add_sync(CLogger* logger, std::string service, std::string event, std::string category,
                        std::string value);

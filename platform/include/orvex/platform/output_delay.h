@@ -9,14 +9,22 @@
 // Delay kind: the optical (S/PDIF) output, the only kind that is used.
 constexpr int kDelayKindSpdif = 1;
 
+// Results of the functions below.
+constexpr int kDelayDone = 0;          // done
+constexpr int kDelayUnreachable = -1;  // the service cannot be reached, or its value cannot be read
+constexpr int kDelayUnknownKind = -2;  // unknown kind of delay
+
 // Reads the delay in force, in milliseconds, 0 to 4294967295.
-// 0: `*delayMs` holds it. Negative, `*delayMs` untouched: -1 the service cannot be reached or its value is unreadable,
-// -2 unknown kind.
+// kDelayDone: `*delayMs` holds it. kDelayUnreachable, kDelayUnknownKind: `*delayMs` is untouched.
 int avoc_get_delay(std::uint32_t* delayMs, int kind);
 
 // Puts a delay in force, in milliseconds. A port MAY clamp to what its hardware can do; avoc_get_delay() then tells.
-// 0: in force. Negative, nothing changed: -1 the service cannot be reached, -2 unknown kind.
+// kDelayDone: in force. kDelayUnreachable, kDelayUnknownKind: nothing changed.
 int avoc_set_delay(std::uint32_t delayMs, int kind);
+
+// Results of the object's queries.
+constexpr int kAudioControlDone = 0;     // done
+constexpr int kAudioControlFailed = -1;  // the output cannot be asked; the target is untouched
 
 // Diagnostic queries of the optical output. The port owns the object; it lives until the process ends.
 class IAudioControl {
@@ -24,9 +32,9 @@ public:
   // The platform's object, or null when there is none. Asked afresh every time; any thread.
   static IAudioControl* getInstance();
 
-  // The delay of the S/PDIF output in milliseconds. 0: done. -1: failed, target untouched.
+  // The delay of the S/PDIF output in milliseconds. Results: kAudioControlDone, kAudioControlFailed.
   virtual int getSpdifOutDelay(std::uint32_t* delayMs) = 0;
-  // The codec number of the S/PDIF output. 0: done. -1: failed, target untouched.
+  // The codec number of the S/PDIF output. Results as above.
   virtual int getSpdifOutCodec(std::int32_t* codec) = 0;
 
 protected:

@@ -4,8 +4,13 @@
 #include <cstddef>
 #include <cstdint>
 
-// One delivered block of microphone audio: signed 16-bit little-endian samples, one channel, nominally 46545 per second
-// and 768 per block.
+// Samples of a whole block.
+constexpr int kVoiceBlockSamples = 768;
+// Nominal samples per second.
+constexpr int kVoiceRateHz = 46545;
+
+// One delivered block of microphone audio: signed 16-bit little-endian samples, one channel, nominally kVoiceRateHz per
+// second and kVoiceBlockSamples per block.
 //
 // The record and its bytes are valid during the callback only. `bytes` needs no alignment and MUST point at `byteCount`
 // readable bytes. A port MAY deliver a shorter block, an odd byte count or an empty one: the receiver then takes the
@@ -20,27 +25,31 @@ struct VoiceData {
 // block (16.5 ms) on average and MUST NOT unregister itself.
 using VoiceDataCallback = void (*)(const VoiceData* record, void* userData);
 
-// Result code of a command that the remote is still busy with; the caller may ask again.
-constexpr int kVoiceInProgress = -115;
+// Results of the functions below; each function names those that it can give.
+constexpr int kVoiceDone = 0;           // done
+constexpr int kVoiceRefused = -5;       // the remote refuses
+constexpr int kVoiceTaken = -16;        // another receiver is registered
+constexpr int kVoiceNoRemote = -19;     // no remote is connected, or there is no voice service
+constexpr int kVoiceInvalid = -22;      // nothing is registered, or the command or its length is unknown
+constexpr int kVoiceInProgress = -115;  // the remote is busy with an earlier command; the caller may ask again
 
 // Registers the one receiver of audio data. Any thread. The callback MAY run before the call returns, though a port
 // that delivers only after a start command has nothing to deliver yet. `userData` MUST live until the unregister
-// returned. 0: registered. Negative: -16 another receiver is registered, -19 there is no voice service.
+// returned. Results: kVoiceDone, kVoiceTaken, kVoiceNoRemote.
 int bt_hid_set_audio_data_receive_cb(VoiceDataCallback callback, void* userData);
 
 // Unregisters it. Any thread but the delivery thread. MUST return only when no callback is running and none will start.
-// 0: unregistered. Negative: -22 none is registered, -19 there is no voice service; then too no callback runs on.
+// Results: kVoiceDone, kVoiceInvalid, kVoiceNoRemote; whatever the result, no callback runs on.
 int bt_hid_unset_audio_data_receive_cb();
 
 // Sends a command to the remote. `target` names it, null: the connected one. The port copies `command`. Any thread, the
 // delivery thread included; MAY block for some milliseconds.
 // Commands, 2 bytes: 05 00 start voice for the inaudible test, 04 00 start voice for the audible setting, 03 10 go on
 // recording. A started remote sends blocks until it is stopped or its voice window ends without a "go on".
-// 0: accepted. Negative: -115 a previous command is in progress, ask again; -5 the remote refuses; -19 no remote is
-// connected; -22 unknown command or length.
+// Results: kVoiceDone, kVoiceInProgress, kVoiceRefused, kVoiceNoRemote, kVoiceInvalid.
 int bt_hid_send_rc_command(const char* target, const std::uint8_t* command, std::size_t length);
 
 // Ends the remote's voice. `target` as above. Any thread but the delivery thread.
-// 0: stopped, or was not sending; at most a block that was under way is still delivered. Negative: -115 in progress,
-// ask again; -5 refused; -19 no remote is connected.
+// Results: kVoiceDone (stopped, or was not sending; at most a block that was under way is still delivered),
+// kVoiceInProgress, kVoiceRefused, kVoiceNoRemote.
 int bt_hid_rc_stop_sending_voice(const char* target);

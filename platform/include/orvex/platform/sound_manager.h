@@ -1,10 +1,14 @@
 // Contract: the television's sound manager. Main loop only. Device 0 is the television's own speaker.
 //
-// Result of every operation: 0 done; negative: -1 the manager cannot be reached, -2 no such device or value out of
-// range. A failed read leaves its target untouched, a failed write changes nothing.
+// A failed read leaves its target untouched, a failed write changes nothing.
 #pragma once
 
 #include <cstdint>
+
+// Results of every operation.
+constexpr int kSoundDone = 0;          // done
+constexpr int kSoundUnreachable = -1;  // the manager cannot be reached
+constexpr int kSoundOutOfRange = -2;   // no such device, or a value out of range
 
 // Mute state of a device: true is silent.
 int sound_manager_get_device_mute(int device, bool* muted);

@@ -4,6 +4,10 @@
 
 #include <cstdint>
 
+// Results of the queries below that say done or failed.
+constexpr int kTvDone = 0;     // done
+constexpr int kTvFailed = -1;  // the query failed, its targets are untouched; a port MAY give another negative number
+
 // Number of HDMI inputs, 0 or more; negative when unknown.
 int tv_get_hdmi_input_count();
 
@@ -26,7 +30,7 @@ struct TvResolution {
 class IAVControl {
 public:
   // `*resolution` goes in as the query's selector and comes back as the resolution code; `*record` is filled.
-  // 0: done. -1: failed, both untouched.
+  // Results: kTvDone, kTvFailed.
   virtual int getResolution(std::int32_t* resolution, TvResolution* record) = 0;
 
 protected:
@@ -34,7 +38,7 @@ protected:
 };
 
 // Gives the video control of a screen (`profile` 1, `screen` 0 is the main picture).
-// 0 and a non-null `*control`: done. Negative: failed, `*control` untouched.
+// kTvDone: `*control` is not null. kTvFailed.
 int tv_create_av_control(int profile, int screen, IAVControl** control);
 
 // Number of an input source, as the television counts them.
@@ -43,7 +47,7 @@ enum ESource : std::int32_t {};
 // Source queries.
 class ISourceControl {
 public:
-  // 0: `*source` holds the current source. Negative: failed, untouched.
+  // kTvDone: `*source` holds the current source. kTvFailed.
   virtual int getCurrentSource(ESource* source) = 0;
 
 protected:

@@ -3,9 +3,13 @@
 
 #include <cstdint>
 
+// Results of both functions.
+constexpr int kWatchdogDone = 0;     // registered, or the notification was taken
+constexpr int kWatchdogFailed = -1;  // there is no watchdog, it refuses, or nothing is registered
+
 // Puts this process under watch. `timeout` is passed as it stands; its unit is the watchdog's (seconds in the ports
-// here). Main loop only. 0: registered. -1: refused, or there is no watchdog; the service runs on unwatched.
+// here). Main loop only. kWatchdogFailed: the service runs on unwatched.
 int watchdog_register(std::int32_t timeout);
 
-// "Still alive." Main loop only. 0: taken. -1: not registered, or the watchdog cannot be reached.
+// "Still alive." Main loop only.
 int watchdog_notify();
