@@ -5,6 +5,7 @@
 #include <system_error>
 #include <utility>
 
+#include "linux/no_destroy.h"
 #include "virtual/report.h"
 #include "virtual/television.h"
 #include "virtual/television_files.h"
@@ -34,8 +35,8 @@ FaultTable ReadFaults(const std::filesystem::path& file) {
 Faults::Faults(std::filesystem::path file) : m_File(std::move(file)), m_Table(ReadFaults(m_File)) {}
 
 Faults& Faults::Instance() {
-  static auto& faults = *new Faults(Television::Instance().PathOf("faults.json"));
-  return faults;
+  static const port::NoDestroy<Faults> faults(Television::Instance().PathOf("faults.json"));
+  return *faults;
 }
 
 void Faults::Reload() {

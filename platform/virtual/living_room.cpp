@@ -7,6 +7,7 @@
 #include <stdexcept>
 #include <vector>
 
+#include "linux/no_destroy.h"
 #include "orvex/sim/room_json.h"
 #include "virtual/report.h"
 #include "virtual/television_files.h"
@@ -69,8 +70,8 @@ LivingRoom::LivingRoom(const Television& television) : m_Television(television) 
 }
 
 LivingRoom& LivingRoom::Instance() {
-  static LivingRoom& room = *new LivingRoom(Television::Instance());
-  return room;
+  static const port::NoDestroy<LivingRoom> room(Television::Instance());
+  return *room;
 }
 
 void LivingRoom::Build() {

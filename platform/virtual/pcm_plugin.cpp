@@ -11,6 +11,7 @@
 #include <string>
 #include <utility>
 
+#include "linux/no_destroy.h"
 #include "virtual/faults.h"
 #include "virtual/living_room.h"
 #include "virtual/virtual_pcm.h"
@@ -36,8 +37,8 @@ std::deque<PcmFaultPoint> ListedFaults() {
 }
 
 PcmSlot& Slot() {
-  static PcmSlot& slot = *new PcmSlot{{false}, ListedFaults()};
-  return slot;
+  static const port::NoDestroy<PcmSlot> slot(ListedFaults());
+  return *slot;
 }
 
 // Card 0, device 8 and nothing else is in the television.

@@ -12,6 +12,7 @@
 #include <system_error>
 #include <thread>
 
+#include "linux/no_destroy.h"
 #include "virtual/faults.h"
 #include "virtual/living_room.h"
 
@@ -39,10 +40,12 @@ private:
 // The one remote control and its one receiver. Its lock is taken before the room's and never while a callback runs.
 class RemoteVoice {
 public:
-  // Never destroyed, as receivers may be unregistered by the destructors of static objects.
+  explicit RemoteVoice(LivingRoom& room) : m_Room(room) {}
+
+  // Receivers may be unregistered by the destructors of static objects.
   static RemoteVoice& Instance() {
-    static RemoteVoice& voice = *new RemoteVoice(LivingRoom::Instance());
-    return voice;
+    static const port::NoDestroy<RemoteVoice> voice(LivingRoom::Instance());
+    return *voice;
   }
 
   int Register(VoiceDataCallback callback, void* userData);
@@ -62,7 +65,6 @@ private:
     ~ThreadEnd() { Instance().End(); }
   };
 
-  explicit RemoteVoice(LivingRoom& room) : m_Room(room) {}
   bool EnsureThread();
   void End();
   void Deliver();

@@ -6,6 +6,7 @@
 #include <set>
 #include <string>
 
+#include "linux/no_destroy.h"
 #include "virtual/report.h"
 #include "virtual/television.h"
 
@@ -33,8 +34,8 @@ AccessResult ResultOf(TelevisionError::Cause cause) {
 class KnownProblems {
 public:
   static KnownProblems& Instance() {
-    static auto& problems = *new KnownProblems;
-    return problems;
+    static const port::NoDestroy<KnownProblems> problems;
+    return *problems;
   }
   void Report(const std::string& name, const std::string& problem) {
     const std::lock_guard<std::mutex> lock(m_Mutex);

@@ -9,6 +9,7 @@
 #include <functional>
 #include <system_error>
 
+#include "linux/no_destroy.h"
 #include "virtual/television_files.h"
 #include "virtual/television_text.h"
 
@@ -103,8 +104,19 @@ fs::path LastResort() {
 constexpr const char* kNowhere = "/dev/null";
 
 std::string& TheProblem() {
-  static auto& problem = *new std::string;
-  return problem;
+  static const port::NoDestroy<std::string> problem;
+  return *problem;
+}
+
+Television CreateOrNowhere(const fs::path& directory) {
+  try {
+    Television television(directory);
+    television.Create();
+    return television;
+  } catch (const std::exception& problem) {
+    TheProblem() = problem.what();
+    return Television(kNowhere);
+  }
 }
 
 }  // namespace
@@ -125,18 +137,8 @@ fs::path Television::DirectoryFromEnvironment() {
 }
 
 const Television& Television::Instance() {
-  // Never destroyed: threads and static objects may use it until the process is gone.
-  static const Television& television = *[] {
-    auto* const made = new Television(DirectoryFromEnvironment());
-    try {
-      made->Create();
-    } catch (const std::exception& problem) {
-      TheProblem() = problem.what();
-      made->m_Directory = kNowhere;
-    }
-    return made;
-  }();
-  return television;
+  static const port::NoDestroy<const Television> television(CreateOrNowhere(DirectoryFromEnvironment()));
+  return *television;
 }
 
 const std::string& Television::InstanceProblem() {

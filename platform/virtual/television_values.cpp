@@ -3,7 +3,10 @@
 
 #include <algorithm>
 #include <charconv>
+#include <initializer_list>
 #include <limits>
+
+#include "linux/no_destroy.h"
 
 namespace orvex::virtual_tv {
 namespace {
@@ -30,7 +33,7 @@ bool IsPlainPath(const std::string& path) {
 }  // namespace
 
 const std::vector<TelevisionValue>& TelevisionValues() {
-  static const auto& values = *new std::vector<TelevisionValue>{
+  static const port::NoDestroy<const std::vector<TelevisionValue>> values(std::initializer_list<TelevisionValue>{
       {"settings/db/device-detector-service/optical_change_flag", "the optical output has changed; a write ends a run",
        "", false, kMin32, kMax32, "0"},
       {"settings/db/menu/tessar/homedatacontrol/defaultdisclaimeragree",
@@ -46,8 +49,8 @@ const std::vector<TelevisionValue>& TelevisionValues() {
       {"tv/frequency", "frequency of the picture", "Hz", false, kMin32, kMax32, "60"},
       {"tv/codec", "codec of the optical output, the television's number", "", false, kMin32, kMax32, "0"},
       {"tv/hdmi_inputs", "number of HDMI inputs", "", false, 0, kMax32, "4"},
-  };
-  return values;
+  });
+  return *values;
 }
 
 std::optional<TelevisionValue> DescribeTelevisionValue(const std::string& name) {

@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "linux/no_destroy.h"
 #include "virtual/faults.h"
 #include "virtual/service_values.h"
 
@@ -81,7 +82,7 @@ int tv_get_hdmi_input_count() {
 
 const TvActivityInfo* tv_get_activity_info_by_source(int /*source: one device is connected, on every source*/) {
   // Valid until the next call, as the contract says; one thread calls.
-  static auto& brand = *new std::string;
+  static const orvex::port::NoDestroy<std::string> brand;
   static TvActivityInfo info{};
   if (Faults::Instance().Next("tv.activity")) {
     return nullptr;
@@ -91,8 +92,8 @@ const TvActivityInfo* tv_get_activity_info_by_source(int /*source: one device is
       !Read32("tv/device_type", &info.deviceType)) {
     return nullptr;
   }
-  brand = std::move(name);
-  info.brandName = brand.c_str();
+  *brand = std::move(name);
+  info.brandName = brand->c_str();
   return &info;
 }
 

@@ -8,6 +8,7 @@
 #include <atomic>
 #include <deque>
 #include <optional>
+#include <utility>
 
 #include "virtual/pcm_stream.h"
 
@@ -15,6 +16,8 @@ namespace orvex::virtual_tv {
 
 // The place of the one handle that can be open at a time, and what outlives it.
 struct PcmSlot {
+  explicit PcmSlot(std::deque<PcmFaultPoint> listed) : faults(std::move(listed)) {}
+
   std::atomic<bool> isTaken{false};
   std::deque<PcmFaultPoint> faults;  // that have not struck yet; the open handle's alone
 };
