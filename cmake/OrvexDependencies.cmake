@@ -7,7 +7,7 @@ endif()
 find_package(Boost 1.74 REQUIRED)
 
 foreach(pair ecore:ecore ecore_file:ecore-file alsa:alsa jsoncpp:jsoncpp samplerate:samplerate sndfile:sndfile
-             cli11:CLI11)
+             cli11:CLI11 fmt:fmt)
   string(REPLACE ":" ";" pair ${pair})
   list(GET pair 0 name)
   list(GET pair 1 module)

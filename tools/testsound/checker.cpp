@@ -3,8 +3,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdarg>
-#include <cstdio>
+
+#include <fmt/core.h>
 
 #include "testsound/analysis.h"
 #include "testsound/sound_design.h"
@@ -35,16 +35,6 @@ double ToMs(std::size_t frames) {
   return static_cast<double>(frames) * 1000.0 / kSoundRateHz;
 }
 
-std::string Format(const char* format, ...) __attribute__((format(printf, 1, 2)));
-std::string Format(const char* format, ...) {
-  char text[200];
-  va_list arguments;
-  va_start(arguments, format);
-  std::vsnprintf(text, sizeof text, format, arguments);
-  va_end(arguments);
-  return text;
-}
-
 // A chunk name from a file may hold anything.
 std::string Printable(std::string text) {
   std::replace_if(
@@ -66,13 +56,13 @@ Side MakeSide(const std::vector<std::int16_t>& samples, bool left) {
 void CheckLevel(const Side& side, Reasons& reasons) {
   const double peakDbfs = ToDb(side.peak);
   if (peakDbfs > kMaxPeakDbfs || peakDbfs < kMinPeakDbfs) {
-    reasons.push_back(Format("%s channel: peak %.2f dBFS, expected %.0f to %.0f dBFS", side.name, peakDbfs,
-                             kMinPeakDbfs, kMaxPeakDbfs));
+    reasons.push_back(fmt::format("{} channel: peak {:.2f} dBFS, expected {:.0f} to {:.0f} dBFS", side.name, peakDbfs,
+                                  kMinPeakDbfs, kMaxPeakDbfs));
   }
   const double audibleDb = ToDb(PeakBelow(side.channel, kAudibleBelowHz) / side.peak);
   if (audibleDb > kSilenceDb) {
-    reasons.push_back(Format("%s channel: %.1f dB of the tone below %.0f Hz, expected at most %.0f dB", side.name,
-                             audibleDb, kAudibleBelowHz, kSilenceDb));
+    reasons.push_back(fmt::format("{} channel: {:.1f} dB of the tone below {:.0f} Hz, expected at most {:.0f} dB",
+                                  side.name, audibleDb, kAudibleBelowHz, kSilenceDb));
   }
 }
 
@@ -81,20 +71,21 @@ void CheckBurst(const Side& side, const Burst& burst, Reasons& reasons) {
   const double lengthMs = ToMs(burst.end - burst.begin);
   // The outermost part of a ramp lies below the silence, so a burst looks shorter than it was made.
   if (lengthMs < kMinBurstMs / 2.0 || lengthMs > kMaxBurstMs) {
-    reasons.push_back(Format("%s channel at %.1f ms: burst of %.1f ms, expected %.0f to %.0f ms", side.name, atMs,
-                             lengthMs, kMinBurstMs, kMaxBurstMs));
+    reasons.push_back(fmt::format("{} channel at {:.1f} ms: burst of {:.1f} ms, expected {:.0f} to {:.0f} ms",
+                                  side.name, atMs, lengthMs, kMinBurstMs, kMaxBurstMs));
   }
   const double frequencyHz = DominantFrequencyHz(side.channel, burst);
   if (std::abs(frequencyHz - side.toneHz) > kFrequencyToleranceHz) {
-    reasons.push_back(
-        Format("%s channel at %.1f ms: burst of %.0f Hz, expected %.0f Hz", side.name, atMs, frequencyHz, side.toneHz));
+    reasons.push_back(fmt::format("{} channel at {:.1f} ms: burst of {:.0f} Hz, expected {:.0f} Hz", side.name, atMs,
+                                  frequencyHz, side.toneHz));
     return;
   }
   const double tone = ToneAmplitude(side.channel, burst, side.toneHz);
   const double crosstalkDb = ToDb(ToneAmplitude(side.channel, burst, side.otherToneHz) / tone);
   if (crosstalkDb > kSilenceDb) {
-    reasons.push_back(Format("%s channel at %.1f ms: %.0f Hz at %.1f dB of the tone, expected at most %.0f dB",
-                             side.name, atMs, side.otherToneHz, crosstalkDb, kSilenceDb));
+    reasons.push_back(
+        fmt::format("{} channel at {:.1f} ms: {:.0f} Hz at {:.1f} dB of the tone, expected at most {:.0f} dB",
+                    side.name, atMs, side.otherToneHz, crosstalkDb, kSilenceDb));
   }
 }
 
@@ -104,8 +95,9 @@ void CheckBurstLevels(const Side& side, Reasons& reasons) {
     const Channel part(from + static_cast<std::ptrdiff_t>(burst.begin), from + static_cast<std::ptrdiff_t>(burst.end));
     const double levelDb = ToDb(Peak(part) / side.peak);
     if (levelDb < -kPeakSpreadDb) {
-      reasons.push_back(Format("%s channel at %.1f ms: burst %.1f dB below the loudest, expected at most %.0f dB",
-                               side.name, ToMs(burst.begin), -levelDb, kPeakSpreadDb));
+      reasons.push_back(
+          fmt::format("{} channel at {:.1f} ms: burst {:.1f} dB below the loudest, expected at most {:.0f} dB",
+                      side.name, ToMs(burst.begin), -levelDb, kPeakSpreadDb));
     }
   }
 }
@@ -116,8 +108,8 @@ void CheckSpacing(const Side& side, Reasons& reasons) {
     const double spacingMs = ToMs(side.bursts[n].begin - burst.begin);
     const double expectedMs = MinSpacingMs(ToMs(burst.end - burst.begin));
     if (spacingMs + kRoundingMs < expectedMs) {
-      reasons.push_back(Format("%s channel at %.1f ms: next burst after %.1f ms, expected at least %.1f ms", side.name,
-                               ToMs(burst.begin), spacingMs, expectedMs));
+      reasons.push_back(fmt::format("{} channel at {:.1f} ms: next burst after {:.1f} ms, expected at least {:.1f} ms",
+                                    side.name, ToMs(burst.begin), spacingMs, expectedMs));
     }
   }
 }
@@ -126,11 +118,12 @@ void CheckSilences(const Side& side, Reasons& reasons) {
   const double leadInMs = ToMs(side.bursts.front().begin);
   if (leadInMs + kRoundingMs < kMinLeadInMs) {
     reasons.push_back(
-        Format("%s channel: lead-in %.1f ms, expected at least %.0f ms", side.name, leadInMs, kMinLeadInMs));
+        fmt::format("{} channel: lead-in {:.1f} ms, expected at least {:.0f} ms", side.name, leadInMs, kMinLeadInMs));
   }
   const double tailMs = ToMs(side.channel.size() - side.bursts.back().end);
   if (tailMs + kRoundingMs < kMinTailMs) {
-    reasons.push_back(Format("%s channel: tail %.1f ms, expected at least %.1f ms", side.name, tailMs, kMinTailMs));
+    reasons.push_back(
+        fmt::format("{} channel: tail {:.1f} ms, expected at least {:.1f} ms", side.name, tailMs, kMinTailMs));
   }
 }
 
@@ -138,7 +131,7 @@ void CheckSide(const Side& side, Reasons& reasons) {
   CheckLevel(side, reasons);
   const std::size_t count = side.bursts.size();
   if (count < kMinPairs || count > kMaxPairs) {
-    reasons.push_back(Format("%s channel: %zu bursts, expected %d to %d", side.name, count, kMinPairs, kMaxPairs));
+    reasons.push_back(fmt::format("{} channel: {} bursts, expected {} to {}", side.name, count, kMinPairs, kMaxPairs));
     return;
   }
   for (const Burst& burst : side.bursts) {
@@ -153,14 +146,15 @@ void CheckSide(const Side& side, Reasons& reasons) {
 void CheckPairs(const Side& left, const Side& right, Reasons& reasons) {
   if (left.bursts.size() != right.bursts.size()) {
     reasons.push_back(
-        Format("%zu bursts left, %zu right, expected the same number", left.bursts.size(), right.bursts.size()));
+        fmt::format("{} bursts left, {} right, expected the same number", left.bursts.size(), right.bursts.size()));
     return;
   }
   for (std::size_t n = 0; n < left.bursts.size(); ++n) {
     const double apartMs = ToMs(right.bursts[n].begin) - ToMs(left.bursts[n].begin);
     if (std::abs(apartMs) > kMaxSkewMs + kRoundingMs) {
-      reasons.push_back(Format("pair %zu at %.1f ms: right channel %.1f ms after the left, expected within %.0f ms",
-                               n + 1, ToMs(left.bursts[n].begin), apartMs, kMaxSkewMs));
+      reasons.push_back(
+          fmt::format("pair {} at {:.1f} ms: right channel {:.1f} ms after the left, expected within {:.0f} ms", n + 1,
+                      ToMs(left.bursts[n].begin), apartMs, kMaxSkewMs));
     }
   }
 }
@@ -169,19 +163,17 @@ void CheckPairs(const Side& left, const Side& right, Reasons& reasons) {
 
 std::vector<std::string> CheckHeader(const WaveFile& file) {
   if (file.fileSize < kCanonicalHeaderBytes) {
-    return {Format("%llu bytes, expected at least %llu for the headers", static_cast<unsigned long long>(file.fileSize),
-                   static_cast<unsigned long long>(kCanonicalHeaderBytes))};
+    return {fmt::format("{} bytes, expected at least {} for the headers", file.fileSize, kCanonicalHeaderBytes)};
   }
   Reasons reasons;
   const auto name = [&](const char* what, const std::string& found, const char* expected) {
     if (found != expected) {
-      reasons.push_back(Format("%s \"%s\", expected \"%s\"", what, Printable(found).c_str(), expected));
+      reasons.push_back(fmt::format("{} \"{}\", expected \"{}\"", what, Printable(found), expected));
     }
   };
   const auto number = [&](const char* what, std::uint64_t found, std::uint64_t expected) {
     if (found != expected) {
-      reasons.push_back(Format("%s %llu, expected %llu", what, static_cast<unsigned long long>(found),
-                               static_cast<unsigned long long>(expected)));
+      reasons.push_back(fmt::format("{} {}, expected {}", what, found, expected));
     }
   };
   name("chunk at byte 0", file.riffId, "RIFF");
@@ -200,7 +192,7 @@ std::vector<std::string> CheckHeader(const WaveFile& file) {
   number("bits per sample", file.bitsPerSample, 16);
   number("data size", file.dataSize, file.fileSize - file.dataOffset);
   if (file.dataSize % 4 != 0) {
-    reasons.push_back(Format("data size %u, expected whole frames of 4 bytes", file.dataSize));
+    reasons.push_back(fmt::format("data size {}, expected whole frames of 4 bytes", file.dataSize));
   }
   return reasons;
 }
@@ -209,13 +201,13 @@ std::vector<std::string> CheckSound(const std::vector<std::int16_t>& samples) {
   Reasons reasons;
   const double durationMs = ToMs(samples.size() / 2);
   if (durationMs > kMaxDurationMs) {
-    return {Format("duration %.1f ms, expected at most %.0f ms", durationMs, kMaxDurationMs)};
+    return {fmt::format("duration {:.1f} ms, expected at most {:.0f} ms", durationMs, kMaxDurationMs)};
   }
   const Side left = MakeSide(samples, true);
   const Side right = MakeSide(samples, false);
   for (const Side* side : {&left, &right}) {
     if (side->peak == 0.0) {
-      reasons.push_back(Format("%s channel: silent, expected bursts of %.0f Hz", side->name, side->toneHz));
+      reasons.push_back(fmt::format("{} channel: silent, expected bursts of {:.0f} Hz", side->name, side->toneHz));
     } else {
       CheckSide(*side, reasons);
     }

@@ -5,6 +5,8 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include <fmt/core.h>
+
 namespace orvex::tools {
 namespace {
 
@@ -71,9 +73,7 @@ constexpr End kEnds[] = {
 };
 
 std::string Milliseconds(double seconds) {
-  char text[40];
-  std::snprintf(text, sizeof text, "%+.1f ms", seconds * 1000.0);
-  return text;
+  return fmt::format("{:+.1f} ms", seconds * 1000.0);
 }
 
 }  // namespace

@@ -12,6 +12,8 @@
 #include <system_error>
 #include <vector>
 
+#include <fmt/core.h>
+
 #include "options/whole_number.h"
 #include "output/standard_output.h"
 #include "tv/commands.h"
@@ -71,9 +73,7 @@ public:
 private:
   std::string TimeStamp() const {
     const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - m_Start;
-    char text[40];
-    std::snprintf(text, sizeof text, "%8.2f s  ", elapsed.count());
-    return text;
+    return fmt::format("{:8.2f} s  ", elapsed.count());
   }
 
   const RunArguments& m_Arguments;

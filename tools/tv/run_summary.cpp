@@ -1,8 +1,7 @@
 // What a run came to, as text and as JSON.
 #include "tv/run_summary.h"
 
-#include <cstdio>
-
+#include <fmt/core.h>
 #include <json/writer.h>
 
 #include "tv/verdict.h"
@@ -20,12 +19,7 @@ Json::Value OrNull(const std::string& text) {
 }
 
 std::string Number(const char* format, std::optional<double> value) {
-  char text[60];
-  if (!value) {
-    return "unknown";
-  }
-  std::snprintf(text, sizeof text, format, *value);
-  return text;
+  return value ? fmt::format(fmt::runtime(format), *value) : "unknown";
 }
 
 std::string Line(const char* name, const std::string& value) {
@@ -65,14 +59,14 @@ std::string SummaryText(const RunSummary& summary) {
   const std::optional<double> differenceMs =
       report.differenceS ? std::optional<double>(*report.differenceS * 1000.0) : std::nullopt;
   std::string text;
-  text += Line("base delay", Number("%.0f ms", report.baseMs));
+  text += Line("base delay", Number("{:.0f} ms", report.baseMs));
   text += Line("measured difference",
-               differenceMs ? Number("%+.1f ms, optical output against speaker", differenceMs) : "none");
+               differenceMs ? Number("{:+.1f} ms, optical output against speaker", differenceMs) : "none");
   text += Line("applied delay", DelayInWords(report.wantedMs, summary.delayAfterMs));
-  text += Line("true misalignment", Number("%+.1f ms", summary.misalignmentBeforeMs) + " before, " +
-                                        Number("%+.1f ms", summary.misalignmentAfterMs) + " after");
+  text += Line("true misalignment", Number("{:+.1f} ms", summary.misalignmentBeforeMs) + " before, " +
+                                        Number("{:+.1f} ms", summary.misalignmentAfterMs) + " after");
   text += Line("ended", report.terminate + " (" + report.result + ") after " +
-                            Number("%.2f s", static_cast<double>(summary.ending.duration.count()) / 1000.0));
+                            Number("{:.2f} s", static_cast<double>(summary.ending.duration.count()) / 1000.0));
   text += Line("verdict", VerdictInWords(summary));
   return text;
 }

@@ -3,7 +3,8 @@
 
 #include <cmath>
 #include <cstdint>
-#include <cstdio>
+
+#include <fmt/core.h>
 
 #include "orvex/sim/room.h"
 
@@ -14,9 +15,7 @@ namespace {
 constexpr double kRoundingMs = 1e-6;
 
 std::string Signed(double milliseconds) {
-  char text[40];
-  std::snprintf(text, sizeof text, "%+.1f ms", milliseconds);
-  return text;
+  return fmt::format("{:+.1f} ms", milliseconds);
 }
 
 bool EndedInOrder(const ServiceEnding& ending) {
