@@ -1,10 +1,12 @@
 // What the service's exit code tells on this computer.
 #pragma once
 
+#include "linux/exit_codes.h"
+
 namespace orvex::virtual_tv {
 
-constexpr int kExitInOrder = 0;  // whatever the run has found
-constexpr int kExitNoMainLoop = 1;
+using port::kExitInOrder;
+using port::kExitNoMainLoop;
 constexpr int kExitUsage = 2;
 constexpr int kExitTelevisionInUse = 3;
 constexpr int kExitNoTelevision = 4;

@@ -7,7 +7,7 @@
 #include <array>
 #include <cerrno>
 
-#include "virtual/main_loop.h"
+#include "linux/main_loop.h"
 #include "virtual/message_answer.h"
 
 namespace orvex::virtual_tv {
@@ -34,7 +34,7 @@ MessageClient::~MessageClient() {
 
 Eina_Bool MessageClient::OnReady(void* client, Ecore_Fd_Handler* handler) {
   auto& self = *static_cast<MessageClient*>(client);
-  if (IsMainLoopEnding()) {
+  if (port::IsMainLoopEnding()) {
     return ECORE_CALLBACK_RENEW;
   }
   if (!self.Serve()) {
@@ -53,7 +53,7 @@ bool MessageClient::Serve() {
   if (m_Unsent.empty() && !m_HasEnded && !Read()) {
     return false;
   }
-  while (m_Unsent.empty() && !IsMainLoopEnding() && AnswerNext()) {
+  while (m_Unsent.empty() && !port::IsMainLoopEnding() && AnswerNext()) {
     if (!Flush()) {
       return false;
     }

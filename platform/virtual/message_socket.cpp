@@ -10,7 +10,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "virtual/main_loop.h"
+#include "linux/main_loop.h"
 #include "virtual/message_answer.h"
 
 namespace orvex::virtual_tv {
@@ -110,7 +110,7 @@ void MessageSocket::Close() {
 }
 
 Eina_Bool MessageSocket::OnReady(void* socket, Ecore_Fd_Handler* /*handler*/) {
-  if (!IsMainLoopEnding()) {
+  if (!port::IsMainLoopEnding()) {
     static_cast<MessageSocket*>(socket)->Accept();
   }
   return ECORE_CALLBACK_RENEW;

@@ -3,10 +3,6 @@
 
 #include "orvex/platform/system_log.h"
 
-namespace orvex::virtual_tv {
-
-void ReportProblem(const std::string& text) {
+void orvex::port::ReportProblem(const std::string& text) {
   system_log_print(LogBuffer::kSystem, LogPriority::kError, "orvex-host", "orvex-host: %s\n", text.c_str());
 }
-
-}  // namespace orvex::virtual_tv

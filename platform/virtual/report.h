@@ -1,11 +1,10 @@
-// How the port itself tells about problems that a user can mend: a bad file, a missing directory.
+// How this port tells about problems that a user can mend: one line on stderr and in the television's service.log.
 #pragma once
 
-#include <string>
+#include "linux/port.h"
 
 namespace orvex::virtual_tv {
 
-// One line to stderr and to the television's service.log. Any thread, before main() too.
-void ReportProblem(const std::string& text);
+using port::ReportProblem;
 
 }  // namespace orvex::virtual_tv

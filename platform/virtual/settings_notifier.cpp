@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <system_error>
 
-#include "virtual/main_loop.h"
+#include "linux/main_loop.h"
 #include "virtual/report.h"
 #include "virtual/television.h"
 
@@ -50,7 +50,7 @@ bool SettingsNotifier::IsSubscribed(const std::string& key, SettingsChangedCallb
 }
 
 bool SettingsNotifier::CanWatch() {
-  if (CurrentMainLoop() != 0) {
+  if (port::CurrentMainLoop() != 0) {
     return m_Watch.IsArmed() || m_Watch.Arm(m_Root);
   }
   std::error_code error;
@@ -81,7 +81,7 @@ void SettingsNotifier::NotifyWhere(const std::function<bool(KeyState&)>& isNews)
   // A copy: callbacks subscribe and unsubscribe.
   const Subscriptions subscriptions = m_Subscriptions;
   for (const auto& subscription : subscriptions) {
-    if (!IsMainLoopEnding() && !subscription->isCancelled && isNews(subscription->state)) {
+    if (!port::IsMainLoopEnding() && !subscription->isCancelled && isNews(subscription->state)) {
       subscription->callback(&subscription->node, subscription->userData);
     }
   }

@@ -4,14 +4,14 @@
 
 #include <string>
 
+#include "linux/main_loop.h"
 #include "virtual/faults.h"
-#include "virtual/main_loop.h"
 #include "virtual/notify_socket.h"
 #include "virtual/report.h"
 
 namespace {
 
-using orvex::virtual_tv::CurrentMainLoop;
+using orvex::port::CurrentMainLoop;
 using orvex::virtual_tv::Faults;
 
 constexpr int kFailed = -1;

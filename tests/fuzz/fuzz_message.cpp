@@ -14,7 +14,7 @@
 #include "Application/OrvexApp.h"
 #include "fuzz/byte_reader.h"
 #include "fuzz/require.h"
-#include "virtual/main_loop.h"
+#include "linux/main_loop.h"
 #include "virtual/message_answer.h"
 #include "virtual/message_client.h"
 #include "world/world.h"
@@ -132,7 +132,7 @@ void* ecore_main_fd_handler_del(Ecore_Fd_Handler* /*handler*/) {
 }
 void ecore_main_fd_handler_active_set(Ecore_Fd_Handler* /*handler*/, Ecore_Fd_Handler_Flags /*flags*/) {}
 
-bool orvex::virtual_tv::IsMainLoopEnding() {
+bool orvex::port::IsMainLoopEnding() {
   return false;
 }
 

@@ -1,6 +1,6 @@
 // A message socket whose path does not fit.
+#include "linux/main_loop.h"
 #include "unit/virtual/television.h"
-#include "virtual/main_loop.h"
 #include "virtual/message_socket.h"
 
 namespace orvex::virtual_tv {
@@ -9,7 +9,7 @@ namespace {
 class HostMessagePath : public HostTelevision {};
 
 TEST_F(HostMessagePath, MayHave107BytesAndNoMore) {
-  ASSERT_EQ(StartMainLoop(), "");
+  ASSERT_EQ(port::StartMainLoop(), "");
   constexpr std::size_t kLongest = 107;
   const std::size_t room = kLongest - Folder().native().size() - 1;
   MessageSocket fits(Folder() / std::string(room, 'x'), [](const std::string& line) { return line; });
@@ -24,7 +24,7 @@ TEST_F(HostMessagePath, MayHave107BytesAndNoMore) {
   }
   fits.Close();
   EXPECT_FALSE(std::filesystem::exists(Folder() / std::string(room, 'x')));
-  StopMainLoop();
+  port::StopMainLoop();
 }
 
 }  // namespace

@@ -5,9 +5,9 @@
 #include <future>
 #include <thread>
 
+#include "linux/main_loop.h"
 #include "unit/virtual/loop_application.h"
 #include "unit/virtual/television.h"
-#include "virtual/main_loop.h"
 
 namespace orvex::virtual_tv {
 namespace {
@@ -141,27 +141,27 @@ TEST_F(HostWorkers, SeeNoAlarmGoOffWhileTheyAreWaitedFor) {
 }
 
 TEST_F(HostWorkers, AreWaitedForNoLongerThanTheLimit) {
-  ASSERT_EQ(StartMainLoop(), "");
+  ASSERT_EQ(port::StartMainLoop(), "");
   m_Worker.Start();
   m_Worker.WaitUntilItWorks();
-  EXPECT_FALSE(DrainWorkers(std::chrono::milliseconds(50)));
+  EXPECT_FALSE(port::DrainWorkers(std::chrono::milliseconds(50)));
   m_Worker.LetGo();
-  EXPECT_TRUE(DrainWorkers(std::chrono::seconds(30)));
+  EXPECT_TRUE(port::DrainWorkers(std::chrono::seconds(30)));
   EXPECT_EQ(m_Worker.ends, 1);
-  StopMainLoop();
+  port::StopMainLoop();
 }
 
 TEST_F(HostWorkers, HaveTheirEndFunctionRunThoughTheirThreadIsGone) {
-  ASSERT_EQ(StartMainLoop(), "");
+  ASSERT_EQ(port::StartMainLoop(), "");
   m_Worker.Start();
   m_Worker.LetGo();
   while (ecore_thread_active_get() > 0) {
     std::this_thread::yield();
   }
   EXPECT_EQ(m_Worker.ends, 0) << "it waits in the main loop's queue";
-  EXPECT_TRUE(DrainWorkers(std::chrono::seconds(30)));
+  EXPECT_TRUE(port::DrainWorkers(std::chrono::seconds(30)));
   EXPECT_EQ(m_Worker.ends, 1);
-  StopMainLoop();
+  port::StopMainLoop();
 }
 
 TEST_F(HostWorkers, DoNotKeepTheProcessBeyondSixSeconds) {

@@ -1,21 +1,40 @@
 // Periodic alarms: an Ecore timer each.
+#include "linux/alarm.h"
+
 #include <Ecore.h>
 
+#include <set>
+
+#include "linux/main_loop.h"
+#include "linux/no_destroy.h"
 #include "orvex/platform/application.h"
-#include "virtual/main_loop.h"
 
 namespace {
 
 // Shared by the alarm and by a tick that runs: the callback may destroy the alarm, or start it anew.
 struct AlarmState {
   Ecore_Timer* timer = nullptr;
-  unsigned mainLoop = 0;  // where the timer was made; it is void in any other
   int ticksLeft = 0;
   FwAlarm::Callback callback = nullptr;
   void* userData = nullptr;
-
-  bool IsActive() const { return timer != nullptr && mainLoop == orvex::virtual_tv::CurrentMainLoop(); }
 };
+
+// Those that have a timer.
+std::set<AlarmState*>& ActiveAlarms() {
+  static const orvex::port::NoDestroy<std::set<AlarmState*>> alarms;
+  return *alarms;
+}
+
+// The timer is Ecore's to forget.
+void Deactivate(AlarmState& alarm) {
+  alarm.timer = nullptr;
+  ActiveAlarms().erase(&alarm);
+}
+
+void End(AlarmState& alarm) {
+  ecore_timer_del(alarm.timer);
+  Deactivate(alarm);
+}
 
 }  // namespace
 
@@ -26,10 +45,10 @@ struct FwAlarm::Port {
     const std::shared_ptr<AlarmState> state = static_cast<Port*>(port)->state;
     Ecore_Timer* const timer = state->timer;
     if (state->ticksLeft != kRepeatForever && --state->ticksLeft == 0) {
-      state->timer = nullptr;
+      Deactivate(*state);
     }
     const bool isLast = state->timer == nullptr;
-    if (state->callback != nullptr && !orvex::virtual_tv::IsMainLoopEnding()) {
+    if (state->callback != nullptr && !orvex::port::IsMainLoopEnding()) {
       state->callback(state->userData);
     }
     // A timer that the callback has ended is Ecore's to forget.
@@ -40,22 +59,22 @@ struct FwAlarm::Port {
 FwAlarm::FwAlarm() : m_Port(std::make_unique<Port>()) {}
 
 FwAlarm::~FwAlarm() {
-  if (IsActive()) {
-    Destroy();
-  }
+  Destroy();
 }
 
 bool FwAlarm::Create(FwEventIO* /*eventInput*/, std::uint32_t periodMs, int repeatCount) {
   AlarmState& state = *m_Port->state;
   const bool isValid = periodMs > 0 && (repeatCount > 0 || repeatCount == kRepeatForever);
-  if (!isValid || IsActive() || orvex::virtual_tv::CurrentMainLoop() == 0) {
+  if (!isValid || IsActive() || orvex::port::CurrentMainLoop() == 0) {
     return false;
   }
   constexpr double kMsPerSecond = 1000.0;
   state.timer = ecore_timer_add(periodMs / kMsPerSecond, &Port::OnTick, m_Port.get());
-  state.mainLoop = orvex::virtual_tv::CurrentMainLoop();
   state.ticksLeft = repeatCount;
-  return state.timer != nullptr;
+  if (IsActive()) {
+    ActiveAlarms().insert(&state);
+  }
+  return IsActive();
 }
 
 void FwAlarm::SetAlarmCallback(Callback callback, void* userData) {
@@ -64,13 +83,17 @@ void FwAlarm::SetAlarmCallback(Callback callback, void* userData) {
 }
 
 void FwAlarm::Destroy() {
-  AlarmState& state = *m_Port->state;
-  if (state.IsActive()) {
-    ecore_timer_del(state.timer);
+  if (IsActive()) {
+    End(*m_Port->state);
   }
-  state.timer = nullptr;
 }
 
 bool FwAlarm::IsActive() const {
-  return m_Port->state->IsActive();
+  return m_Port->state->timer != nullptr;
+}
+
+void orvex::port::EndAllAlarms() {
+  while (!ActiveAlarms().empty()) {
+    End(**ActiveAlarms().begin());
+  }
 }

@@ -2,9 +2,9 @@
 // reason. After this, errno is what it was.
 #pragma once
 
-namespace orvex::virtual_tv {
+namespace orvex::port {
 
 // Call after Ecore has set its handlers, on the main loop's thread.
 void KeepErrnoInEcoreHandlers();
 
-}  // namespace orvex::virtual_tv
+}  // namespace orvex::port

@@ -4,7 +4,7 @@
 #include <chrono>
 #include <string>
 
-namespace orvex::virtual_tv {
+namespace orvex::port {
 
 // Starts Ecore on this thread. Empty: it has started. Otherwise what is missing; nothing is left behind.
 std::string StartMainLoop();
@@ -23,4 +23,4 @@ bool IsMainLoopEnding();
 // Counts the main loops of this process, 0 while none runs: what was made in one is void in the next.
 unsigned CurrentMainLoop();
 
-}  // namespace orvex::virtual_tv
+}  // namespace orvex::port

@@ -1,11 +1,11 @@
 // Puts a handler of ours around Ecore's, which is one function for all signals.
-#include "virtual/signal_errno.h"
+#include "linux/signal_errno.h"
 
 #include <atomic>
 #include <cerrno>
 #include <csignal>
 
-namespace orvex::virtual_tv {
+namespace orvex::port {
 namespace {
 
 using Handler = void (*)(int, siginfo_t*, void*);
@@ -41,4 +41,4 @@ void KeepErrnoInEcoreHandlers() {
   }
 }
 
-}  // namespace orvex::virtual_tv
+}  // namespace orvex::port

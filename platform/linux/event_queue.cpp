@@ -1,5 +1,5 @@
 // Events wait in one list; an eventfd tells the main loop that there are some.
-#include "virtual/event_queue.h"
+#include "linux/event_queue.h"
 
 #include <sys/eventfd.h>
 #include <unistd.h>
@@ -7,12 +7,13 @@
 #include <new>
 #include <optional>
 
-namespace orvex::virtual_tv {
+#include "linux/no_destroy.h"
+
+namespace orvex::port {
 
 EventQueue& EventQueue::Instance() {
-  // Never destroyed: threads may send until the process is gone.
-  static auto& queue = *new EventQueue;
-  return queue;
+  static const NoDestroy<EventQueue> queue;
+  return *queue;
 }
 
 bool EventQueue::Send(const FwEvent& event) {
@@ -104,4 +105,4 @@ bool EventQueue::DeliverOne() {
   return true;
 }
 
-}  // namespace orvex::virtual_tv
+}  // namespace orvex::port

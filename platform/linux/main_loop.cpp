@@ -1,22 +1,23 @@
 // Ecore's main loop, its termination signals and its worker pool.
-#include "virtual/main_loop.h"
+#include "linux/main_loop.h"
 
 #include <Ecore.h>
 
 #include <atomic>
 
+#include "linux/alarm.h"
 #include "linux/ecore_start.h"
 #include "linux/end_signals.h"
-#include "virtual/event_queue.h"
-#include "virtual/signal_errno.h"
+#include "linux/event_queue.h"
+#include "linux/signal_errno.h"
 
-namespace orvex::virtual_tv {
+namespace orvex::port {
 namespace {
 
 std::atomic<bool> isEnding{false};
 unsigned startedLoops = 0;
 bool isStarted = false;
-port::EndSignalWatch endSignals;
+EndSignalWatch endSignals;
 
 Eina_Bool KeepAwake(void* /*data*/) {
   return ECORE_CALLBACK_RENEW;
@@ -29,7 +30,7 @@ bool HasWorkers() {
 }  // namespace
 
 std::string StartMainLoop() {
-  if (std::string problem = port::BeginEcore(); !problem.empty()) {
+  if (std::string problem = BeginEcore(); !problem.empty()) {
     return problem;
   }
   KeepErrnoInEcoreHandlers();
@@ -70,6 +71,7 @@ void StopMainLoop() {
   EventQueue::Instance().Close();
   EventQueue::Instance().Release();
   endSignals.End();
+  EndAllAlarms();
   isStarted = false;
   ecore_shutdown();
 }
@@ -90,4 +92,4 @@ unsigned CurrentMainLoop() {
   return isStarted ? startedLoops : 0;
 }
 
-}  // namespace orvex::virtual_tv
+}  // namespace orvex::port

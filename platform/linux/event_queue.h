@@ -8,7 +8,7 @@
 
 #include "orvex/platform/application.h"
 
-namespace orvex::virtual_tv {
+namespace orvex::port {
 
 class EventQueue {
 public:
@@ -26,8 +26,6 @@ public:
   void Release();
 
 private:
-  EventQueue() = default;
-
   static Eina_Bool OnReadable(void* queue, Ecore_Fd_Handler* handler);
   void DeliverQueued();
   bool DeliverOne();
@@ -42,4 +40,4 @@ private:
   Ecore_Fd_Handler* m_Handler = nullptr;
 };
 
-}  // namespace orvex::virtual_tv
+}  // namespace orvex::port
