@@ -1,4 +1,4 @@
-// Every line that the service may log and every call that it may make, with the threads on which it may.
+// What may stand in a journal: the log lines of src/ and the calls that the service may make, each on its threads.
 #pragma once
 
 #include <string>
@@ -7,8 +7,8 @@
 
 namespace orvex::runs {
 
-// Is there a line like this, and is it made on one of its threads? Lines "* …" of the tests themselves pass. Otherwise
-// a text that says what is wrong; empty when nothing is.
+// Empty when src/ has a log call for this line, or the service makes this call, and the thread is one on which it may;
+// otherwise a text that says what is wrong. Lines "* …" of the tests themselves pass.
 std::string Objection(const world::Entry& entry);
 
 }  // namespace orvex::runs
