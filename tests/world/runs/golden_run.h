@@ -44,7 +44,7 @@ protected:
   test::SilentWave sound{kSoundFrames / 48000.0};
   ServiceRun run{sound.Path()};
   ScriptedRemote remote{run.world};
-  RunGolden golden{remote, kSoundFrames};
+  RunGolden golden{[this](int block, double startMs) { return remote.DeliveredAtMs(block, startMs); }, kSoundFrames};
 };
 
 }  // namespace orvex::runs

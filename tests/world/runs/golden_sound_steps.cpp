@@ -32,7 +32,7 @@ RunGolden& RunGolden::Blocks(int first, int last) {
 }
 
 RunGolden& RunGolden::Block(int block) {
-  At(m_Remote.DeliveredAtMs(block, m_RecordingMs)).On("delivery").Set("buffer", block);
+  At(m_DeliveredAtMs(block, m_RecordingMs)).On("delivery").Set("buffer", block);
   Set("index", block - kFirstAnalysed).Set("at", Seconds(block));
   Add(R"(
 I0 m_ReceiveBTAudioDataCB
@@ -115,7 +115,7 @@ I0 snd_pcm_open hw:0,8 successed handle {p}
 > snd_pcm_hw_params_set_period_time_near(25600, null) = 0
 > snd_pcm_hw_params_get_buffer_size() = 0
 > snd_pcm_hw_params_get_period_size() = 0
-I0 buffer time:102396, period time:25583
+I0 buffer time:${bufferUs}, period time:${periodUs}
 I0 buffer size:4915, period size:1228
 > snd_pcm_hw_params() = 0
 I0 InitHwParam ok

@@ -18,14 +18,25 @@ constexpr char kStartText[] = "{device=acme|3;source=5;videoinfo=tv|7|60;codec=2
 
 }  // namespace
 
-RunGolden::RunGolden(const ScriptedRemote& remote, int soundFrames) : m_Remote(remote), m_SoundFrames(soundFrames) {
+RunGolden::RunGolden(BlockTime deliveredAtMs, int soundFrames)
+    : m_DeliveredAtMs(std::move(deliveredAtMs)), m_SoundFrames(soundFrames) {
   Set("pid", getpid());
   Set("delay", 100);
+  Set("bufferUs", 102396).Set("periodUs", 25583);
   SetNewInstances("");
 }
 
 RunGolden& RunGolden::SetNewInstances(const std::string& line) {
   Set("newInstance", line);
+  return *this;
+}
+
+RunGolden& RunGolden::InRealTime() {
+  m_IsInRealTime = true;
+  for (const char* const name : {"pid", "bufferUs", "periodUs"}) {
+    Set(name, "{u}");
+  }
+  Set("clock", "{u}:{u}");
   return *this;
 }
 
@@ -244,8 +255,8 @@ I0 avoc delay = ${delay}
 I0 ${clock}
 )");
   return Record("ORVEXSET", "EV012",
-                "{result=" + record.result + ";delay=" + std::to_string(record.delayMs) +
-                    ";du=" + std::to_string(durationMs) + ";terminate=" + record.terminate + "}",
+                "{result=" + record.result + ";delay=" + std::to_string(record.delayMs) + ";du=" +
+                    (m_IsInRealTime ? "{u}" : std::to_string(durationMs)) + ";terminate=" + record.terminate + "}",
                 record.consent);
 }
 

@@ -1,17 +1,21 @@
 // The steps of a run as fragments of a golden journal. Every scenario names the steps in the order in which they come.
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "world/runs/golden.h"
-#include "world/runs/scripted_remote.h"
 
 namespace orvex::runs {
 
 class RunGolden : public Golden {
 public:
-  // Times of the blocks come from `remote`; the sound has so many frames.
-  RunGolden(const ScriptedRemote& remote, int soundFrames);
+  // When block `block` of a recording that was accepted at `startMs` is delivered.
+  using BlockTime = std::function<double(int block, double startMs)>;
+  RunGolden(BlockTime deliveredAtMs, int soundFrames);
+
+  // Patterns in place of the times that only a television in virtual time keeps.
+  RunGolden& InRealTime();
 
   // What the log says where a process-wide object is used for the first time; nothing unless it is set.
   RunGolden& SetNewInstances(const std::string& line);
@@ -98,12 +102,13 @@ private:
   RunGolden& Send(const std::string& event, const std::string& category, const std::string& text);
   RunGolden& SaveDelay();
 
-  const ScriptedRemote& m_Remote;
+  BlockTime m_DeliveredAtMs;
   int m_SoundFrames;
   double m_StartedMs = 0.0;    // of the run, which the end record measures from
   double m_RecordingMs = 0.0;  // accepted start command
   double m_WritesEndMs = 0.0;
   bool m_HasLogger = false;
+  bool m_IsInRealTime = false;
 };
 
 }  // namespace orvex::runs

@@ -5,7 +5,6 @@
 #include <iostream>
 
 #include "world/runs/golden_steps.h"
-#include "world/runs/scripted_remote.h"
 #include "world/runs/service_run.h"
 
 namespace {
@@ -15,12 +14,11 @@ using namespace orvex::runs;
 // Runs until the television asks for the end, 10 ms after the start, and says how the journal differs.
 bool FirstRunIsGolden() {
   ServiceRun run(ShippedSound(), Process::kFresh);
-  const ScriptedRemote remote(run.world);
   run.world.scheduler.At(std::chrono::milliseconds(10), orvex::world::Lane::kMainLoop, [&run] { run.Terminate(); });
   if (!run.Start() || !run.ToEnd()) {
     return false;
   }
-  RunGolden golden(remote, 0);
+  RunGolden golden([](int, double) { return 0.0; }, 0);
   golden.SetNewInstances("I0 [singleton] new instance").UntilRecording().At(10).On("main").Add("* termination");
   golden.Destroy({{true, RunGolden::Sound::kNotStarted}, {}});
   const testing::AssertionResult agree = Agree(golden, run.world.journal);
