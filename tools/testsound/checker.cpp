@@ -20,7 +20,6 @@ constexpr double kFrequencyToleranceHz = 15.0;  // a quarter of the detector's b
 constexpr double kPeakSpreadDb = 1.0;
 constexpr double kRoundingMs = 0.1;  // a burst's outermost samples are too quiet to be seen
 constexpr std::size_t kGapFrames = kSoundRateHz / 1000;
-constexpr std::uint64_t kCanonicalHeaderBytes = 44;
 
 struct Side {
   const char* name;
@@ -161,9 +160,9 @@ void CheckPairs(const Side& left, const Side& right, Reasons& reasons) {
 
 }  // namespace
 
-std::vector<std::string> CheckHeader(const WaveFile& file) {
-  if (file.fileSize < kCanonicalHeaderBytes) {
-    return {fmt::format("{} bytes, expected at least {} for the headers", file.fileSize, kCanonicalHeaderBytes)};
+std::vector<std::string> CheckHeader(const WaveHeader& header) {
+  if (header.fileSize < kWaveHeaderBytes) {
+    return {fmt::format("{} bytes, expected at least {} for the headers", header.fileSize, kWaveHeaderBytes)};
   }
   Reasons reasons;
   const auto name = [&](const char* what, const std::string& found, const char* expected) {
@@ -176,23 +175,23 @@ std::vector<std::string> CheckHeader(const WaveFile& file) {
       reasons.push_back(fmt::format("{} {}, expected {}", what, found, expected));
     }
   };
-  name("chunk at byte 0", file.riffId, "RIFF");
-  name("form type", file.waveId, "WAVE");
-  name("chunk directly after the RIFF header", file.formatId, "fmt ");
-  name("chunk directly after the format chunk", file.dataId, "data");
-  number("RIFF size", file.riffSize, file.fileSize - 8);
-  if (file.formatSize != 18) {  // plain PCM with an empty extension, which the player skips
-    number("format chunk size", file.formatSize, 16);
+  name("chunk at byte 0", header.riffId, "RIFF");
+  name("form type", header.waveId, "WAVE");
+  name("chunk directly after the RIFF header", header.formatId, "fmt ");
+  name("chunk directly after the format chunk", header.dataId, "data");
+  number("RIFF size", header.riffSize, header.fileSize - 8);
+  if (header.formatSize != 18) {  // plain PCM with an empty extension, which the player skips
+    number("format chunk size", header.formatSize, 16);
   }
-  number("format", file.formatTag, 1);
-  number("channels", file.channels, 2);
-  number("sample rate", file.sampleRate, kSoundRateHz);
-  number("byte rate", file.byteRate, kSoundRateHz * 4);
-  number("block align", file.blockAlign, 4);
-  number("bits per sample", file.bitsPerSample, 16);
-  number("data size", file.dataSize, file.fileSize - file.dataOffset);
-  if (file.dataSize % 4 != 0) {
-    reasons.push_back(fmt::format("data size {}, expected whole frames of 4 bytes", file.dataSize));
+  number("format", header.formatTag, 1);
+  number("channels", header.channels, 2);
+  number("sample rate", header.sampleRate, kSoundRateHz);
+  number("byte rate", header.byteRate, kSoundRateHz * 4);
+  number("block align", header.blockAlign, 4);
+  number("bits per sample", header.bitsPerSample, 16);
+  number("data size", header.dataSize, header.fileSize - header.dataOffset);
+  if (header.dataSize % 4 != 0) {
+    reasons.push_back(fmt::format("data size {}, expected whole frames of 4 bytes", header.dataSize));
   }
   return reasons;
 }
@@ -217,11 +216,10 @@ std::vector<std::string> CheckSound(const std::vector<std::int16_t>& samples) {
 }
 
 std::vector<std::string> CheckFile(const std::string& path) {
-  const WaveFile file = ReadWaveFile(path);
-  Reasons reasons = CheckHeader(file);
+  Reasons reasons = CheckHeader(ReadWaveHeader(path));
   // Samples of another layout would only give reasons that follow from the first ones.
   if (reasons.empty()) {
-    reasons = CheckSound(file.samples);
+    reasons = CheckSound(ReadSamples(path));
   }
   for (std::string& reason : reasons) {
     reason = path + ": " + reason;

@@ -12,7 +12,7 @@ namespace orvex::tools {
 // Every answer: one reason per entry, each with the value found and the one expected; empty when fit.
 
 // The headers, as the player takes them on trust.
-std::vector<std::string> CheckHeader(const WaveFile& file);
+std::vector<std::string> CheckHeader(const WaveHeader& header);
 
 // The sound itself, interleaved stereo at kSoundRateHz.
 std::vector<std::string> CheckSound(const std::vector<std::int16_t>& samples);

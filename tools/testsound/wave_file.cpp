@@ -1,4 +1,4 @@
-// Canonical PCM WAV files, in the layout that the player trusts: 12 bytes RIFF, the format chunk, the data chunk.
+// Reads the headers byte by byte, as they may be wrong, and the samples with libsndfile.
 #include "testsound/wave_file.h"
 
 #include <algorithm>
@@ -7,6 +7,8 @@
 #include <filesystem>
 #include <fstream>
 #include <system_error>
+
+#include <sndfile.hh>
 
 #include "testsound/sound_design.h"
 
@@ -17,25 +19,35 @@ constexpr std::uint64_t kLargestFile = 64u << 20;
 constexpr std::size_t kRiffBytes = 12;
 constexpr std::size_t kFormatBytes = 24;  // chunk header and the 16 bytes of plain PCM
 constexpr std::size_t kDataHeaderBytes = 8;
-constexpr std::size_t kHeaderBytes = kRiffBytes + kFormatBytes + kDataHeaderBytes;
 constexpr std::uint32_t kPlainFormatSize = 16;
 constexpr std::uint16_t kChannels = 2;
 constexpr std::uint16_t kBytesPerSample = 2;
+static_assert(kWaveHeaderBytes == kRiffBytes + kFormatBytes + kDataHeaderBytes);
 
-std::string ReadBytes(const std::string& path) {
+[[noreturn]] void FailToRead(const std::string& path, const std::string& cause) {
+  throw WaveFileError(path + ": cannot be read: " + cause);
+}
+
+std::uint64_t SizeOf(const std::string& path) {
   std::error_code error;
   const std::uintmax_t size = std::filesystem::file_size(path, error);
   if (error) {
-    throw WaveFileError(path + ": cannot be read: " + error.message());
+    FailToRead(path, error.message());
   }
   if (size > kLargestFile) {
     throw WaveFileError(path + ": " + std::to_string(size) + " bytes, expected at most " +
                         std::to_string(kLargestFile));
   }
+  return size;
+}
+
+// `count` bytes from `offset` on; those after the end of the file are zero.
+std::string ReadBytes(const std::string& path, std::uint64_t offset, std::size_t count) {
+  std::string bytes(count, '\0');
   std::ifstream in(path, std::ios::binary);
-  std::string bytes(static_cast<std::size_t>(size), '\0');
-  if (!in || (size > 0 && !in.read(bytes.data(), static_cast<std::streamsize>(size)))) {
-    throw WaveFileError(path + ": cannot be read: " + std::strerror(errno));
+  in.seekg(static_cast<std::streamoff>(offset));
+  if (!in || !(in.read(bytes.data(), static_cast<std::streamsize>(count)) || in.eof())) {
+    FailToRead(path, std::strerror(errno));
   }
   return bytes;
 }
@@ -78,49 +90,47 @@ std::string Serialise(const std::vector<std::int16_t>& samples) {
   return bytes;
 }
 
-void ReadFormat(const std::string& bytes, WaveFile& file) {
-  file.riffId = bytes.substr(0, 4);
-  file.riffSize = Little(bytes, 4, 4);
-  file.waveId = bytes.substr(8, 4);
-  file.formatId = bytes.substr(12, 4);
-  file.formatSize = Little(bytes, 16, 4);
-  file.formatTag = Little16(bytes, 20);
-  file.channels = Little16(bytes, 22);
-  file.sampleRate = Little(bytes, 24, 4);
-  file.byteRate = Little(bytes, 28, 4);
-  file.blockAlign = Little16(bytes, 32);
-  file.bitsPerSample = Little16(bytes, 34);
-}
-
-void ReadSamples(const std::string& bytes, WaveFile& file) {
-  const std::uint64_t there = std::min<std::uint64_t>(file.dataSize, file.fileSize - file.dataOffset);
-  file.samples.resize(static_cast<std::size_t>(there / kBytesPerSample));
-  std::size_t offset = static_cast<std::size_t>(file.dataOffset);
-  for (std::int16_t& sample : file.samples) {
-    sample = static_cast<std::int16_t>(Little16(bytes, offset));
-    offset += kBytesPerSample;
-  }
+void ParseFormat(const std::string& bytes, WaveHeader& header) {
+  header.riffId = bytes.substr(0, 4);
+  header.riffSize = Little(bytes, 4, 4);
+  header.waveId = bytes.substr(8, 4);
+  header.formatId = bytes.substr(12, 4);
+  header.formatSize = Little(bytes, 16, 4);
+  header.formatTag = Little16(bytes, 20);
+  header.channels = Little16(bytes, 22);
+  header.sampleRate = Little(bytes, 24, 4);
+  header.byteRate = Little(bytes, 28, 4);
+  header.blockAlign = Little16(bytes, 32);
+  header.bitsPerSample = Little16(bytes, 34);
 }
 
 }  // namespace
 
-WaveFile ReadWaveFile(const std::string& path) {
-  std::string bytes = ReadBytes(path);
-  WaveFile file;
-  file.fileSize = bytes.size();
-  file.dataOffset = file.fileSize;
-  bytes.resize(std::max(bytes.size(), kHeaderBytes), '\0');
-  ReadFormat(bytes, file);
+WaveHeader ReadWaveHeader(const std::string& path) {
+  WaveHeader header;
+  header.fileSize = SizeOf(path);
+  header.dataOffset = header.fileSize;
+  ParseFormat(ReadBytes(path, 0, kRiffBytes + kFormatBytes), header);
   // A longer format chunk is skipped to its end; a shorter one cannot move the data chunk forward.
-  const std::uint64_t extension = file.formatSize > kPlainFormatSize ? file.formatSize - kPlainFormatSize : 0;
-  if (file.fileSize >= kHeaderBytes + extension) {
-    const auto dataHeader = static_cast<std::size_t>(kRiffBytes + kFormatBytes + extension);
-    file.dataId = bytes.substr(dataHeader, 4);
-    file.dataSize = Little(bytes, dataHeader + 4, 4);
-    file.dataOffset = dataHeader + kDataHeaderBytes;
-    ReadSamples(bytes, file);
+  const std::uint64_t extension = std::max(header.formatSize, kPlainFormatSize) - kPlainFormatSize;
+  if (header.fileSize >= kWaveHeaderBytes + extension) {
+    const std::uint64_t dataHeader = kRiffBytes + kFormatBytes + extension;
+    const std::string bytes = ReadBytes(path, dataHeader, kDataHeaderBytes);
+    header.dataId = bytes.substr(0, 4);
+    header.dataSize = Little(bytes, 4, 4);
+    header.dataOffset = dataHeader + kDataHeaderBytes;
   }
-  return file;
+  return header;
+}
+
+std::vector<std::int16_t> ReadSamples(const std::string& path) {
+  SndfileHandle file(path);
+  if (file.error() != SF_ERR_NO_ERROR) {
+    FailToRead(path, file.strError());
+  }
+  std::vector<std::int16_t> samples(static_cast<std::size_t>(file.frames() * file.channels()));
+  samples.resize(static_cast<std::size_t>(file.read(samples.data(), static_cast<sf_count_t>(samples.size()))));
+  return samples;
 }
 
 void WriteWaveFile(const OutputFile& file, const std::vector<std::int16_t>& samples) {

@@ -168,6 +168,12 @@ TEST(CheckFile, NamesAFileThatIsCutOrTooShort) {
   EXPECT_THAT(CheckFile(folder.Write("empty.wav", "")), testing::ElementsAre(HasSubstr("empty.wav: 0 bytes")));
 }
 
+TEST(CheckFile, ReportsAFileWithoutSamplesAsSilent) {
+  const TemporaryFolder folder;
+  WriteWaveFile(OutputFile(folder / "silent.wav"), {});
+  EXPECT_THAT(CheckFile(folder / "silent.wav"), Contains(HasSubstr("left channel: silent")));
+}
+
 TEST(CheckFile, AcceptsAFormatChunkWithAnEmptyExtension) {
   const TemporaryFolder folder;
   WriteWaveFile(OutputFile(folder / "fit.wav"), GenerateSound({}));

@@ -24,22 +24,22 @@ TEST(WaveFile, ReadsBackWhatWasWritten) {
   const TemporaryFolder folder;
   const std::vector<std::int16_t> samples{0, 1, -1, 32767, -32768, 17};
   WriteWaveFile(OutputFile(folder / "out.wav"), samples);
-  const WaveFile file = ReadWaveFile(folder / "out.wav");
-  EXPECT_EQ(samples, file.samples);
-  EXPECT_EQ(48000u, file.sampleRate);
-  EXPECT_EQ(44u, file.dataOffset);
+  EXPECT_EQ(samples, ReadSamples(folder / "out.wav"));
+  const WaveHeader header = ReadWaveHeader(folder / "out.wav");
+  EXPECT_EQ(48000u, header.sampleRate);
+  EXPECT_EQ(kWaveHeaderBytes, header.dataOffset);
 }
 
 TEST(WaveFile, NamesAPathThatCannotBeRead) {
   const TemporaryFolder folder;
   const std::string missing = folder / "missing/out.wav";
   try {
-    ReadWaveFile(missing);
+    ReadWaveHeader(missing);
     ADD_FAILURE() << "read";
   } catch (const WaveFileError& error) {
     EXPECT_THAT(error.what(), HasSubstr(missing + ": cannot be read"));
   }
-  EXPECT_THROW(ReadWaveFile(folder.Path()), WaveFileError);
+  EXPECT_THROW(ReadWaveHeader(folder.Path()), WaveFileError);
 }
 
 }  // namespace
