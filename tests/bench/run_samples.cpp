@@ -13,6 +13,7 @@
 #include "integration/process.h"
 #include "integration/service_run.h"
 #include "integration/test_television.h"
+#include "orvex/platform/remote_voice.h"
 #include "orvex/sim/room_config.h"
 #include "testsound/sound_design.h"
 
@@ -28,7 +29,7 @@ using integration::TestTelevision;
 using Lines = std::vector<LogLine>;
 using Microseconds = std::chrono::microseconds;
 
-constexpr double kBufferMs = 768 * 1000.0 / 46545.0;
+constexpr double kBufferMs = kVoiceBlockSamples * 1000.0 / kVoiceRateHz;
 constexpr int kBaseDelayMs = 300;  // more than any difference, so that each can be taken off
 
 double Ms(Microseconds time) {

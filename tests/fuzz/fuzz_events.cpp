@@ -14,6 +14,7 @@
 #include "Application/OrvexEventId.h"
 #include "fuzz/byte_reader.h"
 #include "fuzz/require.h"
+#include "orvex/platform/remote_voice.h"
 #include "unit/service/blocks.h"
 #include "unit/service/silent_wave.h"
 #include "world/runs/faults.h"
@@ -24,7 +25,7 @@ namespace {
 using namespace orvex::fuzz;
 using namespace orvex::runs;
 
-constexpr double kBlockMs = 768 * 1000.0 / 46545.0;
+constexpr double kBlockMs = kVoiceBlockSamples * 1000.0 / kVoiceRateHz;
 constexpr int kMostBlocks = 120;
 constexpr int kMostFaults = 2;
 constexpr int kMostOrders = 60;

@@ -7,11 +7,11 @@
 
 #include <fmt/core.h>
 
+#include "orvex/platform/remote_voice.h"
+
 namespace orvex::tools {
 namespace {
 
-constexpr int kBlockSamples = 768;
-constexpr double kSampleRateHz = 46545.0;
 constexpr double kLoggedResolutionS = 0.0001;  // four digits
 
 std::string WithoutColours(const std::string& line) {
@@ -71,10 +71,6 @@ constexpr End kEnds[] = {
     {"bt_fail", "the remote's microphone cannot be started"},
     {"abnormal_input_fail", "too much noise in the tones"},
 };
-
-std::string Milliseconds(double seconds) {
-  return fmt::format("{:+.1f} ms", seconds * 1000.0);
-}
 
 }  // namespace
 
@@ -175,8 +171,8 @@ LogFollower::News LogFollower::OnPair(const std::string& rest) {
     return std::nullopt;
   }
   // As the receiver computes it, rounded at the same steps.
-  m_PairS = (at19 - at17) * kBlockSamples / kSampleRateHz;
-  return "second tone: optical output " + Milliseconds(*m_PairS) + " against the speaker";
+  m_PairS = (at19 - at17) * kVoiceBlockSamples / double{kVoiceRateHz};
+  return fmt::format("second tone: optical output {:+.1f} ms against the speaker", *m_PairS * 1000.0);
 }
 
 // The line has four digits; the buffer numbers of the pair that it speaks of have them all.
