@@ -23,6 +23,7 @@ class CLogger {};
 
 namespace {
 
+using orvex::virtual_tv::Fault;
 using orvex::virtual_tv::Faults;
 
 constexpr int kRefused = 0;
@@ -133,12 +134,12 @@ std::string RecordLine(const std::string& service, const std::string& event, con
 
 CLogger* event_log_get_instance() {
   static CLogger logger;
-  return Faults::Instance().IsAbsent("event_log") ? nullptr : &logger;
+  return Faults::Instance().IsAbsent(Fault::kEventLog) ? nullptr : &logger;
 }
 
 int event_log_add_sync(CLogger* logger, std::string service, std::string event, std::string category,
                        std::string value) {
-  if (const auto fault = Faults::Instance().Next("event_log.add")) {
+  if (const auto fault = Faults::Instance().Next(Fault::kEventLogAdd)) {
     return *fault;
   }
   if (logger == nullptr) {

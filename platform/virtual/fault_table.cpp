@@ -4,45 +4,23 @@
 #include <json/json.h>
 
 #include <algorithm>
+#include <iterator>
 #include <stdexcept>
+#include <string_view>
 
 #include "virtual/television_json.h"
 
 namespace orvex::virtual_tv {
 namespace {
 
-// Operations that may be answered by the file, and what is asked of each entry.
-const std::set<std::string>& AnswerKeys() {
-  static const auto& keys = *new std::set<std::string>{
-      "voice.register",      "voice.unregister",   "voice.start",         "voice.extend",
-      "voice.stop",          "delay.get",          "delay.set",           "settings.get",
-      "watchdog.notify",     "settings.subscribe", "watchdog.register",   "settings.unsubscribe",
-      "sound.get_mute",      "sound.set_mute",     "sound.get_volume",    "sound.set_volume",
-      "sound.get_speaker",   "event_log.add",      "tv.hdmi_inputs",      "tv.activity",
-      "tv.av_control",       "tv.resolution",      "tv.source_control",   "tv.source",
-      "audio_control.delay", "pcm.open",           "audio_control.codec", "main_loop.late_ms"};
-  return keys;
-}
-
-const std::set<std::string>& FrameKeys() {
-  static const auto& keys = *new std::set<std::string>{"pcm.underrun_at_frame", "pcm.suspend_at_frame",
-                                                       "pcm.disconnect_at_frame", "pcm.stall_at_frame"};
-  return keys;
-}
-
-const std::set<std::string>& ObjectKeys() {
-  static const auto& keys = *new std::set<std::string>{"audio_control", "event_log"};
-  return keys;
-}
-
-std::string OneLine(const Json::Value& value) {
+std::string CompactJson(const Json::Value& value) {
   Json::StreamWriterBuilder writer;
   writer["indentation"] = "";
   return Json::writeString(writer, value);
 }
 
 [[noreturn]] void Refuse(const std::string& key, const Json::Value& value, const std::string& expected) {
-  throw std::runtime_error("\"" + key + "\": " + OneLine(value) + ": expected " + expected);
+  throw std::runtime_error("\"" + key + "\": " + CompactJson(value) + ": expected " + expected);
 }
 
 FaultTable::Answer ParseAnswer(const std::string& key, const Json::Value& value) {
@@ -80,18 +58,72 @@ std::vector<std::uint64_t> ParseFrames(const std::string& key, const Json::Value
   return frames;
 }
 
-void TakeMember(FaultTable& table, const std::string& key, const Json::Value& value) {
-  if (AnswerKeys().count(key) != 0) {
-    table.answers[key] = ParseAnswer(key, value);
-  } else if (FrameKeys().count(key) != 0) {
-    table.frames[key] = ParseFrames(key, value);
-  } else if (ObjectKeys().count(key) == 0) {
-    Refuse(key, value, "a known operation, such as \"voice.start\"");
-  } else if (value != "absent") {
+void TakeAnswer(FaultTable& table, Fault fault, const std::string& key, const Json::Value& value) {
+  table.answers[fault] = ParseAnswer(key, value);
+}
+
+void TakeFrames(FaultTable& table, Fault fault, const std::string& key, const Json::Value& value) {
+  table.frames[fault] = ParseFrames(key, value);
+}
+
+void TakeAbsence(FaultTable& table, Fault fault, const std::string& key, const Json::Value& value) {
+  if (value != "absent") {
     Refuse(key, value, "\"absent\"");
-  } else {
-    table.absent.insert(key);
   }
+  table.absent.insert(fault);
+}
+
+struct NamedFault {
+  std::string_view name;
+  Fault fault;
+  void (*take)(FaultTable& table, Fault fault, const std::string& key, const Json::Value& value);
+};
+
+constexpr NamedFault kFaults[] = {
+    {"voice.register", Fault::kVoiceRegister, TakeAnswer},
+    {"voice.unregister", Fault::kVoiceUnregister, TakeAnswer},
+    {"voice.start", Fault::kVoiceStart, TakeAnswer},
+    {"voice.extend", Fault::kVoiceExtend, TakeAnswer},
+    {"voice.stop", Fault::kVoiceStop, TakeAnswer},
+    {"delay.get", Fault::kDelayGet, TakeAnswer},
+    {"delay.set", Fault::kDelaySet, TakeAnswer},
+    {"audio_control.delay", Fault::kAudioControlDelay, TakeAnswer},
+    {"audio_control.codec", Fault::kAudioControlCodec, TakeAnswer},
+    {"settings.get", Fault::kSettingsGet, TakeAnswer},
+    {"settings.subscribe", Fault::kSettingsSubscribe, TakeAnswer},
+    {"settings.unsubscribe", Fault::kSettingsUnsubscribe, TakeAnswer},
+    {"watchdog.register", Fault::kWatchdogRegister, TakeAnswer},
+    {"watchdog.notify", Fault::kWatchdogNotify, TakeAnswer},
+    {"sound.get_mute", Fault::kSoundGetMute, TakeAnswer},
+    {"sound.set_mute", Fault::kSoundSetMute, TakeAnswer},
+    {"sound.get_volume", Fault::kSoundGetVolume, TakeAnswer},
+    {"sound.set_volume", Fault::kSoundSetVolume, TakeAnswer},
+    {"sound.get_speaker", Fault::kSoundGetSpeaker, TakeAnswer},
+    {"tv.hdmi_inputs", Fault::kTvHdmiInputs, TakeAnswer},
+    {"tv.activity", Fault::kTvActivity, TakeAnswer},
+    {"tv.av_control", Fault::kTvAvControl, TakeAnswer},
+    {"tv.resolution", Fault::kTvResolution, TakeAnswer},
+    {"tv.source_control", Fault::kTvSourceControl, TakeAnswer},
+    {"tv.source", Fault::kTvSource, TakeAnswer},
+    {"event_log.add", Fault::kEventLogAdd, TakeAnswer},
+    {"pcm.open", Fault::kPcmOpen, TakeAnswer},
+    {"main_loop.late_ms", Fault::kMainLoopLateMs, TakeAnswer},
+    {"pcm.underrun_at_frame", Fault::kPcmUnderrunAtFrame, TakeFrames},
+    {"pcm.suspend_at_frame", Fault::kPcmSuspendAtFrame, TakeFrames},
+    {"pcm.disconnect_at_frame", Fault::kPcmDisconnectAtFrame, TakeFrames},
+    {"pcm.stall_at_frame", Fault::kPcmStallAtFrame, TakeFrames},
+    {"audio_control", Fault::kAudioControl, TakeAbsence},
+    {"event_log", Fault::kEventLog, TakeAbsence},
+};
+static_assert(std::size(kFaults) == static_cast<std::size_t>(Fault::kEventLog) + 1, "every fault has a name");
+
+void TakeMember(FaultTable& table, const std::string& key, const Json::Value& value) {
+  const auto* const known =
+      std::find_if(std::begin(kFaults), std::end(kFaults), [&](const NamedFault& fault) { return fault.name == key; });
+  if (known == std::end(kFaults)) {
+    Refuse(key, value, "a known operation, such as \"voice.start\"");
+  }
+  known->take(table, known->fault, key, value);
 }
 
 }  // namespace

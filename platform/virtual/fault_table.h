@@ -13,17 +13,60 @@ namespace orvex::virtual_tv {
 
 constexpr std::size_t kMaximumFaultBytes = 1 << 20;
 
-// The file is one JSON object, operation name to answer. An answer is an integer, given at every call, or an array: the
-// n-th call gets the n-th entry, null and the calls after the last entry are left alone. An answer stands in place of
-// the operation's work.
+// What a faults.json can name.
+enum class Fault {
+  // Operations, which are given an answer.
+  kVoiceRegister,
+  kVoiceUnregister,
+  kVoiceStart,
+  kVoiceExtend,
+  kVoiceStop,
+  kDelayGet,
+  kDelaySet,
+  kAudioControlDelay,
+  kAudioControlCodec,
+  kSettingsGet,
+  kSettingsSubscribe,
+  kSettingsUnsubscribe,
+  kWatchdogRegister,
+  kWatchdogNotify,
+  kSoundGetMute,
+  kSoundSetMute,
+  kSoundGetVolume,
+  kSoundSetVolume,
+  kSoundGetSpeaker,
+  kTvHdmiInputs,
+  kTvActivity,
+  kTvAvControl,
+  kTvResolution,
+  kTvSourceControl,
+  kTvSource,
+  kEventLogAdd,
+  kPcmOpen,
+  kMainLoopLateMs,
+  // What happens to the sound device when it plays a frame.
+  kPcmUnderrunAtFrame,
+  kPcmSuspendAtFrame,
+  kPcmDisconnectAtFrame,
+  kPcmStallAtFrame,
+  // Objects that are missing.
+  kAudioControl,
+  kEventLog,
+};
+
+// The file is one JSON object. Its members are an operation and its answer, a fault of the sound device and one or
+// several frame numbers, or an object and "absent".
+//
+// An answer stands in place of the operation's work. It is an integer, given at every call, or an array: the n-th call
+// gets the n-th entry; null, and a call after the last entry, leave the operation to its work.
 struct FaultTable {
   struct Answer {
     bool always = false;                    // `calls` has one entry then
     std::vector<std::optional<int>> calls;  // by number of the call
   };
-  std::map<std::string, Answer> answers;
-  std::map<std::string, std::vector<std::uint64_t>> frames;
-  std::set<std::string> absent;
+  std::map<Fault, Answer> answers;
+  std::map<Fault, std::vector<std::uint64_t>> frames;  // ascending
+  std::set<Fault> absent;
 };
 
 // Reads the file's text. Throws std::runtime_error that names key, value and what was expected.

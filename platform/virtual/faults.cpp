@@ -46,12 +46,12 @@ void Faults::Reload() {
   m_CallCounts.clear();
 }
 
-bool Faults::IsListed(const std::string& operation) const {
+bool Faults::IsListed(Fault operation) const {
   const std::lock_guard<std::mutex> lock(m_Mutex);
   return m_Table.answers.count(operation) != 0;
 }
 
-std::optional<int> Faults::Next(const std::string& operation) {
+std::optional<int> Faults::Next(Fault operation) {
   const std::lock_guard<std::mutex> lock(m_Mutex);
   const auto answer = m_Table.answers.find(operation);
   if (answer == m_Table.answers.end()) {
@@ -64,13 +64,13 @@ std::optional<int> Faults::Next(const std::string& operation) {
   return call < answer->second.calls.size() ? answer->second.calls[call] : std::nullopt;
 }
 
-std::vector<std::uint64_t> Faults::Frames(const std::string& fault) const {
+std::vector<std::uint64_t> Faults::Frames(Fault fault) const {
   const std::lock_guard<std::mutex> lock(m_Mutex);
   const auto frames = m_Table.frames.find(fault);
   return frames == m_Table.frames.end() ? std::vector<std::uint64_t>{} : frames->second;
 }
 
-bool Faults::IsAbsent(const std::string& object) const {
+bool Faults::IsAbsent(Fault object) const {
   const std::lock_guard<std::mutex> lock(m_Mutex);
   return m_Table.absent.count(object) != 0;
 }

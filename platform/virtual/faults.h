@@ -7,7 +7,6 @@
 #include <map>
 #include <mutex>
 #include <optional>
-#include <string>
 #include <vector>
 
 #include "virtual/fault_table.h"
@@ -23,23 +22,23 @@ public:
 
   // Those of this process's television, read on first use.
   static Faults& Instance();
-  // Reads the file again; all calls count from the beginning.
+  // For tests, which change the file of a running process: reads it again; all calls count from the beginning.
   void Reload();
 
   // Is there anything to answer `operation` with?
-  bool IsListed(const std::string& operation) const;
-  // Counts one call of `operation`, such as "voice.start": the answer to give instead of doing it, or empty.
-  std::optional<int> Next(const std::string& operation);
-  // The frame numbers of `fault`, such as "pcm.underrun_at_frame", ascending; each frame counts once.
-  std::vector<std::uint64_t> Frames(const std::string& fault) const;
-  // True when `object`, "audio_control" or "event_log", is to be missing.
-  bool IsAbsent(const std::string& object) const;
+  bool IsListed(Fault operation) const;
+  // Counts one call of `operation`: the answer to give instead of doing it, or empty.
+  std::optional<int> Next(Fault operation);
+  // The frame numbers of `fault`, one of the sound device, ascending; each frame counts once.
+  std::vector<std::uint64_t> Frames(Fault fault) const;
+  // Is `object`, kAudioControl or kEventLog, to be missing?
+  bool IsAbsent(Fault object) const;
 
 private:
   const std::filesystem::path m_File;
   mutable std::mutex m_Mutex;
   FaultTable m_Table;
-  std::map<std::string, std::size_t> m_CallCounts;
+  std::map<Fault, std::size_t> m_CallCounts;
 };
 
 }  // namespace orvex::virtual_tv

@@ -13,14 +13,12 @@
 namespace orvex::virtual_tv {
 namespace {
 
-constexpr const char* kFault = "main_loop.late_ms";
-
 int SelectLate(int count, fd_set* readable, fd_set* writable, fd_set* exceptional, timeval* timeout) {
   const bool mayWait = timeout == nullptr || timeout->tv_sec > 0 || timeout->tv_usec > 0;
   const int ready = ::select(count, readable, writable, exceptional, timeout);
   const int reason = errno;
   if (mayWait) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(Faults::Instance().Next(kFault).value_or(0)));
+    std::this_thread::sleep_for(std::chrono::milliseconds(Faults::Instance().Next(Fault::kMainLoopLateMs).value_or(0)));
   }
   errno = reason;
   return ready;
@@ -29,7 +27,7 @@ int SelectLate(int count, fd_set* readable, fd_set* writable, fd_set* exceptiona
 }  // namespace
 
 void MakeMainLoopLate() {
-  if (Faults::Instance().IsListed(kFault)) {
+  if (Faults::Instance().IsListed(Fault::kMainLoopLateMs)) {
     ecore_main_loop_select_func_set(&SelectLate);
   }
 }

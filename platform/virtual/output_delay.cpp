@@ -7,6 +7,7 @@
 namespace {
 
 using orvex::virtual_tv::AccessResult;
+using orvex::virtual_tv::Fault;
 using orvex::virtual_tv::Faults;
 
 constexpr const char* kDelayName = "delay/spdif";
@@ -27,12 +28,12 @@ int Read(const char* name, Number* target) {
 class AudioControl final : public IAudioControl {
 public:
   int getSpdifOutDelay(std::uint32_t* delayMs) override {
-    const auto fault = Faults::Instance().Next("audio_control.delay");
+    const auto fault = Faults::Instance().Next(Fault::kAudioControlDelay);
     return fault ? *fault : Read(kDelayName, delayMs);
   }
 
   int getSpdifOutCodec(std::int32_t* codec) override {
-    const auto fault = Faults::Instance().Next("audio_control.codec");
+    const auto fault = Faults::Instance().Next(Fault::kAudioControlCodec);
     return fault ? *fault : Read(kCodecName, codec);
   }
 };
@@ -40,14 +41,14 @@ public:
 }  // namespace
 
 int avoc_get_delay(std::uint32_t* delayMs, int kind) {
-  if (const auto fault = Faults::Instance().Next("delay.get")) {
+  if (const auto fault = Faults::Instance().Next(Fault::kDelayGet)) {
     return *fault;
   }
   return kind == kDelayKindSpdif ? Read(kDelayName, delayMs) : kUnknownKind;
 }
 
 int avoc_set_delay(std::uint32_t delayMs, int kind) {
-  if (const auto fault = Faults::Instance().Next("delay.set")) {
+  if (const auto fault = Faults::Instance().Next(Fault::kDelaySet)) {
     return *fault;
   }
   if (kind != kDelayKindSpdif) {
@@ -58,5 +59,5 @@ int avoc_set_delay(std::uint32_t delayMs, int kind) {
 
 IAudioControl* IAudioControl::getInstance() {
   static AudioControl control;
-  return Faults::Instance().IsAbsent("audio_control") ? nullptr : &control;
+  return Faults::Instance().IsAbsent(Fault::kAudioControl) ? nullptr : &control;
 }

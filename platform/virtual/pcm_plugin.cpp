@@ -20,15 +20,15 @@ namespace orvex::virtual_tv {
 namespace {
 
 std::deque<PcmFaultPoint> ListedFaults() {
-  constexpr std::array<std::pair<const char*, PcmFault>, 4> kNames{{
-      {"pcm.underrun_at_frame", PcmFault::kUnderrun},
-      {"pcm.suspend_at_frame", PcmFault::kSuspend},
-      {"pcm.disconnect_at_frame", PcmFault::kDisconnect},
-      {"pcm.stall_at_frame", PcmFault::kStall},
+  constexpr std::array<std::pair<Fault, PcmFault>, 4> kPcmFaults{{
+      {Fault::kPcmUnderrunAtFrame, PcmFault::kUnderrun},
+      {Fault::kPcmSuspendAtFrame, PcmFault::kSuspend},
+      {Fault::kPcmDisconnectAtFrame, PcmFault::kDisconnect},
+      {Fault::kPcmStallAtFrame, PcmFault::kStall},
   }};
   std::deque<PcmFaultPoint> points;
-  for (const auto& [name, fault] : kNames) {
-    for (const std::uint64_t frame : Faults::Instance().Frames(name)) {
+  for (const auto& [listed, fault] : kPcmFaults) {
+    for (const std::uint64_t frame : Faults::Instance().Frames(listed)) {
       points.push_back({frame, fault});
     }
   }
@@ -78,7 +78,7 @@ int OpenDevice(snd_pcm_t** pcm, const char* name, snd_config_t* config, snd_pcm_
   if (address < 0 || direction != SND_PCM_STREAM_PLAYBACK) {
     return address < 0 ? address : -ENOENT;
   }
-  const int answer = Faults::Instance().Next("pcm.open").value_or(0);
+  const int answer = Faults::Instance().Next(Fault::kPcmOpen).value_or(0);
   if (answer < 0) {
     return answer;
   }

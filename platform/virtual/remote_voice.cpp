@@ -191,31 +191,32 @@ void RemoteVoice::DeliverBlock(std::unique_lock<std::mutex>& lock) {
 
 struct Command {
   std::array<std::uint8_t, 2> bytes;
-  const char* fault;
+  Fault fault;
   int (RemoteVoice::*run)();
 };
 
 const std::array<Command, 3> kCommands{{
-    {{0x05, 0x00}, "voice.start", &RemoteVoice::Start},
-    {{0x04, 0x00}, "voice.start", &RemoteVoice::Start},
-    {{0x03, 0x10}, "voice.extend", &RemoteVoice::Extend},
+    {{0x05, 0x00}, Fault::kVoiceStart, &RemoteVoice::Start},
+    {{0x04, 0x00}, Fault::kVoiceStart, &RemoteVoice::Start},
+    {{0x03, 0x10}, Fault::kVoiceExtend, &RemoteVoice::Extend},
 }};
 
 }  // namespace
 }  // namespace orvex::virtual_tv
 
+using orvex::virtual_tv::Fault;
 using orvex::virtual_tv::Faults;
 using orvex::virtual_tv::RemoteVoice;
 
 int bt_hid_set_audio_data_receive_cb(VoiceDataCallback callback, void* userData) {
-  if (const auto answer = Faults::Instance().Next("voice.register")) {
+  if (const auto answer = Faults::Instance().Next(Fault::kVoiceRegister)) {
     return *answer;
   }
   return callback == nullptr ? -EINVAL : RemoteVoice::Instance().Register(callback, userData);
 }
 
 int bt_hid_unset_audio_data_receive_cb() {
-  const auto answer = Faults::Instance().Next("voice.unregister");
+  const auto answer = Faults::Instance().Next(Fault::kVoiceUnregister);
   // A refused call too leaves no callback behind.
   const int result = RemoteVoice::Instance().Unregister();
   return answer.value_or(result);
@@ -234,6 +235,6 @@ int bt_hid_send_rc_command(const char* /*target: there is one remote, whatever i
 }
 
 int bt_hid_rc_stop_sending_voice(const char* /*target*/) {
-  const auto answer = Faults::Instance().Next("voice.stop");
+  const auto answer = Faults::Instance().Next(Fault::kVoiceStop);
   return answer ? *answer : RemoteVoice::Instance().Stop();
 }

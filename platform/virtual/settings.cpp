@@ -13,6 +13,7 @@
 namespace {
 
 using orvex::virtual_tv::AccessResult;
+using orvex::virtual_tv::Fault;
 using orvex::virtual_tv::Faults;
 using orvex::virtual_tv::SettingsNotifier;
 
@@ -29,7 +30,7 @@ std::string NameOf(const char* key) {
 }  // namespace
 
 int settings_get_int(const char* key, int* value) {
-  if (const auto fault = Faults::Instance().Next("settings.get")) {
+  if (const auto fault = Faults::Instance().Next(Fault::kSettingsGet)) {
     return *fault;
   }
   std::int64_t number = 0;
@@ -48,7 +49,7 @@ int settings_get_int(const char* key, int* value) {
 }
 
 int settings_subscribe(const char* key, SettingsChangedCallback callback, void* userData) {
-  if (const auto fault = Faults::Instance().Next("settings.subscribe")) {
+  if (const auto fault = Faults::Instance().Next(Fault::kSettingsSubscribe)) {
     return *fault;
   }
   if (callback == nullptr || !orvex::virtual_tv::DescribeTelevisionValue(NameOf(key))) {
@@ -63,7 +64,7 @@ int settings_subscribe(const char* key, SettingsChangedCallback callback, void* 
 }
 
 int settings_unsubscribe(const char* key, SettingsChangedCallback callback) {
-  if (const auto fault = Faults::Instance().Next("settings.unsubscribe")) {
+  if (const auto fault = Faults::Instance().Next(Fault::kSettingsUnsubscribe)) {
     return *fault;
   }
   const bool isDone = key != nullptr && SettingsNotifier::Instance().Unsubscribe(key, callback);

@@ -7,6 +7,7 @@
 namespace {
 
 using orvex::virtual_tv::AccessResult;
+using orvex::virtual_tv::Fault;
 using orvex::virtual_tv::Faults;
 
 constexpr int kUnreachable = -1;
@@ -34,7 +35,7 @@ int Read32(const char* name, std::int32_t* target) {
 }  // namespace
 
 int sound_manager_get_device_mute(int device, bool* muted) {
-  if (const auto fault = Faults::Instance().Next("sound.get_mute")) {
+  if (const auto fault = Faults::Instance().Next(Fault::kSoundGetMute)) {
     return *fault;
   }
   if (device != kTvSpeaker || muted == nullptr) {
@@ -49,28 +50,28 @@ int sound_manager_get_device_mute(int device, bool* muted) {
 }
 
 int sound_manager_set_device_mute(int device, bool muted) {
-  if (const auto fault = Faults::Instance().Next("sound.set_mute")) {
+  if (const auto fault = Faults::Instance().Next(Fault::kSoundSetMute)) {
     return *fault;
   }
   return device == kTvSpeaker ? Write("sound/mute", muted ? 1 : 0) : kBadArgument;
 }
 
 int sound_manager_get_tv_master_volume(std::int32_t* level) {
-  if (const auto fault = Faults::Instance().Next("sound.get_volume")) {
+  if (const auto fault = Faults::Instance().Next(Fault::kSoundGetVolume)) {
     return *fault;
   }
   return Read32("sound/volume", level);
 }
 
 int sound_manager_set_tv_master_volume(std::int32_t level) {
-  if (const auto fault = Faults::Instance().Next("sound.set_volume")) {
+  if (const auto fault = Faults::Instance().Next(Fault::kSoundSetVolume)) {
     return *fault;
   }
   return level >= 0 && level <= kMaximumVolume ? Write("sound/volume", level) : kBadArgument;
 }
 
 int sound_manager_get_speaker_selection(std::int32_t* selection) {
-  if (const auto fault = Faults::Instance().Next("sound.get_speaker")) {
+  if (const auto fault = Faults::Instance().Next(Fault::kSoundGetSpeaker)) {
     return *fault;
   }
   return Read32("sound/speaker", selection);

@@ -10,6 +10,7 @@
 namespace {
 
 using orvex::virtual_tv::AccessResult;
+using orvex::virtual_tv::Fault;
 using orvex::virtual_tv::Faults;
 
 constexpr int kFailed = -1;
@@ -26,7 +27,7 @@ bool Read32(const char* name, std::int32_t* target) {
 class VideoControl final : public IAVControl {
 public:
   int getResolution(std::int32_t* resolution, TvResolution* record) override {
-    if (const auto fault = Faults::Instance().Next("tv.resolution")) {
+    if (const auto fault = Faults::Instance().Next(Fault::kTvResolution)) {
       return *fault;
     }
     std::int32_t code = 0;
@@ -44,7 +45,7 @@ public:
 class SourceControl final : public ISourceControl {
 public:
   int getCurrentSource(ESource* source) override {
-    if (const auto fault = Faults::Instance().Next("tv.source")) {
+    if (const auto fault = Faults::Instance().Next(Fault::kTvSource)) {
       return *fault;
     }
     std::int32_t number = 0;
@@ -58,7 +59,7 @@ public:
 
 // Gives out the one control there is: this television has one screen, and every profile sees it.
 template <typename Control, typename Interface>
-int GiveControl(const char* operation, Interface** target) {
+int GiveControl(Fault operation, Interface** target) {
   static Control control;
   if (const auto fault = Faults::Instance().Next(operation)) {
     return *fault;
@@ -73,7 +74,7 @@ int GiveControl(const char* operation, Interface** target) {
 }  // namespace
 
 int tv_get_hdmi_input_count() {
-  if (const auto fault = Faults::Instance().Next("tv.hdmi_inputs")) {
+  if (const auto fault = Faults::Instance().Next(Fault::kTvHdmiInputs)) {
     return *fault;
   }
   std::int32_t count = 0;
@@ -84,7 +85,7 @@ const TvActivityInfo* tv_get_activity_info_by_source(int /*source: one device is
   // Valid until the next call, as the contract says; one thread calls.
   static const orvex::port::NoDestroy<std::string> brand;
   static TvActivityInfo info{};
-  if (Faults::Instance().Next("tv.activity")) {
+  if (Faults::Instance().Next(Fault::kTvActivity)) {
     return nullptr;
   }
   std::string name;
@@ -98,9 +99,9 @@ const TvActivityInfo* tv_get_activity_info_by_source(int /*source: one device is
 }
 
 int tv_create_av_control(int /*profile*/, int /*screen*/, IAVControl** control) {
-  return GiveControl<VideoControl>("tv.av_control", control);
+  return GiveControl<VideoControl>(Fault::kTvAvControl, control);
 }
 
 int tv_create_source_control(int /*profile*/, int /*screen*/, ISourceControl** control) {
-  return GiveControl<SourceControl>("tv.source_control", control);
+  return GiveControl<SourceControl>(Fault::kTvSourceControl, control);
 }

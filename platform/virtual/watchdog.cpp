@@ -12,6 +12,7 @@
 namespace {
 
 using orvex::port::CurrentMainLoop;
+using orvex::virtual_tv::Fault;
 using orvex::virtual_tv::Faults;
 
 constexpr int kFailed = -1;
@@ -25,7 +26,7 @@ bool IsRegistered() {
 }  // namespace
 
 int watchdog_register(std::int32_t timeout) {
-  if (const auto fault = Faults::Instance().Next("watchdog.register")) {
+  if (const auto fault = Faults::Instance().Next(Fault::kWatchdogRegister)) {
     return *fault;
   }
   if (timeout <= 0) {
@@ -41,7 +42,7 @@ int watchdog_register(std::int32_t timeout) {
 }
 
 int watchdog_notify() {
-  if (const auto fault = Faults::Instance().Next("watchdog.notify")) {
+  if (const auto fault = Faults::Instance().Next(Fault::kWatchdogNotify)) {
     return *fault;
   }
   const bool isTaken =

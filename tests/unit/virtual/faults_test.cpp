@@ -23,34 +23,34 @@ protected:
 };
 
 TEST_F(HostFaults, AreNoneWithoutAFile) {
-  EXPECT_EQ(Faults::Instance().Next("voice.start"), std::nullopt);
-  EXPECT_THAT(Faults::Instance().Frames("pcm.underrun_at_frame"), IsEmpty());
-  EXPECT_FALSE(Faults::Instance().IsAbsent("event_log"));
+  EXPECT_EQ(Faults::Instance().Next(Fault::kVoiceStart), std::nullopt);
+  EXPECT_THAT(Faults::Instance().Frames(Fault::kPcmUnderrunAtFrame), IsEmpty());
+  EXPECT_FALSE(Faults::Instance().IsAbsent(Fault::kEventLog));
 }
 
 TEST_F(HostFaults, GiveAnIntegerAtEveryCallAndAnArrayCallByCall) {
   SetFaults(R"({"voice.start": -115, "voice.stop": [-115, null, 0]})");
   Faults& faults = Faults::Instance();
-  EXPECT_EQ(faults.Next("voice.start"), -115);
-  EXPECT_EQ(faults.Next("voice.start"), -115);
-  EXPECT_EQ(faults.Next("voice.stop"), -115);
-  EXPECT_EQ(faults.Next("voice.stop"), std::nullopt);
-  EXPECT_EQ(faults.Next("voice.stop"), 0);
-  EXPECT_EQ(faults.Next("voice.stop"), std::nullopt);
-  EXPECT_EQ(faults.Next("voice.extend"), std::nullopt);
+  EXPECT_EQ(faults.Next(Fault::kVoiceStart), -115);
+  EXPECT_EQ(faults.Next(Fault::kVoiceStart), -115);
+  EXPECT_EQ(faults.Next(Fault::kVoiceStop), -115);
+  EXPECT_EQ(faults.Next(Fault::kVoiceStop), std::nullopt);
+  EXPECT_EQ(faults.Next(Fault::kVoiceStop), 0);
+  EXPECT_EQ(faults.Next(Fault::kVoiceStop), std::nullopt);
+  EXPECT_EQ(faults.Next(Fault::kVoiceExtend), std::nullopt);
 }
 
 TEST_F(HostFaults, CountFromTheBeginningWhenTheFileIsReadAgain) {
   SetFaults(R"({"delay.get": [-1]})");
-  EXPECT_EQ(Faults::Instance().Next("delay.get"), -1);
+  EXPECT_EQ(Faults::Instance().Next(Fault::kDelayGet), -1);
   Faults::Instance().Reload();
-  EXPECT_EQ(Faults::Instance().Next("delay.get"), -1);
+  EXPECT_EQ(Faults::Instance().Next(Fault::kDelayGet), -1);
 }
 
 TEST_F(HostFaults, GiveFramesInAscendingOrder) {
   SetFaults(R"({"pcm.underrun_at_frame": [9000, 100], "pcm.stall_at_frame": 5})");
-  EXPECT_THAT(Faults::Instance().Frames("pcm.underrun_at_frame"), ElementsAre(100, 9000));
-  EXPECT_THAT(Faults::Instance().Frames("pcm.stall_at_frame"), ElementsAre(5));
+  EXPECT_THAT(Faults::Instance().Frames(Fault::kPcmUnderrunAtFrame), ElementsAre(100, 9000));
+  EXPECT_THAT(Faults::Instance().Frames(Fault::kPcmStallAtFrame), ElementsAre(5));
 }
 
 TEST_F(HostFaults, GiveEachEntryToOneOfManyThreads) {
@@ -58,7 +58,7 @@ TEST_F(HostFaults, GiveEachEntryToOneOfManyThreads) {
   std::vector<int> answers(8);
   std::vector<std::thread> threads;
   for (int& answer : answers) {
-    threads.emplace_back([&answer] { answer = Faults::Instance().Next("delay.get").value_or(-99); });
+    threads.emplace_back([&answer] { answer = Faults::Instance().Next(Fault::kDelayGet).value_or(-99); });
   }
   for (std::thread& thread : threads) {
     thread.join();
@@ -90,7 +90,7 @@ TEST_F(HostFaults, InjectNothingAndSayWhyWhenTheFileIsWrong) {
     EXPECT_THAT(told, HasSubstr((Folder() / "faults.json").string())) << row.json;
     EXPECT_THAT(told, HasSubstr(row.problem)) << row.json;
     EXPECT_EQ(std::count(told.begin(), told.end(), '\n'), 1) << told;
-    EXPECT_EQ(Faults::Instance().Next("delay.get"), std::nullopt) << row.json;
+    EXPECT_EQ(Faults::Instance().Next(Fault::kDelayGet), std::nullopt) << row.json;
   }
 }
 
@@ -102,7 +102,7 @@ TEST_F(HostFaults, InjectNothingWhenAZeroByteEndsTheJsonWithinTheFile) {
   const std::string object = R"({"delay.get": -1})";
   const std::string told = ProblemWith(object + '\0' + object);
   EXPECT_THAT(told, HasSubstr("expected a JSON object: byte 17 is 0"));
-  EXPECT_EQ(Faults::Instance().Next("delay.get"), std::nullopt);
+  EXPECT_EQ(Faults::Instance().Next(Fault::kDelayGet), std::nullopt);
 }
 
 TEST_F(HostFaults, MakeAnObjectAbsent) {
