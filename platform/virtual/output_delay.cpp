@@ -12,29 +12,31 @@ using orvex::virtual_tv::Faults;
 
 constexpr const char* kDelayName = "delay/spdif";
 constexpr const char* kCodecName = "tv/codec";
-constexpr int kUnreachable = -1;
-constexpr int kUnknownKind = -2;
 
 template <typename Number>
-int Read(const char* name, Number* target) {
+bool Read(const char* name, Number* target) {
   std::int64_t number = 0;
   if (target == nullptr || orvex::virtual_tv::ReadNumber(name, &number) != AccessResult::kDone) {
-    return kUnreachable;
+    return false;
   }
   *target = static_cast<Number>(number);
-  return 0;
+  return true;
 }
 
 class AudioControl final : public IAudioControl {
 public:
   int getSpdifOutDelay(std::uint32_t* delayMs) override {
-    const auto fault = Faults::Instance().Next(Fault::kAudioControlDelay);
-    return fault ? *fault : Read(kDelayName, delayMs);
+    return Answer(Fault::kAudioControlDelay, kDelayName, delayMs);
   }
+  int getSpdifOutCodec(std::int32_t* codec) override { return Answer(Fault::kAudioControlCodec, kCodecName, codec); }
 
-  int getSpdifOutCodec(std::int32_t* codec) override {
-    const auto fault = Faults::Instance().Next(Fault::kAudioControlCodec);
-    return fault ? *fault : Read(kCodecName, codec);
+private:
+  template <typename Number>
+  static int Answer(Fault operation, const char* name, Number* target) {
+    if (const auto fault = Faults::Instance().Next(operation)) {
+      return *fault;
+    }
+    return Read(name, target) ? kAudioControlDone : kAudioControlFailed;
   }
 };
 
@@ -44,7 +46,10 @@ int avoc_get_delay(std::uint32_t* delayMs, int kind) {
   if (const auto fault = Faults::Instance().Next(Fault::kDelayGet)) {
     return *fault;
   }
-  return kind == kDelayKindSpdif ? Read(kDelayName, delayMs) : kUnknownKind;
+  if (kind != kDelayKindSpdif) {
+    return kDelayUnknownKind;
+  }
+  return Read(kDelayName, delayMs) ? kDelayDone : kDelayUnreachable;
 }
 
 int avoc_set_delay(std::uint32_t delayMs, int kind) {
@@ -52,9 +57,9 @@ int avoc_set_delay(std::uint32_t delayMs, int kind) {
     return *fault;
   }
   if (kind != kDelayKindSpdif) {
-    return kUnknownKind;
+    return kDelayUnknownKind;
   }
-  return orvex::virtual_tv::WriteNumber(kDelayName, delayMs) == AccessResult::kDone ? 0 : kUnreachable;
+  return orvex::virtual_tv::WriteNumber(kDelayName, delayMs) == AccessResult::kDone ? kDelayDone : kDelayUnreachable;
 }
 
 IAudioControl* IAudioControl::getInstance() {

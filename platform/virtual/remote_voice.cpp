@@ -5,7 +5,6 @@
 #include <pthread.h>
 
 #include <array>
-#include <cerrno>
 #include <condition_variable>
 #include <csignal>
 #include <mutex>
@@ -83,30 +82,30 @@ private:
 int RemoteVoice::Register(VoiceDataCallback callback, void* userData) {
   const std::lock_guard<std::mutex> lock(m_Mutex);
   if (m_Receiver.callback != nullptr) {
-    return -EBUSY;
+    return kVoiceTaken;
   }
   m_Receiver = {callback, userData, ++m_LastNumber};
-  return 0;
+  return kVoiceDone;
 }
 
 int RemoteVoice::Unregister() {
   std::unique_lock<std::mutex> lock(m_Mutex);
   if (m_Receiver.callback == nullptr) {
-    return -EINVAL;
+    return kVoiceInvalid;
   }
   const std::uint64_t number = m_Receiver.number;
   m_Receiver = {};
   m_Changed.wait(lock, [&] { return m_RunningNumber != number; });
-  return 0;
+  return kVoiceDone;
 }
 
 int RemoteVoice::Start() {
   const std::lock_guard<std::mutex> lock(m_Mutex);
   if (!m_Room.IsPresent() || m_IsEnding) {
-    return -ENODEV;
+    return kVoiceNoRemote;
   }
   if (!EnsureThread()) {
-    return -EIO;
+    return kVoiceRefused;
   }
   const MonotonicTime now = MonotonicNow();
   if (m_Room.NextDelivery()) {
@@ -115,21 +114,21 @@ int RemoteVoice::Start() {
     m_Room.StartVoice(now);
   }
   m_Changed.notify_all();
-  return 0;
+  return kVoiceDone;
 }
 
 int RemoteVoice::Extend() {
   const std::lock_guard<std::mutex> lock(m_Mutex);
   m_Room.ExtendVoice(MonotonicNow());
   m_Changed.notify_all();
-  return m_Room.IsPresent() ? 0 : -ENODEV;
+  return m_Room.IsPresent() ? kVoiceDone : kVoiceNoRemote;
 }
 
 int RemoteVoice::Stop() {
   const std::lock_guard<std::mutex> lock(m_Mutex);
   m_Room.StopVoice();
   m_Changed.notify_all();
-  return m_Room.IsPresent() ? 0 : -ENODEV;
+  return m_Room.IsPresent() ? kVoiceDone : kVoiceNoRemote;
 }
 
 bool RemoteVoice::EnsureThread() {
@@ -212,7 +211,7 @@ int bt_hid_set_audio_data_receive_cb(VoiceDataCallback callback, void* userData)
   if (const auto answer = Faults::Instance().Next(Fault::kVoiceRegister)) {
     return *answer;
   }
-  return callback == nullptr ? -EINVAL : RemoteVoice::Instance().Register(callback, userData);
+  return callback == nullptr ? kVoiceInvalid : RemoteVoice::Instance().Register(callback, userData);
 }
 
 int bt_hid_unset_audio_data_receive_cb() {
@@ -231,7 +230,7 @@ int bt_hid_send_rc_command(const char* /*target: there is one remote, whatever i
       return answer ? *answer : (RemoteVoice::Instance().*known.run)();
     }
   }
-  return -EINVAL;
+  return kVoiceInvalid;
 }
 
 int bt_hid_rc_stop_sending_voice(const char* /*target*/) {

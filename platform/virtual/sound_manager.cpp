@@ -10,23 +10,21 @@ using orvex::virtual_tv::AccessResult;
 using orvex::virtual_tv::Fault;
 using orvex::virtual_tv::Faults;
 
-constexpr int kUnreachable = -1;
-constexpr int kBadArgument = -2;
 constexpr int kTvSpeaker = 0;
 constexpr std::int32_t kMaximumVolume = 100;
 
 int Read(const char* name, std::int64_t* number) {
-  return orvex::virtual_tv::ReadNumber(name, number) == AccessResult::kDone ? 0 : kUnreachable;
+  return orvex::virtual_tv::ReadNumber(name, number) == AccessResult::kDone ? kSoundDone : kSoundUnreachable;
 }
 
 int Write(const char* name, std::int64_t number) {
-  return orvex::virtual_tv::WriteNumber(name, number) == AccessResult::kDone ? 0 : kUnreachable;
+  return orvex::virtual_tv::WriteNumber(name, number) == AccessResult::kDone ? kSoundDone : kSoundUnreachable;
 }
 
 int Read32(const char* name, std::int32_t* target) {
   std::int64_t number = 0;
-  const int result = target == nullptr ? kBadArgument : Read(name, &number);
-  if (result == 0) {
+  const int result = target == nullptr ? kSoundOutOfRange : Read(name, &number);
+  if (result == kSoundDone) {
     *target = static_cast<std::int32_t>(number);
   }
   return result;
@@ -39,11 +37,11 @@ int sound_manager_get_device_mute(int device, bool* muted) {
     return *fault;
   }
   if (device != kTvSpeaker || muted == nullptr) {
-    return kBadArgument;
+    return kSoundOutOfRange;
   }
   std::int64_t number = 0;
   const int result = Read("sound/mute", &number);
-  if (result == 0) {
+  if (result == kSoundDone) {
     *muted = number != 0;
   }
   return result;
@@ -53,7 +51,7 @@ int sound_manager_set_device_mute(int device, bool muted) {
   if (const auto fault = Faults::Instance().Next(Fault::kSoundSetMute)) {
     return *fault;
   }
-  return device == kTvSpeaker ? Write("sound/mute", muted ? 1 : 0) : kBadArgument;
+  return device == kTvSpeaker ? Write("sound/mute", muted ? 1 : 0) : kSoundOutOfRange;
 }
 
 int sound_manager_get_tv_master_volume(std::int32_t* level) {
@@ -67,7 +65,7 @@ int sound_manager_set_tv_master_volume(std::int32_t level) {
   if (const auto fault = Faults::Instance().Next(Fault::kSoundSetVolume)) {
     return *fault;
   }
-  return level >= 0 && level <= kMaximumVolume ? Write("sound/volume", level) : kBadArgument;
+  return level >= 0 && level <= kMaximumVolume ? Write("sound/volume", level) : kSoundOutOfRange;
 }
 
 int sound_manager_get_speaker_selection(std::int32_t* selection) {

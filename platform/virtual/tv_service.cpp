@@ -13,8 +13,6 @@ using orvex::virtual_tv::AccessResult;
 using orvex::virtual_tv::Fault;
 using orvex::virtual_tv::Faults;
 
-constexpr int kFailed = -1;
-
 bool Read32(const char* name, std::int32_t* target) {
   std::int64_t number = 0;
   if (orvex::virtual_tv::ReadNumber(name, &number) != AccessResult::kDone) {
@@ -34,11 +32,11 @@ public:
     std::int32_t frequency = 0;
     if (resolution == nullptr || record == nullptr || !Read32("tv/resolution", &code) ||
         !Read32("tv/frequency", &frequency)) {
-      return kFailed;
+      return kTvFailed;
     }
     *resolution = code;
     record->frequency = frequency;
-    return 0;
+    return kTvDone;
   }
 };
 
@@ -50,10 +48,10 @@ public:
     }
     std::int32_t number = 0;
     if (source == nullptr || !Read32("tv/source", &number)) {
-      return kFailed;
+      return kTvFailed;
     }
     *source = static_cast<ESource>(number);
-    return 0;
+    return kTvDone;
   }
 };
 
@@ -65,10 +63,10 @@ int GiveControl(Fault operation, Interface** target) {
     return *fault;
   }
   if (target == nullptr) {
-    return kFailed;
+    return kTvFailed;
   }
   *target = &control;
-  return 0;
+  return kTvDone;
 }
 
 }  // namespace
@@ -78,7 +76,7 @@ int tv_get_hdmi_input_count() {
     return *fault;
   }
   std::int32_t count = 0;
-  return Read32("tv/hdmi_inputs", &count) ? count : kFailed;
+  return Read32("tv/hdmi_inputs", &count) ? count : kTvFailed;
 }
 
 const TvActivityInfo* tv_get_activity_info_by_source(int /*source: one device is connected, on every source*/) {
