@@ -15,6 +15,71 @@ namespace {
 
 constexpr unsigned kFrameBytes = kPcmChannels * sizeof(std::int16_t);
 
+VirtualPcm& DeviceOf(snd_pcm_ioplug_t* io) {
+  return *static_cast<VirtualPcm*>(io->private_data);
+}
+
+int OnStart(snd_pcm_ioplug_t* io) {
+  DeviceOf(io).Start();
+  return 0;
+}
+
+int OnStop(snd_pcm_ioplug_t* io) {
+  DeviceOf(io).Stop();
+  return 0;
+}
+
+int OnPrepare(snd_pcm_ioplug_t* io) {
+  DeviceOf(io).Prepare();
+  return 0;
+}
+
+int OnResume(snd_pcm_ioplug_t* io) {
+  DeviceOf(io).Resume();
+  return 0;
+}
+
+snd_pcm_sframes_t OnPointer(snd_pcm_ioplug_t* io) {
+  return DeviceOf(io).Pointer();
+}
+
+snd_pcm_sframes_t OnTransfer(snd_pcm_ioplug_t* io, const snd_pcm_channel_area_t* areas, snd_pcm_uframes_t offset,
+                             snd_pcm_uframes_t count) {
+  return DeviceOf(io).Transfer(areas, offset, count);
+}
+
+int OnSwParams(snd_pcm_ioplug_t* io, snd_pcm_sw_params_t* params) {
+  return DeviceOf(io).TakeSwParams(params);
+}
+
+// The timer reads as "in"; to the program it says "out", that there is room.
+int OnPoll(snd_pcm_ioplug_t* io, pollfd* descriptors, unsigned count, unsigned short* events) {
+  const bool isDue = count == 1 && (descriptors->revents & POLLIN) != 0;
+  const bool isBroken = io->state == SND_PCM_STATE_XRUN || io->state == SND_PCM_STATE_SUSPENDED ||
+                        io->state == SND_PCM_STATE_DISCONNECTED;
+  *events = static_cast<unsigned short>((isDue ? POLLOUT : 0) | (isBroken ? POLLERR : 0));
+  return 0;
+}
+
+int OnClose(snd_pcm_ioplug_t* io) {
+  delete &DeviceOf(io);
+  return 0;
+}
+
+snd_pcm_ioplug_callback_t MakeCallbacks() {
+  snd_pcm_ioplug_callback_t callbacks{};
+  callbacks.start = OnStart;
+  callbacks.stop = OnStop;
+  callbacks.prepare = OnPrepare;
+  callbacks.resume = OnResume;
+  callbacks.pointer = OnPointer;
+  callbacks.transfer = OnTransfer;
+  callbacks.sw_params = OnSwParams;
+  callbacks.poll_revents = OnPoll;
+  callbacks.close = OnClose;
+  return callbacks;
+}
+
 }  // namespace
 
 VirtualPcm::~VirtualPcm() {
@@ -25,25 +90,8 @@ VirtualPcm::~VirtualPcm() {
   m_Slot.isTaken = false;
 }
 
-const snd_pcm_ioplug_callback_t& VirtualPcm::Callbacks() {
-  static const snd_pcm_ioplug_callback_t callbacks = [] {
-    snd_pcm_ioplug_callback_t made{};
-    made.start = [](snd_pcm_ioplug_t* io) { return Of(io).Start(), 0; };
-    made.stop = [](snd_pcm_ioplug_t* io) { return Of(io).Stop(), 0; };
-    made.prepare = [](snd_pcm_ioplug_t* io) { return Of(io).Prepare(), 0; };
-    made.resume = [](snd_pcm_ioplug_t* io) { return Of(io).Resume(), 0; };
-    made.pointer = [](snd_pcm_ioplug_t* io) { return Of(io).Pointer(); };
-    made.transfer = [](snd_pcm_ioplug_t* io, const snd_pcm_channel_area_t* areas, snd_pcm_uframes_t offset,
-                       snd_pcm_uframes_t count) { return Of(io).Transfer(areas, offset, count); };
-    made.sw_params = [](snd_pcm_ioplug_t* io, snd_pcm_sw_params_t* params) { return Of(io).TakeSwParams(params); };
-    made.poll_revents = &VirtualPcm::AnswerPoll;
-    made.close = [](snd_pcm_ioplug_t* io) { return delete &Of(io), 0; };
-    return made;
-  }();
-  return callbacks;
-}
-
 int VirtualPcm::Create(const char* name, snd_pcm_stream_t direction, int mode) {
+  static const snd_pcm_ioplug_callback_t callbacks = MakeCallbacks();
   m_Timer = ::timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC | TFD_NONBLOCK);
   if (m_Timer < 0) {
     return -errno;
@@ -53,18 +101,9 @@ int VirtualPcm::Create(const char* name, snd_pcm_stream_t direction, int mode) {
   m_Io.flags = SND_PCM_IOPLUG_FLAG_MONOTONIC;
   m_Io.poll_fd = m_Timer;
   m_Io.poll_events = POLLIN;
-  m_Io.callback = &Callbacks();
+  m_Io.callback = &callbacks;
   m_Io.private_data = this;
   return snd_pcm_ioplug_create(&m_Io, name, direction, mode);
-}
-
-// The timer reads as "in"; to the program it says "out", that there is room.
-int VirtualPcm::AnswerPoll(snd_pcm_ioplug_t* io, pollfd* descriptors, unsigned count, unsigned short* events) {
-  const bool isDue = count == 1 && (descriptors->revents & POLLIN) != 0;
-  const bool isBroken = io->state == SND_PCM_STATE_XRUN || io->state == SND_PCM_STATE_SUSPENDED ||
-                        io->state == SND_PCM_STATE_DISCONNECTED;
-  *events = static_cast<unsigned short>((isDue ? POLLOUT : 0) | (isBroken ? POLLERR : 0));
-  return 0;
 }
 
 int VirtualPcm::SetConstraints() {
@@ -131,7 +170,7 @@ snd_pcm_sframes_t VirtualPcm::Pointer() {
   PcmFault fault{};
   snd_pcm_sframes_t result = 0;
   if (m_Stream.TakeFault(now, fault)) {
-    result = Strike(fault);
+    result = ApplyFault(fault);
   } else if (HasRunDry(now)) {
     m_Stream.Halt(now);
     result = -EPIPE;  // to libasound an underrun, or the end of a drain
@@ -143,7 +182,7 @@ snd_pcm_sframes_t VirtualPcm::Pointer() {
   return result < 0 ? result : PositionInBuffer(now);
 }
 
-snd_pcm_sframes_t VirtualPcm::Strike(PcmFault fault) {
+snd_pcm_sframes_t VirtualPcm::ApplyFault(PcmFault fault) {
   switch (fault) {
     case PcmFault::kUnderrun:
       return -EPIPE;

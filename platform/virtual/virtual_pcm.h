@@ -22,8 +22,8 @@ struct PcmSlot {
   std::deque<PcmFaultPoint> faults;  // that have not struck yet; the open handle's alone
 };
 
-// One open handle. libasound's lock of the handle guards it, except in Prepare() and AnswerPoll(): a program that
-// prepares does nothing else with the handle meanwhile.
+// One open handle. libasound's lock of the handle guards it, except in Prepare(): a program that prepares does nothing
+// else with the handle meanwhile.
 //
 // The poll descriptor is a timer that stands at the moment at which waiting ends. It stays readable until it is set
 // anew, so a waiter never misses it, and no thread of our own is needed.
@@ -41,11 +41,7 @@ public:
   int SetConstraints();
   snd_pcm_t* GetPcm() const { return m_Io.pcm; }
 
-private:
-  static VirtualPcm& Of(snd_pcm_ioplug_t* io) { return *static_cast<VirtualPcm*>(io->private_data); }
-  static const snd_pcm_ioplug_callback_t& Callbacks();
-  static int AnswerPoll(snd_pcm_ioplug_t* io, pollfd* descriptors, unsigned count, unsigned short* events);
-
+  // libasound's callbacks.
   int TakeSwParams(snd_pcm_sw_params_t* params);
   void Start();
   void Stop();
@@ -53,7 +49,9 @@ private:
   void Resume();
   snd_pcm_sframes_t Pointer();
   snd_pcm_sframes_t Transfer(const snd_pcm_channel_area_t* areas, snd_pcm_uframes_t offset, snd_pcm_uframes_t count);
-  snd_pcm_sframes_t Strike(PcmFault fault);
+
+private:
+  snd_pcm_sframes_t ApplyFault(PcmFault fault);
   bool HasRunDry(MonotonicTime now) const;
   snd_pcm_sframes_t PositionInBuffer(MonotonicTime now) const;
   std::optional<MonotonicTime> EndOfWait(MonotonicTime now) const;
