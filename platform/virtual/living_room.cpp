@@ -93,12 +93,15 @@ void LivingRoom::LoadNoise(const std::string& file) {
   }
 }
 
+// The television's files are read before the lock is taken: the delivery of the remote's blocks must not wait for them.
 void LivingRoom::Play(MonotonicTime start, const std::int16_t* frames, std::size_t count) {
-  const std::lock_guard<std::mutex> lock(m_Mutex);
-  if (m_Room) {
-    FollowTelevision();
-    m_Room->Play(start, frames, count);
+  if (!IsPresent()) {
+    return;
   }
+  const Outputs outputs = ReadOutputs();
+  const std::lock_guard<std::mutex> lock(m_Mutex);
+  ApplyOutputs(outputs);
+  m_Room->Play(start, frames, count);
 }
 
 void LivingRoom::Cut(MonotonicTime from) {
@@ -108,17 +111,28 @@ void LivingRoom::Cut(MonotonicTime from) {
   }
 }
 
-// A value that cannot be read leaves the last one in force.
-void LivingRoom::FollowTelevision() {
+LivingRoom::Outputs LivingRoom::ReadOutputs() const {
+  Outputs outputs;
   try {
-    m_Room->SetTvMuted(m_Television.GetNumber("sound/mute") != 0);
-    m_Room->SetSpdifDelayMs(static_cast<double>(m_Television.GetNumber("delay/spdif")));
-    m_HasComplained = false;
+    outputs.isTvMuted = m_Television.GetNumber("sound/mute") != 0;
+    outputs.spdifDelayMs = static_cast<double>(m_Television.GetNumber("delay/spdif"));
   } catch (const TelevisionError& problem) {
-    if (!m_HasComplained) {
-      ReportProblem(problem.what());
-    }
-    m_HasComplained = true;
+    outputs.problem = problem.what();
+  }
+  return outputs;
+}
+
+void LivingRoom::ApplyOutputs(const Outputs& outputs) {
+  if (outputs.isTvMuted) {
+    m_Room->SetTvMuted(*outputs.isTvMuted);
+  }
+  if (outputs.spdifDelayMs) {
+    m_Room->SetSpdifDelayMs(*outputs.spdifDelayMs);
+  }
+  const bool isNew = !outputs.problem.empty() && !m_IsProblemReported;
+  m_IsProblemReported = !outputs.problem.empty();
+  if (isNew) {
+    ReportProblem(outputs.problem);
   }
 }
 

@@ -24,8 +24,7 @@ public:
   // absent: it takes sound and gives none.
   explicit LivingRoom(const Television& television);
 
-  // The room of this process's television, made on first use and never destroyed: the device may be closed by the
-  // destructor of a static object.
+  // The room of this process's television, made on first use. The destructor of a static object may close the device.
   static LivingRoom& Instance();
 
   bool IsPresent() const { return m_Room != nullptr; }
@@ -44,13 +43,20 @@ public:
 private:
   void Build();
   void LoadNoise(const std::string& file);
-  void FollowTelevision();
+  // What the television shows of its outputs. A value that cannot be read is empty and leaves the last one in force.
+  struct Outputs {
+    std::optional<bool> isTvMuted;
+    std::optional<double> spdifDelayMs;
+    std::string problem;  // empty: both were read
+  };
+  Outputs ReadOutputs() const;
+  void ApplyOutputs(const Outputs& outputs);
 
   const Television& m_Television;
-  mutable std::mutex m_Mutex;  // guards all below; the pointers themselves never change after construction
+  mutable std::mutex m_Mutex;  // guards what the pointers lead to and what stands below; the pointers never change
   std::unique_ptr<sim::Room> m_Room;
   std::unique_ptr<sim::VoiceChannel> m_Voice;
-  bool m_HasComplained = false;  // about the television's values, since they were last readable
+  bool m_IsProblemReported = false;  // that of the outputs, since both could last be read
 };
 
 }  // namespace orvex::virtual_tv
