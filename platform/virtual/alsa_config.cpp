@@ -10,10 +10,10 @@
 #include <string_view>
 #include <system_error>
 
+#include "linux/small_files.h"
 #include "virtual/pcm_plugin.h"
 #include "virtual/report.h"
 #include "virtual/television.h"
-#include "virtual/television_files.h"
 
 namespace orvex::virtual_tv {
 namespace {
@@ -57,7 +57,7 @@ void WriteConfiguration() {
   }
   const std::string path = Television::Instance().PathOf("alsa.conf").string();
   try {
-    ReplaceFile(path, AlsaConfiguration(LibraryPath()));
+    port::ReplaceFile(path, AlsaConfiguration(LibraryPath()));
   } catch (const std::system_error& problem) {
     ReportProblem("cannot write " + path + ": " + problem.code().message() + "; there is no sound device");
   }

@@ -12,12 +12,12 @@
 #include <cstring>
 #include <memory>
 
+#include "linux/printable_text.h"
+#include "linux/small_files.h"
+#include "linux/utc_time.h"
 #include "virtual/faults.h"
 #include "virtual/report.h"
 #include "virtual/television.h"
-#include "virtual/television_files.h"
-#include "virtual/television_text.h"
-#include "virtual/utc_time.h"
 
 class CLogger {};
 
@@ -48,8 +48,7 @@ public:
   // False: errno tells why.
   bool Open() {
     struct stat state {};
-    if (m_Fd < 0 || !orvex::virtual_tv::IsRegularFile(m_Fd) || ::flock(m_Fd, LOCK_EX) != 0 ||
-        ::fstat(m_Fd, &state) != 0) {
+    if (m_Fd < 0 || !orvex::port::IsRegularFile(m_Fd) || ::flock(m_Fd, LOCK_EX) != 0 || ::fstat(m_Fd, &state) != 0) {
       return false;
     }
     m_Size = state.st_size;
@@ -120,11 +119,11 @@ private:
 std::string RecordLine(const std::string& service, const std::string& event, const std::string& category,
                        const std::string& value) {
   Json::Value record;
-  record["time"] = orvex::virtual_tv::UtcNow();
-  record["service"] = orvex::virtual_tv::ValidUtf8(service);
-  record["event"] = orvex::virtual_tv::ValidUtf8(event);
-  record["category"] = orvex::virtual_tv::ValidUtf8(category);
-  record["value"] = orvex::virtual_tv::ValidUtf8(value);
+  record["time"] = orvex::port::UtcNow();
+  record["service"] = orvex::port::ValidUtf8(service);
+  record["event"] = orvex::port::ValidUtf8(event);
+  record["category"] = orvex::port::ValidUtf8(category);
+  record["value"] = orvex::port::ValidUtf8(value);
   Json::StreamWriterBuilder writer;
   writer["indentation"] = "";
   return Json::writeString(writer, record) + "\n";

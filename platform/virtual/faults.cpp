@@ -6,16 +6,16 @@
 #include <utility>
 
 #include "linux/no_destroy.h"
+#include "linux/small_files.h"
 #include "virtual/report.h"
 #include "virtual/television.h"
-#include "virtual/television_files.h"
 
 namespace orvex::virtual_tv {
 namespace {
 
 FaultTable ReadFaults(const std::filesystem::path& file) {
   try {
-    const std::string text = ReadSmallFile(file, kMaximumFaultBytes);
+    const std::string text = port::ReadSmallFile(file, kMaximumFaultBytes);
     if (text.size() > kMaximumFaultBytes) {
       throw std::runtime_error("too long: expected at most 1 MiB");
     }

@@ -3,7 +3,7 @@
 
 #include <system_error>
 
-#include "virtual/television_files.h"
+#include "linux/small_files.h"
 
 namespace orvex::virtual_tv {
 
@@ -44,7 +44,7 @@ KeyState::Snapshot KeyState::Look() const {
   snapshot.inode = status.st_ino;
   snapshot.modified = status.st_mtim;
   try {
-    snapshot.content = ReadSmallFile(m_File, kComparedBytes);
+    snapshot.content = port::ReadSmallFile(m_File, kComparedBytes);
   } catch (const std::system_error&) {
     snapshot.content.clear();  // cannot be read now; whoever reads the key will say so
   }

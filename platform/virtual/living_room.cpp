@@ -8,9 +8,9 @@
 #include <vector>
 
 #include "linux/no_destroy.h"
+#include "linux/small_files.h"
 #include "orvex/sim/room_json.h"
 #include "virtual/report.h"
-#include "virtual/television_files.h"
 
 namespace orvex::virtual_tv {
 namespace {
@@ -21,7 +21,7 @@ constexpr sf_count_t kMaximumNoiseSamples = sf_count_t{1} << 26U;  // 20 minutes
 std::string ReadRoomText(const std::filesystem::path& path) {
   std::string text;
   try {
-    text = ReadSmallFile(path, kMaximumRoomBytes);
+    text = port::ReadSmallFile(path, kMaximumRoomBytes);
   } catch (const std::system_error& problem) {
     throw std::runtime_error("cannot read " + path.string() + ": " + problem.code().message());
   }

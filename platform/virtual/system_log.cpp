@@ -16,17 +16,17 @@
 #include <string>
 #include <string_view>
 
+#include "linux/printable_text.h"
+#include "linux/small_files.h"
+#include "linux/utc_time.h"
 #include "virtual/television.h"
-#include "virtual/television_files.h"
-#include "virtual/television_text.h"
-#include "virtual/utc_time.h"
 
 namespace {
 
-using orvex::virtual_tv::IsRegularFile;
-using orvex::virtual_tv::Printable;
+using orvex::port::IsRegularFile;
+using orvex::port::Printable;
+using orvex::port::UtcNow;
 using orvex::virtual_tv::Television;
-using orvex::virtual_tv::UtcNow;
 
 // Keeps the signal of a broken stderr from ending the process while an object of this class lives.
 class PipeSignalGuard {

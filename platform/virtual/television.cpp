@@ -10,8 +10,9 @@
 #include <system_error>
 
 #include "linux/no_destroy.h"
-#include "virtual/television_files.h"
-#include "virtual/television_text.h"
+#include "linux/number_text.h"
+#include "linux/printable_text.h"
+#include "linux/small_files.h"
 
 namespace orvex::virtual_tv {
 namespace {
@@ -37,19 +38,19 @@ TelevisionError Inaccessible(const char* deed, const fs::path& path, const std::
 TelevisionValue Describe(const std::string& name) {
   auto value = DescribeTelevisionValue(name);
   if (!value) {
-    throw TelevisionError(Cause::kUnknownName, "\"" + Printable(name) + "\" is no value of a television");
+    throw TelevisionError(Cause::kUnknownName, "\"" + port::Printable(name) + "\" is no value of a television");
   }
   return *value;
 }
 
 // The text as it is stored, or an error that names `origin`.
 std::string Check(const TelevisionValue& value, const std::string& text, const std::string& origin) {
-  std::string trimmed = TrimTelevisionText(text);
-  const bool good = value.isText ? IsPrintable(trimmed) && text.size() <= kMaximumValueBytes
-                                 : ParseTelevisionNumber(trimmed, value.minimum, value.maximum).has_value();
+  std::string trimmed = port::TrimBlanks(text);
+  const bool good = value.isText ? port::IsPrintable(trimmed) && text.size() <= kMaximumValueBytes
+                                 : port::ParseNumber(trimmed, value.minimum, value.maximum).has_value();
   if (!good) {
     constexpr std::size_t kShownBytes = 60;
-    throw TelevisionError(Cause::kBadValue, origin + ": \"" + Printable(trimmed.substr(0, kShownBytes)) +
+    throw TelevisionError(Cause::kBadValue, origin + ": \"" + port::Printable(trimmed.substr(0, kShownBytes)) +
                                                 "\": expected " + ExpectedTelevisionValue(value));
   }
   return trimmed;
@@ -65,7 +66,7 @@ void MakeFolder(const fs::path& folder) {
 
 void CreateFile(const fs::path& path, const std::string& text) {
   try {
-    CreateFileOnce(path, text);
+    port::CreateFileOnce(path, text);
   } catch (const std::system_error& problem) {
     throw Inaccessible("make", path, problem.code());
   }
@@ -78,7 +79,7 @@ void CreateWhole(const fs::path& folder, const std::function<void(const fs::path
   const auto fail = [&](const std::error_code& reason) { throw Inaccessible("make the directory", folder, reason); };
   std::error_code error;
   fs::create_directories(folder.parent_path(), error);
-  const fs::path temporary = TemporaryName(folder);
+  const fs::path temporary = port::TemporaryName(folder);
   if (error || ::mkdir(temporary.c_str(), kOwnerOnly) != 0) {
     fail(error ? error : std::error_code(errno, std::generic_category()));
   }
@@ -206,7 +207,7 @@ std::string Television::ReadFile(const std::string& name) const {
   CheckOwner();
   const fs::path path = PathOf(name);
   try {
-    return ReadSmallFile(path, kMaximumValueBytes);
+    return port::ReadSmallFile(path, kMaximumValueBytes);
   } catch (const std::system_error& problem) {
     const int code = problem.code().value();
     if (code == ENOENT || code == ENOTDIR) {
@@ -223,7 +224,7 @@ std::string Television::Get(const std::string& name) const {
 std::int64_t Television::GetNumber(const std::string& name) const {
   const TelevisionValue value = Describe(name);
   const std::string text = Check(value, ReadFile(name), PathOf(name).string());
-  const auto number = value.isText ? std::nullopt : ParseTelevisionNumber(text, value.minimum, value.maximum);
+  const auto number = value.isText ? std::nullopt : port::ParseNumber(text, value.minimum, value.maximum);
   if (!number) {
     throw TelevisionError(Cause::kBadValue, "\"" + name + "\" is text, expected the name of a number");
   }
@@ -236,7 +237,7 @@ void Television::Set(const std::string& name, const std::string& text) const {
   const fs::path path = PathOf(name);
   MakeFolder(path.parent_path());
   try {
-    ReplaceFile(path, trimmed + "\n");
+    port::ReplaceFile(path, trimmed + "\n");
   } catch (const std::system_error& problem) {
     throw Inaccessible("write", path, problem.code());
   }

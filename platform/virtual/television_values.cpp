@@ -2,7 +2,6 @@
 #include "virtual/television_values.h"
 
 #include <algorithm>
-#include <charconv>
 #include <initializer_list>
 #include <limits>
 
@@ -72,26 +71,6 @@ std::string ExpectedTelevisionValue(const TelevisionValue& value) {
   }
   const std::string unit = value.unit.empty() ? "" : " " + value.unit;
   return "an integer from " + std::to_string(value.minimum) + " to " + std::to_string(value.maximum) + unit;
-}
-
-std::string TrimTelevisionText(const std::string& text) {
-  constexpr const char* kBlanks = " \t\r\n";
-  const std::size_t first = text.find_first_not_of(kBlanks);
-  if (first == std::string::npos) {
-    return "";
-  }
-  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
-}
-
-std::optional<std::int64_t> ParseTelevisionNumber(const std::string& text, std::int64_t minimum, std::int64_t maximum) {
-  const std::string digits = TrimTelevisionText(text);
-  const char* const end = digits.data() + digits.size();
-  std::int64_t number = 0;
-  const auto [stop, error] = std::from_chars(digits.data(), end, number);
-  if (error != std::errc() || stop != end || number < minimum || number > maximum) {
-    return std::nullopt;
-  }
-  return number;
 }
 
 }  // namespace orvex::virtual_tv

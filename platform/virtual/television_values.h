@@ -28,10 +28,4 @@ std::optional<TelevisionValue> DescribeTelevisionValue(const std::string& name);
 // What is allowed, as a phrase for messages: "an integer from 0 to 100".
 std::string ExpectedTelevisionValue(const TelevisionValue& value);
 
-// The value of a decimal text, blanks and line breaks around it left aside; empty when it is no integer of this range.
-std::optional<std::int64_t> ParseTelevisionNumber(const std::string& text, std::int64_t minimum, std::int64_t maximum);
-
-// `text` without the blanks and line breaks around it.
-std::string TrimTelevisionText(const std::string& text);
-
 }  // namespace orvex::virtual_tv

@@ -10,12 +10,13 @@
 
 #include "fuzz/byte_reader.h"
 #include "fuzz/require.h"
+#include "linux/number_text.h"
+#include "linux/small_files.h"
 #include "orvex/sim/room.h"
 #include "orvex/sim/room_json.h"
 #include "virtual/fault_table.h"
 #include "virtual/key_state.h"
 #include "virtual/television.h"
-#include "virtual/television_files.h"
 #include "virtual/television_values.h"
 
 namespace {
@@ -97,11 +98,11 @@ void WriteValue(const std::string& name, const std::string& text) {
     television.Set(name, text);
     Require(value.has_value(), "only values can be set");
     const std::string written = television.Get(name);
-    Require(written == virtual_tv::TrimTelevisionText(text), "the text read back is the text written");
+    Require(written == port::TrimBlanks(text), "the text read back is the text written");
     if (!value->isText) {
       const std::int64_t number = television.GetNumber(name);
       Require(number >= value->minimum && number <= value->maximum, "a number lies in its range");
-      Require(virtual_tv::ParseTelevisionNumber(std::to_string(number), value->minimum, value->maximum) == number,
+      Require(port::ParseNumber(std::to_string(number), value->minimum, value->maximum) == number,
               "the number read back is the number written");
     }
   } catch (const virtual_tv::TelevisionError& error) {
@@ -122,7 +123,7 @@ void WatchKey(ByteReader& input) {
   while (!input.IsAtEnd()) {
     switch (input.Letter()) {
       case 'r':
-        virtual_tv::ReplaceFile(file, std::to_string(input.Byte()));
+        port::ReplaceFile(file, std::to_string(input.Byte()));
         isWritten = true;
         break;
       case 'o': {

@@ -14,9 +14,9 @@
 
 #include <json/reader.h>
 
+#include "linux/printable_text.h"
 #include "tv/errors.h"
 #include "tv/file_descriptor.h"
-#include "virtual/television_text.h"
 
 namespace orvex::tools {
 namespace {
@@ -38,7 +38,7 @@ std::string ParseRecord(const std::string& line, Json::Value& record) {
 
 std::string Cell(const Json::Value& record, const char* column) {
   const Json::Value& value = record[column];
-  return value.isString() ? virtual_tv::Printable(value.asString()) : "-";
+  return value.isString() ? port::Printable(value.asString()) : "-";
 }
 
 // Empty when there is none.

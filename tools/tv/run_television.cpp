@@ -9,12 +9,12 @@
 #include <stdexcept>
 #include <system_error>
 
+#include "linux/small_files.h"
 #include "orvex/sim/room_json.h"
 #include "orvex/sim/truth.h"
 #include "tv/errors.h"
 #include "tv/text_files.h"
 #include "virtual/fault_table.h"
-#include "virtual/television_files.h"
 
 namespace orvex::tools {
 namespace {
@@ -74,10 +74,10 @@ void RunTelevision::Prepare(const TelevisionOptions& options) {
   const std::string roomPath = m_Television.PathOf(kRoomFile).string();
   m_Room = options.room.Override(room ? *room : sim::ParseRoom(ReadTextFile(roomPath), roomPath));
   if (!options.room.Empty()) {
-    virtual_tv::ReplaceFile(roomPath, sim::RoomToJson(m_Room));
+    port::ReplaceFile(roomPath, sim::RoomToJson(m_Room));
   }
   if (!options.faultsFile.empty()) {
-    virtual_tv::ReplaceFile(m_Television.PathOf(kFaultsFile), faults);
+    port::ReplaceFile(m_Television.PathOf(kFaultsFile), faults);
   }
   if (options.baseDelayMs) {
     m_Television.Set(kDelay, std::to_string(*options.baseDelayMs));

@@ -3,15 +3,15 @@
 
 #include <system_error>
 
+#include "linux/small_files.h"
 #include "tv/errors.h"
-#include "virtual/television_files.h"
 
 namespace orvex::tools {
 
 std::string ReadTextFile(const std::string& path) {
   constexpr std::size_t kLargest = 1u << 20;
   try {
-    std::string text = virtual_tv::ReadSmallFile(path, kLargest);
+    std::string text = port::ReadSmallFile(path, kLargest);
     if (text.size() > kLargest) {
       throw UsageError(path + ": too large, expected at most " + std::to_string(kLargest) + " bytes");
     }

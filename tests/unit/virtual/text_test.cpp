@@ -1,9 +1,9 @@
 // Texts that come from elsewhere, for a terminal, a log and a record.
 #include <gtest/gtest.h>
 
-#include "virtual/television_text.h"
+#include "linux/printable_text.h"
 
-namespace orvex::virtual_tv {
+namespace orvex::port {
 namespace {
 
 struct Row {
@@ -57,4 +57,4 @@ INSTANTIATE_TEST_SUITE_P(Of, HostText, testing::ValuesIn(kRows),
                          [](const auto& row) { return std::string(row.param.name); });
 
 }  // namespace
-}  // namespace orvex::virtual_tv
+}  // namespace orvex::port

@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <string>
 
-namespace orvex::virtual_tv {
+namespace orvex::port {
 
 // Reads at most `maximumBytes` + 1 bytes, so that the caller can tell a file that is too long.
 std::string ReadSmallFile(const std::filesystem::path& path, std::size_t maximumBytes);
@@ -23,4 +23,4 @@ void ReplaceFile(const std::filesystem::path& path, const std::string& content);
 // As ReplaceFile(), but an existing file is left as it is. False: it existed.
 bool CreateFileOnce(const std::filesystem::path& path, const std::string& content);
 
-}  // namespace orvex::virtual_tv
+}  // namespace orvex::port

@@ -3,9 +3,9 @@
 
 #include <string>
 
-namespace orvex::virtual_tv {
+namespace orvex::port {
 
 // "2031-05-04T09:08:07.123456Z". Any thread.
 std::string UtcNow();
 
-}  // namespace orvex::virtual_tv
+}  // namespace orvex::port

@@ -1,12 +1,12 @@
 // Texts that come from elsewhere.
-#include "virtual/television_text.h"
+#include "linux/printable_text.h"
 
 #include <array>
 #include <boost/locale/utf.hpp>
 #include <cstdio>
 #include <functional>
 
-namespace orvex::virtual_tv {
+namespace orvex::port {
 namespace {
 
 using Utf8 = boost::locale::utf::utf_traits<char>;
@@ -78,4 +78,4 @@ std::string ValidUtf8(std::string_view text) {
   return valid;
 }
 
-}  // namespace orvex::virtual_tv
+}  // namespace orvex::port

@@ -1,11 +1,11 @@
 // UTC with microseconds.
-#include "virtual/utc_time.h"
+#include "linux/utc_time.h"
 
 #include <array>
 #include <cstdio>
 #include <ctime>
 
-namespace orvex::virtual_tv {
+namespace orvex::port {
 
 std::string UtcNow() {
   timespec now{};
@@ -20,4 +20,4 @@ std::string UtcNow() {
   return std::string(seconds.data()) + fraction.data();
 }
 
-}  // namespace orvex::virtual_tv
+}  // namespace orvex::port

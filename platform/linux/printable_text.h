@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace orvex::virtual_tv {
+namespace orvex::port {
 
 // True for UTF-8 without control characters: those below a blank, DEL and U+0080 to U+009F.
 bool IsPrintable(std::string_view text);
@@ -15,4 +15,4 @@ std::string Printable(std::string_view text);
 // `text` with U+FFFD in place of each byte that is no UTF-8.
 std::string ValidUtf8(std::string_view text);
 
-}  // namespace orvex::virtual_tv
+}  // namespace orvex::port

@@ -1,5 +1,5 @@
 // Whole files by write-then-rename.
-#include "virtual/television_files.h"
+#include "linux/small_files.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -11,7 +11,7 @@
 #include <cstdio>
 #include <system_error>
 
-namespace orvex::virtual_tv {
+namespace orvex::port {
 namespace {
 
 [[noreturn]] void ThrowErrno() {
@@ -121,4 +121,4 @@ bool CreateFileOnce(const std::filesystem::path& path, const std::string& conten
   return false;
 }
 
-}  // namespace orvex::virtual_tv
+}  // namespace orvex::port
