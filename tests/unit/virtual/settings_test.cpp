@@ -63,6 +63,13 @@ protected:
     m_Application.Run();
   }
 
+  // How often a subscriber of `key` is notified of what `write` does.
+  int CountNotifications(const char* key, const std::function<void()>& write) {
+    Subscribe(key);
+    RunWith(write);
+    return m_Counts[key];
+  }
+
   std::map<std::string, int> m_Counts;
   std::function<void(const std::string&)> m_OnChanged = [](const std::string&) {};
   LoopApplication m_Application;
@@ -122,30 +129,20 @@ TEST_F(HostSettings, RefuseASubscriptionThatCannotBeServed) {
 }
 
 TEST_F(HostSettings, NotifyOncePerWriteByEcho) {
-  Subscribe(kFlag);
-  Subscribe(kConsent);
-  RunWith([this] { Echo(FileOf(kFlag), "1\n"); });
-  EXPECT_EQ(m_Counts[kFlag], 1);
-  EXPECT_EQ(m_Counts[kConsent], 0);
+  EXPECT_EQ(CountNotifications(kFlag, [this] { Echo(FileOf(kFlag), "1\n"); }), 1);
 }
 
 TEST_F(HostSettings, NotifyOncePerWriteByRename) {
-  Subscribe(kFlag);
-  RunWith([] { Television::Instance().Set(FileOf(kFlag), "1"); });
-  EXPECT_EQ(m_Counts[kFlag], 1);
+  EXPECT_EQ(CountNotifications(kFlag, [] { Television::Instance().Set(FileOf(kFlag), "1"); }), 1);
 }
 
 TEST_F(HostSettings, NotifyAWriteOfTheSameValue) {
-  Subscribe(kFlag);
-  RunWith([this] { Echo(FileOf(kFlag), "0\n"); });
-  EXPECT_EQ(m_Counts[kFlag], 1);
+  EXPECT_EQ(CountNotifications(kFlag, [this] { Echo(FileOf(kFlag), "0\n"); }), 1);
 }
 
 TEST_F(HostSettings, NotifyTheKeyThatWasWrittenAndNoOther) {
   Subscribe(kFlag);
-  Subscribe(kConsent);
-  RunWith([this] { Echo(FileOf(kConsent), "1\n"); });
-  EXPECT_EQ(m_Counts[kConsent], 1);
+  EXPECT_EQ(CountNotifications(kConsent, [this] { Echo(FileOf(kConsent), "1\n"); }), 1);
   EXPECT_EQ(m_Counts[kFlag], 0);
 }
 
@@ -166,29 +163,25 @@ TEST_F(HostSettings, NotifyEachWriteThatFollowsANotification) {
 }
 
 TEST_F(HostSettings, NotifyAKeyThatAppearsLaterInNewDirectories) {
-  Subscribe(kLate);
-  RunWith([this] {
+  const auto write = [this] {
     std::filesystem::create_directories((Folder() / FileOf(kLate)).parent_path());
     Echo(FileOf(kLate), "1\n");
-  });
-  EXPECT_EQ(m_Counts[kLate], 1);
+  };
+  EXPECT_EQ(CountNotifications(kLate, write), 1);
 }
 
 TEST_F(HostSettings, NotifyAKeyThatAppearsBesideOthers) {
-  Subscribe("db/fresh");
-  RunWith([this] { Echo(FileOf("db/fresh"), "1\n"); });
-  EXPECT_EQ(m_Counts["db/fresh"], 1);
+  EXPECT_EQ(CountNotifications("db/fresh", [this] { Echo(FileOf("db/fresh"), "1\n"); }), 1);
   EXPECT_EQ(settings_unsubscribe("db/fresh", &OnChanged), 0);
 }
 
 TEST_F(HostSettings, NotifyAKeyWhoseDirectoryWasRemovedAndMadeAgain) {
-  Subscribe(kFlag);
-  RunWith([this] {
+  const auto replaceDirectory = [this] {
     Remove("settings/db/device-detector-service");
     std::filesystem::create_directories((Folder() / FileOf(kFlag)).parent_path());
     Echo(FileOf(kFlag), "1\n");
-  });
-  EXPECT_EQ(m_Counts[kFlag], 1);
+  };
+  EXPECT_EQ(CountNotifications(kFlag, replaceDirectory), 1);
 }
 
 TEST_F(HostSettings, NotifyAWriteBetweenTheSubscriptionAndTheMainLoop) {
@@ -205,32 +198,28 @@ TEST_F(HostSettings, NotifyAWriteBetweenTheSubscriptionAndTheMainLoop) {
 }
 
 TEST_F(HostSettings, AreSilentAboutARemovedKey) {
-  Subscribe(kFlag);
-  RunWith([this] { Remove(FileOf(kFlag)); });
-  EXPECT_EQ(m_Counts[kFlag], 0);
+  EXPECT_EQ(CountNotifications(kFlag, [this] { Remove(FileOf(kFlag)); }), 0);
 }
 
 TEST_F(HostSettings, AreSilentAfterTheUnsubscribe) {
-  Subscribe(kFlag);
-  RunWith([this] {
+  const auto writeAndUnsubscribe = [this] {
     Echo(FileOf(kFlag), "1\n");
     EXPECT_EQ(settings_unsubscribe(kFlag, &OnChanged), 0);
-  });
-  EXPECT_EQ(m_Counts[kFlag], 0);
+  };
+  EXPECT_EQ(CountNotifications(kFlag, writeAndUnsubscribe), 0);
 }
 
 TEST_F(HostSettings, MayBeUnsubscribedByTheirOwnCallback) {
-  Subscribe(kFlag);
   m_OnChanged = [](const std::string& key) {
     if (key == kFlag) {
       EXPECT_EQ(settings_unsubscribe(kFlag, &OnChanged), 0);
     }
   };
-  RunWith([this] {
+  const auto writeTwice = [this] {
     Echo(FileOf(kFlag), "1\n");
     Echo(FileOf(kFlag), "2\n");
-  });
-  EXPECT_EQ(m_Counts[kFlag], 1);
+  };
+  EXPECT_EQ(CountNotifications(kFlag, writeTwice), 1);
 }
 
 TEST_F(HostSettings, MayBeUnsubscribedByTheCallbackBeforeThem) {

@@ -41,16 +41,23 @@ private:
 
 class HostWorkers : public HostTelevision {
 protected:
+  HostWorkers() {
+    m_Application.onCreate = [this] {
+      StartWorker();
+      ui_app_exit();
+    };
+  }
+
+  void StartWorker() {
+    m_Worker.Start();
+    m_Worker.WaitUntilItWorks();
+  }
+
   LoopApplication m_Application;
   Worker m_Worker;
 };
 
 TEST_F(HostWorkers, FinishAndRunTheirEndFunctionBeforeAppMainReturns) {
-  m_Application.onCreate = [&] {
-    m_Worker.Start();
-    m_Worker.WaitUntilItWorks();
-    ui_app_exit();
-  };
   m_Application.onDestroy = [&] {
     EXPECT_EQ(m_Worker.ends, 0);
     m_Worker.LetGo();
@@ -61,11 +68,6 @@ TEST_F(HostWorkers, FinishAndRunTheirEndFunctionBeforeAppMainReturns) {
 }
 
 TEST_F(HostWorkers, RunTheirCancelFunctionWhenTheyWereCancelledAtWork) {
-  m_Application.onCreate = [&] {
-    m_Worker.Start();
-    m_Worker.WaitUntilItWorks();
-    ui_app_exit();
-  };
   m_Application.onDestroy = [&] {
     EXPECT_FALSE(m_Worker.Cancel()) << "pending: it works";
     m_Worker.LetGo();
@@ -79,9 +81,8 @@ TEST_F(HostWorkers, FinishThoughFurtherSignalsComeMeanwhile) {
   // The second worker is let go by the end of the first, so both signals come while there is still work.
   Worker second;
   m_Application.onCreate = [&] {
-    m_Worker.Start();
+    StartWorker();
     second.Start();
-    m_Worker.WaitUntilItWorks();
     second.WaitUntilItWorks();
     raise(SIGTERM);
   };
@@ -103,11 +104,6 @@ TEST_F(HostWorkers, FinishThoughFurtherSignalsComeMeanwhile) {
 }
 
 TEST_F(HostWorkers, HearNoEventWhileTheyAreWaitedFor) {
-  m_Application.onCreate = [&] {
-    m_Worker.Start();
-    m_Worker.WaitUntilItWorks();
-    ui_app_exit();
-  };
   m_Application.onDestroy = [&] {
     EXPECT_FALSE(SendEvent(FwEvent(1, m_Application.GetEventReceiver())));
     m_Worker.LetGo();
@@ -120,8 +116,7 @@ TEST_F(HostWorkers, SeeNoAlarmGoOffWhileTheyAreWaitedFor) {
   FwAlarm alarm;
   int alarms = 0;
   m_Application.onCreate = [&] {
-    m_Worker.Start();
-    m_Worker.WaitUntilItWorks();
+    StartWorker();
     alarm.SetAlarmCallback([](void* count) { return ++*static_cast<int*>(count) > 0; }, &alarms);
     EXPECT_TRUE(alarm.Create(nullptr, 1, FwAlarm::kRepeatForever));
     ui_app_exit();
@@ -142,8 +137,7 @@ TEST_F(HostWorkers, SeeNoAlarmGoOffWhileTheyAreWaitedFor) {
 
 TEST_F(HostWorkers, AreWaitedForNoLongerThanTheLimit) {
   ASSERT_EQ(port::StartMainLoop(), "");
-  m_Worker.Start();
-  m_Worker.WaitUntilItWorks();
+  StartWorker();
   EXPECT_FALSE(port::DrainWorkers(std::chrono::milliseconds(50)));
   m_Worker.LetGo();
   EXPECT_TRUE(port::DrainWorkers(std::chrono::seconds(30)));
@@ -166,15 +160,7 @@ TEST_F(HostWorkers, HaveTheirEndFunctionRunThoughTheirThreadIsGone) {
 
 TEST_F(HostWorkers, DoNotKeepTheProcessBeyondSixSeconds) {
   testing::GTEST_FLAG(death_test_style) = "threadsafe";
-  const auto runWithoutLettingGo = [this] {
-    m_Application.onCreate = [&] {
-      m_Worker.Start();
-      m_Worker.WaitUntilItWorks();
-      ui_app_exit();
-    };
-    m_Application.Run();
-  };
-  EXPECT_EXIT(runWithoutLettingGo(), testing::ExitedWithCode(0), "did not finish within 6 s");
+  EXPECT_EXIT(m_Application.Run(), testing::ExitedWithCode(0), "did not finish within 6 s");
 }
 
 }  // namespace
