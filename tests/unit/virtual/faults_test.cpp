@@ -13,7 +13,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-class HostFaults : public HostTelevision {
+class InjectedFaults : public HostTelevision {
 protected:
   std::string ProblemWith(const std::string& json) {
     testing::internal::CaptureStderr();
@@ -22,13 +22,13 @@ protected:
   }
 };
 
-TEST_F(HostFaults, AreNoneWithoutAFile) {
+TEST_F(InjectedFaults, AreNoneWithoutAFile) {
   EXPECT_EQ(Faults::Instance().Next(Fault::kVoiceStart), std::nullopt);
   EXPECT_THAT(Faults::Instance().Frames(Fault::kPcmUnderrunAtFrame), IsEmpty());
   EXPECT_FALSE(Faults::Instance().IsAbsent(Fault::kEventLog));
 }
 
-TEST_F(HostFaults, GiveAnIntegerAtEveryCallAndAnArrayCallByCall) {
+TEST_F(InjectedFaults, GiveAnIntegerAtEveryCallAndAnArrayCallByCall) {
   SetFaults(R"({"voice.start": -115, "voice.stop": [-115, null, 0]})");
   Faults& faults = Faults::Instance();
   EXPECT_EQ(faults.Next(Fault::kVoiceStart), -115);
@@ -40,20 +40,20 @@ TEST_F(HostFaults, GiveAnIntegerAtEveryCallAndAnArrayCallByCall) {
   EXPECT_EQ(faults.Next(Fault::kVoiceExtend), std::nullopt);
 }
 
-TEST_F(HostFaults, CountFromTheBeginningWhenTheFileIsReadAgain) {
+TEST_F(InjectedFaults, CountFromTheBeginningWhenTheFileIsReadAgain) {
   SetFaults(R"({"delay.get": [-1]})");
   EXPECT_EQ(Faults::Instance().Next(Fault::kDelayGet), -1);
   Faults::Instance().Reload();
   EXPECT_EQ(Faults::Instance().Next(Fault::kDelayGet), -1);
 }
 
-TEST_F(HostFaults, GiveFramesInAscendingOrder) {
+TEST_F(InjectedFaults, GiveFramesInAscendingOrder) {
   SetFaults(R"({"pcm.underrun_at_frame": [9000, 100], "pcm.stall_at_frame": 5})");
   EXPECT_THAT(Faults::Instance().Frames(Fault::kPcmUnderrunAtFrame), ElementsAre(100, 9000));
   EXPECT_THAT(Faults::Instance().Frames(Fault::kPcmStallAtFrame), ElementsAre(5));
 }
 
-TEST_F(HostFaults, GiveEachEntryToOneOfManyThreads) {
+TEST_F(InjectedFaults, GiveEachEntryToOneOfManyThreads) {
   SetFaults(R"({"delay.get": [1, 2, 3, 4, 5, 6, 7, 8]})");
   std::vector<int> answers(8);
   std::vector<std::thread> threads;
@@ -67,7 +67,7 @@ TEST_F(HostFaults, GiveEachEntryToOneOfManyThreads) {
   EXPECT_THAT(answers, ElementsAre(1, 2, 3, 4, 5, 6, 7, 8));
 }
 
-TEST_F(HostFaults, InjectNothingAndSayWhyWhenTheFileIsWrong) {
+TEST_F(InjectedFaults, InjectNothingAndSayWhyWhenTheFileIsWrong) {
   const struct {
     const char* json;
     const char* problem;
@@ -94,18 +94,18 @@ TEST_F(HostFaults, InjectNothingAndSayWhyWhenTheFileIsWrong) {
   }
 }
 
-TEST_F(HostFaults, SayNothingAboutADeeplyNestedFileButThatItIsWrong) {
+TEST_F(InjectedFaults, SayNothingAboutADeeplyNestedFileButThatItIsWrong) {
   EXPECT_THAT(ProblemWith(std::string(100000, '[')), HasSubstr("no faults are injected"));
 }
 
-TEST_F(HostFaults, InjectNothingWhenAZeroByteEndsTheJsonWithinTheFile) {
+TEST_F(InjectedFaults, InjectNothingWhenAZeroByteEndsTheJsonWithinTheFile) {
   const std::string object = R"({"delay.get": -1})";
   const std::string told = ProblemWith(object + '\0' + object);
   EXPECT_THAT(told, HasSubstr("expected a JSON object: byte 17 is 0"));
   EXPECT_EQ(Faults::Instance().Next(Fault::kDelayGet), std::nullopt);
 }
 
-TEST_F(HostFaults, MakeAnObjectAbsent) {
+TEST_F(InjectedFaults, MakeAnObjectAbsent) {
   EXPECT_NE(IAudioControl::getInstance(), nullptr);
   SetFaults(R"({"audio_control": "absent"})");
   EXPECT_EQ(IAudioControl::getInstance(), nullptr);

@@ -11,25 +11,25 @@
 namespace orvex::virtual_tv {
 namespace {
 
-class HostPcmConfig : public PcmTelevision {};
+class PcmConfig : public PcmTelevision {};
 
-TEST_F(HostPcmConfig, NamesTheLibraryByItsAbsolutePath) {
+TEST_F(PcmConfig, NamesTheLibraryByItsAbsolutePath) {
   std::ifstream file(Folder() / "alsa.conf");
   const std::string text{std::istreambuf_iterator<char>(file), {}};
   EXPECT_THAT(text, testing::ContainsRegex("pcm_type.orvex . lib \"/.*/liborvex-host.so\" ."));
 }
 
 // The test's folder has blanks in its name, which part a list of files for libasound.
-TEST_F(HostPcmConfig, WorksInAFolderWithBlanksInItsName) {
+TEST_F(PcmConfig, WorksInAFolderWithBlanksInItsName) {
   ASSERT_NE(Folder().string().find(' '), std::string::npos);
   EXPECT_EQ(PcmPlayer().OpenResult(), 0);
 }
 
-TEST(HostPcmConfigText, QuotesTheLibrarysPath) {
+TEST(PcmConfigText, QuotesTheLibrarysPath) {
   EXPECT_THAT(AlsaConfiguration("/a \"b\"\\c.so"), testing::HasSubstr(R"(lib "/a \"b\"\\c.so" )"));
 }
 
-TEST(HostPcmConfigChoice, TheSystemsOwnDevicesStayInPlaceWhenAskedFor) {
+TEST(PcmConfigChoice, TheSystemsOwnDevicesStayInPlaceWhenAskedFor) {
   setenv("ORVEX_ALSA", "system", 1);
   setenv("ALSA_CONFIG_PATH", "/etc/alsa/mine.conf", 1);
   ConfigureAlsa();

@@ -20,7 +20,7 @@ Seconds Since(std::chrono::steady_clock::time_point start) {
   return std::chrono::steady_clock::now() - start;
 }
 
-class HostPcmDevice : public PcmTelevision {
+class PcmDevice : public PcmTelevision {
 protected:
   void SetUp() override {
     PcmTelevision::SetUp();
@@ -35,13 +35,13 @@ protected:
   std::optional<PcmPlayer> m_Player;
 };
 
-TEST_F(HostPcmDevice, TakesTheServicesParameters) {
+TEST_F(PcmDevice, TakesTheServicesParameters) {
   EXPECT_EQ(m_Player->BufferFrames(), 4915U);
   EXPECT_EQ(m_Player->PeriodFrames(), 1228U);
   EXPECT_EQ(snd_pcm_frames_to_bytes(Pcm(), 1), 4);
 }
 
-TEST_F(HostPcmDevice, RestsInSetupAfterADropAndRefusesToWriteBeforeAPrepare) {
+TEST_F(PcmDevice, RestsInSetupAfterADropAndRefusesToWriteBeforeAPrepare) {
   ASSERT_EQ(snd_pcm_drop(Pcm()), 0);
   EXPECT_EQ(snd_pcm_state(Pcm()), SND_PCM_STATE_SETUP);
   EXPECT_EQ(m_Player->Write(PcmPlayer::Silence(10)), -EBADFD);
@@ -49,14 +49,14 @@ TEST_F(HostPcmDevice, RestsInSetupAfterADropAndRefusesToWriteBeforeAPrepare) {
   EXPECT_EQ(m_Player->Write(PcmPlayer::Silence(10)), 10);
 }
 
-TEST_F(HostPcmDevice, StartsByItselfWithHalfABuffer) {
+TEST_F(PcmDevice, StartsByItselfWithHalfABuffer) {
   m_Player->Write(PcmPlayer::Silence(2456));
   EXPECT_EQ(snd_pcm_state(Pcm()), SND_PCM_STATE_PREPARED);
   m_Player->Write(PcmPlayer::Silence(1));
   EXPECT_EQ(snd_pcm_state(Pcm()), SND_PCM_STATE_RUNNING);
 }
 
-TEST_F(HostPcmDevice, HalfASecondOfSoundTakesHalfASecond) {
+TEST_F(PcmDevice, HalfASecondOfSoundTakesHalfASecond) {
   const auto start = std::chrono::steady_clock::now();
   ASSERT_EQ(m_Player->WriteThrough(PcmPlayer::Silence(24000)), 24000);
   EXPECT_GE(Since(start), Seconds((24000.0 - 4915.0) / 48000.0));
@@ -66,7 +66,7 @@ TEST_F(HostPcmDevice, HalfASecondOfSoundTakesHalfASecond) {
   EXPECT_EQ(snd_pcm_state(Pcm()), SND_PCM_STATE_SETUP);
 }
 
-TEST_F(HostPcmDevice, DrainsAFullBufferToItsEnd) {
+TEST_F(PcmDevice, DrainsAFullBufferToItsEnd) {
   ASSERT_EQ(m_Player->Write(PcmPlayer::Silence(4915)), 4915);
   const auto start = std::chrono::steady_clock::now();
   ASSERT_EQ(snd_pcm_drain(Pcm()), 0);
@@ -74,7 +74,7 @@ TEST_F(HostPcmDevice, DrainsAFullBufferToItsEnd) {
   EXPECT_EQ(snd_pcm_state(Pcm()), SND_PCM_STATE_SETUP);
 }
 
-TEST_F(HostPcmDevice, ADrainThatDoesNotBlockWakesItsWaiterAtTheEnd) {
+TEST_F(PcmDevice, ADrainThatDoesNotBlockWakesItsWaiterAtTheEnd) {
   ASSERT_EQ(m_Player->Write(PcmPlayer::Silence(4915)), 4915);
   ASSERT_EQ(snd_pcm_nonblock(Pcm(), 1), 0);
   pollfd descriptor{};
@@ -88,7 +88,7 @@ TEST_F(HostPcmDevice, ADrainThatDoesNotBlockWakesItsWaiterAtTheEnd) {
   EXPECT_EQ(snd_pcm_state(Pcm()), SND_PCM_STATE_SETUP);
 }
 
-TEST_F(HostPcmDevice, TellsItsStatusBeforeItIsConfigured) {
+TEST_F(PcmDevice, TellsItsStatusBeforeItIsConfigured) {
   m_Player.emplace();
   snd_pcm_status_t* status = nullptr;
   snd_pcm_status_alloca(&status);
@@ -96,7 +96,7 @@ TEST_F(HostPcmDevice, TellsItsStatusBeforeItIsConfigured) {
   EXPECT_EQ(snd_pcm_status_get_state(status), SND_PCM_STATE_OPEN);
 }
 
-TEST_F(HostPcmDevice, PlaysAgainAfterADrop) {
+TEST_F(PcmDevice, PlaysAgainAfterADrop) {
   ASSERT_EQ(m_Player->WriteThrough(PcmPlayer::Silence(6000)), 6000);
   ASSERT_EQ(snd_pcm_drop(Pcm()), 0);
   ASSERT_EQ(snd_pcm_prepare(Pcm()), 0);
@@ -104,7 +104,7 @@ TEST_F(HostPcmDevice, PlaysAgainAfterADrop) {
   EXPECT_EQ(m_Player->WriteThrough(PcmPlayer::Silence(6000)), 6000);
 }
 
-TEST_F(HostPcmDevice, RunsDryWhenNothingIsWrittenAndRecovers) {
+TEST_F(PcmDevice, RunsDryWhenNothingIsWrittenAndRecovers) {
   ASSERT_EQ(m_Player->Write(PcmPlayer::Silence(2457)), 2457);
   const auto start = std::chrono::steady_clock::now();
   while (snd_pcm_avail_update(Pcm()) >= 0 && Since(start) < kGenerous) {
@@ -115,12 +115,12 @@ TEST_F(HostPcmDevice, RunsDryWhenNothingIsWrittenAndRecovers) {
   EXPECT_EQ(m_Player->WriteThrough(PcmPlayer::Silence(6000)), 6000);
 }
 
-TEST_F(HostPcmDevice, AnEmptyStreamDoesNotRun) {
+TEST_F(PcmDevice, AnEmptyStreamDoesNotRun) {
   ASSERT_EQ(snd_pcm_start(Pcm()), 0);
   EXPECT_EQ(m_Player->Write(PcmPlayer::Silence(10)), -EPIPE);
 }
 
-TEST_F(HostPcmDevice, ItsDescriptorTellsWhenAPeriodIsFree) {
+TEST_F(PcmDevice, ItsDescriptorTellsWhenAPeriodIsFree) {
   ASSERT_EQ(m_Player->Write(PcmPlayer::Silence(4915)), 4915);
   pollfd descriptor{};
   ASSERT_EQ(snd_pcm_poll_descriptors(Pcm(), &descriptor, 1), 1);
@@ -131,13 +131,13 @@ TEST_F(HostPcmDevice, ItsDescriptorTellsWhenAPeriodIsFree) {
   EXPECT_TRUE(snd_pcm_avail(Pcm()) >= 1228 || snd_pcm_state(Pcm()) == SND_PCM_STATE_XRUN);
 }
 
-TEST_F(HostPcmDevice, HasOneHandleAtATime) {
+TEST_F(PcmDevice, HasOneHandleAtATime) {
   EXPECT_EQ(PcmPlayer().OpenResult(), -EBUSY);
   m_Player->Close();
   EXPECT_EQ(PcmPlayer().OpenResult(), 0);
 }
 
-TEST_F(HostPcmDevice, IsTheOnlyDevice) {
+TEST_F(PcmDevice, IsTheOnlyDevice) {
   snd_pcm_t* other = nullptr;
   EXPECT_EQ(snd_pcm_open(&other, "hw:0,3", SND_PCM_STREAM_PLAYBACK, 0), -ENOENT);
   EXPECT_EQ(snd_pcm_open(&other, "hw:1,8", SND_PCM_STREAM_PLAYBACK, 0), -ENOENT);

@@ -13,6 +13,8 @@
 namespace orvex::virtual_tv {
 namespace {
 
+using namespace std::string_literals;
+
 constexpr double kMicrophoneRateHz = 46545.0;
 constexpr std::size_t kClickFrame = 1000;
 
@@ -40,7 +42,7 @@ double SamplesIn(MonotonicTime span) {
   return static_cast<double>(span.count()) * 1e-9 * kMicrophoneRateHz;
 }
 
-class HostPcmRoom : public PcmTelevision {
+class PcmRoom : public PcmTelevision {
 protected:
   // Both ends of the time in which the recording and the playback began.
   struct Span {
@@ -75,37 +77,43 @@ protected:
     deed();
     return {before, MonotonicNow()};
   }
+
+  // The loudest sample is a click that left the device in the time of `click` and was heard `waySeconds` later.
+  static void ExpectClickAfter(double waySeconds, const std::vector<std::int16_t>& samples, const Span& recording,
+                               const Span& click) {
+    const auto loudest = static_cast<double>(LoudestSample(samples, 0, samples.size()));
+    const double way = waySeconds * kMicrophoneRateHz;
+    EXPECT_GE(loudest, SamplesIn(click.earliest - recording.latest) + way - 1.0);
+    EXPECT_LE(loudest, SamplesIn(click.latest - recording.earliest) + way + 1.0);
+  }
 };
 
-TEST_F(HostPcmRoom, AFrameIsHeardItsLatencyAfterItLeftTheDevice) {
-  Write("room.json", kDryRoom);
+TEST_F(PcmRoom, AFrameIsHeardItsLatencyAfterItLeftTheDevice) {
+  Echo("room.json", kDryRoom);
   const Hearing hearing = Listen(Click(true, false));
-  const double way = kClickFrame / 48000.0 * kMicrophoneRateHz + 0.050 * kMicrophoneRateHz;
-  const auto loudest = static_cast<double>(LoudestSample(hearing.samples, 0, hearing.samples.size()));
-  EXPECT_GE(loudest, SamplesIn(hearing.playback.earliest - hearing.recording.latest) + way - 1.0);
-  EXPECT_LE(loudest, SamplesIn(hearing.playback.latest - hearing.recording.earliest) + way + 1.0);
+  ExpectClickAfter(kClickFrame / 48000.0 + 0.050, hearing.samples, hearing.recording, hearing.playback);
 }
 
-TEST_F(HostPcmRoom, TheOpticalOutputIsLateByItsLatencyAndTheDelayInForce) {
-  Write("room.json", kDryRoom);
-  Write("delay/spdif", "100\n");
+TEST_F(PcmRoom, TheOpticalOutputIsLateByItsLatencyAndTheDelayInForce) {
+  Echo("room.json", kDryRoom);
+  Echo("delay/spdif", "100\n");
   const Hearing hearing = Listen(Click(true, true));
   const std::size_t speaker = LoudestSample(hearing.samples, 0, hearing.samples.size());
   const std::size_t optical = LoudestSample(hearing.samples, speaker + 1000, hearing.samples.size());
   EXPECT_NEAR(static_cast<double>(optical - speaker), 0.070 * kMicrophoneRateHz, 1.0);
 }
 
-TEST_F(HostPcmRoom, AMutedSpeakerIsNotHeard) {
-  Write("room.json", kDryRoom);
-  Write("sound/mute", "1\n");
+TEST_F(PcmRoom, AMutedSpeakerIsNotHeard) {
+  Echo("room.json", kDryRoom);
+  Echo("sound/mute", "1\n");
   const Hearing hearing = Listen(Click(true, false));
   EXPECT_EQ(std::count(hearing.samples.begin(), hearing.samples.end(), 0),
             static_cast<std::ptrdiff_t>(hearing.samples.size()));
 }
 
 // A recording that began anew would lack what was heard between the last block and the second start.
-TEST_F(HostPcmRoom, AStartWhileSendingKeepsTheRecording) {
-  Write("room.json", kDryRoom);
+TEST_F(PcmRoom, AStartWhileSendingKeepsTheRecording) {
+  Echo("room.json", kDryRoom);
   VoiceRecorder recorder;
   ASSERT_EQ(recorder.Register(), 0);
   const Span start = Timed([] { EXPECT_EQ(StartVoice(), 0); });
@@ -117,15 +125,11 @@ TEST_F(HostPcmRoom, AStartWhileSendingKeepsTheRecording) {
   const std::size_t needed = recorder.Blocks().size() + 15;  // 247 ms
   ASSERT_TRUE(recorder.WaitForBlocks(needed));
   recorder.Unregister();
-  const auto samples = recorder.Samples();
-  const auto loudest = static_cast<double>(LoudestSample(samples, 0, samples.size()));
-  const double way = 0.050 * kMicrophoneRateHz;
-  EXPECT_GE(loudest, SamplesIn(click - start.latest) + way - 1.0);
-  EXPECT_LE(loudest, SamplesIn(click - start.earliest) + way + 1.0);
+  ExpectClickAfter(0.050, recorder.Samples(), start, {click, click});
 }
 
-TEST_F(HostPcmRoom, FramesThatADropCutsOffAreNotHeard) {
-  Write("room.json", kDryRoom);
+TEST_F(PcmRoom, FramesThatADropCutsOffAreNotHeard) {
+  Echo("room.json", kDryRoom);
   PcmPlayer player;
   ASSERT_EQ(player.Configure(1), 0);
   auto sound = PcmPlayer::Silence(4800);  // 100 ms with a click at its end
@@ -143,38 +147,37 @@ TEST_F(HostPcmRoom, FramesThatADropCutsOffAreNotHeard) {
   EXPECT_NE(wasInTime, std::any_of(samples.begin(), samples.end(), [](int sample) { return sample != 0; }));
 }
 
-TEST_F(HostPcmRoom, ABrokenRoomIsReportedOnceAndDisconnectsTheRemoteOnly) {
-  Write("room.json", R"({"tv": {"latency_ms": "soon"}})");
+TEST_F(PcmRoom, ABrokenRoomIsReportedOnceAndDisconnectsTheRemoteOnly) {
+  Echo("room.json", R"({"tv": {"latency_ms": "soon"}})");
   testing::internal::CaptureStderr();
-  EXPECT_EQ(StartVoice(), -19);
-  EXPECT_EQ(StartVoice(), -19);
-  EXPECT_EQ(ExtendVoice(), -19);
-  EXPECT_EQ(bt_hid_rc_stop_sending_voice(nullptr), -19);
+  EXPECT_EQ(StartVoice(), kVoiceNoRemote);
+  EXPECT_EQ(StartVoice(), kVoiceNoRemote);
+  EXPECT_EQ(ExtendVoice(), kVoiceNoRemote);
+  EXPECT_EQ(bt_hid_rc_stop_sending_voice(nullptr), kVoiceNoRemote);
   PcmPlayer player;
   ASSERT_EQ(player.Configure(), 0);
   EXPECT_EQ(player.WriteThrough(PcmPlayer::Silence(6000)), 6000);
   const std::string report = testing::internal::GetCapturedStderr();
-  EXPECT_THAT(report, testing::HasSubstr((Folder() / "room.json").string()));
-  EXPECT_THAT(report, testing::HasSubstr("latency_ms"));
-  EXPECT_THAT(report, testing::HasSubstr("soon"));
-  EXPECT_THAT(report, testing::HasSubstr("expected"));
+  for (const std::string& part : {(Folder() / "room.json").string(), "latency_ms"s, "soon"s, "expected"s}) {
+    EXPECT_THAT(report, testing::HasSubstr(part));
+  }
   EXPECT_EQ(report.find("room.json"), report.rfind("room.json"));
 }
 
-TEST_F(HostPcmRoom, AMissingNoiseFileIsReportedWithItsName) {
-  Write("room.json", R"({"microphone": {"noise_file": "street.wav"}})");
+TEST_F(PcmRoom, AMissingNoiseFileIsReportedWithItsName) {
+  Echo("room.json", R"({"microphone": {"noise_file": "street.wav"}})");
   testing::internal::CaptureStderr();
   EXPECT_FALSE(LivingRoom(Television::Instance()).IsPresent());
   EXPECT_THAT(testing::internal::GetCapturedStderr(), testing::HasSubstr((Folder() / "street.wav").string()));
 }
 
-TEST_F(HostPcmRoom, AnUnreadableValueLeavesTheLastOneInForceAndIsReportedOnce) {
-  Write("room.json", kDryRoom);
-  Write("sound/mute", "1\n");
+TEST_F(PcmRoom, AnUnreadableValueLeavesTheLastOneInForceAndIsReportedOnce) {
+  Echo("room.json", kDryRoom);
+  Echo("sound/mute", "1\n");
   LivingRoom room(Television::Instance());
   const auto click = Click(true, false);
   room.Play(MonotonicTime(0), click.data(), 10);
-  Write("sound/mute", "perhaps\n");
+  Echo("sound/mute", "perhaps\n");
   testing::internal::CaptureStderr();
   room.StartVoice(std::chrono::seconds(1));
   room.Play(std::chrono::seconds(1), click.data(), 4000);

@@ -36,7 +36,7 @@ public:
   std::vector<MonotonicTime> cuts;
 };
 
-class HostPcmStream : public testing::Test {
+class PcmStreamTimes : public testing::Test {
 protected:
   // Left samples count up over all calls, so that a frame can be told from another.
   void Accept(std::size_t count) {
@@ -63,7 +63,7 @@ protected:
   std::int16_t m_NextSample = 0;
 };
 
-TEST_F(HostPcmStream, FramesWaitForTheStartAndThenLeaveBackToBack) {
+TEST_F(PcmStreamTimes, FramesWaitForTheStartAndThenLeaveBackToBack) {
   m_Stream.Prepare(seconds(1));
   Accept(480);
   EXPECT_TRUE(m_Sink.handed.empty());
@@ -72,7 +72,7 @@ TEST_F(HostPcmStream, FramesWaitForTheStartAndThenLeaveBackToBack) {
   EXPECT_THAT(m_Sink.handed, ElementsAre(Handed{seconds(2), 0, 480}, Handed{seconds(2) + milliseconds(10), 480, 48}));
 }
 
-TEST_F(HostPcmStream, APositionIsReachedExactlyAtItsTime) {
+TEST_F(PcmStreamTimes, APositionIsReachedExactlyAtItsTime) {
   const MonotonicTime start(1'234'567'891);
   m_Stream.Start(start);
   Accept(1 << 14U);
@@ -83,18 +83,18 @@ TEST_F(HostPcmStream, APositionIsReachedExactlyAtItsTime) {
   }
 }
 
-TEST_F(HostPcmStream, TimesStayExactAfterAnHour) {
+TEST_F(PcmStreamTimes, TimesStayExactAfterAnHour) {
   m_Stream.Start(seconds(0));
   EXPECT_EQ(m_Stream.TimeOfPosition(3600 * 48000), seconds(3600));
 }
 
-TEST_F(HostPcmStream, NoMoreFramesLeaveThanWereWritten) {
+TEST_F(PcmStreamTimes, NoMoreFramesLeaveThanWereWritten) {
   m_Stream.Start(seconds(1));
   Accept(100);
   EXPECT_EQ(m_Stream.Position(seconds(9)), 100U);
 }
 
-TEST_F(HostPcmStream, AStopCutsWhatHasNotLeftAndKeepsThePosition) {
+TEST_F(PcmStreamTimes, AStopCutsWhatHasNotLeftAndKeepsThePosition) {
   Accept(4800);
   m_Stream.Start(seconds(1));
   m_Stream.Stop(seconds(1) + milliseconds(50));
@@ -102,7 +102,7 @@ TEST_F(HostPcmStream, AStopCutsWhatHasNotLeftAndKeepsThePosition) {
   EXPECT_EQ(m_Stream.Position(seconds(9)), 2400U);
 }
 
-TEST_F(HostPcmStream, APreparedStreamIsEmptyAndBeginsAtZero) {
+TEST_F(PcmStreamTimes, APreparedStreamIsEmptyAndBeginsAtZero) {
   Accept(4800);
   m_Stream.Start(seconds(1));
   m_Stream.Prepare(seconds(1) + milliseconds(50));
@@ -114,7 +114,7 @@ TEST_F(HostPcmStream, APreparedStreamIsEmptyAndBeginsAtZero) {
   EXPECT_THAT(m_Sink.handed, ElementsAre(Handed{seconds(3), 4800, 10}));
 }
 
-TEST_F(HostPcmStream, FramesBehindAFaultAreNotHeardBeforeAResume) {
+TEST_F(PcmStreamTimes, FramesBehindAFaultAreNotHeardBeforeAResume) {
   m_Faults = {{480, PcmFault::kSuspend}};
   Accept(4800);
   m_Stream.Start(seconds(1));
@@ -127,7 +127,7 @@ TEST_F(HostPcmStream, FramesBehindAFaultAreNotHeardBeforeAResume) {
   EXPECT_EQ(m_Stream.Position(seconds(5) + milliseconds(10)), 960U);
 }
 
-TEST_F(HostPcmStream, FaultFramesCountOnOverNewStreams) {
+TEST_F(PcmStreamTimes, FaultFramesCountOnOverNewStreams) {
   m_Faults = {{4800, PcmFault::kUnderrun}};
   Accept(4000);
   m_Stream.Start(seconds(1));
@@ -139,7 +139,7 @@ TEST_F(HostPcmStream, FaultFramesCountOnOverNewStreams) {
   EXPECT_EQ(TakeFault(seconds(2) + milliseconds(50)), PcmFault::kUnderrun);
 }
 
-TEST_F(HostPcmStream, EachFaultStrikesOnceAndTwoAtOneFrameOneAfterTheOther) {
+TEST_F(PcmStreamTimes, EachFaultHappensOnceAndTwoAtOneFrameOneAfterTheOther) {
   m_Faults = {{480, PcmFault::kSuspend}, {480, PcmFault::kUnderrun}};
   Accept(4800);
   m_Stream.Start(seconds(1));
@@ -152,7 +152,7 @@ TEST_F(HostPcmStream, EachFaultStrikesOnceAndTwoAtOneFrameOneAfterTheOther) {
   EXPECT_TRUE(m_Faults.empty());
 }
 
-TEST_F(HostPcmStream, AFaultBehindTheLastFrameDoesNotStrike) {
+TEST_F(PcmStreamTimes, AFaultBehindTheLastFrameDoesNotHappen) {
   m_Faults = {{4801, PcmFault::kDisconnect}};
   Accept(4800);
   m_Stream.Start(seconds(1));

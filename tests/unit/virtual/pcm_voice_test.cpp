@@ -18,12 +18,22 @@ using std::chrono::milliseconds;
 using std::chrono::seconds;
 
 constexpr double kBlockMs = 768 / 46.545;
+constexpr const char* kNoisyRoom = R"({"microphone": {"noise_dbfs": -40}, "seed": 7})";
 
 MonotonicTime Milliseconds(double count) {
   return MonotonicTime(static_cast<std::int64_t>(count * 1e6));
 }
 
-class HostPcmVoice : public PcmTelevision {};
+class PcmVoice : public PcmTelevision {
+protected:
+  // Registers `recorder` and starts the remote. The result: no later than the start.
+  static MonotonicTime Record(VoiceRecorder& recorder) {
+    EXPECT_EQ(recorder.Register(), kVoiceDone);
+    const MonotonicTime before = MonotonicNow();
+    EXPECT_EQ(StartVoice(), kVoiceDone);
+    return before;
+  }
+};
 
 // What a recording of `room` delivers when nothing is played, by the model alone.
 struct ModelBlock {
@@ -54,33 +64,33 @@ void ExpectAsModel(const std::vector<VoiceRecorder::Block>& blocks, MonotonicTim
   }
 }
 
-TEST_F(HostPcmVoice, OneReceiverCanBeRegistered) {
+TEST_F(PcmVoice, OneReceiverCanBeRegistered) {
   VoiceRecorder first;
   VoiceRecorder second;
-  EXPECT_EQ(bt_hid_unset_audio_data_receive_cb(), -22);
+  EXPECT_EQ(bt_hid_unset_audio_data_receive_cb(), kVoiceInvalid);
   EXPECT_EQ(first.Register(), 0);
-  EXPECT_EQ(second.Register(), -16);
+  EXPECT_EQ(second.Register(), kVoiceTaken);
   EXPECT_EQ(first.Unregister(), 0);
   EXPECT_EQ(second.Register(), 0);
 }
 
-TEST_F(HostPcmVoice, OnlyTheThreeCommandsAreKnown) {
+TEST_F(PcmVoice, OnlyTheThreeCommandsAreKnown) {
   const std::uint8_t start[] = {0x05, 0x00, 0x00};
   EXPECT_EQ(bt_hid_send_rc_command(nullptr, start, 2), 0);
   EXPECT_EQ(SendVoiceCommand(0x04, 0x00), 0);
   EXPECT_EQ(SendVoiceCommand(0x03, 0x10), 0);
-  EXPECT_EQ(SendVoiceCommand(0x05, 0x01), -22);
-  EXPECT_EQ(bt_hid_send_rc_command(nullptr, start, 1), -22);
-  EXPECT_EQ(bt_hid_send_rc_command(nullptr, start, 3), -22);
-  EXPECT_EQ(bt_hid_send_rc_command(nullptr, nullptr, 2), -22);
+  EXPECT_EQ(SendVoiceCommand(0x05, 0x01), kVoiceInvalid);
+  EXPECT_EQ(bt_hid_send_rc_command(nullptr, start, 1), kVoiceInvalid);
+  EXPECT_EQ(bt_hid_send_rc_command(nullptr, start, 3), kVoiceInvalid);
+  EXPECT_EQ(bt_hid_send_rc_command(nullptr, nullptr, 2), kVoiceInvalid);
 }
 
-TEST_F(HostPcmVoice, AStopOfASilentRemoteIsDone) {
+TEST_F(PcmVoice, AStopOfASilentRemoteIsDone) {
   EXPECT_EQ(bt_hid_rc_stop_sending_voice(nullptr), 0);
 }
 
-TEST_F(HostPcmVoice, ListedAnswersComeFirstAndOncePerCall) {
-  Write("faults.json", R"({"voice.register": [-19], "voice.start": [-115, -5], "voice.extend": [-5],
+TEST_F(PcmVoice, ListedAnswersComeFirstAndOncePerCall) {
+  SetFaults(R"({"voice.register": [-19], "voice.start": [-115, -5], "voice.extend": [-5],
                            "voice.stop": [-115], "voice.unregister": [-19]})");
   VoiceRecorder recorder;
   EXPECT_EQ(recorder.Register(), -19);
@@ -93,42 +103,34 @@ TEST_F(HostPcmVoice, ListedAnswersComeFirstAndOncePerCall) {
   EXPECT_EQ(bt_hid_rc_stop_sending_voice(nullptr), -115);
   EXPECT_EQ(bt_hid_rc_stop_sending_voice(nullptr), 0);
   EXPECT_EQ(recorder.Unregister(), -19);
-  EXPECT_EQ(recorder.Unregister(), -22);  // a refused call too has ended the registration
+  EXPECT_EQ(recorder.Unregister(), kVoiceInvalid);  // a refused call too has ended the registration
 }
 
-TEST_F(HostPcmVoice, BlocksComeAtTheirTimesWithWhatTheMicrophoneHeard) {
-  const std::string room = R"({"microphone": {"noise_dbfs": -40}, "seed": 7})";
-  Write("room.json", room);
+TEST_F(PcmVoice, BlocksComeAtTheirTimesWithWhatTheMicrophoneHeard) {
+  Echo("room.json", kNoisyRoom);
   VoiceRecorder recorder;
-  ASSERT_EQ(recorder.Register(), 0);
-  const MonotonicTime start = MonotonicNow();
-  ASSERT_EQ(StartVoice(), 0);
+  const MonotonicTime start = Record(recorder);
   ASSERT_TRUE(recorder.WaitForBlocks(20));
-  ExpectAsModel(recorder.Blocks(), start, ModelBlocks(room, 20));
+  ExpectAsModel(recorder.Blocks(), start, ModelBlocks(kNoisyRoom, 20));
 }
 
-TEST_F(HostPcmVoice, ALostBlockIsNotDelivered) {
+TEST_F(PcmVoice, ALostBlockIsNotDelivered) {
   const std::string room = R"({"microphone": {"noise_dbfs": -40}, "voice": {"loss_probability": 0.5}, "seed": 7})";
-  Write("room.json", room);
+  Echo("room.json", room);
   const auto model = ModelBlocks(room, 10);
   ASSERT_GT(model.back().due, Milliseconds(12 * kBlockMs));  // some are lost in this room
   VoiceRecorder recorder;
-  ASSERT_EQ(recorder.Register(), 0);
-  const MonotonicTime start = MonotonicNow();
-  ASSERT_EQ(StartVoice(), 0);
+  const MonotonicTime start = Record(recorder);
   ASSERT_TRUE(recorder.WaitForBlocks(10));
   ExpectAsModel(recorder.Blocks(), start, model);
 }
 
-TEST_F(HostPcmVoice, BlocksBehindASlowCallbackComeLateButAllAndInOrder) {
-  const std::string room = R"({"microphone": {"noise_dbfs": -40}, "seed": 7})";
-  Write("room.json", room);
+TEST_F(PcmVoice, BlocksBehindASlowCallbackComeLateButAllAndInOrder) {
+  Echo("room.json", kNoisyRoom);
   std::promise<void> hold;
   const auto released = hold.get_future().share();
   VoiceRecorder recorder([released] { released.wait(); });
-  ASSERT_EQ(recorder.Register(), 0);
-  const MonotonicTime start = MonotonicNow();
-  ASSERT_EQ(StartVoice(), 0);
+  const MonotonicTime start = Record(recorder);
   ASSERT_TRUE(recorder.WaitForBlocks(1));
   while (MonotonicNow() < start + milliseconds(300)) {  // some 15 blocks become due
     std::this_thread::yield();
@@ -136,10 +138,10 @@ TEST_F(HostPcmVoice, BlocksBehindASlowCallbackComeLateButAllAndInOrder) {
   EXPECT_EQ(recorder.Blocks().size(), 1U);
   hold.set_value();
   ASSERT_TRUE(recorder.WaitForBlocks(20));
-  ExpectAsModel(recorder.Blocks(), start, ModelBlocks(room, 20));
+  ExpectAsModel(recorder.Blocks(), start, ModelBlocks(kNoisyRoom, 20));
 }
 
-TEST_F(HostPcmVoice, UnregisteringWaitsForTheRunningCallback) {
+TEST_F(PcmVoice, UnregisteringWaitsForTheRunningCallback) {
   std::promise<void> hold;
   const auto released = hold.get_future().share();
   std::atomic<bool> hasReturned{false};
@@ -147,8 +149,7 @@ TEST_F(HostPcmVoice, UnregisteringWaitsForTheRunningCallback) {
     released.wait();
     hasReturned = true;
   });
-  ASSERT_EQ(recorder.Register(), 0);
-  ASSERT_EQ(StartVoice(), 0);
+  Record(recorder);
   ASSERT_TRUE(recorder.WaitForBlocks(1));
   auto unregister = std::async(std::launch::async, [&] {
     const int result = recorder.Unregister();
@@ -159,11 +160,10 @@ TEST_F(HostPcmVoice, UnregisteringWaitsForTheRunningCallback) {
   EXPECT_EQ(unregister.get(), std::make_pair(0, true));
 }
 
-TEST_F(HostPcmVoice, AnUnregisteredReceiverHearsNothingMore) {
+TEST_F(PcmVoice, AnUnregisteredReceiverHearsNothingMore) {
   VoiceRecorder first;
   VoiceRecorder second;
-  ASSERT_EQ(first.Register(), 0);
-  ASSERT_EQ(StartVoice(), 0);
+  Record(first);
   ASSERT_TRUE(first.WaitForBlocks(2));
   ASSERT_EQ(first.Unregister(), 0);
   const std::size_t heard = first.Blocks().size();
@@ -172,26 +172,22 @@ TEST_F(HostPcmVoice, AnUnregisteredReceiverHearsNothingMore) {
   EXPECT_EQ(first.Blocks().size(), heard);
 }
 
-TEST_F(HostPcmVoice, AStoppedRemoteSendsNothingUntilItIsStartedAgain) {
+TEST_F(PcmVoice, AStoppedRemoteSendsNothingUntilItIsStartedAgain) {
   VoiceRecorder first;
   VoiceRecorder second;
-  ASSERT_EQ(first.Register(), 0);
-  ASSERT_EQ(StartVoice(), 0);
+  Record(first);
   ASSERT_TRUE(first.WaitForBlocks(2));
   ASSERT_EQ(bt_hid_rc_stop_sending_voice(nullptr), 0);
   ASSERT_EQ(first.Unregister(), 0);  // a block that was being handed over is over now
-  ASSERT_EQ(second.Register(), 0);
-  const MonotonicTime start = MonotonicNow();
-  ASSERT_EQ(StartVoice(), 0);
+  const MonotonicTime start = Record(second);
   ASSERT_TRUE(second.WaitForBlocks(1));
   EXPECT_GE(second.Blocks().front().arrival, start + Milliseconds(kBlockMs + 30.0));
 }
 
-TEST_F(HostPcmVoice, TheRemoteFallsSilentAtTheEndOfItsWindow) {
-  Write("room.json", R"({"voice": {"window_ms": 100}})");
+TEST_F(PcmVoice, TheRemoteFallsSilentAtTheEndOfItsWindow) {
+  Echo("room.json", R"({"voice": {"window_ms": 100}})");
   VoiceRecorder recorder;
-  ASSERT_EQ(recorder.Register(), 0);
-  ASSERT_EQ(StartVoice(), 0);
+  Record(recorder);
   ASSERT_TRUE(recorder.WaitForBlocks(6));  // 99 ms
   const MonotonicTime start = MonotonicNow();
   ASSERT_EQ(StartVoice(), 0);
@@ -199,19 +195,17 @@ TEST_F(HostPcmVoice, TheRemoteFallsSilentAtTheEndOfItsWindow) {
   EXPECT_GE(recorder.Blocks()[6].arrival, start + Milliseconds(kBlockMs + 30.0));
 }
 
-TEST_F(HostPcmVoice, AnExtendFromTheCallbackKeepsItSending) {
-  Write("room.json", R"({"voice": {"window_ms": 1000}})");
+TEST_F(PcmVoice, AnExtendFromTheCallbackKeepsItSending) {
+  Echo("room.json", R"({"voice": {"window_ms": 1000}})");
   VoiceRecorder recorder([] { EXPECT_EQ(ExtendVoice(), 0); });
-  ASSERT_EQ(recorder.Register(), 0);
-  ASSERT_EQ(StartVoice(), 0);
+  Record(recorder);
   EXPECT_TRUE(recorder.WaitForBlocks(70));  // a window holds 60
 }
 
-TEST_F(HostPcmVoice, AStartWhileSendingBeginsTheWindowAnew) {
-  Write("room.json", R"({"voice": {"window_ms": 1000}})");
+TEST_F(PcmVoice, AStartWhileSendingBeginsTheWindowAnew) {
+  Echo("room.json", R"({"voice": {"window_ms": 1000}})");
   VoiceRecorder recorder;
-  ASSERT_EQ(recorder.Register(), 0);
-  ASSERT_EQ(StartVoice(), 0);
+  Record(recorder);
   ASSERT_TRUE(recorder.WaitForBlocks(20));
   ASSERT_EQ(StartVoice(), 0);
   EXPECT_TRUE(recorder.WaitForBlocks(70));  // the first window holds 60
@@ -219,7 +213,7 @@ TEST_F(HostPcmVoice, AStartWhileSendingBeginsTheWindowAnew) {
 
 // The static receiver is older than the delivery thread and stays registered: it is gone when the process ends, so the
 // thread must be gone before it.
-TEST_F(HostPcmVoice, NothingIsDeliveredToAReceiverThatTheEndOfTheProcessDestroys) {
+TEST_F(PcmVoice, NothingIsDeliveredToAReceiverThatTheEndOfTheProcessDestroys) {
   struct Receiver {
     ~Receiver() {
       isGone = true;
@@ -246,13 +240,12 @@ TEST_F(HostPcmVoice, NothingIsDeliveredToAReceiverThatTheEndOfTheProcessDestroys
       testing::ExitedWithCode(0), "");
 }
 
-TEST_F(HostPcmVoice, TheProcessMayEndWhileTheRemoteSends) {
+TEST_F(PcmVoice, TheProcessMayEndWhileTheRemoteSends) {
   testing::FLAGS_gtest_death_test_style = "threadsafe";
   EXPECT_EXIT(
       {
         static VoiceRecorder recorder;
-        recorder.Register();
-        StartVoice();
+        Record(recorder);
         std::exit(recorder.WaitForBlocks(2) ? 0 : 1);
       },
       testing::ExitedWithCode(0), "");

@@ -13,9 +13,9 @@ namespace {
 
 using testing::HasSubstr;
 
-using HostServices = HostTelevision;
+using TelevisionServices = HostTelevision;
 
-TEST_F(HostServices, ReadAndWriteTheSoundManagersFiles) {
+TEST_F(TelevisionServices, ReadAndWriteTheSoundManagersFiles) {
   Echo("sound/mute", "1\n");
   Echo("sound/volume", "33\n");
   Echo("sound/speaker", "-4\n");
@@ -33,7 +33,7 @@ TEST_F(HostServices, ReadAndWriteTheSoundManagersFiles) {
   EXPECT_EQ(Content("sound/volume"), "100\n");
 }
 
-TEST_F(HostServices, SayOnceThatAValueCannotBeReadUntilItCan) {
+TEST_F(TelevisionServices, SayOnceThatAValueCannotBeReadUntilItCan) {
   std::uint32_t delayMs = 0;
   const auto problems = [&](int reads) {
     testing::internal::CaptureStderr();
@@ -54,7 +54,7 @@ TEST_F(HostServices, SayOnceThatAValueCannotBeReadUntilItCan) {
   EXPECT_EQ(problems(2), 1) << "it was good meanwhile";
 }
 
-TEST_F(HostServices, RefuseOtherDevicesAndVolumesOutOfRange) {
+TEST_F(TelevisionServices, RefuseOtherDevicesAndVolumesOutOfRange) {
   bool muted = true;
   EXPECT_EQ(sound_manager_get_device_mute(1, &muted), -2);
   EXPECT_TRUE(muted);
@@ -65,7 +65,7 @@ TEST_F(HostServices, RefuseOtherDevicesAndVolumesOutOfRange) {
   EXPECT_EQ(Content("sound/mute"), "0\n");
 }
 
-TEST_F(HostServices, ReadAndWriteTheDelayOfTheOpticalOutput) {
+TEST_F(TelevisionServices, ReadAndWriteTheDelayOfTheOpticalOutput) {
   std::uint32_t delayMs = 0;
   EXPECT_EQ(avoc_get_delay(&delayMs, kDelayKindSpdif), 0);
   EXPECT_EQ(delayMs, 100U);
@@ -78,7 +78,7 @@ TEST_F(HostServices, ReadAndWriteTheDelayOfTheOpticalOutput) {
   EXPECT_EQ(Content("delay/spdif"), "4294967295\n");
 }
 
-TEST_F(HostServices, AnswerQueriesFromTheFilesOfTv) {
+TEST_F(TelevisionServices, AnswerQueriesFromTheFilesOfTv) {
   for (const auto& [name, text] : {std::pair("tv/brand", "Velta"),
                                    {"tv/device_type", "-3"},
                                    {"tv/source", "11"},
@@ -110,60 +110,57 @@ TEST_F(HostServices, AnswerQueriesFromTheFilesOfTv) {
   EXPECT_EQ(codec, 2);
 }
 
-// One operation that reads or writes a file: its name in faults.json and its answer. Targets start at 77.
+// One operation that reads a file, and its name in faults.json. Targets start at 77.
 struct Operation {
   const char* fault;
   const char* file;
-  int failure;
   std::function<int(int* target)> run;
 };
 
+constexpr int kFailed = -1;  // of each of them
+
+int QueryDelay(int* target, int (*query)(std::uint32_t* delayMs)) {
+  auto delayMs = static_cast<std::uint32_t>(*target);
+  const int result = query(&delayMs);
+  *target = static_cast<int>(delayMs);
+  return result;
+}
+
+int QueryResolution(int* target) {
+  IAVControl* video = nullptr;
+  tv_create_av_control(1, 0, &video);
+  TvResolution record{77};
+  const int result = video->getResolution(target, &record);
+  EXPECT_EQ(record.frequency == 77, result != kTvDone);
+  return result;
+}
+
 const std::vector<Operation>& Operations() {
   static const std::vector<Operation> operations{
-      {"sound.get_mute", "sound/mute", -1,
+      {"sound.get_mute", "sound/mute",
        [](int* target) {
          bool muted = true;
          const int result = sound_manager_get_device_mute(0, &muted);
          *target = muted ? 77 : 0;
          return result;
        }},
-      {"sound.get_volume", "sound/volume", -1, [](int* target) { return sound_manager_get_tv_master_volume(target); }},
-      {"sound.get_speaker", "sound/speaker", -1,
-       [](int* target) { return sound_manager_get_speaker_selection(target); }},
-      {"delay.get", "delay/spdif", -1,
+      {"sound.get_volume", "sound/volume", [](int* target) { return sound_manager_get_tv_master_volume(target); }},
+      {"sound.get_speaker", "sound/speaker", [](int* target) { return sound_manager_get_speaker_selection(target); }},
+      {"delay.get", "delay/spdif",
        [](int* target) {
-         std::uint32_t delayMs = 77;
-         const int result = avoc_get_delay(&delayMs, kDelayKindSpdif);
-         *target = static_cast<int>(delayMs);
-         return result;
+         return QueryDelay(target, [](std::uint32_t* delayMs) { return avoc_get_delay(delayMs, kDelayKindSpdif); });
        }},
-      {"audio_control.delay", "delay/spdif", -1,
+      {"audio_control.delay", "delay/spdif",
        [](int* target) {
-         std::uint32_t delayMs = 77;
-         const int result = IAudioControl::getInstance()->getSpdifOutDelay(&delayMs);
-         *target = static_cast<int>(delayMs);
-         return result;
+         return QueryDelay(
+             target, [](std::uint32_t* delayMs) { return IAudioControl::getInstance()->getSpdifOutDelay(delayMs); });
        }},
-      {"audio_control.codec", "tv/codec", -1,
+      {"audio_control.codec", "tv/codec",
        [](int* target) { return IAudioControl::getInstance()->getSpdifOutCodec(target); }},
-      {"tv.hdmi_inputs", "tv/hdmi_inputs", -1, [](int*) { return tv_get_hdmi_input_count(); }},
-      {"tv.resolution", "tv/resolution", -1,
-       [](int* target) {
-         IAVControl* video = nullptr;
-         tv_create_av_control(1, 0, &video);
-         TvResolution record{77};
-         const int result = video->getResolution(target, &record);
-         EXPECT_EQ(record.frequency == 77, result != 0);
-         return result;
-       }},
-      {"tv.resolution", "tv/frequency", -1,
-       [](int* target) {
-         IAVControl* video = nullptr;
-         tv_create_av_control(1, 0, &video);
-         TvResolution record{77};
-         return video->getResolution(target, &record);
-       }},
-      {"tv.source", "tv/source", -1,
+      {"tv.hdmi_inputs", "tv/hdmi_inputs", [](int*) { return tv_get_hdmi_input_count(); }},
+      {"tv.resolution", "tv/resolution", &QueryResolution},
+      {"tv.resolution", "tv/frequency", &QueryResolution},
+      {"tv.source", "tv/source",
        [](int* target) {
          ISourceControl* sources = nullptr;
          tv_create_source_control(1, 0, &sources);
@@ -176,13 +173,13 @@ const std::vector<Operation>& Operations() {
   return operations;
 }
 
-TEST_F(HostServices, FailWithTargetsUntouchedWhenTheirFileIsMissingOrBad) {
+TEST_F(TelevisionServices, FailWithTargetsUntouchedWhenTheirFileIsMissingOrBad) {
   for (const Operation& operation : Operations()) {
     for (const char* const content : {"", "much", "1e3"}) {
       Echo(operation.file, content);
       int target = 77;
       testing::internal::CaptureStderr();
-      EXPECT_EQ(operation.run(&target), operation.failure) << operation.file;
+      EXPECT_EQ(operation.run(&target), kFailed) << operation.file;
       EXPECT_EQ(target, 77) << operation.file;
       EXPECT_THAT(testing::internal::GetCapturedStderr(),
                   HasSubstr((Folder() / operation.file).string() + ": \"" + content + "\": expected an integer"));
@@ -190,16 +187,16 @@ TEST_F(HostServices, FailWithTargetsUntouchedWhenTheirFileIsMissingOrBad) {
     Remove(operation.file);
     int target = 77;
     testing::internal::CaptureStderr();
-    EXPECT_EQ(operation.run(&target), operation.failure) << operation.file;
+    EXPECT_EQ(operation.run(&target), kFailed) << operation.file;
     EXPECT_EQ(target, 77) << operation.file;
     const bool isQuery = std::string(operation.file).rfind("tv/", 0) == 0;  // a missing one is a state of its own
     EXPECT_EQ(testing::internal::GetCapturedStderr().empty(), isQuery) << operation.file;
     Television::Instance().Set(operation.file, "1");
-    EXPECT_NE(operation.run(&target), operation.failure) << operation.file;
+    EXPECT_NE(operation.run(&target), kFailed) << operation.file;
   }
 }
 
-TEST_F(HostServices, GiveAnInjectedAnswerOnceAndLeaveTargetsUntouched) {
+TEST_F(TelevisionServices, GiveAnInjectedAnswerOnceAndLeaveTargetsUntouched) {
   for (const Operation& operation : Operations()) {
     SetFaults(std::string("{\"") + operation.fault + "\": [-77]}");
     int target = 77;
@@ -209,7 +206,7 @@ TEST_F(HostServices, GiveAnInjectedAnswerOnceAndLeaveTargetsUntouched) {
   }
 }
 
-TEST_F(HostServices, WriteNothingWhenTheAnswerIsInjected) {
+TEST_F(TelevisionServices, WriteNothingWhenTheAnswerIsInjected) {
   SetFaults(R"({"sound.set_mute": -1, "sound.set_volume": -1, "delay.set": -1})");
   EXPECT_EQ(sound_manager_set_device_mute(0, true), -1);
   EXPECT_EQ(sound_manager_set_tv_master_volume(99), -1);
@@ -217,7 +214,7 @@ TEST_F(HostServices, WriteNothingWhenTheAnswerIsInjected) {
   EXPECT_EQ(Content("sound/mute") + Content("sound/volume") + Content("delay/spdif"), "0\n15\n100\n");
 }
 
-TEST_F(HostServices, FailToWriteWhereNothingCanBeWritten) {
+TEST_F(TelevisionServices, FailToWriteWhereNothingCanBeWritten) {
   Remove("delay");
   Echo("delay", "a file in the way");
   testing::internal::CaptureStderr();
@@ -225,7 +222,7 @@ TEST_F(HostServices, FailToWriteWhereNothingCanBeWritten) {
   EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr((Folder() / "delay").string()));
 }
 
-TEST_F(HostServices, HaveNoActivityWithoutBrandOrKind) {
+TEST_F(TelevisionServices, HaveNoActivityWithoutBrandOrKind) {
   Remove("tv/brand");
   EXPECT_EQ(tv_get_activity_info_by_source(99), nullptr);
   Television::Instance().Set("tv/brand", "");
@@ -239,7 +236,7 @@ TEST_F(HostServices, HaveNoActivityWithoutBrandOrKind) {
   EXPECT_NE(tv_get_activity_info_by_source(99), nullptr);
 }
 
-TEST_F(HostServices, WithholdAControlWhenInjected) {
+TEST_F(TelevisionServices, WithholdAControlWhenInjected) {
   SetFaults(R"({"tv.av_control": -5, "tv.source_control": -6})");
   IAVControl* video = nullptr;
   ISourceControl* sources = nullptr;
@@ -249,7 +246,7 @@ TEST_F(HostServices, WithholdAControlWhenInjected) {
   EXPECT_EQ(sources, nullptr);
 }
 
-TEST_F(HostServices, FindAFileOnTheTelevisionThenAtItsFixedPlaceThenAmongTheResources) {
+TEST_F(TelevisionServices, FindAFileOnTheTelevisionThenAtItsFixedPlaceThenAmongTheResources) {
   const std::string fixed = "/usr/apps/example/sound.wav";
   setenv("ORVEX_RESOURCES", "/resources", 1);
   EXPECT_EQ(file_location(fixed), "/resources" + fixed);

@@ -74,7 +74,8 @@ private:
     if (const char* const parents = getenv(kParentsFolder)) {
       return parents;
     }
-    std::string pattern = (std::filesystem::temp_directory_path() / "orvex-host-XXXXXX").string();
+    // The blanks are on purpose: a folder's name may have some.
+    std::string pattern = (std::filesystem::temp_directory_path() / "orvex television XXXXXX").string();
     if (mkdtemp(pattern.data()) == nullptr) {
       return "";
     }

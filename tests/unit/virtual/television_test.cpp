@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <functional>
 #include <thread>
 #include <vector>
 
@@ -36,7 +37,7 @@ private:
   std::string m_Before;
 };
 
-TEST(HostTelevisionPlace, IsNamedByTheFirstVariableThatIsSet) {
+TEST(TelevisionPlace, IsNamedByTheFirstVariableThatIsSet) {
   const struct {
     const char* television;
     const char* state;
@@ -59,7 +60,7 @@ TEST(HostTelevisionPlace, IsNamedByTheFirstVariableThatIsSet) {
   }
 }
 
-TEST(HostTelevisionPlace, ThatCannotBeMadeIsAProblemAndNoEndOfTheProcess) {
+TEST(TelevisionPlace, ThatCannotBeMadeIsAProblemAndNoEndOfTheProcess) {
   testing::GTEST_FLAG(death_test_style) = "threadsafe";  // in a process that has no television yet
   const auto use = [] {
     setenv("ORVEX_TV", "/proc/version/tv", 1);
@@ -72,23 +73,23 @@ TEST(HostTelevisionPlace, ThatCannotBeMadeIsAProblemAndNoEndOfTheProcess) {
   EXPECT_EXIT(use(), testing::ExitedWithCode(0), "");
 }
 
-class HostTelevisionDirectory : public HostTelevision {
+// What `work` throws.
+TelevisionError ErrorOf(const std::function<void()>& work) {
+  try {
+    work();
+  } catch (const TelevisionError& error) {
+    return error;
+  }
+  ADD_FAILURE() << "no error";
+  return {Cause::kMissing, ""};
+}
+
+class TelevisionDirectory : public HostTelevision {
 protected:
   const Television& m_Television = Television::Instance();
-
-  Cause CauseOf(const std::string& name, const std::string& text, std::string* message) const {
-    try {
-      m_Television.Set(name, text);
-    } catch (const TelevisionError& error) {
-      *message = error.what();
-      return error.GetCause();
-    }
-    ADD_FAILURE() << name << " took \"" << text << "\"";
-    return Cause::kMissing;
-  }
 };
 
-TEST_F(HostTelevisionDirectory, IsMadeWithEveryValueAtItsDefault) {
+TEST_F(TelevisionDirectory, IsMadeWithEveryValueAtItsDefault) {
   for (const TelevisionValue& value : TelevisionValues()) {
     EXPECT_EQ(Content(value.name), value.defaultText + "\n") << value.name;
     EXPECT_EQ(m_Television.Get(value.name), value.defaultText) << value.name;
@@ -98,7 +99,7 @@ TEST_F(HostTelevisionDirectory, IsMadeWithEveryValueAtItsDefault) {
   EXPECT_EQ(Content("room.json"), "{}\n");
 }
 
-TEST_F(HostTelevisionDirectory, KeepsWhatIsThereAndMakesWhatIsMissing) {
+TEST_F(TelevisionDirectory, KeepsWhatIsThereAndMakesWhatIsMissing) {
   Echo("sound/volume", "42\n");
   Remove("delay");
   m_Television.Create();
@@ -106,7 +107,7 @@ TEST_F(HostTelevisionDirectory, KeepsWhatIsThereAndMakesWhatIsMissing) {
   EXPECT_EQ(m_Television.Get("delay/spdif"), "100");
 }
 
-TEST_F(HostTelevisionDirectory, LeavesAMissingQueryMissingUnlessTheFolderIsNew) {
+TEST_F(TelevisionDirectory, LeavesAMissingQueryMissingUnlessTheFolderIsNew) {
   Remove("tv/brand");
   m_Television.Create();
   EXPECT_FALSE(fs::exists(Folder() / "tv/brand"));
@@ -115,7 +116,7 @@ TEST_F(HostTelevisionDirectory, LeavesAMissingQueryMissingUnlessTheFolderIsNew) 
   EXPECT_EQ(m_Television.Get("tv/brand"), "Example");
 }
 
-TEST_F(HostTelevisionDirectory, TakesValuesUpToBothBounds) {
+TEST_F(TelevisionDirectory, TakesValuesUpToBothBounds) {
   const struct {
     const char* name;
     const char* text;
@@ -130,7 +131,7 @@ TEST_F(HostTelevisionDirectory, TakesValuesUpToBothBounds) {
   }
 }
 
-TEST_F(HostTelevisionDirectory, RefusesWhatIsNoValueAndChangesNothing) {
+TEST_F(TelevisionDirectory, RefusesWhatIsNoValueAndChangesNothing) {
   const struct {
     const char* name;
     const char* text;
@@ -161,61 +162,45 @@ TEST_F(HostTelevisionDirectory, RefusesWhatIsNoValueAndChangesNothing) {
   };
   for (const auto& row : rows) {
     const std::string before = Content(row.name);
-    std::string message;
-    EXPECT_EQ(CauseOf(row.name, row.text, &message), row.cause) << row.name << " " << row.text;
-    EXPECT_THAT(message, HasSubstr(row.expected));
+    const TelevisionError error = ErrorOf([&] { m_Television.Set(row.name, row.text); });
+    EXPECT_EQ(error.GetCause(), row.cause) << row.name << " " << row.text;
+    EXPECT_THAT(error.what(), HasSubstr(row.expected));
     EXPECT_EQ(Content(row.name), before) << row.name;
   }
 }
 
-TEST_F(HostTelevisionDirectory, NamesFileValueAndExpectationOfABadFile) {
+TEST_F(TelevisionDirectory, NamesFileValueAndExpectationOfABadFile) {
   Echo("sound/volume", "loud\n");
-  try {
-    m_Television.GetNumber("sound/volume");
-    ADD_FAILURE() << "\"loud\" was taken for a number";
-  } catch (const TelevisionError& error) {
-    EXPECT_EQ(error.GetCause(), Cause::kBadValue);
-    EXPECT_EQ(error.what(), (Folder() / "sound/volume").string() + ": \"loud\": expected an integer from 0 to 100");
-  }
+  const TelevisionError error = ErrorOf([&] { m_Television.GetNumber("sound/volume"); });
+  EXPECT_EQ(error.GetCause(), Cause::kBadValue);
+  EXPECT_EQ(error.what(), (Folder() / "sound/volume").string() + ": \"loud\": expected an integer from 0 to 100");
 }
 
-TEST_F(HostTelevisionDirectory, TellsMissingFromUnreadable) {
+TEST_F(TelevisionDirectory, TellsMissingFromUnreadable) {
   Remove("sound/volume");
   Remove("sound/mute");
   fs::create_directory(Folder() / "sound/mute");
-  const auto causeOf = [&](const char* name) {
-    try {
-      m_Television.Get(name);
-    } catch (const TelevisionError& error) {
-      return error.GetCause();
-    }
-    return Cause::kUnknownName;
-  };
-  EXPECT_EQ(causeOf("sound/volume"), Cause::kMissing);
-  EXPECT_EQ(causeOf("sound/mute"), Cause::kInaccessible);
+  EXPECT_EQ(ErrorOf([&] { m_Television.Get("sound/volume"); }).GetCause(), Cause::kMissing);
+  EXPECT_EQ(ErrorOf([&] { m_Television.Get("sound/mute"); }).GetCause(), Cause::kInaccessible);
 }
 
-TEST_F(HostTelevisionDirectory, RefusesAFileWithoutEndAsAValue) {
+TEST_F(TelevisionDirectory, RefusesAFileWithoutEndAsAValue) {
   Echo("sound/volume", std::string(100000, '1'));
   EXPECT_THROW(m_Television.Get("sound/volume"), TelevisionError);
   Echo("tv/brand", std::string(100000, 'x'));
   EXPECT_THROW(m_Television.Get("tv/brand"), TelevisionError);
 }
 
-TEST_F(HostTelevisionDirectory, NamesThePathThatCannotBeMade) {
+TEST_F(TelevisionDirectory, NamesThePathThatCannotBeMade) {
   const fs::path impossible = Folder() / "room.json" / "tv";  // below a file
-  try {
-    Television(impossible).Create();
-    ADD_FAILURE() << "a directory below a file";
-  } catch (const TelevisionError& error) {
-    EXPECT_EQ(error.GetCause(), Cause::kInaccessible);
-    EXPECT_THAT(error.what(), HasSubstr(impossible.string() + ": Not a directory"));
-  }
+  const TelevisionError error = ErrorOf([&] { Television(impossible).Create(); });
+  EXPECT_EQ(error.GetCause(), Cause::kInaccessible);
+  EXPECT_THAT(error.what(), HasSubstr(impossible.string() + ": Not a directory"));
   EXPECT_THROW(Television(impossible).Set("sound/mute", "1"), TelevisionError);
   EXPECT_THROW(Television(impossible).Get("sound/mute"), TelevisionError);
 }
 
-TEST_F(HostTelevisionDirectory, IsItsOwnersAlone) {
+TEST_F(TelevisionDirectory, IsItsOwnersAlone) {
   Remove("");
   const mode_t before = umask(0);
   m_Television.Create();
@@ -244,7 +229,7 @@ std::size_t EntriesIn(const fs::path& folder) {
   return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
 }
 
-TEST_F(HostTelevisionDirectory, IsMadeWholeOrNotAtAll) {
+TEST_F(TelevisionDirectory, IsMadeWholeOrNotAtAll) {
   const Television television(Folder() / "another/one");
   {
     const FullDisk full;
@@ -256,7 +241,7 @@ TEST_F(HostTelevisionDirectory, IsMadeWholeOrNotAtAll) {
   EXPECT_EQ(television.Get("delay/spdif"), "100");
 }
 
-TEST_F(HostTelevisionDirectory, HasAWholeFolderOfQueriesOrNone) {
+TEST_F(TelevisionDirectory, HasAWholeFolderOfQueriesOrNone) {
   Remove("tv");
   {
     const FullDisk full;
@@ -267,7 +252,7 @@ TEST_F(HostTelevisionDirectory, HasAWholeFolderOfQueriesOrNone) {
   EXPECT_EQ(m_Television.Get("tv/brand"), "Example");
 }
 
-TEST_F(HostTelevisionDirectory, ThatSeveralMakeAtATimeIsMadeOnce) {
+TEST_F(TelevisionDirectory, ThatSeveralMakeAtATimeIsMadeOnce) {
   const Television television(Folder() / "together");
   std::vector<std::thread> makers;
   for (int number = 0; number < 4; ++number) {
@@ -284,7 +269,7 @@ TEST_F(HostTelevisionDirectory, ThatSeveralMakeAtATimeIsMadeOnce) {
 }
 
 // The television of a user without a home, as another user may have put it there.
-TEST(HostTelevisionPlace, InTmpMustBeThisUsersOwn) {
+TEST(TelevisionPlace, InTmpMustBeThisUsersOwn) {
   constexpr uid_t kSomebody = 54321;
   constexpr uid_t kForeignUser = 12345;
   if (geteuid() != 0) {
@@ -317,7 +302,7 @@ TEST(HostTelevisionPlace, InTmpMustBeThisUsersOwn) {
   fs::remove(place);
 }
 
-TEST_F(HostTelevisionDirectory, ShowsAReaderTheOldOrTheNewValueOnly) {
+TEST_F(TelevisionDirectory, ShowsAReaderTheOldOrTheNewValueOnly) {
   std::atomic<bool> isDone{false};
   std::thread writer([&] {
     for (int round = 0; round < 300; ++round) {
