@@ -15,8 +15,8 @@
 #include "fuzz/byte_reader.h"
 #include "fuzz/require.h"
 #include "orvex/platform/remote_voice.h"
-#include "unit/service/blocks.h"
-#include "unit/service/silent_wave.h"
+#include "support/voice_blocks.h"
+#include "support/wave_file.h"
 #include "world/runs/faults.h"
 #include "world/runs/run_rules.h"
 
@@ -31,17 +31,9 @@ constexpr int kMostFaults = 2;
 constexpr int kMostOrders = 60;
 
 const std::vector<std::int16_t>& Block(int kind) {
-  static const std::vector<std::int16_t> kBlocks[] = {
-      orvex::test::Ambient(), orvex::test::Tone(17000, 5000), orvex::test::Tone(19000, 5000),
-      [] {
-        std::vector<std::int16_t> samples = orvex::test::Tone(19000, 5000);
-        const std::vector<std::int16_t> beside = orvex::test::Tone(18000, 4500);
-        for (std::size_t i = 0; i < samples.size(); ++i) {
-          samples[i] = static_cast<std::int16_t>(samples[i] + beside[i]);
-        }
-        return samples;
-      }(),
-      orvex::test::Tone(17000, 30000)};
+  static const std::vector<std::int16_t> kBlocks[] = {orvex::test::Ambient(), orvex::test::Tone(17000, 5000),
+                                                      orvex::test::Tone(19000, 5000), orvex::test::NoisyTone19(5000),
+                                                      orvex::test::Tone(17000, 30000)};
   return kBlocks[static_cast<std::size_t>(kind) % std::size(kBlocks)];
 }
 

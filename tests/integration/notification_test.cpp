@@ -2,8 +2,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "common/manager_socket.h"
 #include "integration/service_run.h"
+#include "support/manager_socket.h"
 
 namespace orvex::integration {
 namespace {

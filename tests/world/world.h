@@ -28,6 +28,10 @@
 
 namespace orvex::world {
 
+// Settings that the service reads or is told of.
+constexpr char kOpticalFlagKey[] = "db/device-detector-service/optical_change_flag";
+constexpr char kConsentKey[] = "db/menu/tessar/homedatacontrol/defaultdisclaimeragree";
+
 // Results that calls answer instead of doing their work, by the name of the function.
 class Answers {
 public:
@@ -114,8 +118,7 @@ public:
   Journal journal;
   Answers answers;
 
-  std::map<std::string, int> settings{{"db/device-detector-service/optical_change_flag", 0},
-                                      {"db/menu/tessar/homedatacontrol/defaultdisclaimeragree", 0}};
+  std::map<std::string, int> settings{{kOpticalFlagKey, 0}, {kConsentKey, 0}};
   std::vector<Subscription> subscriptions;
   bool muted = false;
   std::int32_t volume = 15;

@@ -10,7 +10,8 @@
 
 namespace {
 
-using namespace orvex::world;
+using namespace orvex::test;
+using orvex::world::World;
 using testing::Contains;
 using testing::ElementsAreArray;
 
@@ -22,7 +23,7 @@ protected:
   }
 
   Texts Destroy() {
-    return LinesOf(world, [this] { audio->Destroy(); });
+    return During(world, [this] { audio->Destroy(); });
   }
 
   World world;
@@ -46,11 +47,11 @@ TEST_F(AlsaDestroy, TwiceClosesOnce) {
 
 TEST_F(AlsaDestroy, ComesWithTheObjectsEnd) {
   audio->Open();
-  EXPECT_THAT(LinesOf(world, [this] { audio.reset(); }), ElementsAreArray(DeviceIsClosed()));
+  EXPECT_THAT(During(world, [this] { audio.reset(); }), ElementsAreArray(DeviceIsClosed()));
 }
 
 TEST_F(AlsaDestroy, ComesWithTheObjectsEndAlsoWhenTheDeviceIsClosed) {
-  EXPECT_THAT(LinesOf(world, [this] { audio.reset(); }), ElementsAreArray(ClosedDeviceIsLeft()));
+  EXPECT_THAT(During(world, [this] { audio.reset(); }), ElementsAreArray(ClosedDeviceIsLeft()));
 }
 
 // What the device answers to drop and close, and the lines of that.
@@ -86,7 +87,7 @@ TEST_F(AlsaDestroy, GoesOnWithADeviceThatResists) {
 
 TEST_F(AlsaDestroy, ForgetsTheChunkSizeUntilTheNextOpen) {
   const std::vector<std::uint8_t> sound = Sound(4);
-  const auto play = [&] { return LinesOf(world, [&] { audio->Play(sound.data(), 4); }); };
+  const auto play = [&] { return During(world, [&] { audio->Play(sound.data(), 4); }); };
   audio->Open();
   EXPECT_THAT(play(), Contains("I0 period size[4]."));
   audio->Destroy();

@@ -8,7 +8,9 @@
 
 namespace {
 
-using namespace orvex::world;
+using namespace orvex::test;
+using orvex::world::Lane;
+using orvex::world::Time;
 using testing::ElementsAreArray;
 
 using AlsaErrors = TwoChunks;

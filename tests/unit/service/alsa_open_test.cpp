@@ -9,7 +9,8 @@
 
 namespace {
 
-using namespace orvex::world;
+using namespace orvex::test;
+using orvex::world::World;
 using testing::ElementsAre;
 using testing::ElementsAreArray;
 
@@ -41,11 +42,11 @@ const Texts kOpening = {"> snd_pcm_open(\"hw:0,8\", playback, 0) = 0",
 class AlsaOpen : public testing::Test {
 protected:
   Texts Open() {
-    return LinesOf(world, [this] { opened = audio.Open(); });
+    return During(world, [this] { opened = audio.Open(); });
   }
   Texts Play(std::uint32_t bytes) {
     const std::vector<std::uint8_t> sound = Sound(bytes);
-    return LinesOf(world, [&] { audio.Play(sound.data(), bytes); });
+    return During(world, [&] { audio.Play(sound.data(), bytes); });
   }
 
   World world;
@@ -85,7 +86,7 @@ TEST_F(AlsaOpen, SucceedsAfterOneThatFailed) {
 TEST_F(AlsaOpen, ThatFailsLeavesAClosedDevice) {
   world.answers.Next("snd_pcm_open", {-EBUSY});
   Open();
-  EXPECT_THAT(LinesOf(world, [this] { audio.Destroy(); }), ElementsAreArray(ClosedDeviceIsLeft()));
+  EXPECT_THAT(During(world, [this] { audio.Destroy(); }), ElementsAreArray(ClosedDeviceIsLeft()));
 }
 
 TEST_F(AlsaOpen, OfAnOpenDeviceWarnsAndKeepsItAsItIs) {

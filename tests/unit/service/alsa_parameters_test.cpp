@@ -10,7 +10,8 @@
 
 namespace {
 
-using namespace orvex::world;
+using namespace orvex::test;
+using orvex::world::World;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::ElementsAreArray;
@@ -69,7 +70,7 @@ Texts SoftwareLines(int availMin, int start, int stop) {
 class AlsaParameters : public testing::TestWithParam<Step> {
 protected:
   Texts Open() {
-    return LinesOf(world, [this] { opened = audio.Open(); });
+    return During(world, [this] { opened = audio.Open(); });
   }
 
   World world;
@@ -111,7 +112,7 @@ TEST_P(AlsaHardwareStep, ThatIsRefusedLeavesADeviceThatPlaysNothing) {
   Open();
   const std::vector<std::uint8_t> sound = Sound(64);
   EXPECT_THAT(
-      LinesOf(world, [&] { audio.Play(sound.data(), 64); }),
+      During(world, [&] { audio.Play(sound.data(), 64); }),
       ElementsAre("I0 period size[0].", "E0 framesize = 4, periodsize = 0, chunkbytes = 0", "E2 Assertion failed"));
 }
 
@@ -187,7 +188,7 @@ TEST_F(AlsaParameters, ThatCannotBeInstalledLeaveTheChunkSizeThatWasReadBack) {
   world.answers.Next("snd_pcm_frames_to_bytes", {4});
   Open();
   const std::vector<std::uint8_t> sound = Sound(8);
-  EXPECT_THAT(LinesOf(world, [&] { audio.Play(sound.data(), 8); }),
+  EXPECT_THAT(During(world, [&] { audio.Play(sound.data(), 8); }),
               Contains("E0 framesize = 4, periodsize = 4, chunkbytes = 128"));
   EXPECT_TRUE(world.journal.Has("> snd_pcm_writei(2) = -5"));
 }
@@ -219,7 +220,7 @@ TEST_F(AlsaParameters, ThatAreNotReportedPlayInDefaultChunks) {
   world.pcmLimits = {70000, 20000, 0, 0};
   Open();
   const std::vector<std::uint8_t> sound = Sound(65536);
-  const Texts lines = LinesOf(world, [&] { audio.Play(sound.data(), 65536); });
+  const Texts lines = During(world, [&] { audio.Play(sound.data(), 65536); });
   EXPECT_THAT(lines, ElementsAreArray(
                          Concat({{"I0 period size[2048].", "E0 framesize = 4, periodsize = 2048, chunkbytes = 65536"},
                                  ChunkIsCopied(0, 65536, 65536),
@@ -238,7 +239,7 @@ TEST_F(AlsaParameters, OfAnEarlierOpenAreUsedWhenTheNextCannotReadThemBack) {
     EXPECT_THAT(lines, Contains(call));
   }
   const std::vector<std::uint8_t> sound = Sound(8);
-  EXPECT_THAT(LinesOf(world, [&] { audio.Play(sound.data(), 8); }), Contains("I0 period size[0]."));
+  EXPECT_THAT(During(world, [&] { audio.Play(sound.data(), 8); }), Contains("I0 period size[0]."));
   EXPECT_THAT(world.journal.Calls(), Not(Contains("> snd_pcm_writei(2) = 2")));
 }
 

@@ -11,7 +11,9 @@
 
 namespace {
 
-using namespace orvex::world;
+using namespace orvex::test;
+using orvex::world::Time;
+using orvex::world::World;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::ElementsAreArray;
@@ -21,7 +23,7 @@ protected:
   AlsaPlay() { world.pcmLimits = SmallDevice(); }
 
   Texts Play(const std::vector<std::uint8_t>& sound) {
-    return LinesOf(world, [&] { audio.Play(sound.data(), static_cast<std::uint32_t>(sound.size())); });
+    return During(world, [&] { audio.Play(sound.data(), static_cast<std::uint32_t>(sound.size())); });
   }
 
   World world;
@@ -77,7 +79,7 @@ TEST_F(AlsaPlay, OfOneFrameIsWritten) {
 TEST_F(AlsaPlay, OfNothingIsRefusedInItsOnlyPass) {
   audio.Open();
   const std::vector<std::uint8_t> sound = Sound(4);
-  EXPECT_THAT(LinesOf(world, [&] { audio.Play(sound.data(), 0); }),
+  EXPECT_THAT(During(world, [&] { audio.Play(sound.data(), 0); }),
               ElementsAreArray(Concat(
                   {PlayBegins(), {"D0 playOffset = 0, leftLen = 0", "E2 invalid param. buf = <address> size = 0"}})));
 }

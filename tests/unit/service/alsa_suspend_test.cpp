@@ -8,7 +8,8 @@
 
 namespace {
 
-using namespace orvex::world;
+using namespace orvex::test;
+using orvex::world::Time;
 using testing::ElementsAreArray;
 
 // What a suspended device answers to resume and recover, and the lines from there to the second chunk.

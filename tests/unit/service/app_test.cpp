@@ -7,10 +7,13 @@
 #include <memory>
 #include <stdexcept>
 
-#include "world/world.h"
+#include "support/journal.h"
 
 namespace {
 
+using orvex::test::During;
+using orvex::test::LastOf;
+using orvex::test::Texts;
 using orvex::world::World;
 using testing::ElementsAre;
 using testing::IsSupersetOf;
@@ -22,13 +25,6 @@ protected:
   World world;
   COrvexApp app;
 
-  // What the journal holds after `step`.
-  template <class Step>
-  std::vector<std::string> JournalOf(Step step) {
-    world.journal.Clear();
-    step();
-    return world.journal.Texts();
-  }
   void CreateAndForgetEvents() {
     world.Create(app);
     world.journal.Clear();
@@ -45,7 +41,7 @@ TEST_F(App, CarriesItsIdentifierAndFixedAnswers) {
 
 TEST_F(App, CreateRegistersWithTheWatchdogThenStartsTheRun) {
   EXPECT_THAT(
-      JournalOf([this] { EXPECT_TRUE(app.t_OnCreate()); }),
+      During(world, [this] { EXPECT_TRUE(app.t_OnCreate()); }),
       ElementsAre("I0 Orvex Service Create!", "> watchdog_register(120) = 0", "> FwAlarm::Create(60000, forever)",
                   "> FwAlarm::SetAlarmCallback()", "I0 Create", "> ecore_timer_add(10.000000)",
                   "> settings_subscribe(\"db/device-detector-service/optical_change_flag\") = 0",
@@ -58,7 +54,7 @@ TEST_F(App, CreateRegistersWithTheWatchdogThenStartsTheRun) {
 
 TEST_F(App, ARejectedWatchdogRegistrationIsLoggedAndTheRunGoesOn) {
   world.answers.Always("watchdog_register", -1);
-  EXPECT_THAT(JournalOf([this] { EXPECT_TRUE(app.t_OnCreate()); }),
+  EXPECT_THAT(During(world, [this] { EXPECT_TRUE(app.t_OnCreate()); }),
               IsSupersetOf({"E2 Failed to register Orvex Service in gravet!", "> FwAlarm::Create(60000, forever)",
                             "> SendEvent(10000)", "I0 Orvex Service Create Done"}));
   app.t_OnDestroy();
@@ -66,7 +62,7 @@ TEST_F(App, ARejectedWatchdogRegistrationIsLoggedAndTheRunGoesOn) {
 
 TEST_F(App, AnotherNegativeRegistrationResultIsNoRejection) {
   world.answers.Always("watchdog_register", -2);
-  JournalOf([this] { app.t_OnCreate(); });
+  During(world, [this] { app.t_OnCreate(); });
   EXPECT_FALSE(world.journal.Has("E2 Failed to register Orvex Service in gravet!"));
   app.t_OnDestroy();
 }
@@ -98,18 +94,17 @@ TEST_F(App, EveryFailedNotificationIsLoggedAndTheNextOneStillComes) {
 TEST_F(App, DestroyReportsStopsDeletesTheTimerRestoresAndEndsTheAlarmInThisOrder) {
   CreateAndForgetEvents();
   app.t_OnDestroy();
-  const std::vector<std::string> texts = world.journal.Texts();
+  const Texts texts = world.journal.Texts();
   EXPECT_THAT(texts, testing::Contains("I0 text = {result=fail;delay=100;du=" +
                                        std::to_string(static_cast<std::int32_t>(
                                            static_cast<std::uint32_t>(1'700'000'000U * 1000ULL))) +
                                        ";terminate=etc}"));
   EXPECT_THAT(
-      std::vector<std::string>(texts.begin(), texts.begin() + 2),
+      Texts(texts.begin(), texts.begin() + 2),
       ElementsAre("I0 Destroy", "> settings_unsubscribe(\"db/device-detector-service/optical_change_flag\") = 0"));
-  EXPECT_THAT(std::vector<std::string>(texts.end() - 9, texts.end()),
-              ElementsAre("I0 Stop Orvex[3]", "I0 stop BT Recoder", "I0 BT Recoder is not started",
-                          "I0 stop Sound Player", "I0 Sound Player is not started", "> ecore_timer_del()", "I0 ",
-                          "> FwAlarm::Destroy()", "> ~FwAlarm()"));
+  EXPECT_THAT(LastOf(texts, 9), ElementsAre("I0 Stop Orvex[3]", "I0 stop BT Recoder", "I0 BT Recoder is not started",
+                                            "I0 stop Sound Player", "I0 Sound Player is not started",
+                                            "> ecore_timer_del()", "I0 ", "> FwAlarm::Destroy()", "> ~FwAlarm()"));
   EXPECT_EQ(world.openAlarms, 0);
   EXPECT_EQ(world.openTimers, 0);
 }
@@ -185,13 +180,13 @@ TEST_F(App, AnOpticalFlagNotificationWithoutAControllerIsLogged) {
 TEST_F(App, AnEventThatTheFrameworkTakesIsNotDispatched) {
   world.consumesEvents = true;
   FwEvent event(10007, app.GetEventReceiver());
-  EXPECT_THAT(JournalOf([&] { EXPECT_TRUE(app.t_OnEvent(&event)); }), ElementsAre("E0 pEvent.type 10007"));
+  EXPECT_THAT(During(world, [&] { EXPECT_TRUE(app.t_OnEvent(&event)); }), ElementsAre("E0 pEvent.type 10007"));
 }
 
 TEST_F(App, UnknownEventsAreLoggedAndTaken) {
   for (const int type : {9999, 10008, 0, -1}) {
     FwEvent event(type, app.GetEventReceiver());
-    EXPECT_THAT(JournalOf([&] { EXPECT_TRUE(app.t_OnEvent(&event)); }),
+    EXPECT_THAT(During(world, [&] { EXPECT_TRUE(app.t_OnEvent(&event)); }),
                 ElementsAre("E0 pEvent.type " + std::to_string(type), "E2 other event"));
   }
 }

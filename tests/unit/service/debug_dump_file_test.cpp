@@ -11,15 +11,16 @@
 #include <fstream>
 #include <string>
 
-#include "unit/service/dump_support.h"
-#include "world/world.h"
+#include "support/dump_files.h"
+#include "support/journal.h"
 
 namespace {
 
-using orvex::service_tests::AudioName;
-using orvex::service_tests::ContentOf;
-using orvex::service_tests::OpenDescriptorsOf;
-using orvex::service_tests::ResultName;
+using orvex::test::AudioName;
+using orvex::test::ContentOf;
+using orvex::test::During;
+using orvex::test::OpenDescriptorsOf;
+using orvex::test::ResultName;
 using orvex::world::World;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -42,16 +43,10 @@ protected:
     }
     fs::remove(elsewhere);
   }
-  template <class Action>
-  std::vector<std::string> During(Action action) {
-    world.journal.Clear();
-    action();
-    return world.journal.Texts();
-  }
   // Both writers answer that nothing is open.
   void ExpectClosed() {
-    EXPECT_THAT(During([&] { writer.DebugDump(std::string("text")); }), ElementsAre(kNull));
-    EXPECT_THAT(During([&] { writer.DebugDump("data", 4); }), ElementsAre(kNull));
+    EXPECT_THAT(During(world, [&] { writer.DebugDump(std::string("text")); }), ElementsAre(kNull));
+    EXPECT_THAT(During(world, [&] { writer.DebugDump("data", 4); }), ElementsAre(kNull));
   }
   static std::string StartLine(int recording) {
     return "E0 Temp file name=[" + AudioName(recording) + "][" + ResultName(recording) + "]";
@@ -64,25 +59,27 @@ protected:
 
 TEST_F(DebugDumpFile, EachRecordingOfAProcessHasAPairWithTheNextNumber) {
   for (const int recording : {1, 2, 3}) {
-    EXPECT_THAT(During([&] { writer.Start(); }), ElementsAre("I0 CDebugDumpImplFile start", StartLine(recording)));
+    EXPECT_THAT(During(world, [&] { writer.Start(); }),
+                ElementsAre("I0 CDebugDumpImplFile start", StartLine(recording)));
     EXPECT_EQ(ContentOf(AudioName(recording)), "");
     EXPECT_EQ(ContentOf(ResultName(recording)), "");
-    EXPECT_THAT(During([&] { writer.Stop(); }), ElementsAre("I0 CDebugDumpImplFile Stop"));
+    EXPECT_THAT(During(world, [&] { writer.Stop(); }), ElementsAre("I0 CDebugDumpImplFile Stop"));
   }
 }
 
 TEST_F(DebugDumpFile, TextsAndDataAreWrittenAsTheyAre) {
   const std::string binary("\0\xff\r\n%s\0", 7);
   writer.Start();
-  EXPECT_THAT(During([&] {
-                writer.DebugDump(std::string("first %d\n"));
-                writer.DebugDump(binary.data(), binary.size());
-                writer.DebugDump(std::string());
-                writer.DebugDump(binary);
-                writer.DebugDump(binary.data(), 0);
-                writer.DebugDump(nullptr, 0);
-                writer.DebugDump(binary.data(), 2);
-              }),
+  EXPECT_THAT(During(world,
+                     [&] {
+                       writer.DebugDump(std::string("first %d\n"));
+                       writer.DebugDump(binary.data(), binary.size());
+                       writer.DebugDump(std::string());
+                       writer.DebugDump(binary);
+                       writer.DebugDump(binary.data(), 0);
+                       writer.DebugDump(nullptr, 0);
+                       writer.DebugDump(binary.data(), 2);
+                     }),
               IsEmpty());
   writer.Stop();
   EXPECT_EQ(ContentOf(ResultName(1)), "first %d\n" + binary);
@@ -114,7 +111,7 @@ TEST_F(DebugDumpFile, BeforeAStartAndAfterAStopNothingIsWritten) {
 TEST_F(DebugDumpFile, ASecondStopOnlySaysSo) {
   writer.Start();
   writer.Stop();
-  EXPECT_THAT(During([&] { writer.Stop(); }), ElementsAre("I0 CDebugDumpImplFile Stop"));
+  EXPECT_THAT(During(world, [&] { writer.Stop(); }), ElementsAre("I0 CDebugDumpImplFile Stop"));
 }
 
 TEST_F(DebugDumpFile, FilesOfAnEarlierProcessAreEmptiedFirst) {
@@ -142,15 +139,17 @@ TEST_F(DebugDumpFile, OthersCannotReadThem) {
 
 TEST_F(DebugDumpFile, WithoutARawFileThereIsNoResultFileEither) {
   fs::create_directory(AudioName(1));
-  EXPECT_THAT(During([&] { writer.Start(); }), ElementsAre("I0 CDebugDumpImplFile start", StartLine(1), kNotFound));
+  EXPECT_THAT(During(world, [&] { writer.Start(); }),
+              ElementsAre("I0 CDebugDumpImplFile start", StartLine(1), kNotFound));
   EXPECT_FALSE(fs::exists(ResultName(1)));
   ExpectClosed();
-  EXPECT_THAT(During([&] { writer.Stop(); }), ElementsAre("I0 CDebugDumpImplFile Stop"));
+  EXPECT_THAT(During(world, [&] { writer.Stop(); }), ElementsAre("I0 CDebugDumpImplFile Stop"));
 }
 
 TEST_F(DebugDumpFile, WithoutAResultFileNoAudioIsKept) {
   fs::create_directory(ResultName(1));
-  EXPECT_THAT(During([&] { writer.Start(); }), ElementsAre("I0 CDebugDumpImplFile start", StartLine(1), kNotFound));
+  EXPECT_THAT(During(world, [&] { writer.Start(); }),
+              ElementsAre("I0 CDebugDumpImplFile start", StartLine(1), kNotFound));
   ExpectClosed();
   writer.Stop();
   EXPECT_EQ(ContentOf(AudioName(1)), "");
@@ -158,7 +157,8 @@ TEST_F(DebugDumpFile, WithoutAResultFileNoAudioIsKept) {
 
 TEST_F(DebugDumpFile, AFileThatFindsNoMemoryIsNotLeftOpen) {
   world.answers.Next("fdopen", {0});
-  EXPECT_THAT(During([&] { writer.Start(); }), ElementsAre("I0 CDebugDumpImplFile start", StartLine(1), kNotFound));
+  EXPECT_THAT(During(world, [&] { writer.Start(); }),
+              ElementsAre("I0 CDebugDumpImplFile start", StartLine(1), kNotFound));
   EXPECT_EQ(OpenDescriptorsOf(AudioName(1)), 0);
   EXPECT_FALSE(fs::exists(ResultName(1)));
   ExpectClosed();
@@ -167,7 +167,7 @@ TEST_F(DebugDumpFile, AFileThatFindsNoMemoryIsNotLeftOpen) {
 TEST_F(DebugDumpFile, ARecordingAfterAFailedOneHasTheNextNumber) {
   fs::create_directory(AudioName(1));
   writer.Start();
-  EXPECT_THAT(During([&] { writer.Start(); }), ElementsAre("I0 CDebugDumpImplFile start", StartLine(2)));
+  EXPECT_THAT(During(world, [&] { writer.Start(); }), ElementsAre("I0 CDebugDumpImplFile start", StartLine(2)));
   writer.DebugDump(std::string("text"));
   writer.DebugDump("data", 4);
   writer.Stop();
@@ -255,7 +255,8 @@ protected:
   void ExpectRefusedAt(const std::string& name) {
     GetParam().place(name, elsewhere);
     const std::string before = GetParam().look(name, elsewhere);
-    EXPECT_THAT(During([&] { writer.Start(); }), ElementsAre("I0 CDebugDumpImplFile start", StartLine(1), kNotFound));
+    EXPECT_THAT(During(world, [&] { writer.Start(); }),
+                ElementsAre("I0 CDebugDumpImplFile start", StartLine(1), kNotFound));
     ExpectClosed();
     writer.Stop();
     EXPECT_EQ(GetParam().look(name, elsewhere), before);

@@ -6,15 +6,15 @@
 #include <string>
 
 #include "Util/DebugDumpImplFile.h"
-#include "unit/service/dump_support.h"
+#include "support/dump_files.h"
 #include "world/world.h"
 
 namespace {
 
-using orvex::service_tests::AudioName;
-using orvex::service_tests::ContentOf;
-using orvex::service_tests::OpenDescriptorsOf;
-using orvex::service_tests::ResultName;
+using orvex::test::AudioName;
+using orvex::test::ContentOf;
+using orvex::test::OpenDescriptorsOf;
+using orvex::test::ResultName;
 using orvex::world::World;
 namespace fs = std::filesystem;
 

@@ -8,13 +8,12 @@
 #include <utility>
 
 #include "Util/Singleton.h"
-#include "unit/service/dump_support.h"
+#include "support/dump_files.h"
 #include "world/world.h"
 
 namespace {
 
-using orvex::service_tests::ContentOf;
-using orvex::service_tests::DumpedRecordings;
+using orvex::test::DumpFiles;
 using orvex::world::World;
 using testing::ElementsAre;
 using testing::InSequence;
@@ -79,7 +78,7 @@ TEST(DebugDump, HasNoWriterWhenThereIsNoMemoryForOne) {
 }
 
 TEST(DebugDump, WritesFilesUnlessItIsToldOtherwise) {
-  DumpedRecordings recordings;
+  const DumpFiles dumpFiles;
   World world;
   CDebugDump dump;
   dump.Start();
@@ -89,9 +88,8 @@ TEST(DebugDump, WritesFilesUnlessItIsToldOtherwise) {
   EXPECT_THAT(world.journal.Texts(),
               ElementsAre("I0 CDebugDumpImplFile start", StartsWith("E0 Temp file name=[/tmp/audio_dump_"),
                           "I0 CDebugDumpImplFile Stop"));
-  recordings.Note(world.journal);
-  EXPECT_EQ(ContentOf(recordings.Last().results), "result\n");
-  EXPECT_EQ(ContentOf(recordings.Last().audio), "audio");
+  EXPECT_EQ(DumpFiles::Results(), "result\n");
+  EXPECT_EQ(DumpFiles::Audio(), "audio");
 }
 
 TEST(DebugDump, IsOneForTheProcess) {

@@ -7,11 +7,11 @@
 
 namespace {
 
-using orvex::service_tests::During;
-using orvex::service_tests::FromTo;
-using orvex::service_tests::RecordTest;
-using orvex::service_tests::Texts;
+using orvex::test::During;
+using orvex::test::FromTo;
+using orvex::test::RecordTest;
 using orvex::test::Run;
+using orvex::test::Texts;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::StartsWith;

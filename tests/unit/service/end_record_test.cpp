@@ -7,9 +7,9 @@
 
 namespace {
 
-using orvex::service_tests::During;
-using orvex::service_tests::RecordTest;
-using orvex::service_tests::Texts;
+using orvex::test::During;
+using orvex::test::RecordTest;
+using orvex::test::Texts;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;

@@ -8,21 +8,15 @@
 
 namespace {
 
-using orvex::test::Ambient;
+using orvex::test::FromTo;
+using orvex::test::LastOf;
 using orvex::test::Run;
+using orvex::test::Texts;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsSupersetOf;
 using testing::Not;
 using testing::StartsWith;
-
-// The part of `texts` from the first to the last of two texts.
-std::vector<std::string> Slice(const std::vector<std::string>& texts, const std::string& first,
-                               const std::string& last) {
-  const auto begin = std::find(texts.begin(), texts.end(), first);
-  const auto end = std::find(begin, texts.end(), last);
-  return end == texts.end() ? std::vector<std::string>{} : std::vector<std::string>(begin, end + 1);
-}
 
 class Events : public Run {
 protected:
@@ -42,11 +36,11 @@ protected:
 };
 
 TEST_F(Events, StartSyncReportsReadsTheBaseSendsTheNextEventAndTakesTheTime) {
-  const std::vector<std::string> texts = Handle(ORVEX_START_SYNC);
+  const Texts texts = Handle(ORVEX_START_SYNC);
   EXPECT_EQ(texts.at(0), "E0 pEvent.type 10000");
   EXPECT_EQ(texts.at(1), "I0 ORVEX_START_SYNC");
-  EXPECT_THAT(Slice(texts, "> settings_get_int(\"db/menu/tessar/homedatacontrol/defaultdisclaimeragree\") = 0",
-                    "I0 1700000000:0"),
+  EXPECT_THAT(FromTo(texts, "> settings_get_int(\"db/menu/tessar/homedatacontrol/defaultdisclaimeragree\") = 0",
+                     "I0 1700000000:0"),
               ElementsAre("> settings_get_int(\"db/menu/tessar/homedatacontrol/defaultdisclaimeragree\") = 0",
                           "I0 defaultdisclaimeragree=0", "> IAudioControl::getInstance() = object",
                           "> getSpdifOutDelay() = 0", "E0 spdif out delay = 100", "> avoc_get_delay(1) = 0",
@@ -63,17 +57,15 @@ TEST_F(Events, StartRecodingStartsTheRecorderThread) {
 
 TEST_F(Events, ARecorderThatCannotBeStartedEndsTheMainLoop) {
   world.answers.Always("pthread_create", 11);
-  const std::vector<std::string> texts = Handle(ORVEX_START_BT_RECODING);
-  EXPECT_THAT(std::vector<std::string>(texts.end() - 2, texts.end()),
-              ElementsAre("E2 fail bt recoding", "> ui_app_exit()"));
+  const Texts texts = Handle(ORVEX_START_BT_RECODING);
+  EXPECT_THAT(LastOf(texts, 2), ElementsAre("E2 fail bt recoding", "> ui_app_exit()"));
 }
 
 TEST_F(Events, ASoundThatCannotBeStartedEndsTheMainLoop) {
   world.answers.Always("snd_pcm_open", -2);
-  const std::vector<std::string> texts = Handle(ORVEX_PLAY_INAUDIBLE_SOUND);
+  const Texts texts = Handle(ORVEX_PLAY_INAUDIBLE_SOUND);
   EXPECT_EQ(texts.at(1), "I0 ORVEX_PLAY_INAUDIBLE_SOUND");
-  EXPECT_THAT(std::vector<std::string>(texts.end() - 3, texts.end()),
-              ElementsAre("E2 fail to play wave", "E2 fail to play sound", "> ui_app_exit()"));
+  EXPECT_THAT(LastOf(texts, 3), ElementsAre("E2 fail to play wave", "E2 fail to play sound", "> ui_app_exit()"));
   EXPECT_STREQ(app.GetManager().GetTerminateStatus(), "play_fail");
 }
 
@@ -114,7 +106,7 @@ TEST_F(Events, TheDelayThatEndSyncDumpsIsTheOneThatItHasSet) {
   LearnAmbient();
   DeliverPair(2);
   Handle(ORVEX_END_SYNC);
-  EXPECT_EQ(orvex::service_tests::ContentOf(recordings.Last().results),
+  EXPECT_EQ(orvex::test::DumpFiles::Results(),
             "[RESULT] [36] - [38] : 0.0330\n"
             "result_set_value : [main: 0], [spdif: 100]\n"
             "result_set_value : [main: 0], [spdif: 67]\n");
@@ -155,9 +147,9 @@ TEST_F(Events, AHugeBaseIsUnsigned) {
 
 TEST_F(Events, WithoutADifferenceNothingIsSetButEverythingElseIsDone) {
   StartRecording();
-  const std::vector<std::string> texts = Handle(ORVEX_END_SYNC);
+  const Texts texts = Handle(ORVEX_END_SYNC);
   EXPECT_THAT(
-      Slice(texts, "I0 diff time = 0.0000\n", "I0 CDebugDumpImplFile Stop"),
+      FromTo(texts, "I0 diff time = 0.0000\n", "I0 CDebugDumpImplFile Stop"),
       ElementsAre("I0 diff time = 0.0000\n", "E2 no_diff_detected!!\n", "> IAudioControl::getInstance() = object",
                   "> getSpdifOutDelay() = 0", "E0 spdif out delay = 100", "> avoc_get_delay(1) = 0",
                   "E0 main out delay = 0, avoc delay = 100", "I0 CDebugDumpImplFile Stop"));
@@ -229,9 +221,8 @@ TEST_F(Retry, IsGrantedWhenTheDelayHasChangedAndTakesTheNewBaseAndTime) {
 
 TEST_F(Retry, IsRefusedWithAnUnchangedDelay) {
   StartFrom(100);
-  const std::vector<std::string> texts = Handle(ORVEX_RESTART_BT_RECODING);
-  EXPECT_THAT(std::vector<std::string>(texts.end() - 2, texts.end()),
-              ElementsAre("E2 no need to retry sync", "> ui_app_exit()"));
+  const Texts texts = Handle(ORVEX_RESTART_BT_RECODING);
+  EXPECT_THAT(LastOf(texts, 2), ElementsAre("E2 no need to retry sync", "> ui_app_exit()"));
 }
 
 TEST_F(Retry, IsRefusedWithADelayOfZero) {

@@ -3,12 +3,12 @@
 
 namespace {
 
-using orvex::service_tests::During;
-using orvex::service_tests::FunctionsThatLogged;
-using orvex::service_tests::kInstance;
-using orvex::service_tests::LogManagerTest;
-using orvex::service_tests::Texts;
-using orvex::service_tests::Then;
+using orvex::test::Concat;
+using orvex::test::During;
+using orvex::test::FunctionsThatLogged;
+using orvex::test::kInstance;
+using orvex::test::LogManagerTest;
+using orvex::test::Texts;
 using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::IsEmpty;
@@ -29,10 +29,10 @@ protected:
 
 TEST_F(KeptRecords, AreSentOldestFirstWhenTheOwnerAgrees) {
   Keep({"a", "b", "c"});
-  Texts expected = Then(kNotified, Asked(1));
-  expected = Then(Then(expected, Asked(1)), {Announced("a"), kInstance, Added("a", 1), "I0 add event log sync:1"});
-  expected = Then(Then(expected, Asked(1)), Sent("b"));
-  expected = Then(Then(expected, Asked(1)), Sent("c"));
+  Texts expected = Concat({kNotified, Asked(1)});
+  expected = Concat({expected, Asked(1), {Announced("a"), kInstance, Added("a", 1), "I0 add event log sync:1"}});
+  expected = Concat({expected, Asked(1), Sent("b")});
+  expected = Concat({expected, Asked(1), Sent("c")});
   EXPECT_THAT(Write(1), ElementsAreArray(expected));
   EXPECT_THAT(ValuesSent(), ElementsAre("a", "b", "c"));
 }
@@ -40,13 +40,13 @@ TEST_F(KeptRecords, AreSentOldestFirstWhenTheOwnerAgrees) {
 TEST_F(KeptRecords, AreSentOnceOnly) {
   Keep({"a"});
   Write(1);
-  EXPECT_THAT(Write(1), ElementsAreArray(Then(kNotified, Asked(1))));
+  EXPECT_THAT(Write(1), ElementsAreArray(Concat({kNotified, Asked(1)})));
   EXPECT_THAT(ValuesSent(), ElementsAre("a"));
 }
 
 TEST_F(KeptRecords, StayWhileTheOwnerDoesNotAgree) {
   Keep({"a", "b"});
-  EXPECT_THAT(Write(0), ElementsAreArray(Then(Then(kNotified, Asked(0)), {kNotAgreed})));
+  EXPECT_THAT(Write(0), ElementsAreArray(Concat({kNotified, Asked(0), {kNotAgreed}})));
   EXPECT_THAT(world.events, IsEmpty());
   Write(1);
   EXPECT_THAT(ValuesSent(), ElementsAre("a", "b"));
@@ -55,7 +55,7 @@ TEST_F(KeptRecords, StayWhileTheOwnerDoesNotAgree) {
 TEST_F(KeptRecords, StayWhenTheChangedSettingCannotBeRead) {
   Keep({"a"});
   world.answers.Next("settings_get_int", {-2});
-  EXPECT_THAT(Write(1), ElementsAreArray(Then(Then(kNotified, CouldNotAsk(-2)), {kNotAgreed})));
+  EXPECT_THAT(Write(1), ElementsAreArray(Concat({kNotified, CouldNotAsk(-2), {kNotAgreed}})));
   Write(1);
   EXPECT_THAT(ValuesSent(), ElementsAre("a"));
 }
@@ -92,9 +92,9 @@ TEST_F(KeptRecords, AreLostWhenTheCollectorRefusesThemButTheOthersAreSent) {
   MeetTheCollector();
   Keep({"a", "b", "c"});
   world.answers.Next("event_log_add_sync", {1, 0, 1});
-  Texts expected = Then(Then(kNotified, Asked(1)), Then(Asked(1), Sent("a")));
-  expected = Then(Then(expected, Asked(1)), Refused("b", 0));
-  expected = Then(Then(expected, Asked(1)), Sent("c"));
+  Texts expected = Concat({kNotified, Asked(1), Concat({Asked(1), Sent("a")})});
+  expected = Concat({expected, Asked(1), Refused("b", 0)});
+  expected = Concat({expected, Asked(1), Sent("c")});
   EXPECT_THAT(Write(1), ElementsAreArray(expected));
   Write(1);
   EXPECT_THAT(ValuesSent(), ElementsAre("a", "c"));
@@ -119,11 +119,11 @@ TEST_F(KeptRecords, AreLostWhenTheOwnerTakesTheConsentBackWhileTheyAreSent) {
       Consent(0);
     }
   };
-  Texts expected = Then(Then(kNotified, Asked(1)), Then(Asked(1), Sent("a")));
-  expected = Then(Then(expected, Asked(0)), Asked(0));
+  Texts expected = Concat({kNotified, Asked(1), Concat({Asked(1), Sent("a")})});
+  expected = Concat({expected, Asked(0), Asked(0)});
   EXPECT_THAT(Write(1), ElementsAreArray(expected));
   world.onCall = nullptr;
-  EXPECT_THAT(Write(1), ElementsAreArray(Then(kNotified, Asked(1))));
+  EXPECT_THAT(Write(1), ElementsAreArray(Concat({kNotified, Asked(1)})));
   EXPECT_THAT(ValuesSent(), ElementsAre("a"));
 }
 
@@ -132,10 +132,10 @@ TEST_F(KeptRecords, ThatMeetASettingWhichCannotBeReadAreLostAlone) {
   Keep({"a", "b", "c"});
   // The notification's own look, then one for each record.
   world.answers.Next("settings_get_int", {0, 0, -3, 0});
-  Texts expected = Then(Then(kNotified, Asked(1)), Then(Asked(1), Sent("a")));
-  expected = Then(Then(expected, CouldNotAsk(-3)), Then(Asked(1), Sent("c")));
+  Texts expected = Concat({kNotified, Asked(1), Concat({Asked(1), Sent("a")})});
+  expected = Concat({expected, CouldNotAsk(-3), Concat({Asked(1), Sent("c")})});
   EXPECT_THAT(Write(1), ElementsAreArray(expected));
-  EXPECT_THAT(Write(1), ElementsAreArray(Then(kNotified, Asked(1))));
+  EXPECT_THAT(Write(1), ElementsAreArray(Concat({kNotified, Asked(1)})));
   EXPECT_THAT(ValuesSent(), ElementsAre("a", "c"));
 }
 
@@ -187,9 +187,9 @@ TEST_F(KeptRecords, ANotificationWithoutAManagerIsReportedAndTheSettingStillRead
   Keep({"a"});
   const auto notify = [this] { world.subscriptions.at(0).callback(nullptr, nullptr); };
   const Texts begin = {"I0 ", "E2 Assertion failed", "I0 "};
-  EXPECT_THAT(During(world, notify), ElementsAreArray(Then(Then(begin, Asked(0)), {kNotAgreed})));
+  EXPECT_THAT(During(world, notify), ElementsAreArray(Concat({begin, Asked(0), {kNotAgreed}})));
   Consent(1);
-  EXPECT_THAT(During(world, notify), ElementsAreArray(Then(begin, Asked(1))));
+  EXPECT_THAT(During(world, notify), ElementsAreArray(Concat({begin, Asked(1)})));
   Write(1);
   EXPECT_THAT(ValuesSent(), ElementsAre("a")) << "the kept ones were left alone";
 }

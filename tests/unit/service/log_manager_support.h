@@ -8,9 +8,9 @@
 #include <string>
 
 #include "Util/OrvexLogManager.h"
-#include "unit/service/journal_support.h"
+#include "support/journal.h"
 
-namespace orvex::service_tests {
+namespace orvex::test {
 
 constexpr char kInstance[] = "> event_log_get_instance() = object";
 
@@ -78,4 +78,4 @@ protected:
   std::unique_ptr<COrvexLogManager> manager;
 };
 
-}  // namespace orvex::service_tests
+}  // namespace orvex::test

@@ -6,13 +6,11 @@
 
 namespace {
 
-using orvex::service_tests::During;
-using orvex::service_tests::kHighest;
-using orvex::service_tests::kInstance;
-using orvex::service_tests::kLowest;
-using orvex::service_tests::LogManagerTest;
-using orvex::service_tests::Texts;
-using orvex::service_tests::Then;
+using orvex::test::Concat;
+using orvex::test::During;
+using orvex::test::kInstance;
+using orvex::test::LogManagerTest;
+using orvex::test::Texts;
 using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::IsEmpty;
@@ -50,13 +48,14 @@ TEST_F(LogManager, WorksWithoutItsSubscription) {
 
 TEST_F(LogManager, SendsARecordAtOnceWhenTheOwnerHasAgreed) {
   Consent(1);
-  EXPECT_THAT(Add("a", 1),
-              ElementsAreArray(Then(Asked(1), {Announced("a"), kInstance, Added("a", 1), "I0 add event log sync:1"})));
+  EXPECT_THAT(
+      Add("a", 1),
+      ElementsAreArray(Concat({Asked(1), {Announced("a"), kInstance, Added("a", 1), "I0 add event log sync:1"}})));
   EXPECT_THAT(ValuesSent(), ElementsAre("a"));
 }
 
 TEST_F(LogManager, TakesEveryValueButZeroForConsent) {
-  for (const int value : {1, 2, -1, kLowest, kHighest}) {
+  for (const int value : {1, 2, -1, INT32_MIN, INT32_MAX}) {
     Consent(value);
     world.events.clear();
     EXPECT_EQ(Add("a", 1).at(1), "I0 defaultdisclaimeragree=" + std::to_string(value));
@@ -71,7 +70,7 @@ TEST_F(LogManager, KeepsARecordSilentlyWhenTheOwnerHasNotAgreed) {
 
 TEST_F(LogManager, TakesASettingThatCannotBeReadForNoConsent) {
   Consent(1);
-  for (const int result : {-1, -2, -3, 1, kLowest}) {
+  for (const int result : {-1, -2, -3, 1, INT32_MIN}) {
     world.answers.Next("settings_get_int", {result});
     EXPECT_THAT(Add("kept", 1), ElementsAreArray(CouldNotAsk(result)));
   }
@@ -96,14 +95,14 @@ TEST_F(LogManager, AsksForTheCollectorUntilItIsThereAndThenNeverAgain) {
   world.hasEventLog = false;
   for (int time = 0; time < 2; ++time) {
     EXPECT_THAT(Add("lost", 0),
-                ElementsAreArray(Then(Asked(1), {Announced("lost"), kNoInstance, "E2 Get[CLogger]instance err"})));
+                ElementsAreArray(Concat({Asked(1), {Announced("lost"), kNoInstance, "E2 Get[CLogger]instance err"}})));
   }
   world.hasEventLog = true;
-  EXPECT_THAT(
-      Add("first", 1),
-      ElementsAreArray(Then(Asked(1), {Announced("first"), kInstance, Added("first", 1), "I0 add event log sync:1"})));
+  EXPECT_THAT(Add("first", 1),
+              ElementsAreArray(
+                  Concat({Asked(1), {Announced("first"), kInstance, Added("first", 1), "I0 add event log sync:1"}})));
   world.hasEventLog = false;
-  EXPECT_THAT(Add("second", 1), ElementsAreArray(Then(Asked(1), Sent("second"))));
+  EXPECT_THAT(Add("second", 1), ElementsAreArray(Concat({Asked(1), Sent("second")})));
   EXPECT_THAT(ValuesSent(), ElementsAre("first", "second"));
 }
 
@@ -127,16 +126,16 @@ TEST_F(LogManager, KeepsTheCollectorThatRefusedARecord) {
   Consent(1);
   world.answers.Next("event_log_add_sync", {0});
   Add("lost", 0);
-  EXPECT_THAT(Add("sent", 1), ElementsAreArray(Then(Asked(1), Sent("sent"))));
+  EXPECT_THAT(Add("sent", 1), ElementsAreArray(Concat({Asked(1), Sent("sent")})));
 }
 
 TEST_F(LogManager, LosesARecordThatTheCollectorDoesNotAccept) {
   Consent(1);
   Add("asks for the collector", 1);
   world.events.clear();
-  for (const int result : {0, -1, 2, kLowest, kHighest}) {
+  for (const int result : {0, -1, 2, INT32_MIN, INT32_MAX}) {
     world.answers.Next("event_log_add_sync", {result});
-    EXPECT_THAT(Add("lost", 0), ElementsAreArray(Then(Asked(1), Refused("lost", result))));
+    EXPECT_THAT(Add("lost", 0), ElementsAreArray(Concat({Asked(1), Refused("lost", result)})));
   }
   Write(1);
   EXPECT_THAT(world.events, IsEmpty()) << "no second try";
@@ -160,9 +159,10 @@ TEST_P(RecordContent, IsLoggedAsItStandsAndSentAsServiceEventCategoryAndValue) {
     message.body[key] = text;
   }
   EXPECT_THAT(Add(message, 1),
-              ElementsAreArray(Then(Asked(1), {GetParam().line, kInstance,
-                                               "> event_log_add_sync(" + std::string(GetParam().sent) + ") = 1",
-                                               "I0 add event log sync:1"})));
+              ElementsAreArray(
+                  Concat({Asked(1),
+                          {GetParam().line, kInstance, "> event_log_add_sync(" + std::string(GetParam().sent) + ") = 1",
+                           "I0 add event log sync:1"}})));
 }
 
 INSTANTIATE_TEST_SUITE_P(

@@ -8,7 +8,7 @@
 
 #include "Application/OrvexApp.h"
 #include "Util/OrvexLog.h"
-#include "unit/service/dump_support.h"
+#include "support/dump_files.h"
 #include "world/world.h"
 
 namespace {
@@ -95,6 +95,7 @@ TEST(LogMessage, MayBeEmptyOrHoldWhatLooksLikeAFormat) {
 // A whole run with every worker, so that lines of all classes are there.
 TEST(LogMessage, OfEveryClassHasTheSameForm) {
   const std::regex form("([A-Za-z]+\\.(?:cpp|h)): [A-Za-z_0-9]+\\([0-9]+\\) > \033\\[3[1237]m[^\033]*\033\\[0m\n");
+  const orvex::test::DumpFiles dumpFiles;
   World world;
   COrvexApp app;
   world.Create(app);
@@ -113,8 +114,6 @@ TEST(LogMessage, OfEveryClassHasTheSameForm) {
     ASSERT_TRUE(std::regex_match(entry.record, parts, form)) << entry.record;
     files.insert(parts[1]);
   }
-  orvex::service_tests::DumpedRecordings recordings;
-  recordings.Note(world.journal);
   EXPECT_THAT(files, testing::IsSupersetOf({"OrvexApp.cpp", "OrvexManager.cpp", "OrvexReceiver.cpp", "AudioControl.cpp",
                                             "DebugDumpImplFile.cpp"}));
 }

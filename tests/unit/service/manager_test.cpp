@@ -5,19 +5,16 @@
 
 namespace {
 
+using orvex::test::During;
+using orvex::test::LastOf;
+using orvex::test::NoisyTone19;
 using orvex::test::Run;
+using orvex::test::Texts;
 using testing::ElementsAre;
 using testing::StartsWith;
 
 class Manager : public testing::Test {
 protected:
-  template <class Step>
-  std::vector<std::string> JournalOf(Step step) {
-    world.journal.Clear();
-    step();
-    return world.journal.Texts();
-  }
-
   orvex::world::World world;
   OrvexManager manager;
 };
@@ -29,15 +26,15 @@ TEST_F(Manager, BeginsWithNothingDone) {
 }
 
 TEST_F(Manager, StopWithNothingStartedOnlyLogs) {
-  EXPECT_THAT(JournalOf([this] { manager.m_StopOrvex(3); }),
+  EXPECT_THAT(During(world, [this] { manager.m_StopOrvex(3); }),
               ElementsAre("I0 Stop Orvex[3]", "I0 stop BT Recoder", "I0 BT Recoder is not started",
                           "I0 stop Sound Player", "I0 Sound Player is not started"));
-  EXPECT_THAT(JournalOf([this] { manager.m_StopOrvex(0); }), ElementsAre("I0 Stop Orvex[0]"));
+  EXPECT_THAT(During(world, [this] { manager.m_StopOrvex(0); }), ElementsAre("I0 Stop Orvex[0]"));
 }
 
 TEST_F(Manager, ARecorderThatRunsIsNotStartedAgain) {
   EXPECT_TRUE(manager.m_StartOrvex(1));
-  EXPECT_THAT(JournalOf([this] { EXPECT_TRUE(manager.m_StartOrvex(1)); }),
+  EXPECT_THAT(During(world, [this] { EXPECT_TRUE(manager.m_StartOrvex(1)); }),
               ElementsAre("I0 Start Orvex[1]", "I0 start BT Recoder", "I0 BT Recoder already started"));
   manager.m_StopOrvex(1);
 }
@@ -45,7 +42,7 @@ TEST_F(Manager, ARecorderThatRunsIsNotStartedAgain) {
 TEST_F(Manager, AThreadThatCannotBeCreatedIsTriedAgainAfterATenthOfASecond) {
   world.answers.Next("pthread_create", {11});
   EXPECT_THAT(
-      JournalOf([this] { EXPECT_TRUE(manager.m_StartOrvex(1)); }),
+      During(world, [this] { EXPECT_TRUE(manager.m_StartOrvex(1)); }),
       ElementsAre("I0 Start Orvex[1]", "I0 start BT Recoder", "> pthread_create() = 11", "E2 pthread_create FAIL 1st!!",
                   "> usleep(100000)", "> pthread_create() = 0", "E0 Create Thread Success at 2nd time"));
   EXPECT_EQ(world.scheduler.Now(), std::chrono::milliseconds(100));
@@ -54,11 +51,11 @@ TEST_F(Manager, AThreadThatCannotBeCreatedIsTriedAgainAfterATenthOfASecond) {
 
 TEST_F(Manager, AThreadThatCannotBeCreatedTwiceIsAFailureAndTheRecorderIsNotStarted) {
   world.answers.Next("pthread_create", {11, 11});
-  EXPECT_THAT(JournalOf([this] { EXPECT_FALSE(manager.m_StartOrvex(1)); }),
+  EXPECT_THAT(During(world, [this] { EXPECT_FALSE(manager.m_StartOrvex(1)); }),
               ElementsAre("I0 Start Orvex[1]", "I0 start BT Recoder", "> pthread_create() = 11",
                           "E2 pthread_create FAIL 1st!!", "> usleep(100000)", "> pthread_create() = 11",
                           "E2 pthread_create FAIL 2nd!!", "E2 Assertion failed"));
-  EXPECT_THAT(JournalOf([this] { manager.m_StopOrvex(1); }),
+  EXPECT_THAT(During(world, [this] { manager.m_StopOrvex(1); }),
               ElementsAre("I0 Stop Orvex[1]", "I0 stop BT Recoder", "I0 BT Recoder is not started"));
 }
 
@@ -69,13 +66,13 @@ TEST_F(Manager, EveryOtherSelectorStartsThePlayerOnce) {
   EXPECT_TRUE(manager.m_StartOrvex(7));
   EXPECT_EQ(world.journal.Texts().at(1), "I0 start Sound Player");
   EXPECT_EQ(world.journal.Texts().at(2), "I0 start Player ");
-  EXPECT_THAT(JournalOf([this] { EXPECT_TRUE(manager.m_StartOrvex(2)); }),
+  EXPECT_THAT(During(world, [this] { EXPECT_TRUE(manager.m_StartOrvex(2)); }),
               ElementsAre("I0 Start Orvex[2]", "I0 start Sound Player", "I0 Sound Player already started"));
   world.AdvanceMs(1000);
   EXPECT_TRUE(world.journal.Has(
       "> file_location(\"/usr/apps/com.norvel.tv.orvex-service/res/sound/LR_test_sample_17_19.wav\")"));
   EXPECT_THAT(
-      JournalOf([this] { manager.m_StopOrvex(2); }),
+      During(world, [this] { manager.m_StopOrvex(2); }),
       ElementsAre("I0 Stop Orvex[2]", "I0 stop Sound Player", "I0 cancel_thread", "> ecore_thread_cancel(null)"));
 }
 
@@ -84,7 +81,7 @@ TEST_F(Manager, ADeviceThatCannotBeOpenedIsAPlayFailureAndThePlayerIsNotStarted)
   EXPECT_FALSE(manager.m_StartOrvex(2));
   EXPECT_EQ(world.journal.Texts().back(), "E2 fail to play wave");
   EXPECT_STREQ(manager.GetTerminateStatus(), "play_fail");
-  EXPECT_THAT(JournalOf([this] { manager.m_StopOrvex(2); }),
+  EXPECT_THAT(During(world, [this] { manager.m_StopOrvex(2); }),
               ElementsAre("I0 Stop Orvex[2]", "I0 stop Sound Player", "I0 Sound Player is not started"));
 }
 
@@ -92,12 +89,12 @@ TEST_F(Manager, ARecordingThatCannotBeStartedLeavesTheThreadToBeJoined) {
   world.answers.Always("bt_hid_send_rc_command", -5);
   EXPECT_TRUE(manager.m_StartOrvex(1));
   world.AdvanceMs(1);
-  const std::vector<std::string> texts = world.journal.Texts();
-  EXPECT_THAT(std::vector<std::string>(texts.end() - 3, texts.end()),
+  const Texts texts = world.journal.Texts();
+  EXPECT_THAT(LastOf(texts, 3),
               ElementsAre("E2 Fail to start bt audio [ret = -5]", "E2 fail bt recoding", "> SendEvent(10007, nobody)"));
   EXPECT_EQ(world.journal.Entries().back().thread, "recorder");
   EXPECT_STREQ(manager.GetTerminateStatus(), "bt_fail");
-  EXPECT_THAT(JournalOf([this] { manager.m_StopOrvex(1); }),
+  EXPECT_THAT(During(world, [this] { manager.m_StopOrvex(1); }),
               ElementsAre("I0 Stop Orvex[1]", "I0 stop BT Recoder", "> pthread_join()", "E2 Already ready state!!"));
 }
 
@@ -129,7 +126,7 @@ TEST_F(Manager, TheClockIsTheWallClockInMillisecondsModulo32Bits) {
         Row{4'294'967'296'000, 0, "I0 4294967:296000"},
         Row{1'700'000'000'123'456, 3487918203U, "I0 1700000000:123456"}}) {
     world.wallClockUs = row.wallClockUs;
-    EXPECT_THAT(JournalOf([&] { EXPECT_EQ(OrvexManager::m_GetCurrentTime(), row.milliseconds) << row.line; }),
+    EXPECT_THAT(During(world, [&] { EXPECT_EQ(OrvexManager::m_GetCurrentTime(), row.milliseconds) << row.line; }),
                 ElementsAre(row.line));
   }
 }
@@ -137,21 +134,21 @@ TEST_F(Manager, TheClockIsTheWallClockInMillisecondsModulo32Bits) {
 struct Callback {
   const char* name;
   void (*function)(void*);
-  std::vector<std::string> calls;
+  Texts calls;
   const char* status;
 };
 
 class ManagerCallbacks : public Manager, public testing::WithParamInterface<Callback> {};
 
 TEST_P(ManagerCallbacks, SayTheirNameThenSendTheirEvents) {
-  std::vector<std::string> expected = {std::string("I0 ") + GetParam().name};
+  Texts expected = {std::string("I0 ") + GetParam().name};
   expected.insert(expected.end(), GetParam().calls.begin(), GetParam().calls.end());
-  EXPECT_THAT(JournalOf([this] { GetParam().function(&manager); }), testing::ElementsAreArray(expected));
+  EXPECT_THAT(During(world, [this] { GetParam().function(&manager); }), testing::ElementsAreArray(expected));
   EXPECT_STREQ(manager.GetTerminateStatus(), GetParam().status);
 }
 
 TEST_P(ManagerCallbacks, WithoutAControllerOnlyLogThatUnderTheirOwnName) {
-  EXPECT_THAT(JournalOf([] { GetParam().function(nullptr); }),
+  EXPECT_THAT(During(world, [] { GetParam().function(nullptr); }),
               ElementsAre(std::string("I0 ") + GetParam().name, "E2 pThis is null", "E2 Assertion failed"));
   for (const orvex::world::Entry& entry : world.journal.Entries()) {
     EXPECT_EQ(entry.function, GetParam().name) << entry.text;
@@ -204,13 +201,8 @@ TEST_F(WholeRun, APlayerThatCouldNotStartItsWorkerRunsIntoTheTimeLimit) {
 TEST_F(WholeRun, ElevenNoisyDetectionsEndItAsAbnormal) {
   StartRecording();
   LearnAmbient();
-  std::vector<std::int16_t> noisy = orvex::test::Tone(19000, 3000);
-  const std::vector<std::int16_t> beside = orvex::test::Tone(18000, 3000);
-  for (std::size_t i = 0; i < noisy.size(); ++i) {
-    noisy[i] = static_cast<std::int16_t>(noisy[i] + beside[i]);
-  }
   for (int i = 0; i < 11; ++i) {
-    world.Deliver(noisy);
+    world.Deliver(NoisyTone19(3000));
   }
   EXPECT_TRUE(world.RunToEnd());
   EXPECT_STREQ(app.GetManager().GetTerminateStatus(), "abnormal_input_fail");

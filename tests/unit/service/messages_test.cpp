@@ -7,12 +7,12 @@
 #include <sstream>
 
 #include "Application/OrvexApp.h"
-#include "unit/service/journal_support.h"
+#include "support/journal.h"
 
 namespace {
 
-using orvex::service_tests::During;
-using orvex::service_tests::Texts;
+using orvex::test::During;
+using orvex::test::Texts;
 using testing::ElementsAre;
 using testing::ElementsAreArray;
 

@@ -8,7 +8,8 @@
 
 namespace {
 
-using namespace orvex::world;
+using namespace orvex::test;
+using orvex::world::PoolJob;
 using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::IsEmpty;
@@ -192,11 +193,10 @@ TEST_F(Player, WhoseWorkerIsCalledWithoutAPlayerRefuses) {
   PlayWave();
   Rest();
   const PoolJob& job = world.poolJobs.front();
-  EXPECT_THAT(LinesOf(world, [&] { job.body(nullptr, nullptr); }),
-              ElementsAre("I0 m_StartPlay", "E2 Assertion failed"));
-  EXPECT_THAT(LinesOf(world, [&] { job.end(nullptr, nullptr); }),
+  EXPECT_THAT(During(world, [&] { job.body(nullptr, nullptr); }), ElementsAre("I0 m_StartPlay", "E2 Assertion failed"));
+  EXPECT_THAT(During(world, [&] { job.end(nullptr, nullptr); }),
               ElementsAre("I0 m_EndPlayerCB", "E2 Assertion failed"));
-  EXPECT_THAT(LinesOf(world, [&] { job.cancel(nullptr, nullptr); }),
+  EXPECT_THAT(During(world, [&] { job.cancel(nullptr, nullptr); }),
               ElementsAre("I0 m_CancelPlayCB", "E2 Assertion failed"));
 }
 
@@ -210,7 +210,7 @@ TEST_F(Player, ThatHoldsSamplesPlaysThemAgainWithoutLoading) {
   job.body(player.get(), nullptr);
   file.Write(WaveOf(Sound(4)));
   world.samplesTaken.clear();
-  EXPECT_THAT(LinesOf(world, [&] { job.body(player.get(), nullptr); }),
+  EXPECT_THAT(During(world, [&] { job.body(player.get(), nullptr); }),
               ElementsAreArray(Concat({{"I0 m_StartPlay", "I0 ", "E2 audio data is not null"},
                                        PlayBegins(),
                                        ChunkIsCopied(0, 256, 128),
@@ -224,7 +224,7 @@ TEST_F(Player, ThatHoldsSamplesPlaysThemAgainWithoutLoading) {
 }
 
 TEST_F(Player, ThatNeverPlayedEndsWithAClosedDevice) {
-  EXPECT_THAT(LinesOf(world, [this] { player.reset(); }),
+  EXPECT_THAT(During(world, [this] { player.reset(); }),
               ElementsAreArray(Concat(
                   {{"E2 already thread stop"}, ClosedDeviceIsLeft(), ClosedDeviceIsLeft(), ClosedDeviceIsLeft()})));
 }
@@ -232,7 +232,7 @@ TEST_F(Player, ThatNeverPlayedEndsWithAClosedDevice) {
 TEST_F(Player, WithAnOpenDeviceClosesItOnceAtItsOwnEnd) {
   world.answers.Next("ecore_thread_run", {0});
   PlayWave();
-  EXPECT_THAT(LinesOf(world, [this] { player.reset(); }),
+  EXPECT_THAT(During(world, [this] { player.reset(); }),
               ElementsAreArray(
                   Concat({{"E2 already thread stop"}, DeviceIsClosed(), ClosedDeviceIsLeft(), ClosedDeviceIsLeft()})));
 }
@@ -240,7 +240,7 @@ TEST_F(Player, WithAnOpenDeviceClosesItOnceAtItsOwnEnd) {
 TEST_F(Player, ThatHasPlayedHasNobodyToCancelAtItsOwnEnd) {
   PlayWave();
   Rest();
-  EXPECT_THAT(LinesOf(world, [this] { player.reset(); }),
+  EXPECT_THAT(During(world, [this] { player.reset(); }),
               ElementsAreArray(Concat(
                   {{"I0 cancel_thread", "> ecore_thread_cancel(null)"}, ClosedDeviceIsLeft(), ClosedDeviceIsLeft()})));
   EXPECT_THAT(Rest(), IsEmpty());

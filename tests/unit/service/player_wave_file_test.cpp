@@ -8,7 +8,7 @@
 
 namespace {
 
-using namespace orvex::world;
+using namespace orvex::test;
 using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::IsEmpty;

@@ -3,7 +3,7 @@
 
 namespace {
 
-using namespace orvex::service_tests;
+using namespace orvex::test;
 using orvex::world::Lane;
 using testing::AllOf;
 using testing::Contains;
@@ -91,7 +91,7 @@ TEST_F(ReceiverCapture, AReceiverThatIsDestroyedWhileItRecordsStopsTheRemote) {
   {
     OrvexReceiver shortLived{OrvexReceiverCallbacks{}};
     shortLived.StartBTRecoder();
-    Forget();
+    world.journal.Clear();
   }
   EXPECT_THAT(world.journal.Texts(), ElementsAre("> bt_hid_unset_audio_data_receive_cb() = 0",
                                                  "> bt_hid_rc_stop_sending_voice(null) = 0", "E0 Stop bt audio"));

@@ -5,7 +5,7 @@
 
 namespace {
 
-using namespace orvex::service_tests;
+using namespace orvex::test;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -135,7 +135,7 @@ TEST_F(ReceiverDetection, AToneIsMeasuredAgainstItsOwnFrequencysAmbience) {
 
 TEST_F(ReceiverDetection, WithoutAnyAmbienceNoToneIsEverFound) {
   Start();
-  LearnAmbience(Samples(kBlockSamples, 0));
+  LearnAmbience(Samples(kVoiceBlockSamples, 0));
   EXPECT_THAT(EventsAt(36, Tone17(1000)), IsEmpty());
   EXPECT_THAT(EventsAt(37, Tone19(1000)), IsEmpty());
   EXPECT_THAT(EventsAt(38, Click(32767)), IsEmpty());
@@ -145,7 +145,7 @@ TEST_F(ReceiverDetection, WithoutAnyAmbienceNoToneIsEverFound) {
 double DoubleLevel(const Samples& samples, double hz) {
   double re = 0.0;
   double im = 0.0;
-  for (int n = 0; n < kBlockSamples; ++n) {
+  for (int n = 0; n < kVoiceBlockSamples; ++n) {
     const double angle = n * 6.283185307179586 * hz / 46545.0;
     re += samples[static_cast<std::size_t>(n)] * std::cos(angle);
     im += samples[static_cast<std::size_t>(n)] * std::sin(angle);
@@ -215,7 +215,7 @@ TEST_F(ReceiverDetection, WithoutCallbacksABlockIsTreatedAllTheSame) {
   alone.StartBTRecoder();
   const Samples noisy = Block({0.0, 0.0, 200.0, 200.0, 0.0, 0.0});
   for (int buffer = 1; buffer <= 55; ++buffer) {
-    Forget();
+    world.journal.Clear();
     ASSERT_TRUE(
         world.Deliver(buffer < 36 ? quiet : (buffer == 36 ? Tone17(100) : (buffer == 37 ? Tone19(100) : noisy))));
     ASSERT_EQ(world.journal.Has("E0 completed ambient noise"), buffer == 35);

@@ -11,7 +11,7 @@
 #include "orvex/platform/remote_voice.h"
 #include "unit/service/receiver_sound_support.h"
 
-namespace orvex::service_tests {
+namespace orvex::test {
 
 class DetectorModel {
 public:
@@ -55,7 +55,7 @@ private:
 
   static Samples SamplesOf(const VoiceData& record) {
     Samples samples;
-    for (int at = 0; at + 1 < record.byteCount && samples.size() < kBlockSamples; at += 2) {
+    for (int at = 0; at + 1 < record.byteCount && samples.size() < kVoiceBlockSamples; at += 2) {
       const int bits = record.bytes[at] + 256 * record.bytes[at + 1];
       samples.push_back(static_cast<std::int16_t>(bits >= 32768 ? bits - 65536 : bits));
     }
@@ -198,4 +198,4 @@ inline bool SameLine(const std::string& expected, const std::string& seen) {
   return true;
 }
 
-}  // namespace orvex::service_tests
+}  // namespace orvex::test

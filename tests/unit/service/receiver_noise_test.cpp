@@ -3,7 +3,7 @@
 
 namespace {
 
-using namespace orvex::service_tests;
+using namespace orvex::test;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::Not;

@@ -3,7 +3,7 @@
 
 namespace {
 
-using namespace orvex::service_tests;
+using namespace orvex::test;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -69,9 +69,9 @@ TEST_P(ReceiverPairing, TheResultIsWrittenBeforeTheOwnerIsCalled) {
   };
   EventsAt(43, Second(100));
   EXPECT_DOUBLE_EQ(seen, Sign() * 3 * 768 / 46545.0);
-  EXPECT_EQ(ContentOf(recordings.Last().results), Text("[RESULT] [40] - [43] : %0.4f\n"
-                                                       "result_set_value : [main: 0], [spdif: 100]\n",
-                                                       Sign() * BufferSeconds(3)));
+  EXPECT_EQ(DumpFiles::Results(), Text("[RESULT] [40] - [43] : %0.4f\n"
+                                       "result_set_value : [main: 0], [spdif: 100]\n",
+                                       Sign() * BufferSeconds(3)));
 }
 
 TEST_P(ReceiverPairing, TonesUpTo19BuffersApartAreAPair) {

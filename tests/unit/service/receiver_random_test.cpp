@@ -6,7 +6,7 @@
 
 namespace {
 
-using namespace orvex::service_tests;
+using namespace orvex::test;
 
 // The same numbers on every machine.
 class Dice {
@@ -21,7 +21,7 @@ private:
 
 Samples Noise(Dice& dice, int loudest) {
   Samples samples;
-  for (int n = 0; n < kBlockSamples; ++n) {
+  for (int n = 0; n < kVoiceBlockSamples; ++n) {
     samples.push_back(static_cast<std::int16_t>(dice.Below(2 * loudest + 1) - loudest));
   }
   return samples;
@@ -32,7 +32,7 @@ Samples RandomAmbience(Dice& dice) {
     case 0:
       return Click(4);
     case 1:
-      return dice.OneIn(4) ? Samples(kBlockSamples, 0) : Click(1);
+      return dice.OneIn(4) ? Samples(kVoiceBlockSamples, 0) : Click(1);
     case 2:
       return Tone17(1.0 + dice.Below(4), 1.0);
     case 3:

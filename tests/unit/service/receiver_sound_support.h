@@ -1,4 +1,4 @@
-// Blocks of sound for the receiver, and how strong the four frequencies are in them.
+// Blocks of several frequencies for the receiver, and how strong the four frequencies are in a block.
 #pragma once
 
 #include <cmath>
@@ -10,23 +10,13 @@
 #include <utility>
 #include <vector>
 
-namespace orvex::service_tests {
+#include "support/voice_blocks.h"
 
-using Samples = std::vector<std::int16_t>;
-
-constexpr int kBlockSamples = 768;
-constexpr int kSampleRateHz = 46545;
+namespace orvex::test {
 
 // Time of `buffers` buffers in seconds.
 inline double BufferSeconds(int buffers) {
-  return buffers * 768 / 46545.0;
-}
-
-// Silence but for the first sample: exactly `level` at every frequency.
-inline Samples Click(std::int16_t level) {
-  Samples samples(kBlockSamples, 0);
-  samples[0] = level;
-  return samples;
+  return buffers * kVoiceBlockSamples / double{kVoiceRateHz};
 }
 
 // Cosines through the whole block, by amplitude, and a first sample that raises every frequency alike.
@@ -40,9 +30,9 @@ struct ToneMix {
 };
 
 inline Samples Block(const ToneMix& sound) {
-  const double turn = 2.0 * std::acos(-1.0) / kSampleRateHz;
+  const double turn = 2.0 * std::acos(-1.0) / kVoiceRateHz;
   Samples samples;
-  for (int n = 0; n < kBlockSamples; ++n) {
+  for (int n = 0; n < kVoiceBlockSamples; ++n) {
     const auto cosine = [&](int hz) { return std::cos(turn * hz * n + sound.phase); };
     const double value = sound.amplitude17000 * cosine(17000) + sound.amplitude17500 * cosine(17500) +
                          sound.amplitude18000 * cosine(18000) + sound.amplitude19000 * cosine(19000) +
@@ -93,16 +83,16 @@ struct Levels {
 inline long double LevelAt(int hz, const Samples& samples) {
   static const std::vector<std::pair<long double, long double>> kCircle = [] {
     std::vector<std::pair<long double, long double>> circle;
-    for (int k = 0; k < kSampleRateHz; ++k) {
-      const long double angle = 2.0L * std::acos(-1.0L) * k / kSampleRateHz;
+    for (int k = 0; k < kVoiceRateHz; ++k) {
+      const long double angle = 2.0L * std::acos(-1.0L) * k / kVoiceRateHz;
       circle.emplace_back(std::cos(angle), std::sin(angle));
     }
     return circle;
   }();
   long double re = 0.0L;
   long double im = 0.0L;
-  for (int n = 0; n < kBlockSamples && n < static_cast<int>(samples.size()); ++n) {
-    const auto& [cosine, sine] = kCircle[static_cast<std::size_t>(hz * n % kSampleRateHz)];
+  for (int n = 0; n < kVoiceBlockSamples && n < static_cast<int>(samples.size()); ++n) {
+    const auto& [cosine, sine] = kCircle[static_cast<std::size_t>(hz * n % kVoiceRateHz)];
     re += samples[static_cast<std::size_t>(n)] * cosine;
     im += samples[static_cast<std::size_t>(n)] * sine;
   }
@@ -123,4 +113,4 @@ inline Levels LevelsOf(const Samples& samples) {
   return text;
 }
 
-}  // namespace orvex::service_tests
+}  // namespace orvex::test

@@ -11,13 +11,11 @@
 #include "Common/AudioControl.h"
 #include "Util/DebugDump.h"
 #include "Util/Singleton.h"
-#include "unit/service/dump_support.h"
+#include "support/dump_files.h"
+#include "support/journal.h"
 #include "unit/service/receiver_sound_support.h"
-#include "world/world.h"
 
-namespace orvex::service_tests {
-
-using Texts = std::vector<std::string>;
+namespace orvex::test {
 
 class ReceiverTest : public testing::Test {
 protected:
@@ -26,31 +24,20 @@ protected:
     CSingleton<CDebugDump>::GetInstance();
     world.journal.Clear();
   }
-  ~ReceiverTest() override {
-    recordings.Note(world.journal);
-    CSingleton<CDebugDump>::GetInstance()->Stop();
-  }
-
-  void Forget() {
-    recordings.Note(world.journal);
-    world.journal.Clear();
-  }
+  ~ReceiverTest() override { CSingleton<CDebugDump>::GetInstance()->Stop(); }
 
   // What the journal shows of something that happens.
   template <class Action>
   Texts During(Action action) {
-    Forget();
-    action();
-    return world.journal.Texts();
+    return test::During(world, action);
   }
 
   // The files of a recording before this one are closed first.
   void Start() {
     CSingleton<CDebugDump>::GetInstance()->Stop();
-    Forget();
     receiver.StartBTRecoder();
     ASSERT_TRUE(receiver.IsRecording());
-    Forget();
+    world.journal.Clear();
   }
 
   // What the journal shows of the next block.
@@ -101,16 +88,16 @@ protected:
   // What the recording left in its two files; ends the dump.
   std::string DumpedAudio() {
     CSingleton<CDebugDump>::GetInstance()->Stop();
-    return ContentOf(recordings.Last().audio);
+    return DumpFiles::Audio();
   }
   std::string DumpedResults() {
     CSingleton<CDebugDump>::GetInstance()->Stop();
-    return ContentOf(recordings.Last().results);
+    return DumpFiles::Results();
   }
 
   // An ambience of exactly 4 at every frequency: a tone needs 200.
   const Samples quiet = Click(4);
-  DumpedRecordings recordings;
+  const DumpFiles dumpFiles;
   world::World world;
   // Its callbacks show up in the journal beside the calls of the platform.
   OrvexReceiver receiver{OrvexReceiverCallbacks{OnEndOfCalculation, OnEndOfAmbientNoise, OnAbnormalStatus, this}};
@@ -122,4 +109,4 @@ private:
   static ReceiverTest& TestOf(void* context) { return *static_cast<ReceiverTest*>(context); }
 };
 
-}  // namespace orvex::service_tests
+}  // namespace orvex::test

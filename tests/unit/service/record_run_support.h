@@ -10,11 +10,11 @@
 #include "Common/AudioControl.h"
 #include "Util/DebugDump.h"
 #include "Util/Singleton.h"
-#include "unit/service/blocks.h"
-#include "unit/service/dump_support.h"
-#include "unit/service/journal_support.h"
+#include "support/dump_files.h"
+#include "support/journal.h"
+#include "support/voice_blocks.h"
 
-namespace orvex::service_tests {
+namespace orvex::test {
 
 class RecordTest : public testing::Test {
 protected:
@@ -31,37 +31,34 @@ protected:
     world.settings[kConsentKey] = 1;
     world.journal.Clear();
   }
-  ~RecordTest() override { recordings.Note(world.journal); }
 
   void Handle(std::int32_t type) { manager.OnEvent(FwEvent(type, nullptr)); }
   void StartRecorder() {
     manager.m_StartOrvex(kRecorder);
     world.AdvanceMs(0);
-    recordings.Note(world.journal);
   }
   // A run in which 17 kHz comes two buffers before 19 kHz: the delay must be 33 ms shorter.
   void RunThatMeasures() {
     Handle(kStartSync);
     StartRecorder();
     for (int buffer = 1; buffer <= 35; ++buffer) {
-      world.Deliver(test::Ambient());
+      world.Deliver(Ambient());
     }
-    world.Deliver(test::Tone(17000, 5000));
-    world.Deliver(test::Ambient());
-    world.Deliver(test::Tone(19000, 5000));
+    world.Deliver(Tone(17000, 5000));
+    world.Deliver(Ambient());
+    world.Deliver(Tone(19000, 5000));
     Handle(kEndSync);
   }
   // A run in which nothing is heard.
   void RunThatFindsNothing() {
     Handle(kStartSync);
     StartRecorder();
-    world.Deliver(test::Ambient());
+    world.Deliver(Ambient());
     Handle(kEndSync);
   }
   // The text of an end record sent now; it must be the one that was logged and the only one that was sent.
   std::string EndText() {
     world.events.clear();
-    recordings.Note(world.journal);
     world.journal.Clear();
     manager.m_SendKPILogEndTime();
     EXPECT_EQ(world.events.size(), 1U);
@@ -78,9 +75,9 @@ protected:
     return texts;
   }
 
-  DumpedRecordings recordings;
+  const DumpFiles dumpFiles;
   world::World world;
   OrvexManager manager;
 };
 
-}  // namespace orvex::service_tests
+}  // namespace orvex::test

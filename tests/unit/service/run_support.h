@@ -3,27 +3,24 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
+#include <cstdlib>
 
 #include "Application/OrvexApp.h"
-#include "unit/service/blocks.h"
-#include "unit/service/dump_support.h"
-#include "unit/service/silent_wave.h"
-#include "world/world.h"
+#include "support/dump_files.h"
+#include "support/journal.h"
+#include "support/voice_blocks.h"
+#include "support/wave_file.h"
 
 namespace orvex::test {
 
 class Run : public testing::Test {
 protected:
   Run() { world.soundFile = sound.Path(); }
-  ~Run() override { recordings.Note(world.journal); }
 
   // The application is created and its recorder records; the journal is empty.
   void StartRecording() {
     world.Create(app);
     world.AdvanceMs(1);
-    recordings.Note(world.journal);
     world.journal.Clear();
   }
   void DeliverAmbient(int blocks) {
@@ -40,27 +37,14 @@ protected:
     world.Deliver(Tone(buffers > 0 ? 19000 : 17000, 5000));
   }
   // The texts that the journal gains while an event is handled.
-  std::vector<std::string> Handle(std::int32_t type) {
-    world.journal.Clear();
+  Texts Handle(std::int32_t type) {
     FwEvent event(type, app.GetEventReceiver());
-    app.t_OnEvent(&event);
-    recordings.Note(world.journal);
-    return world.journal.Texts();
-  }
-  // Log lines only, and only those of the main thread.
-  std::vector<std::string> MainLogs() const {
-    std::vector<std::string> texts;
-    for (const orvex::world::Entry& entry : world.journal.Entries()) {
-      if (entry.thread == "main" && entry.text.compare(0, 2, "> ") != 0) {
-        texts.push_back(entry.text);
-      }
-    }
-    return texts;
+    return During(world, [&] { app.t_OnEvent(&event); });
   }
 
-  service_tests::DumpedRecordings recordings;
+  const DumpFiles dumpFiles;
   SilentWave sound{0.5};
-  orvex::world::World world;
+  world::World world;
   COrvexApp app;
 };
 

@@ -1,65 +1,17 @@
 // What tests of the sound device and of the sound player have in common.
 #pragma once
 
-#include <cctype>
 #include <cstdint>
 #include <cstring>
-#include <functional>
 #include <string>
 #include <vector>
 
-#include "world/world.h"
+#include "support/journal.h"
 
-namespace orvex::world {
-
-using Texts = std::vector<std::string>;
-
-inline std::string WithoutAddresses(const std::string& text) {
-  std::string result;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (text.compare(i, 2, "0x") != 0) {
-      result += text[i];
-      continue;
-    }
-    result += "<address>";
-    ++i;
-    while (i + 1 < text.size() && std::isxdigit(static_cast<unsigned char>(text[i + 1])) != 0) {
-      ++i;
-    }
-  }
-  return result;
-}
-
-// What the world sees while `action` runs; every address reads "<address>".
-inline Texts LinesOf(World& world, const std::function<void()>& action) {
-  world.journal.Clear();
-  action();
-  Texts lines;
-  for (const std::string& text : world.journal.Texts()) {
-    lines.push_back(WithoutAddresses(text));
-  }
-  return lines;
-}
-
-inline Texts Concat(const std::vector<Texts>& parts) {
-  Texts all;
-  for (const Texts& part : parts) {
-    all.insert(all.end(), part.begin(), part.end());
-  }
-  return all;
-}
-
-// The texts from the first `from` on, or none.
-inline Texts From(const Texts& texts, const std::string& from) {
-  std::size_t i = 0;
-  while (i < texts.size() && texts[i] != from) {
-    ++i;
-  }
-  return Texts(texts.begin() + static_cast<std::ptrdiff_t>(i), texts.end());
-}
+namespace orvex::test {
 
 // A device with periods of 4 frames, which makes chunks of 128 bytes or 32 frames. It starts with 8 frames.
-inline PcmDevice::Limits SmallDevice() {
+inline world::PcmDevice::Limits SmallDevice() {
   return {333, 83, 16, 4};
 }
 
@@ -118,4 +70,4 @@ inline Texts ClosedDeviceIsLeft() {
   return {"I0 Destroy", "W0 alsa device not open"};
 }
 
-}  // namespace orvex::world
+}  // namespace orvex::test

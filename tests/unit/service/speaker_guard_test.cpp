@@ -5,14 +5,12 @@
 #include <limits>
 
 #include "Application/OrvexManager.h"
-#include "unit/service/journal_support.h"
+#include "support/journal.h"
 
 namespace {
 
-using orvex::service_tests::During;
-using orvex::service_tests::kHighest;
-using orvex::service_tests::kLowest;
-using orvex::service_tests::Texts;
+using orvex::test::During;
+using orvex::test::Texts;
 using testing::ElementsAre;
 using testing::ElementsAreArray;
 
@@ -52,7 +50,7 @@ TEST_F(SpeakerGuard, TurnsTheVolumeDownBeforeItTakesAMutedSpeakerOutOfMute) {
 }
 
 TEST_F(SpeakerGuard, PutsMuteBackBeforeTheVolumeWhenAnotherOutputIsSelected) {
-  for (const std::int32_t speaker : {1, 2, -1, kLowest, kHighest}) {
+  for (const std::int32_t speaker : {1, 2, -1, INT32_MIN, INT32_MAX}) {
     BeMutedAtVolume(15);
     world.speaker = speaker;
     Prepare();
@@ -113,7 +111,7 @@ TEST_F(SpeakerGuard, SavesAnewWhenItPreparesAgain) {
 
 TEST_F(SpeakerGuard, PutsBackAnyVolumeThatItCouldRead) {
   world.answers.Always("sound_manager_set_tv_master_volume", 0);  // a television that takes every volume
-  for (const std::int32_t volume : {0, 1, 100, -2, kLowest, kHighest}) {
+  for (const std::int32_t volume : {0, 1, 100, -2, INT32_MIN, INT32_MAX}) {
     BeMutedAtVolume(volume);
     const std::string text = std::to_string(volume);
     EXPECT_THAT(Prepare(), testing::Contains("I0 TV speaker volume value.[" + text + "]"));

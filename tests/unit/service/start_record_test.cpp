@@ -5,15 +5,13 @@
 #include <limits>
 
 #include "Application/OrvexManager.h"
-#include "unit/service/journal_support.h"
+#include "support/journal.h"
 
 namespace {
 
-using orvex::service_tests::During;
-using orvex::service_tests::FromTo;
-using orvex::service_tests::kHighest;
-using orvex::service_tests::kLowest;
-using orvex::service_tests::Texts;
+using orvex::test::During;
+using orvex::test::FromTo;
+using orvex::test::Texts;
 using orvex::world::World;
 using testing::Contains;
 using testing::ElementsAre;
@@ -146,7 +144,7 @@ TEST_F(StartRecord, HasNoSourceWithoutAControl) {
 }
 
 TEST_F(StartRecord, HasNoSourceWhenTheControlAnswersNegatively) {
-  for (const long result : {-1L, -2L, static_cast<long>(kLowest)}) {
+  for (const long result : {-1L, -2L, static_cast<long>(INT32_MIN)}) {
     world.answers.Next("getCurrentSource", {result});
     EXPECT_THAT(FromTo(Send(), "> tv_create_source_control(1, 0) = 0", "I0 source = 0"),
                 ElementsAre("> tv_create_source_control(1, 0) = 0", "> getCurrentSource() = " + std::to_string(result),
@@ -196,7 +194,8 @@ TEST_P(StartRecordNumber, KeepsItsSignAsDeviceTypeAndSourceAndLosesItElsewhere) 
 INSTANTIATE_TEST_SUITE_P(Any, StartRecordNumber,
                          testing::Values(Number{0, "0", "0"}, Number{7, "7", "7"},
                                          Number{1234567, "1234567", "1234567"}, Number{-1, "-1", "4294967295"},
-                                         Number{-20, "-20", "4294967276"}, Number{kHighest, "2147483647", "2147483647"},
-                                         Number{kLowest, "-2147483648", "2147483648"}));
+                                         Number{-20, "-20", "4294967276"},
+                                         Number{INT32_MAX, "2147483647", "2147483647"},
+                                         Number{INT32_MIN, "-2147483648", "2147483648"}));
 
 }  // namespace

@@ -6,7 +6,7 @@
 #include "Common/AlsaAudio.h"
 #include "unit/service/sound_support.h"
 
-namespace orvex::world {
+namespace orvex::test {
 
 // Two chunks of 32 frames on the small device; what the first meets, and what becomes of the second.
 class TwoChunks : public testing::Test {
@@ -17,7 +17,7 @@ protected:
   }
 
   Texts Play() {
-    return LinesOf(world, [this] { audio.Play(sound.data(), 256); });
+    return During(world, [this] { audio.Play(sound.data(), 256); });
   }
   static Texts FirstChunk(const Texts& lines) {
     return Concat({PlayBegins(), ChunkIsCopied(0, 256, 128), DeviceIsPrepared(), WritingBegins(32), lines});
@@ -27,7 +27,7 @@ protected:
     return Concat({ChunkIsCopied(128, 128, 128), DeviceIsPrepared(), ChunkIsWritten(32)});
   }
 
-  World world;
+  world::World world;
   AlsaAudio audio;
   const std::vector<std::uint8_t> sound = Sound(256);
 };
@@ -36,4 +36,4 @@ inline Texts DeviceIsDropped() {
   return {"E2 write error: drop...", "> snd_pcm_drop() = 0"};
 }
 
-}  // namespace orvex::world
+}  // namespace orvex::test

@@ -8,16 +8,14 @@
 #include <memory>
 
 #include "Application/OrvexApp.h"
-#include "unit/service/journal_support.h"
+#include "support/journal.h"
 #include "unit/service/run_support.h"
 
 namespace {
 
-using orvex::service_tests::During;
-using orvex::service_tests::kHighest;
-using orvex::service_tests::kLowest;
-using orvex::service_tests::Texts;
-using orvex::service_tests::Then;
+using orvex::test::Concat;
+using orvex::test::During;
+using orvex::test::Texts;
 using orvex::world::World;
 using testing::ElementsAre;
 using testing::ElementsAreArray;
@@ -47,17 +45,18 @@ TEST(StatusLines, ComeBeforeTheConsentIsSubscribedToWhenTheApplicationIsMade) {
   World world;
   std::unique_ptr<COrvexApp> app;
   EXPECT_THAT(During(world, [&] { app = std::make_unique<COrvexApp>(); }),
-              ElementsAreArray(Then(Then({"> FwEflApplication(\"org.velta.orvex-service\")"}, kFirstLines),
-                                    {kConsentSubscription})));
+              ElementsAreArray(
+                  Concat({{"> FwEflApplication(\"org.velta.orvex-service\")"}, kFirstLines, {kConsentSubscription}})));
 }
 
 TEST(StatusLines, FollowTheQueryForHdmiInputsAtProgramStart) {
   World world;
   std::unique_ptr<COrvexApp> app;
-  EXPECT_THAT(During(world, [&] { app.reset(COrvexApp::CreateAtProgramStart()); }),
-              ElementsAreArray(Then(
-                  Then({"> tv_get_hdmi_input_count()", "> FwEflApplication(\"org.velta.orvex-service\")"}, kFirstLines),
-                  {kConsentSubscription})));
+  EXPECT_THAT(
+      During(world, [&] { app.reset(COrvexApp::CreateAtProgramStart()); }),
+      ElementsAreArray(Concat(
+          {Concat({{"> tv_get_hdmi_input_count()", "> FwEflApplication(\"org.velta.orvex-service\")"}, kFirstLines}),
+           {kConsentSubscription}})));
 }
 
 using StatusLinesOfARun = orvex::test::Run;
@@ -114,8 +113,8 @@ TEST_P(NumberLine, ShowsTheValueAsAnUnsignedNumberAndLogsItAsASignedOne) {
   ExpectShown(120, "120");
   ExpectShown(0, "0");
   ExpectShown(7, "7");
-  ExpectShown(kHighest, "2147483647");
-  ExpectShown(kLowest, "2147483648");
+  ExpectShown(INT32_MAX, "2147483647");
+  ExpectShown(INT32_MIN, "2147483648");
   ExpectShown(-2, "4294967294");
 }
 

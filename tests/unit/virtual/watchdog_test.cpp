@@ -1,6 +1,6 @@
 // The watchdog: what is sent to a service manager's socket, and that nobody else sends.
 #include "orvex/platform/watchdog.h"
-#include "common/manager_socket.h"
+#include "support/manager_socket.h"
 #include "unit/virtual/loop_application.h"
 #include "unit/virtual/television.h"
 

@@ -6,7 +6,7 @@
 #include <functional>
 #include <string>
 
-#include "unit/service/silent_wave.h"
+#include "support/wave_file.h"
 #include "world/runs/golden_steps.h"
 #include "world/runs/run_rules.h"
 #include "world/runs/scripted_remote.h"

@@ -33,7 +33,7 @@ TEST_F(GoldenDifference, IsAppliedWhileNobodyHasAgreed) {
 }
 
 TEST_F(GoldenDifference, IsAppliedAndReportedWithConsent) {
-  run.world.settings["db/menu/tessar/homedatacontrol/defaultdisclaimeragree"] = 1;
+  run.world.settings[orvex::runs::kConsentKey] = 1;
   HearThreeBuffersLate();
   RunToEnd();
   golden.UntilPlaying(Speaker::kAudible, Consent::kGiven);

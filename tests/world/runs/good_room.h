@@ -12,7 +12,7 @@ constexpr double kLargestErrorMs = 768 * 1000.0 / 46545.0 + 1.0;
 inline void PrepareGoodRun(ServiceRun& run) {
   run.world.muted = true;
   run.world.speaker = 1;
-  run.world.settings["db/menu/tessar/homedatacontrol/defaultdisclaimeragree"] = 1;
+  run.world.settings[kConsentKey] = 1;
 }
 
 inline void UseGoodRoom(ServiceRun& run) {

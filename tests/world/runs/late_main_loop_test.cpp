@@ -2,7 +2,7 @@
 // same. That a run has one result for a recording, and applies it, is a rule of every run.
 #include <gmock/gmock.h>
 
-#include "unit/service/silent_wave.h"
+#include "support/wave_file.h"
 #include "world/runs/good_room.h"
 #include "world/runs/run_rules.h"
 #include "world/runs/scripted_remote.h"

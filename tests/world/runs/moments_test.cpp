@@ -5,7 +5,7 @@
 #include <set>
 
 #include "Application/OrvexEventId.h"
-#include "unit/service/silent_wave.h"
+#include "support/wave_file.h"
 #include "world/runs/good_room.h"
 #include "world/runs/journal_reading.h"
 #include "world/runs/run_rules.h"

@@ -68,7 +68,7 @@ void DrawTelevision(Lot& lot, world::World& world) {
   world.volume = lot.Index(101);
   world.speaker = lot.Index(3);
   world.delayMs = static_cast<std::uint32_t>(lot.Index(400));
-  world.settings["db/menu/tessar/homedatacontrol/defaultdisclaimeragree"] = lot.Index(2);
+  world.settings[kConsentKey] = lot.Index(2);
   world.wallClockUs += static_cast<std::int64_t>(lot.Between(0, 4.3e12));
 }
 

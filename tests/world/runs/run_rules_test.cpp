@@ -37,7 +37,7 @@ protected:
   Rules() {
     run.world.muted = true;
     run.world.speaker = 1;
-    run.world.settings["db/menu/tessar/homedatacontrol/defaultdisclaimeragree"] = 1;
+    run.world.settings[orvex::runs::kConsentKey] = 1;
     remote.Hear(50, Heard::k17kHz);
     remote.Hear(53, Heard::k19kHz);
   }

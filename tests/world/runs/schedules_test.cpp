@@ -15,7 +15,7 @@
 #include <random>
 #include <set>
 
-#include "unit/service/silent_wave.h"
+#include "support/wave_file.h"
 #include "world/runs/environment.h"
 #include "world/runs/good_room.h"
 #include "world/runs/journal_reading.h"

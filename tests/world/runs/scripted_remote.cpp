@@ -3,7 +3,7 @@
 
 #include <cmath>
 
-#include "unit/service/blocks.h"
+#include "support/voice_blocks.h"
 
 namespace orvex::runs {
 
@@ -12,22 +12,13 @@ namespace {
 constexpr double kToneAmplitude = 5000;
 constexpr char kStartCommand[] = "bt_hid_send_rc_command(null, 05 00, 2) = 0";
 
-std::vector<std::int16_t> NoisyTone() {
-  std::vector<std::int16_t> samples = test::Tone(19000, kToneAmplitude);
-  const std::vector<std::int16_t> beside = test::Tone(18000, kToneAmplitude * 0.9);
-  for (std::size_t i = 0; i < samples.size(); ++i) {
-    samples[i] = static_cast<std::int16_t>(samples[i] + beside[i]);
-  }
-  return samples;
-}
-
-const std::vector<std::int16_t>& Samples(Heard heard) {
-  static const std::map<Heard, std::vector<std::int16_t>> kSamples = {
+const test::Samples& SamplesOf(Heard heard) {
+  static const std::map<Heard, test::Samples> kSamples = {
       {Heard::kAmbient, test::Ambient()},
       {Heard::k17kHz, test::Tone(17000, kToneAmplitude)},
       {Heard::k19kHz, test::Tone(19000, kToneAmplitude)},
       {Heard::kWeak19kHz, test::Tone(19000, kToneAmplitude / 2)},
-      {Heard::kNoisy19kHz, NoisyTone()},
+      {Heard::kNoisy19kHz, test::NoisyTone19(kToneAmplitude)},
   };
   return kSamples.at(heard);
 }
@@ -77,7 +68,7 @@ void ScriptedRemote::Deliver(world::Time start, int block) {
   if (heard == Heard::kLost) {
     static_cast<void>(m_World.Deliver(nullptr));
   } else {
-    static_cast<void>(m_World.Deliver(Samples(heard)));
+    static_cast<void>(m_World.Deliver(SamplesOf(heard)));
   }
   Schedule(start, block + 1);
 }

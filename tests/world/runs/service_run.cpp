@@ -9,22 +9,8 @@
 #include "Common/AudioControl.h"
 #include "Util/DebugDump.h"
 #include "Util/Singleton.h"
-#include "world/runs/text_pattern.h"
 
 namespace orvex::runs {
-
-namespace {
-
-void DeleteDebugFiles(const world::Journal& journal) {
-  static const TextPattern kNames("E0 Temp file name=[{s}][{s}]");
-  for (const world::Entry& entry : journal.Entries()) {
-    for (const std::string& name : kNames.Fields(entry.text)) {
-      static_cast<void>(std::remove(name.c_str()));
-    }
-  }
-}
-
-}  // namespace
 
 ProcessWideObjects::ProcessWideObjects(Process process) {
   if (process == Process::kWarm) {
@@ -55,7 +41,6 @@ ServiceRun::~ServiceRun() {
   while (!world.openBlocks.empty()) {
     std::free(*world.openBlocks.begin());
   }
-  DeleteDebugFiles(world.journal);
 }
 
 bool ServiceRun::Start() {

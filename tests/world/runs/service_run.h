@@ -6,12 +6,13 @@
 #include <string>
 
 #include "Application/OrvexApp.h"
+#include "support/dump_files.h"
 #include "world/world.h"
 
 namespace orvex::runs {
 
-constexpr char kOpticalFlagKey[] = "db/device-detector-service/optical_change_flag";
-constexpr char kConsentKey[] = "db/menu/tessar/homedatacontrol/defaultdisclaimeragree";
+using world::kConsentKey;
+using world::kOpticalFlagKey;
 
 // A warm process has made the service's process-wide objects already, outside of any world, so that every run of a test
 // program begins alike.
@@ -27,7 +28,7 @@ std::string ShippedSound();
 class ServiceRun {
 public:
   explicit ServiceRun(const std::string& soundFile = ShippedSound(), Process process = Process::kWarm);
-  // Takes back what an ended process leaves: memory, open files; and deletes its debug files.
+  // Takes back what an ended process leaves: memory, open files, debug files.
   ~ServiceRun();
   ServiceRun(const ServiceRun&) = delete;
   ServiceRun& operator=(const ServiceRun&) = delete;
@@ -63,6 +64,7 @@ public:
 private:
   void Happens(const std::string& what);
 
+  const test::DumpFiles m_DumpFiles;
   ProcessWideObjects m_ProcessWide;
 
 public:

@@ -2,7 +2,7 @@
 // off.
 #include <gmock/gmock.h>
 
-#include "unit/service/blocks.h"
+#include "support/voice_blocks.h"
 #include "world/runs/good_room.h"
 #include "world/runs/run_rules.h"
 #include "world/runs/scripted_remote.h"

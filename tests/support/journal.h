@@ -1,0 +1,84 @@
+// What the journal of a world gained, and parts of it.
+#pragma once
+
+#include <algorithm>
+#include <cctype>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "world/world.h"
+
+namespace orvex::test {
+
+using Texts = std::vector<std::string>;
+
+// Every "0x…" reads "<address>".
+inline std::string WithoutAddresses(const std::string& text) {
+  std::string result;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text.compare(i, 2, "0x") != 0) {
+      result += text[i];
+      continue;
+    }
+    result += "<address>";
+    ++i;
+    while (i + 1 < text.size() && std::isxdigit(static_cast<unsigned char>(text[i + 1])) != 0) {
+      ++i;
+    }
+  }
+  return result;
+}
+
+// The texts that the journal gains during `action`, without addresses. What was in the journal before is forgotten.
+template <class Action>
+Texts During(world::World& world, Action action) {
+  world.journal.Clear();
+  action();
+  Texts texts;
+  for (const std::string& text : world.journal.Texts()) {
+    texts.push_back(WithoutAddresses(text));
+  }
+  return texts;
+}
+
+inline Texts Concat(const std::vector<Texts>& parts) {
+  Texts all;
+  for (const Texts& part : parts) {
+    all.insert(all.end(), part.begin(), part.end());
+  }
+  return all;
+}
+
+// From the first line that reads `first` to the end; nothing when there is no such line.
+inline Texts From(const Texts& texts, const std::string& first) {
+  return {std::find(texts.begin(), texts.end(), first), texts.end()};
+}
+
+// From the first line that reads `first` to the next one that reads `last`, both included.
+inline Texts FromTo(const Texts& texts, const std::string& first, const std::string& last) {
+  const auto begin = std::find(texts.begin(), texts.end(), first);
+  const auto end = std::find(begin, texts.end(), last);
+  if (end == texts.end()) {
+    throw std::out_of_range("not in the journal: from " + first + " to " + last);
+  }
+  return {begin, end + 1};
+}
+
+// The last `count` lines; all when there are fewer.
+inline Texts LastOf(const Texts& texts, std::size_t count) {
+  return {texts.end() - static_cast<std::ptrdiff_t>(std::min(count, texts.size())), texts.end()};
+}
+
+// Functions that logged a line of this text, in order: the empty lines differ in nothing else.
+inline Texts FunctionsThatLogged(const world::Journal& journal, const std::string& text) {
+  Texts functions;
+  for (const world::Entry& entry : journal.Entries()) {
+    if (entry.text == text) {
+      functions.push_back(entry.function);
+    }
+  }
+  return functions;
+}
+
+}  // namespace orvex::test
