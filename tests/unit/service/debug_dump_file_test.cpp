@@ -18,6 +18,7 @@ namespace {
 
 using orvex::test::AudioName;
 using orvex::test::ContentOf;
+using orvex::test::DumpFiles;
 using orvex::test::During;
 using orvex::test::OpenDescriptorsOf;
 using orvex::test::ResultName;
@@ -31,15 +32,10 @@ constexpr const char* kNotFound = "E2 [ERROR] File not found!";
 
 class DebugDumpFile : public testing::Test {
 protected:
-  DebugDumpFile() { RemoveFiles(); }
   ~DebugDumpFile() override {
-    writer.Stop();
-    RemoveFiles();
-  }
-  void RemoveFiles() const {
-    for (const int recording : {1, 2, 3}) {
-      fs::remove_all(AudioName(recording));
-      fs::remove_all(ResultName(recording));
+    // A pair that was left open is in the world's hands only.
+    while (!world.openFiles.empty()) {
+      std::fclose(*world.openFiles.begin());
     }
     fs::remove(elsewhere);
   }
@@ -53,6 +49,7 @@ protected:
   }
 
   const std::string elsewhere = "/tmp/orvex_dump_test_" + std::to_string(getpid());
+  const DumpFiles dumpFiles;
   World world;
   CDebugDumpImplFile writer;
 };
@@ -187,6 +184,38 @@ TEST_F(DebugDumpFile, AFileThatOthersCouldReadIsTheirsNoLonger) {
     EXPECT_EQ(status.st_mode & 07777U, 0600U) << name;
     EXPECT_EQ(status.st_size, 0) << name;
   }
+}
+
+// Its last lines may be on their way from another thread.
+TEST_F(DebugDumpFile, ARecordingThatBeginsWhileAnotherIsOpenLeavesThatOneOpen) {
+  writer.Start();
+  writer.DebugDump(std::string("first"));
+  writer.Start();
+  writer.DebugDump(std::string("second"));
+  writer.DebugDump("audio", 5);
+  writer.Stop();
+  EXPECT_EQ(OpenDescriptorsOf(AudioName(1)), 1);
+  EXPECT_EQ(OpenDescriptorsOf(ResultName(1)), 1);
+  EXPECT_EQ(OpenDescriptorsOf(AudioName(2)), 0);
+  EXPECT_EQ(OpenDescriptorsOf(ResultName(2)), 0);
+  EXPECT_EQ(ContentOf(ResultName(2)), "second");
+  EXPECT_EQ(ContentOf(AudioName(2)), "audio");
+}
+
+TEST_F(DebugDumpFile, ARecordingWithoutARawFileWritesItsResultsToTheOneThatIsOpen) {
+  writer.Start();
+  fs::create_directory(AudioName(2));
+  EXPECT_THAT(During(world, [&] { writer.Start(); }),
+              ElementsAre("I0 CDebugDumpImplFile start", StartLine(2), kNotFound));
+  EXPECT_THAT(During(world,
+                     [&] {
+                       writer.DebugDump(std::string("text"));
+                       writer.DebugDump("lost", 4);
+                     }),
+              IsEmpty());
+  writer.Stop();
+  EXPECT_EQ(ContentOf(ResultName(1)), "text");
+  EXPECT_FALSE(fs::exists(ResultName(2)));
 }
 
 // Something that somebody left in /tmp under one of the two names. It must be as it was afterwards.
