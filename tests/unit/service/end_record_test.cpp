@@ -3,14 +3,13 @@
 #include <locale>
 #include <string>
 
-#include "unit/service/record_run_support.h"
+#include "unit/service/manager_support.h"
 
 namespace {
 
-using orvex::test::During;
-using orvex::test::RecordTest;
-using orvex::test::Texts;
-using testing::ElementsAre;
+using orvex::test::Ambient;
+using orvex::test::ManagerTest;
+using orvex::test::Tone;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
@@ -20,30 +19,19 @@ constexpr std::int64_t kSomeDayUs = 1'700'000'000'000'000;
 // The millisecond clock turns over here, some time in 2023.
 constexpr std::int64_t kTurnUs = 396 * kMsClockTurn * kMs;
 
-using EndRecord = RecordTest;
-
-TEST_F(EndRecord, ReadsDelayAndClockAndHandsTheTextOver) {
-  Handle(kStartSync);
-  world.wallClockUs += 15'342'000 + 123;
-  EXPECT_THAT(During(world, [this] { manager.m_SendKPILogEndTime(); }),
-              ElementsAre("> IAudioControl::getInstance() = object", "> getSpdifOutDelay() = 0",
-                          "E0 spdif out delay = 100", "> avoc_get_delay(1) = 0", "I0 avoc delay = 100",
-                          "I0 1700000015:342123", "I0 text = {result=fail;delay=100;du=15342;terminate=etc}",
-                          "> settings_get_int(\"db/menu/tessar/homedatacontrol/defaultdisclaimeragree\") = 0",
-                          "I0 defaultdisclaimeragree=1",
-                          "I0 Service[] Event[ORVEXSET] Category[EV012] "
-                          "Value[{result=fail;delay=100;du=15342;terminate=etc}]",
-                          "> event_log_add_sync(21_remocon, ORVEXSET, EV012, "
-                          "{result=fail;delay=100;du=15342;terminate=etc}) = 1",
-                          "I0 add event log sync:1"));
-}
+class EndRecord : public ManagerTest {
+protected:
+  std::string EndText() {
+    return TextSentBy([this] { manager.m_SendKPILogEndTime(); });
+  }
+};
 
 TEST_F(EndRecord, IsKeptUntilTheOwnerAgrees) {
-  world.settings[kConsentKey] = 0;
-  Handle(kStartSync);
+  world.settings[orvex::world::kConsentKey] = 0;
+  Handle(ORVEX_START_SYNC);
   manager.m_SendKPILogEndTime();
   EXPECT_THAT(world.events, IsEmpty());
-  world.ChangeSetting(kConsentKey, 1);
+  world.ChangeSetting(orvex::world::kConsentKey, 1);
   world.AdvanceMs(0);
   ASSERT_EQ(world.events.size(), 2U);
   EXPECT_EQ(world.events.at(0).category, "EV013") << "after the start record";
@@ -54,7 +42,7 @@ TEST_F(EndRecord, IsKeptUntilTheOwnerAgrees) {
 }
 
 TEST_F(EndRecord, ShowsTheDelayThatIsInForceNow) {
-  Handle(kStartSync);
+  Handle(ORVEX_START_SYNC);
   for (const std::uint32_t delayMs : {0U, 7U, 120U, 2147483648U, std::numeric_limits<std::uint32_t>::max()}) {
     world.delayMs = delayMs;
     EXPECT_EQ(EndText(), "{result=fail;delay=" + std::to_string(delayMs) + ";du=0;terminate=etc}");
@@ -62,13 +50,13 @@ TEST_F(EndRecord, ShowsTheDelayThatIsInForceNow) {
 }
 
 TEST_F(EndRecord, ShowsNoDelayWhenItCannotBeRead) {
-  Handle(kStartSync);
+  Handle(ORVEX_START_SYNC);
   world.answers.Always("avoc_get_delay", -1);
   EXPECT_EQ(EndText(), "{result=fail;delay=0;du=0;terminate=etc}");
 }
 
 TEST_F(EndRecord, TakesTheDelayFromTheDelayServiceAlone) {
-  Handle(kStartSync);
+  Handle(ORVEX_START_SYNC);
   world.answers.Always("getSpdifOutDelay", -1);
   EXPECT_EQ(EndText(), "{result=fail;delay=100;du=0;terminate=etc}");
   EXPECT_TRUE(world.journal.Has("E0 spdif out delay = 0"));
@@ -89,7 +77,7 @@ class EndRecordDuration : public EndRecord, public testing::WithParamInterface<D
 
 TEST_P(EndRecordDuration, IsSignedMillisecondsOfA32BitClock) {
   world.wallClockUs = GetParam().startUs;
-  Handle(kStartSync);
+  Handle(ORVEX_START_SYNC);
   world.wallClockUs = GetParam().endUs;
   EXPECT_EQ(EndText(), std::string("{result=fail;delay=100;du=") + GetParam().shown + ";terminate=etc}");
 }
@@ -121,11 +109,33 @@ TEST_F(EndRecord, CountsFromTheBeginningOfTheClockWhenNoRunWasStarted) {
 }
 
 TEST_F(EndRecord, CountsFromTheStartOfTheLastRun) {
-  Handle(kStartSync);
+  Handle(ORVEX_START_SYNC);
   world.AdvanceMs(1000);
-  Handle(kStartSync);
+  Handle(ORVEX_START_SYNC);
   world.AdvanceMs(250);
   EXPECT_THAT(EndText(), HasSubstr(";du=250;"));
+}
+
+TEST_F(EndRecord, StaysAPassOnceAnyRunOfTheProcessHasPassed) {
+  RunHearing({Tone(17000, 5000), Ambient(), Tone(19000, 5000)});  // 17 kHz came 2 buffers, 33 ms, too early
+  EXPECT_EQ(world.events.back().value, "{result=pass;delay=67;du=0;terminate=done}");
+  RunHearing({});
+  EXPECT_EQ(world.events.back().value, "{result=pass;delay=67;du=0;terminate=diff_fail}");
+  OrvexManager::m_OnAbnomalStatusCallback(&manager);
+  EXPECT_EQ(EndText(), "{result=pass;delay=67;du=0;terminate=abnormal_input_fail}");
+}
+
+TEST_F(EndRecord, TurnsFromAFailIntoAPass) {
+  RunHearing({});
+  EXPECT_EQ(world.events.back().value, "{result=fail;delay=100;du=0;terminate=diff_fail}");
+  RunHearing({Tone(17000, 5000), Ambient(), Tone(19000, 5000)});
+  EXPECT_EQ(world.events.back().value, "{result=pass;delay=67;du=0;terminate=done}");
+}
+
+TEST_F(EndRecord, ShowsTheDelayThatSomebodySetAfterTheRun) {
+  RunHearing({Tone(17000, 5000), Ambient(), Tone(19000, 5000)});
+  world.delayMs = 55;
+  EXPECT_EQ(EndText(), "{result=pass;delay=55;du=0;terminate=done}");
 }
 
 // Groups digits as some countries do.
@@ -147,7 +157,7 @@ private:
 };
 
 TEST_F(EndRecord, GroupsDigitsWhenTheGlobalLocaleDoes) {
-  Handle(kStartSync);
+  Handle(ORVEX_START_SYNC);
   world.delayMs = 1000;
   world.AdvanceMs(1234567);
   const GlobalLocale grouped(std::locale(std::locale::classic(), new Grouped));

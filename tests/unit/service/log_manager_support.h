@@ -12,22 +12,14 @@
 
 namespace orvex::test {
 
-constexpr char kInstance[] = "> event_log_get_instance() = object";
-
 class LogManagerTest : public testing::Test {
 protected:
-  static constexpr char kConsentKey[] = "db/menu/tessar/homedatacontrol/defaultdisclaimeragree";
-
-  LogManagerTest() : manager(std::make_unique<COrvexLogManager>()) {}
-
   // The setting as a new process finds it.
-  void Consent(int value) { world.settings[kConsentKey] = value; }
-  // Somebody writes the setting; what the journal shows of the notification.
-  Texts Write(int value) {
-    return During(world, [&] {
-      world.ChangeSetting(kConsentKey, value);
-      world.AdvanceMs(0);
-    });
+  void Consent(int value) { world.settings[world::kConsentKey] = value; }
+  // Somebody writes the setting, and the manager is notified.
+  void Write(int value) {
+    world.ChangeSetting(world::kConsentKey, value);
+    world.AdvanceMs(0);
   }
 
   // A record that differs from others in its value.
@@ -44,6 +36,13 @@ protected:
       EXPECT_EQ(manager->AddEventLog(Record(value)), 1);
     }
   }
+  // Whether the manager answers that it has sent or kept the record.
+  bool Add(const std::string& value) {
+    const int answer = manager->AddEventLog(Record(value));
+    EXPECT_TRUE(answer == 0 || answer == 1) << answer;
+    return answer == 1;
+  }
+  // The values that the collector was handed and has accepted.
   Texts ValuesSent() const {
     Texts values;
     for (const world::EventRecord& record : world.events) {
@@ -52,30 +51,8 @@ protected:
     return values;
   }
 
-  // Journal of a look at the setting, and of one record under way to a collector that is known.
-  static Texts Asked(int value) {
-    return {std::string("> settings_get_int(\"") + kConsentKey + "\") = 0",
-            "I0 defaultdisclaimeragree=" + std::to_string(value)};
-  }
-  static Texts CouldNotAsk(int result) {
-    const std::string text = std::to_string(result);
-    return {std::string("> settings_get_int(\"") + kConsentKey + "\") = " + text,
-            "E2 (r=" + text + ") get defaultdisclaimeragree failed"};
-  }
-  static std::string Announced(const std::string& value) {
-    return "I0 Service[] Event[ORVEXSET] Category[EV012] Value[" + value + "]";
-  }
-  static std::string Added(const std::string& value, int result) {
-    return "> event_log_add_sync(21_remocon, ORVEXSET, EV012, " + value + ") = " + std::to_string(result);
-  }
-  static Texts Sent(const std::string& value) { return {Announced(value), Added(value, 1), "I0 add event log sync:1"}; }
-  static Texts Refused(const std::string& value, int result) {
-    return {Announced(value), Added(value, result), "I0 add event log sync:" + std::to_string(result),
-            "E2 Could not send event log"};
-  }
-
   world::World world;
-  std::unique_ptr<COrvexLogManager> manager;
+  std::unique_ptr<COrvexLogManager> manager = std::make_unique<COrvexLogManager>();
 };
 
 }  // namespace orvex::test

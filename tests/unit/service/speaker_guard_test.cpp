@@ -1,77 +1,46 @@
-// The speaker guard: what it asks and tells the sound manager, whatever the sound manager answers.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <limits>
-
-#include "Application/OrvexManager.h"
-#include "support/journal.h"
+// The speaker guard: what it leaves behind and what it does not touch, whatever the sound manager answers.
+#include "Application/OrvexApp.h"
+#include "unit/service/manager_support.h"
 
 namespace {
 
+using orvex::test::DumpFiles;
 using orvex::test::During;
+using orvex::test::ManagerTest;
 using orvex::test::Texts;
+using testing::Contains;
 using testing::ElementsAre;
-using testing::ElementsAreArray;
+using testing::IsEmpty;
 
-class SpeakerGuard : public testing::Test {
+class SpeakerGuard : public ManagerTest {
 protected:
-  Texts Prepare() {
-    return During(world, [this] { manager.m_PrepareVolumeCondition(); });
-  }
+  void Prepare() { manager.m_PrepareVolumeCondition(); }
+  // The calls of a restoration.
   Texts Restore() {
-    return During(world, [this] { manager.m_RestoreVolumeCondition(); });
+    world.journal.Clear();
+    manager.m_RestoreVolumeCondition();
+    return world.journal.Calls();
   }
   void BeMutedAtVolume(std::int32_t volume) {
     world.muted = true;
     world.volume = volume;
   }
-
-  orvex::world::World world;
-  OrvexManager manager;
+  void ExpectSpeaker(bool muted, std::int32_t volume) const {
+    EXPECT_EQ(world.muted, muted);
+    EXPECT_EQ(world.volume, volume);
+  }
 };
 
-TEST_F(SpeakerGuard, LeavesASpeakerThatIsNotMutedAlone) {
-  world.speaker = 1;
-  EXPECT_THAT(Prepare(), ElementsAre("> sound_manager_get_device_mute(0) = 0", "I0 TV speaker mute status.[0]"));
-  EXPECT_THAT(Restore(), ElementsAre("I0 "));
-  EXPECT_FALSE(world.muted);
-  EXPECT_EQ(world.volume, 15);
-}
-
-TEST_F(SpeakerGuard, TurnsTheVolumeDownBeforeItTakesAMutedSpeakerOutOfMute) {
-  BeMutedAtVolume(15);
-  EXPECT_THAT(Prepare(), ElementsAre("> sound_manager_get_device_mute(0) = 0", "I0 TV speaker mute status.[1]",
-                                     "> sound_manager_get_tv_master_volume() = 0", "I0 TV speaker volume value.[15]",
-                                     "> sound_manager_set_tv_master_volume(0) = 0",
-                                     "> sound_manager_set_device_mute(0, false) = 0"));
-  EXPECT_FALSE(world.muted);
-  EXPECT_EQ(world.volume, 0);
-}
-
-TEST_F(SpeakerGuard, PutsMuteBackBeforeTheVolumeWhenAnotherOutputIsSelected) {
+TEST_F(SpeakerGuard, MutesAgainWhicheverOtherOutputIsSelected) {
   for (const std::int32_t speaker : {1, 2, -1, INT32_MIN, INT32_MAX}) {
     BeMutedAtVolume(15);
     world.speaker = speaker;
     Prepare();
-    EXPECT_THAT(Restore(), ElementsAre("I0 ", "I0 need to restore volume. original mute value[1]",
-                                       "> sound_manager_get_speaker_selection() = 0",
-                                       "I0 current speaker [" + std::to_string(speaker) + "]",
-                                       "> sound_manager_set_device_mute(0, true) = 0", "I0 original volume value[15]",
-                                       "> sound_manager_set_tv_master_volume(15) = 0"));
-    EXPECT_TRUE(world.muted);
-    EXPECT_EQ(world.volume, 15);
+    ExpectSpeaker(false, 0);
+    Restore();
+    EXPECT_TRUE(world.journal.Has("I0 current speaker [" + std::to_string(speaker) + "]"));
+    ExpectSpeaker(true, 15);
   }
-}
-
-TEST_F(SpeakerGuard, PutsOnlyTheVolumeBackWhenTheTvSpeakerIsSelected) {
-  BeMutedAtVolume(15);
-  Prepare();
-  EXPECT_THAT(Restore(), ElementsAre("I0 ", "I0 need to restore volume. original mute value[1]",
-                                     "> sound_manager_get_speaker_selection() = 0", "I0 current speaker [0]",
-                                     "I0 original volume value[15]", "> sound_manager_set_tv_master_volume(15) = 0"));
-  EXPECT_FALSE(world.muted);
-  EXPECT_EQ(world.volume, 15);
 }
 
 TEST_F(SpeakerGuard, SaysWhichStepAnEmptyLineBelongsTo) {
@@ -82,7 +51,7 @@ TEST_F(SpeakerGuard, SaysWhichStepAnEmptyLineBelongsTo) {
 TEST_F(SpeakerGuard, RestoresNothingWithoutAPreparation) {
   BeMutedAtVolume(15);
   world.speaker = 1;
-  EXPECT_THAT(Restore(), ElementsAre("I0 "));
+  EXPECT_THAT(Restore(), IsEmpty());
 }
 
 TEST_F(SpeakerGuard, RestoresOnlyOnce) {
@@ -91,7 +60,7 @@ TEST_F(SpeakerGuard, RestoresOnlyOnce) {
     world.speaker = speaker;
     Prepare();
     Restore();
-    EXPECT_THAT(Restore(), ElementsAre("I0 ")) << speaker;
+    EXPECT_THAT(Restore(), IsEmpty()) << speaker;
   }
 }
 
@@ -101,12 +70,11 @@ TEST_F(SpeakerGuard, SavesAnewWhenItPreparesAgain) {
     BeMutedAtVolume(volume);
     Prepare();
     Restore();
-    EXPECT_EQ(world.volume, volume);
-    EXPECT_TRUE(world.muted);
+    ExpectSpeaker(true, volume);
   }
   world.muted = false;
   Prepare();
-  EXPECT_THAT(Restore(), ElementsAre("I0 ")) << "nothing of the earlier ones is left";
+  EXPECT_THAT(Restore(), IsEmpty()) << "nothing of the earlier ones is left";
 }
 
 TEST_F(SpeakerGuard, PutsBackAnyVolumeThatItCouldRead) {
@@ -114,11 +82,10 @@ TEST_F(SpeakerGuard, PutsBackAnyVolumeThatItCouldRead) {
   for (const std::int32_t volume : {0, 1, 100, -2, INT32_MIN, INT32_MAX}) {
     BeMutedAtVolume(volume);
     const std::string text = std::to_string(volume);
-    EXPECT_THAT(Prepare(), testing::Contains("I0 TV speaker volume value.[" + text + "]"));
+    EXPECT_THAT(During(world, [this] { Prepare(); }), Contains("I0 TV speaker volume value.[" + text + "]"));
     world.volume = 33;  // somebody turned it meanwhile
-    Restore();
+    EXPECT_THAT(Restore(), Contains("> sound_manager_set_tv_master_volume(" + text + ") = 0"));
     EXPECT_TRUE(world.journal.Has("I0 original volume value[" + text + "]"));
-    EXPECT_TRUE(world.journal.Has("> sound_manager_set_tv_master_volume(" + text + ") = 0"));
     EXPECT_EQ(world.volume, volume);
   }
 }
@@ -126,16 +93,16 @@ TEST_F(SpeakerGuard, PutsBackAnyVolumeThatItCouldRead) {
 TEST_F(SpeakerGuard, TakesAVolumeOfMinusOneForNothingSaved) {
   BeMutedAtVolume(-1);
   Prepare();
-  EXPECT_EQ(world.journal.Count("> sound_manager_set_tv_master_volume(0) = 0"), 1);
-  EXPECT_THAT(Restore(), ElementsAre("I0 ", "I0 need to restore volume. original mute value[1]",
-                                     "> sound_manager_get_speaker_selection() = 0", "I0 current speaker [0]"));
+  EXPECT_EQ(world.volume, 0);
+  EXPECT_THAT(Restore(), ElementsAre("> sound_manager_get_speaker_selection() = 0"));
 }
 
 TEST_F(SpeakerGuard, TakesAMuteThatCannotBeReadForNone) {
   BeMutedAtVolume(15);
   world.answers.Always("sound_manager_get_device_mute", -1);
-  EXPECT_THAT(Prepare(), ElementsAre("> sound_manager_get_device_mute(0) = -1", "I0 TV speaker mute status.[0]"));
-  EXPECT_THAT(Restore(), ElementsAre("I0 "));
+  EXPECT_THAT(During(world, [this] { Prepare(); }),
+              ElementsAre("> sound_manager_get_device_mute(0) = -1", "I0 TV speaker mute status.[0]"));
+  EXPECT_THAT(Restore(), IsEmpty());
 }
 
 TEST_F(SpeakerGuard, KeepsTheMuteThatItKnewWhenItCannotBeReadAgain) {
@@ -143,23 +110,20 @@ TEST_F(SpeakerGuard, KeepsTheMuteThatItKnewWhenItCannotBeReadAgain) {
   Prepare();
   world.volume = 20;
   world.answers.Next("sound_manager_get_device_mute", {-1});
-  EXPECT_THAT(Prepare(), ElementsAre("> sound_manager_get_device_mute(0) = -1", "I0 TV speaker mute status.[1]",
-                                     "> sound_manager_get_tv_master_volume() = 0", "I0 TV speaker volume value.[20]",
-                                     "> sound_manager_set_tv_master_volume(0) = 0",
-                                     "> sound_manager_set_device_mute(0, false) = 0"));
+  EXPECT_THAT(During(world, [this] { Prepare(); }), Contains("I0 TV speaker mute status.[1]"));
+  ExpectSpeaker(false, 0);
+  Restore();
+  EXPECT_EQ(world.volume, 20);
 }
 
 TEST_F(SpeakerGuard, DoesNotPutBackAVolumeThatCouldNotBeRead) {
   BeMutedAtVolume(15);
   world.speaker = 1;
   world.answers.Always("sound_manager_get_tv_master_volume", -1);
-  EXPECT_THAT(Prepare(), ElementsAre("> sound_manager_get_device_mute(0) = 0", "I0 TV speaker mute status.[1]",
-                                     "> sound_manager_get_tv_master_volume() = -1", "I0 TV speaker volume value.[-1]",
-                                     "> sound_manager_set_tv_master_volume(0) = 0",
-                                     "> sound_manager_set_device_mute(0, false) = 0"));
-  EXPECT_THAT(Restore(), ElementsAre("I0 ", "I0 need to restore volume. original mute value[1]",
-                                     "> sound_manager_get_speaker_selection() = 0", "I0 current speaker [1]",
-                                     "> sound_manager_set_device_mute(0, true) = 0"));
+  EXPECT_THAT(During(world, [this] { Prepare(); }), Contains("I0 TV speaker volume value.[-1]"));
+  ExpectSpeaker(false, 0);
+  Restore();
+  ExpectSpeaker(true, 0);
 }
 
 TEST_F(SpeakerGuard, LeavesTheSpeakerAudibleWhenTheSelectionCannotBeRead) {
@@ -167,25 +131,69 @@ TEST_F(SpeakerGuard, LeavesTheSpeakerAudibleWhenTheSelectionCannotBeRead) {
   world.speaker = 1;
   world.answers.Always("sound_manager_get_speaker_selection", -1);
   Prepare();
-  EXPECT_THAT(Restore(), ElementsAre("I0 ", "I0 need to restore volume. original mute value[1]",
-                                     "> sound_manager_get_speaker_selection() = -1", "I0 current speaker [0]",
-                                     "I0 original volume value[15]", "> sound_manager_set_tv_master_volume(15) = 0"));
+  Restore();
+  EXPECT_TRUE(world.journal.Has("I0 current speaker [0]"));
+  ExpectSpeaker(false, 15);
 }
 
-TEST_F(SpeakerGuard, GoesOnWhenTheSoundManagerRefusesToWrite) {
+TEST_F(SpeakerGuard, TriesEachStepOnceWhenTheSoundManagerRefusesToWrite) {
   BeMutedAtVolume(15);
   world.speaker = 1;
   world.answers.Always("sound_manager_set_tv_master_volume", -2);
   world.answers.Always("sound_manager_set_device_mute", -2);
-  const Texts refusals = {
-      "> sound_manager_set_tv_master_volume(0) = -2", "> sound_manager_set_device_mute(0, false) = -2",
-      "> sound_manager_set_device_mute(0, true) = -2", "> sound_manager_set_tv_master_volume(15) = -2"};
-  Texts writes;
-  for (const Texts& texts : {Prepare(), Restore(), Restore()}) {
-    std::copy_if(texts.begin(), texts.end(), std::back_inserter(writes),
-                 [](const std::string& text) { return text.find("_set_") != std::string::npos; });
+  world.journal.Clear();
+  Prepare();
+  EXPECT_THAT(
+      world.journal.Calls(),
+      ElementsAre("> sound_manager_get_device_mute(0) = 0", "> sound_manager_get_tv_master_volume() = 0",
+                  "> sound_manager_set_tv_master_volume(0) = -2", "> sound_manager_set_device_mute(0, false) = -2"));
+  EXPECT_THAT(Restore(), ElementsAre("> sound_manager_get_speaker_selection() = 0",
+                                     "> sound_manager_set_device_mute(0, true) = -2",
+                                     "> sound_manager_set_tv_master_volume(15) = -2"));
+  EXPECT_THAT(Restore(), IsEmpty());
+}
+
+// In the application, beside another output that is selected.
+class MutedTelevision : public testing::Test {
+protected:
+  MutedTelevision() {
+    world.muted = true;
+    world.volume = 15;
+    world.speaker = 1;
   }
-  EXPECT_THAT(writes, ElementsAreArray(refusals)) << "each is tried once";
+  void StartRecording() {
+    world.Create(app);
+    world.AdvanceMs(1);
+  }
+  int SoundManagerCalls() const { return world.journal.CountStartingWith("> sound_manager_"); }
+
+  const DumpFiles dumpFiles;
+  orvex::world::World world;
+  COrvexApp app;
+};
+
+TEST_F(MutedTelevision, IsMutedAgainAfterANotificationThatNamesAnotherKey) {
+  StartRecording();
+  world.NotifySetting(orvex::world::kOpticalFlagKey, "db/device-detector-service/optical_change_flag/old");
+  world.AdvanceMs(1);
+  world.Inject(ORVEX_EXIT);
+  EXPECT_TRUE(world.RunToEnd());
+  EXPECT_TRUE(world.muted);
+}
+
+TEST_F(MutedTelevision, IsNotTouchedByADestroyStepWithoutACreateStep) {
+  app.t_OnDestroy();
+  EXPECT_EQ(SoundManagerCalls(), 0);
+  EXPECT_TRUE(world.muted);
+}
+
+TEST_F(MutedTelevision, IsRestoredByTheFirstOfTwoDestroySteps) {
+  StartRecording();
+  app.t_OnDestroy();
+  EXPECT_TRUE(world.muted);
+  world.journal.Clear();
+  app.t_OnDestroy();
+  EXPECT_EQ(SoundManagerCalls(), 0);
 }
 
 }  // namespace
