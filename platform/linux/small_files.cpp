@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cerrno>
@@ -34,27 +35,16 @@ private:
   int m_Fd;
 };
 
-void WriteAll(int fd, const std::string& content) {
-  std::size_t done = 0;
-  while (done < content.size()) {
-    const ssize_t count = ::write(fd, content.data() + done, content.size() - done);
-    if (count < 0 && errno != EINTR) {
-      ThrowErrno();
-    }
-    done += count > 0 ? static_cast<std::size_t>(count) : 0;
-  }
-}
-
 // The finished file under its temporary name; removed again unless it was moved away.
 class TemporaryFile {
 public:
   TemporaryFile(const std::filesystem::path& path, const std::string& content) : m_Name(TemporaryName(path)) {
     const FileDescriptor file(::open(m_Name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0644));
-    try {
-      WriteAll(file.Get(), content);
-    } catch (const std::system_error&) {
+    if (!WriteWhole(file.Get(), content)) {
+      const int reason = errno;
       ::unlink(m_Name.c_str());
-      throw;
+      errno = reason;
+      ThrowErrno();
     }
   }
   ~TemporaryFile() { ::unlink(m_Name.c_str()); }
@@ -68,6 +58,19 @@ private:
 
 }  // namespace
 
+bool IsPlainPath(const std::string& path) {
+  std::size_t begin = 0;
+  while (begin <= path.size()) {
+    const std::size_t end = std::min(path.find('/', begin), path.size());
+    // Neither "//" nor "..", nor the hidden files that a write leaves for a moment.
+    if (end == begin || path[begin] == '.') {
+      return false;
+    }
+    begin = end + 1;
+  }
+  return path.find('\0') == std::string::npos;
+}
+
 bool IsRegularFile(int fd) {
   struct stat state {};
   if (::fstat(fd, &state) != 0) {
@@ -75,6 +78,18 @@ bool IsRegularFile(int fd) {
   }
   errno = EINVAL;
   return S_ISREG(state.st_mode);
+}
+
+bool WriteWhole(int fd, const std::string& text) {
+  std::size_t done = 0;
+  while (done < text.size()) {
+    const ssize_t count = ::write(fd, text.data() + done, text.size() - done);
+    if (count < 0 && errno != EINTR) {
+      return false;
+    }
+    done += count > 0 ? static_cast<std::size_t>(count) : 0;
+  }
+  return true;
 }
 
 std::filesystem::path TemporaryName(const std::filesystem::path& path) {

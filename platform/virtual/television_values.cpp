@@ -5,6 +5,8 @@
 #include <initializer_list>
 #include <limits>
 
+#include "linux/small_files.h"
+
 #include "linux/no_destroy.h"
 
 namespace orvex::virtual_tv {
@@ -15,19 +17,6 @@ constexpr std::int64_t kMax32 = std::numeric_limits<std::int32_t>::max();
 constexpr std::int64_t kMaxUnsigned32 = std::numeric_limits<std::uint32_t>::max();
 // Literals only: values are read before this file's own static objects would exist.
 constexpr const char* kSettingsFolder = "settings/";
-
-bool IsPlainPath(const std::string& path) {
-  std::size_t begin = 0;
-  while (begin <= path.size()) {
-    const std::size_t end = std::min(path.find('/', begin), path.size());
-    // Neither "//" nor "..", nor the hidden files that a write leaves for a moment.
-    if (end == begin || path[begin] == '.') {
-      return false;
-    }
-    begin = end + 1;
-  }
-  return path.find('\0') == std::string::npos;
-}
 
 }  // namespace
 
@@ -59,7 +48,7 @@ std::optional<TelevisionValue> DescribeTelevisionValue(const std::string& name) 
   if (known != values.end()) {
     return *known;
   }
-  if (name.rfind(kSettingsFolder, 0) == 0 && IsPlainPath(name)) {
+  if (name.rfind(kSettingsFolder, 0) == 0 && port::IsPlainPath(name)) {
     return TelevisionValue{name, "settings key", "", false, kMin32, kMax32, "0"};
   }
   return std::nullopt;

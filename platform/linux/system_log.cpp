@@ -1,9 +1,7 @@
-// The system log: every record on stderr, and as one line with time, buffer and priority in service.log.
+// The system log: formats a record, makes it fit for a terminal and hands it to the port.
 #include "orvex/platform/system_log.h"
 
-#include <fcntl.h>
 #include <signal.h>
-#include <unistd.h>
 
 #include <array>
 #include <cerrno>
@@ -16,17 +14,13 @@
 #include <string>
 #include <string_view>
 
+#include "linux/no_destroy.h"
+#include "linux/port.h"
 #include "linux/printable_text.h"
-#include "linux/small_files.h"
-#include "linux/utc_time.h"
-#include "virtual/television.h"
 
 namespace {
 
-using orvex::port::IsRegularFile;
 using orvex::port::Printable;
-using orvex::port::UtcNow;
-using orvex::virtual_tv::Television;
 
 // Keeps the signal of a broken stderr from ending the process while an object of this class lives.
 class PipeSignalGuard {
@@ -55,19 +49,6 @@ private:
   bool m_WasPending = false;
 };
 
-// One write; only what the kernel cut off is written in a further one.
-bool WriteRecord(int fd, const std::string& text) {
-  std::size_t done = 0;
-  while (done < text.size()) {
-    const ssize_t count = ::write(fd, text.data() + done, text.size() - done);
-    if (count < 0 && errno != EINTR) {
-      return false;
-    }
-    done += count > 0 ? static_cast<std::size_t>(count) : 0;
-  }
-  return true;
-}
-
 std::optional<std::string> FormatRecord(const char* format, va_list arguments) {
   std::array<char, 512> shortText{};
   va_list again;
@@ -84,12 +65,6 @@ std::optional<std::string> FormatRecord(const char* format, va_list arguments) {
   }
   va_end(again);
   return length >= 0 ? std::optional<std::string>(record) : std::nullopt;
-}
-
-char PriorityLetter(LogPriority priority) {
-  constexpr std::array<char, 7> kLetters{'?', '?', '?', 'D', 'I', 'W', 'E'};
-  const auto index = static_cast<std::size_t>(priority);
-  return index < kLetters.size() ? kLetters[index] : '?';
 }
 
 // A coloured line is "file: function(line) > ", a colour, the message, and this.
@@ -126,44 +101,12 @@ std::string SafeRecord(std::string_view record) {
          SafeMessage(record.substr(begin, length)) + std::string(kEndOfColour);
 }
 
-// `record`: as SafeRecord() made it.
-std::string FileLine(LogBuffer buffer, LogPriority priority, const std::string& tag, const std::string& record) {
-  std::string line =
-      UtcNow() + (buffer == LogBuffer::kSystem ? " system " : " main ") + PriorityLetter(priority) + " " + tag + ": ";
-  const std::size_t length = record.size() - (!record.empty() && record.back() == '\n' ? 1 : 0);
-  for (std::size_t index = 0; index < length; ++index) {
-    if (record[index] == '\n') {
-      line += "\\n";
-    } else {
-      line += record[index];
-    }
-  }
-  return line + "\n";
-}
-
-// Opened for every record: the file may be moved away or removed at any time.
-bool AppendToFile(const std::string& line) {
-  const auto path = Television::Instance().PathOf("service.log");
-  const int fd = ::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW, 0600);
-  const bool written = fd >= 0 && IsRegularFile(fd) && WriteRecord(fd, line);
-  if (fd >= 0) {
-    ::close(fd);
-  }
-  return written;
-}
-
-// Both places get the records in one order. Never destroyed: threads may log until the process is gone.
-std::mutex& WriteMutex() {
-  static auto& mutex = *new std::mutex;
-  return mutex;
-}
-
-// A broken stderr is no failure: nobody reads it any more.
-bool WriteBoth(const std::string& record, const std::string& line) {
-  const std::lock_guard<std::mutex> lock(WriteMutex());
+// One at a time, in one order. A closed pipe at stderr does not end the process.
+bool WriteInTurn(const orvex::port::LogRecord& record) {
+  static const orvex::port::NoDestroy<std::mutex> mutex;
+  const std::lock_guard<std::mutex> lock(*mutex);
   const PipeSignalGuard guard;
-  WriteRecord(STDERR_FILENO, record);
-  return AppendToFile(line);
+  return orvex::port::WriteLogRecord(record);
 }
 
 }  // namespace
@@ -178,9 +121,8 @@ int system_log_print(LogBuffer buffer, LogPriority priority, const char* tag, co
   int result = -1;
   try {
     if (const auto record = FormatRecord(format, arguments)) {
-      const std::string safe = SafeRecord(*record);
-      const std::string line = FileLine(buffer, priority, Printable(tag == nullptr ? "" : tag), safe);
-      result = WriteBoth(safe, line) ? static_cast<int>(record->size()) : -1;
+      const bool isWritten = WriteInTurn({buffer, priority, Printable(tag == nullptr ? "" : tag), SafeRecord(*record)});
+      result = isWritten ? static_cast<int>(record->size()) : -1;
     }
   } catch (const std::bad_alloc&) {
     result = -1;
