@@ -1,26 +1,24 @@
 // The application framework: a virtual television, and what runs beside the application on it.
 #include "orvex/platform/application.h"
 
-#include <Ecore_File.h>
-
 #include <cstdlib>
-#include <stdexcept>
 #include <string>
 
+#include "linux/message_answer.h"
+#include "linux/message_socket.h"
+#include "linux/notify_socket.h"
+#include "linux/port.h"
 #include "linux/run_application.h"
+#include "linux/settings_files.h"
 #include "virtual/alsa_config.h"
 #include "virtual/exit_codes.h"
 #include "virtual/late_main_loop.h"
-#include "virtual/message_answer.h"
-#include "virtual/message_socket.h"
-#include "virtual/notify_socket.h"
-#include "virtual/report.h"
-#include "virtual/settings_notifier.h"
 #include "virtual/television.h"
 #include "virtual/television_lock.h"
 
 namespace {
 
+namespace port = orvex::port;
 namespace virtual_tv = orvex::virtual_tv;
 
 bool MayInjectEvents() {
@@ -28,37 +26,27 @@ bool MayInjectEvents() {
   return value != nullptr && std::string(value) == "1";
 }
 
-void OpenOrReport(virtual_tv::MessageSocket& socket) {
-  try {
-    socket.Open();
-  } catch (const std::runtime_error& problem) {
-    virtual_tv::ReportProblem(problem.what());
-  }
-}
-
 int Refuse(const std::string& problem, int exitCode) {
-  virtual_tv::ReportProblem(problem);
+  port::ReportProblem(problem);
   return exitCode;
 }
 
 // The socket and the notifications live as long as the main loop.
 int RunOnTelevision(const virtual_tv::Television& television, FwEflApplication* application) {
   const bool mayInject = MayInjectEvents();
-  virtual_tv::MessageSocket socket(television.PathOf("messages.sock"), [&](const std::string& line) {
-    return virtual_tv::AnswerMessage(line, *application, mayInject);
+  port::MessageSocket socket(television.PathOf("messages.sock"), [&](const std::string& line) {
+    return port::AnswerMessage(line, *application, mayInject);
   });
   const auto begin = [&] {
-    OpenOrReport(socket);
-    ecore_file_init();
+    socket.Open();
     virtual_tv::MakeMainLoopLate();
-    virtual_tv::SettingsNotifier::Instance().Start();
+    port::StartSettingNotifications();
   };
   const auto end = [&] {
-    virtual_tv::SettingsNotifier::Instance().Stop();
-    ecore_file_shutdown();
+    port::StopSettingNotifications();
     socket.Close();
   };
-  return orvex::port::RunApplication(application, {begin, end});
+  return port::RunApplication(application, {begin, end});
 }
 
 }  // namespace
@@ -74,7 +62,7 @@ int AppMain(int /*argc*/, char** /*argv*/, FwEflApplication* application) {
                   virtual_tv::kExitTelevisionInUse);
   }
   // Both change the environment, while there is one thread.
-  virtual_tv::TakeNotifySocketFromEnvironment();
+  port::TakeNotifySocketFromEnvironment();
   virtual_tv::ConfigureAlsa();
   return RunOnTelevision(television, application);
 }

@@ -1,11 +1,9 @@
 // Turns the television's exceptions into result codes and reports.
 #include "virtual/service_values.h"
 
-#include <map>
-#include <mutex>
-#include <set>
 #include <string>
 
+#include "linux/known_problems.h"
 #include "linux/no_destroy.h"
 #include "virtual/report.h"
 #include "virtual/television.h"
@@ -30,38 +28,21 @@ AccessResult ResultOf(TelevisionError::Cause cause) {
   return AccessResult::kInaccessible;
 }
 
-// What has been reported of a value since it could last be read or written: a run asks for one several times.
-class KnownProblems {
-public:
-  static KnownProblems& Instance() {
-    static const port::NoDestroy<KnownProblems> problems;
-    return *problems;
-  }
-  void Report(const std::string& name, const std::string& problem) {
-    const std::lock_guard<std::mutex> lock(m_Mutex);
-    if (m_Problems[name].insert(problem).second) {
-      ReportProblem(problem);
-    }
-  }
-  void Forget(const std::string& name) {
-    const std::lock_guard<std::mutex> lock(m_Mutex);
-    m_Problems.erase(name);
-  }
-
-private:
-  std::mutex m_Mutex;
-  std::map<std::string, std::set<std::string>> m_Problems;
-};
+// A run asks for one value several times.
+port::KnownProblems& Problems() {
+  static const port::NoDestroy<port::KnownProblems> problems;
+  return *problems;
+}
 
 template <typename Work>
 AccessResult Attempt(const std::string& name, Work work) {
   try {
     work(Television::Instance());
-    KnownProblems::Instance().Forget(name);
+    Problems().Forget(name);
     return AccessResult::kDone;
   } catch (const TelevisionError& error) {
     if (error.GetCause() != TelevisionError::Cause::kMissing || !MayBeMissing(name)) {
-      KnownProblems::Instance().Report(name, error.what());
+      Problems().Report(name, error.what());
     }
     return ResultOf(error.GetCause());
   }

@@ -1,76 +1,54 @@
-// The settings store: one file per key below the television's settings/.
+// The settings store: one file per key below the television's settings/, and its faults. A setting is read as the
+// television's other values are.
 #include "orvex/platform/settings.h"
 
 #include <cstdint>
+#include <filesystem>
 #include <string>
 
+#include "linux/port.h"
+#include "linux/settings_files.h"
 #include "virtual/faults.h"
-#include "virtual/report.h"
 #include "virtual/service_values.h"
-#include "virtual/settings_notifier.h"
-#include "virtual/television_values.h"
-
-namespace {
+#include "virtual/television.h"
 
 using orvex::virtual_tv::AccessResult;
 using orvex::virtual_tv::Fault;
 using orvex::virtual_tv::Faults;
-using orvex::virtual_tv::SettingsNotifier;
 
-constexpr int kNoSuchKey = -1;
-constexpr int kBadValue = -2;
-constexpr int kAlreadySubscribed = -1;
-constexpr int kNoSubscription = -1;
-constexpr int kNoStore = -3;
-
-std::string NameOf(const char* key) {
-  return std::string("settings/") + (key == nullptr ? "" : key);
+std::filesystem::path orvex::port::SettingsFolder() {
+  return virtual_tv::Television::Instance().PathOf("settings");
 }
-
-}  // namespace
 
 int settings_get_int(const char* key, int* value) {
   if (const auto fault = Faults::Instance().Next(Fault::kSettingsGet)) {
     return *fault;
   }
   std::int64_t number = 0;
-  switch (orvex::virtual_tv::ReadNumber(NameOf(key), &number)) {
+  switch (orvex::virtual_tv::ReadNumber(std::string("settings/") + (key == nullptr ? "" : key), &number)) {
     case AccessResult::kDone:
       *value = static_cast<int>(number);
-      return 0;
+      return kSettingsDone;
     case AccessResult::kMissing:
-      return kNoSuchKey;
+      return kSettingsNoKey;
     case AccessResult::kBadValue:
-      return kBadValue;
+      return kSettingsNoInteger;
     case AccessResult::kInaccessible:
       break;
   }
-  return kNoStore;
+  return kSettingsUnreadable;
 }
 
 int settings_subscribe(const char* key, SettingsChangedCallback callback, void* userData) {
   if (const auto fault = Faults::Instance().Next(Fault::kSettingsSubscribe)) {
     return *fault;
   }
-  if (callback == nullptr || !orvex::virtual_tv::DescribeTelevisionValue(NameOf(key))) {
-    orvex::virtual_tv::ReportProblem("\"" + NameOf(key) +
-                                     "\": expected a callback and a key without empty or hidden parts");
-    return kNoStore;
-  }
-  if (SettingsNotifier::Instance().IsSubscribed(key, callback)) {
-    return kAlreadySubscribed;
-  }
-  return SettingsNotifier::Instance().Subscribe(key, callback, userData) ? 0 : kNoStore;
+  return orvex::port::SubscribeSetting(key, callback, userData);
 }
 
 int settings_unsubscribe(const char* key, SettingsChangedCallback callback) {
   if (const auto fault = Faults::Instance().Next(Fault::kSettingsUnsubscribe)) {
     return *fault;
   }
-  const bool isDone = key != nullptr && SettingsNotifier::Instance().Unsubscribe(key, callback);
-  return isDone ? 0 : kNoSubscription;
-}
-
-const char* settings_node_name(const SettingsNode* node) {
-  return node == nullptr ? nullptr : node->key.c_str();
+  return orvex::port::UnsubscribeSetting(key, callback);
 }

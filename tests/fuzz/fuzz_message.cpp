@@ -15,14 +15,14 @@
 #include "fuzz/byte_reader.h"
 #include "fuzz/require.h"
 #include "linux/main_loop.h"
-#include "virtual/message_answer.h"
-#include "virtual/message_client.h"
+#include "linux/message_answer.h"
+#include "linux/message_peer.h"
 #include "world/world.h"
 
 namespace {
 
 using namespace orvex::fuzz;
-using orvex::virtual_tv::MessageClient;
+using orvex::port::MessagePeer;
 
 Ecore_Fd_Cb handlerFunction = nullptr;
 const void* handlerData = nullptr;
@@ -30,11 +30,11 @@ const void* handlerData = nullptr;
 // The other end of a connection.
 class Peer {
 public:
-  Peer(const MessageClient::Answer& answer) {
+  Peer(const MessagePeer::Answer& answer) {
     int ends[2] = {};
     Require(socketpair(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK, 0, ends) == 0, "a pair of sockets");
     m_Fd = ends[0];
-    m_Client = std::make_unique<MessageClient>(ends[1], answer, [this](MessageClient*) { m_Client.reset(); });
+    m_Client = std::make_unique<MessagePeer>(ends[1], answer, [this](MessagePeer*) { m_Client.reset(); });
   }
   ~Peer() { close(m_Fd); }
   Peer(const Peer&) = delete;
@@ -64,7 +64,7 @@ private:
   }
 
   int m_Fd = -1;
-  std::unique_ptr<MessageClient> m_Client;
+  std::unique_ptr<MessagePeer> m_Client;
   std::string m_Answers;
 };
 
@@ -106,7 +106,7 @@ void CheckAnswers(const std::vector<std::string>& lines, const std::vector<std::
   Require(lines.size() == answers.size(), "each line has one answer");
   int asked = 0;
   for (std::size_t i = 0; i < lines.size(); ++i) {
-    const bool isTooLong = lines[i].size() > MessageClient::kMaximumLineBytes;
+    const bool isTooLong = lines[i].size() > MessagePeer::kMaximumLineBytes;
     Require(isTooLong == (answers[i].rfind("{\"error\":\"line too long", 0) == 0),
             "a line that is too long is refused");
     if (!IsError(answers[i])) {
@@ -146,7 +146,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
   orvex::world::World world;
   COrvexApp app;
-  Peer peer([&](const std::string& line) { return orvex::virtual_tv::AnswerMessage(line, app, mayInject); });
+  Peer peer([&](const std::string& line) { return orvex::port::AnswerMessage(line, app, mayInject); });
   for (std::size_t at = 0; at < text.size(); at += piece) {
     peer.Send(text.substr(at, piece));
   }

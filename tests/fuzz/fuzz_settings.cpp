@@ -10,12 +10,12 @@
 
 #include "fuzz/byte_reader.h"
 #include "fuzz/require.h"
+#include "linux/key_state.h"
 #include "linux/number_text.h"
 #include "linux/small_files.h"
 #include "orvex/sim/room.h"
 #include "orvex/sim/room_json.h"
 #include "virtual/fault_table.h"
-#include "virtual/key_state.h"
 #include "virtual/television.h"
 #include "virtual/television_values.h"
 
@@ -118,7 +118,7 @@ void WriteValue(const std::string& name, const std::string& text) {
 void WatchKey(ByteReader& input) {
   const std::filesystem::path file = Directory() / "settings/key";
   std::filesystem::remove(file);
-  virtual_tv::KeyState state(file);
+  port::KeyState state(file);
   bool isWritten = false;
   while (!input.IsAtEnd()) {
     switch (input.Letter()) {

@@ -9,14 +9,16 @@
 #include <list>
 #include <thread>
 
+#include "linux/line_reader.h"
+#include "linux/message_answer.h"
 #include "unit/virtual/loop_application.h"
 #include "unit/virtual/television.h"
-#include "virtual/line_reader.h"
-#include "virtual/message_answer.h"
 
 namespace orvex::virtual_tv {
 namespace {
 
+using port::AnswerMessage;
+using port::LineReader;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::StartsWith;

@@ -4,10 +4,10 @@
 #include <functional>
 #include <map>
 
+#include "linux/key_state.h"
 #include "orvex/platform/settings.h"
 #include "unit/virtual/loop_application.h"
 #include "unit/virtual/television.h"
-#include "virtual/key_state.h"
 
 namespace orvex::virtual_tv {
 namespace {
@@ -256,7 +256,7 @@ TEST_F(HostSettings, HaveNoNameForNoNode) {
 // The two signs of one write, in every order in which they can come.
 TEST_F(HostSettings, CountOneWriteOnceByCreationOrByClosing) {
   const auto file = Folder() / "settings/state";
-  KeyState state(file);
+  port::KeyState state(file);
   EXPECT_FALSE(state.TakeChange()) << "nothing there";
   Echo("settings/state", "");
   EXPECT_FALSE(state.TakeChange()) << "opened, not written yet";

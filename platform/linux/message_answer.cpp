@@ -1,27 +1,20 @@
 // Reads a message, asks the application, writes the reply.
-#include "virtual/message_answer.h"
-
-#include <json/json.h>
+#include "linux/message_answer.h"
 
 #include <algorithm>
 #include <stdexcept>
 
+#include "linux/compact_json.h"
 #include "virtual/television_json.h"
 
-namespace orvex::virtual_tv {
+namespace orvex::port {
 namespace {
 
-std::string OneLine(const Json::Value& value) {
-  Json::StreamWriterBuilder writer;
-  writer["indentation"] = "";
-  return Json::writeString(writer, value);
-}
-
 FwMessage ParseMessage(const std::string& line) {
-  const Json::Value root = ParseJsonObject(line, "one JSON object per line");
+  const Json::Value root = virtual_tv::ParseJsonObject(line, "one JSON object per line");
   const Json::Value type = root.get("type", "");
   if (!type.isString()) {
-    throw std::runtime_error("\"type\": " + OneLine(type) + ": expected a text");
+    throw std::runtime_error("\"type\": " + CompactJson(type) + ": expected a text");
   }
   return {type.asString(), root.get("body", Json::Value())};
 }
@@ -29,7 +22,7 @@ FwMessage ParseMessage(const std::string& line) {
 std::string Inject(const Json::Value& body, FwEflApplication& application) {
   const Json::Value id = body.isObject() ? body["id"] : Json::Value();
   if (!id.isInt()) {
-    throw std::runtime_error("event \"id\": " + OneLine(id) + ": expected a 32-bit integer");
+    throw std::runtime_error("event \"id\": " + CompactJson(id) + ": expected a 32-bit integer");
   }
   if (!SendEvent(FwEvent(id.asInt(), application.GetEventReceiver()))) {
     throw std::runtime_error("the application is ending");
@@ -40,7 +33,7 @@ std::string Inject(const Json::Value& body, FwEflApplication& application) {
 std::string Ask(const FwMessage& message, FwEflApplication& application) {
   FwMessage reply;
   application.IfMessageReceived("", message, reply);
-  return reply.body.isNull() ? "{}" : OneLine(reply.body);
+  return reply.body.isNull() ? "{}" : CompactJson(reply.body);
 }
 
 }  // namespace
@@ -50,7 +43,7 @@ std::string ErrorLine(const std::string& text) {
   std::replace(shown.begin(), shown.end(), '\n', ' ');
   Json::Value error;
   error["error"] = shown;
-  return OneLine(error);
+  return CompactJson(error);
 }
 
 std::string AnswerMessage(const std::string& line, FwEflApplication& application, bool mayInject) {
@@ -66,4 +59,4 @@ std::string AnswerMessage(const std::string& line, FwEflApplication& application
   return Ask(message, application);
 }
 
-}  // namespace orvex::virtual_tv
+}  // namespace orvex::port

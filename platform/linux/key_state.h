@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <string>
 
-namespace orvex::virtual_tv {
+namespace orvex::port {
 
 // A writer that opens the file itself, such as echo, shows as a creation (of a new file) and as a closing; one that
 // renames shows as a creation only. One write counts once: at its creation when the content is there by then, else at
@@ -39,4 +39,4 @@ private:
   bool m_AwaitsClosing = false;  // the write of m_Known has counted, its closing may be still to come
 };
 
-}  // namespace orvex::virtual_tv
+}  // namespace orvex::port

@@ -1,24 +1,26 @@
 // Turns what happens to files into notifications of keys.
-#include "virtual/settings_notifier.h"
+#include "linux/settings_notifier.h"
+
+#include <Ecore_File.h>
 
 #include <algorithm>
 #include <system_error>
 
 #include "linux/main_loop.h"
-#include "virtual/report.h"
-#include "virtual/television.h"
+#include "linux/no_destroy.h"
+#include "linux/port.h"
 
-namespace orvex::virtual_tv {
+namespace orvex::port {
 
 namespace fs = std::filesystem;
 
 SettingsNotifier& SettingsNotifier::Instance() {
-  static auto& notifier = *new SettingsNotifier;
-  return notifier;
+  static const NoDestroy<SettingsNotifier> notifier;
+  return *notifier;
 }
 
 SettingsNotifier::SettingsNotifier()
-    : m_Root(Television::Instance().PathOf("settings")),
+    : m_Root(SettingsFolder()),
       m_Watch({[this](const fs::path& file) {
                  NotifyWhere([&](KeyState& state) { return state.GetFile() == file && state.TakeChange(); });
                },
@@ -28,6 +30,7 @@ SettingsNotifier::SettingsNotifier()
                [this] { NotifyWhere([](KeyState& state) { return state.TakeChange(); }); }}) {}
 
 void SettingsNotifier::Start() {
+  ecore_file_init();
   if (!CanWatch() && !m_Subscriptions.empty()) {
     ReportProblem("cannot watch " + m_Root.string() + ": changes of settings go unseen");
   }
@@ -35,6 +38,7 @@ void SettingsNotifier::Start() {
 
 void SettingsNotifier::Stop() {
   m_Watch.Disarm();
+  ecore_file_shutdown();
 }
 
 SettingsNotifier::Subscriptions::const_iterator SettingsNotifier::Find(const std::string& key,
@@ -50,7 +54,7 @@ bool SettingsNotifier::IsSubscribed(const std::string& key, SettingsChangedCallb
 }
 
 bool SettingsNotifier::CanWatch() {
-  if (port::CurrentMainLoop() != 0) {
+  if (CurrentMainLoop() != 0) {
     return m_Watch.IsArmed() || m_Watch.Arm(m_Root);
   }
   std::error_code error;
@@ -81,10 +85,14 @@ void SettingsNotifier::NotifyWhere(const std::function<bool(KeyState&)>& isNews)
   // A copy: callbacks subscribe and unsubscribe.
   const Subscriptions subscriptions = m_Subscriptions;
   for (const auto& subscription : subscriptions) {
-    if (!port::IsMainLoopEnding() && !subscription->isCancelled && isNews(subscription->state)) {
+    if (!IsMainLoopEnding() && !subscription->isCancelled && isNews(subscription->state)) {
       subscription->callback(&subscription->node, subscription->userData);
     }
   }
 }
 
-}  // namespace orvex::virtual_tv
+}  // namespace orvex::port
+
+const char* settings_node_name(const SettingsNode* node) {
+  return node == nullptr ? nullptr : node->key.c_str();
+}

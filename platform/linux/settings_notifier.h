@@ -7,20 +7,22 @@
 #include <string>
 #include <vector>
 
+#include "linux/key_state.h"
+#include "linux/tree_watch.h"
 #include "orvex/platform/settings.h"
-#include "virtual/key_state.h"
-#include "virtual/tree_watch.h"
 
 struct SettingsNode {
   std::string key;
 };
 
-namespace orvex::virtual_tv {
+namespace orvex::port {
 
 class SettingsNotifier {
 public:
-  // Of this process's television. Never destroyed: a static object's destructor may unsubscribe.
+  // Of the port's settings folder. A static object's destructor may unsubscribe.
   static SettingsNotifier& Instance();
+
+  SettingsNotifier();
 
   // Between the main loop's start and stop: subscriptions made before are served from now on.
   void Start();
@@ -42,7 +44,6 @@ private:
   };
   using Subscriptions = std::vector<std::shared_ptr<Subscription>>;
 
-  SettingsNotifier();
   Subscriptions::const_iterator Find(const std::string& key, SettingsChangedCallback callback) const;
   bool CanWatch();
   // Notifies the subscriptions for which `isNews` says so.
@@ -53,4 +54,4 @@ private:
   TreeWatch m_Watch;
 };
 
-}  // namespace orvex::virtual_tv
+}  // namespace orvex::port

@@ -1,5 +1,5 @@
 // A listening socket on the main loop.
-#include "virtual/message_socket.h"
+#include "linux/message_socket.h"
 
 #include <sys/socket.h>
 #include <sys/un.h>
@@ -11,9 +11,10 @@
 #include <string>
 
 #include "linux/main_loop.h"
-#include "virtual/message_answer.h"
+#include "linux/message_answer.h"
+#include "linux/port.h"
 
-namespace orvex::virtual_tv {
+namespace orvex::port {
 namespace {
 
 [[noreturn]] void Fail(const std::filesystem::path& path, const std::string& reason) {
@@ -50,10 +51,18 @@ bool IsServed(const std::filesystem::path& path) {
 
 }  // namespace
 
-MessageSocket::MessageSocket(std::filesystem::path path, MessageClient::Answer answer)
+MessageSocket::MessageSocket(std::filesystem::path path, MessagePeer::Answer answer)
     : m_Path(std::move(path)), m_Answer(std::move(answer)) {}
 
 void MessageSocket::Open() {
+  try {
+    OpenOrThrow();
+  } catch (const std::runtime_error& problem) {
+    ReportProblem(problem.what());
+  }
+}
+
+void MessageSocket::OpenOrThrow() {
   RemoveStale();
   m_Fd = NewSocket();
   if (m_Fd < 0) {
@@ -87,7 +96,7 @@ void MessageSocket::Listen() {
   const sockaddr_un address = AddressOf(m_Path);
   // The file gets the socket's mode, so that it is never open to others, not even for a moment.
   if (::fchmod(m_Fd, 0600) != 0 || ::bind(m_Fd, Generic(address), sizeof address) != 0 ||
-      ::listen(m_Fd, kMaximumClients) != 0 || ::lstat(m_Path.c_str(), &m_File) != 0) {
+      ::listen(m_Fd, kMaximumPeers) != 0 || ::lstat(m_Path.c_str(), &m_File) != 0) {
     Fail(m_Path, std::strerror(errno));
   }
 }
@@ -96,7 +105,7 @@ void MessageSocket::Close() {
   if (m_Fd < 0) {
     return;
   }
-  m_Clients.clear();
+  m_Peers.clear();
   if (m_Handler != nullptr) {
     ecore_main_fd_handler_del(m_Handler);
     m_Handler = nullptr;
@@ -110,7 +119,7 @@ void MessageSocket::Close() {
 }
 
 Eina_Bool MessageSocket::OnReady(void* socket, Ecore_Fd_Handler* /*handler*/) {
-  if (!port::IsMainLoopEnding()) {
+  if (!IsMainLoopEnding()) {
     static_cast<MessageSocket*>(socket)->Accept();
   }
   return ECORE_CALLBACK_RENEW;
@@ -121,20 +130,19 @@ void MessageSocket::Accept() {
   if (fd < 0) {
     return;
   }
-  if (m_Clients.size() < kMaximumClients) {
+  if (m_Peers.size() < kMaximumPeers) {
     Admit(fd);
     return;
   }
-  const std::string line =
-      ErrorLine("too many connections: expected at most " + std::to_string(kMaximumClients)) + "\n";
+  const std::string line = ErrorLine("too many connections: expected at most " + std::to_string(kMaximumPeers)) + "\n";
   [[maybe_unused]] const ssize_t count = ::send(fd, line.data(), line.size(), MSG_NOSIGNAL);
   ::close(fd);
 }
 
 void MessageSocket::Admit(int fd) {
-  m_Clients.emplace_back(fd, m_Answer, [this](MessageClient* gone) {
-    m_Clients.remove_if([gone](const MessageClient& client) { return &client == gone; });
+  m_Peers.emplace_back(fd, m_Answer, [this](MessagePeer* gone) {
+    m_Peers.remove_if([gone](const MessagePeer& peer) { return &peer == gone; });
   });
 }
 
-}  // namespace orvex::virtual_tv
+}  // namespace orvex::port

@@ -1,11 +1,11 @@
 // Compares a file with what was known of it.
-#include "virtual/key_state.h"
+#include "linux/key_state.h"
 
 #include <system_error>
 
 #include "linux/small_files.h"
 
-namespace orvex::virtual_tv {
+namespace orvex::port {
 
 bool KeyState::Snapshot::operator==(const Snapshot& other) const {
   return exists == other.exists && inode == other.inode && modified.tv_sec == other.modified.tv_sec &&
@@ -44,11 +44,11 @@ KeyState::Snapshot KeyState::Look() const {
   snapshot.inode = status.st_ino;
   snapshot.modified = status.st_mtim;
   try {
-    snapshot.content = port::ReadSmallFile(m_File, kComparedBytes);
+    snapshot.content = ReadSmallFile(m_File, kComparedBytes);
   } catch (const std::system_error&) {
     snapshot.content.clear();  // cannot be read now; whoever reads the key will say so
   }
   return snapshot;
 }
 
-}  // namespace orvex::virtual_tv
+}  // namespace orvex::port

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <string>
 
-namespace orvex::virtual_tv {
+namespace orvex::port {
 
 class LineReader {
 public:
@@ -24,4 +24,4 @@ private:
   bool m_IsSkipping = false;
 };
 
-}  // namespace orvex::virtual_tv
+}  // namespace orvex::port

@@ -8,7 +8,7 @@
 #include <functional>
 #include <vector>
 
-namespace orvex::virtual_tv {
+namespace orvex::port {
 
 // Main loop only.
 class TreeWatch {
@@ -44,4 +44,4 @@ private:
   Ecore_Job* m_Rebuild = nullptr;
 };
 
-}  // namespace orvex::virtual_tv
+}  // namespace orvex::port

@@ -1,7 +1,7 @@
-// Lines out of pieces.
-#include "virtual/line_reader.h"
+// Splits received bytes into lines.
+#include "linux/line_reader.h"
 
-namespace orvex::virtual_tv {
+namespace orvex::port {
 
 LineReader::Found LineReader::Next(std::string* line) {
   std::size_t end = m_Bytes.find('\n');
@@ -35,4 +35,4 @@ LineReader::Found LineReader::Last(std::string* line) {
   return Found::kLine;
 }
 
-}  // namespace orvex::virtual_tv
+}  // namespace orvex::port

@@ -1,5 +1,5 @@
 // Reads when nothing is left to be sent, answers line by line.
-#include "virtual/message_client.h"
+#include "linux/message_peer.h"
 
 #include <sys/socket.h>
 #include <unistd.h>
@@ -8,9 +8,9 @@
 #include <cerrno>
 
 #include "linux/main_loop.h"
-#include "virtual/message_answer.h"
+#include "linux/message_answer.h"
 
-namespace orvex::virtual_tv {
+namespace orvex::port {
 namespace {
 
 bool IsWaiting() {
@@ -19,26 +19,26 @@ bool IsWaiting() {
 
 }  // namespace
 
-MessageClient::MessageClient(int fd, Answer answer, std::function<void(MessageClient*)> onGone)
+MessagePeer::MessagePeer(int fd, Answer answer, std::function<void(MessagePeer*)> onGone)
     : m_Fd(fd),
       m_Answer(std::move(answer)),
       m_OnGone(std::move(onGone)),
       m_Handler(ecore_main_fd_handler_add(fd, ECORE_FD_READ, &OnReady, this, nullptr, nullptr)) {}
 
-MessageClient::~MessageClient() {
+MessagePeer::~MessagePeer() {
   if (m_Handler != nullptr) {
     ecore_main_fd_handler_del(m_Handler);
   }
   ::close(m_Fd);
 }
 
-Eina_Bool MessageClient::OnReady(void* client, Ecore_Fd_Handler* handler) {
-  auto& self = *static_cast<MessageClient*>(client);
-  if (port::IsMainLoopEnding()) {
+Eina_Bool MessagePeer::OnReady(void* peer, Ecore_Fd_Handler* handler) {
+  auto& self = *static_cast<MessagePeer*>(peer);
+  if (IsMainLoopEnding()) {
     return ECORE_CALLBACK_RENEW;
   }
   if (!self.Serve()) {
-    const auto onGone = self.m_OnGone;  // outlives the client
+    const auto onGone = self.m_OnGone;  // outlives the peer
     onGone(&self);
     return ECORE_CALLBACK_RENEW;
   }
@@ -46,14 +46,14 @@ Eina_Bool MessageClient::OnReady(void* client, Ecore_Fd_Handler* handler) {
   return ECORE_CALLBACK_RENEW;
 }
 
-bool MessageClient::Serve() {
+bool MessagePeer::Serve() {
   if (!Flush()) {
     return false;
   }
   if (m_Unsent.empty() && !m_HasEnded && !Read()) {
     return false;
   }
-  while (m_Unsent.empty() && !port::IsMainLoopEnding() && AnswerNext()) {
+  while (m_Unsent.empty() && !IsMainLoopEnding() && AnswerNext()) {
     if (!Flush()) {
       return false;
     }
@@ -61,7 +61,7 @@ bool MessageClient::Serve() {
   return !m_HasEnded || !m_Unsent.empty();
 }
 
-bool MessageClient::Read() {
+bool MessagePeer::Read() {
   std::array<char, 16 * 1024> bytes{};
   const ssize_t count = ::recv(m_Fd, bytes.data(), bytes.size(), 0);
   if (count > 0) {
@@ -71,7 +71,7 @@ bool MessageClient::Read() {
   return count >= 0 || IsWaiting();
 }
 
-bool MessageClient::AnswerNext() {
+bool MessagePeer::AnswerNext() {
   std::string line;
   auto found = m_Lines.Next(&line);
   if (found == LineReader::Found::kNothing && m_HasEnded) {
@@ -87,7 +87,7 @@ bool MessageClient::AnswerNext() {
   return true;
 }
 
-bool MessageClient::Flush() {
+bool MessagePeer::Flush() {
   while (!m_Unsent.empty()) {
     const ssize_t count = ::send(m_Fd, m_Unsent.data(), m_Unsent.size(), MSG_NOSIGNAL);
     if (count < 0) {
@@ -98,4 +98,4 @@ bool MessageClient::Flush() {
   return true;
 }
 
-}  // namespace orvex::virtual_tv
+}  // namespace orvex::port

@@ -5,7 +5,7 @@
 
 #include "orvex/platform/application.h"
 
-namespace orvex::virtual_tv {
+namespace orvex::port {
 
 // The line {"error": "..."}, without a line break.
 std::string ErrorLine(const std::string& text);
@@ -15,4 +15,4 @@ std::string ErrorLine(const std::string& text);
 // the application: {"type": "event", "body": {"id": 10005}} sends the application that event. Main loop only.
 std::string AnswerMessage(const std::string& line, FwEflApplication& application, bool mayInject);
 
-}  // namespace orvex::virtual_tv
+}  // namespace orvex::port

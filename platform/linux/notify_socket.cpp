@@ -1,5 +1,5 @@
 // One datagram per state to the socket that the environment named.
-#include "virtual/notify_socket.h"
+#include "linux/notify_socket.h"
 
 #include <sys/socket.h>
 #include <sys/un.h>
@@ -10,15 +10,16 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "virtual/report.h"
+#include "linux/no_destroy.h"
+#include "linux/port.h"
 
-namespace orvex::virtual_tv {
+namespace orvex::port {
 namespace {
 
-// Empty: none was named. Never destroyed, as it may be used until the process is gone.
+// Empty: none was named.
 std::string& SocketName() {
-  static auto& name = *new std::string;
-  return name;
+  static const NoDestroy<std::string> name;
+  return *name;
 }
 
 bool Fail(const std::string& reason) {
@@ -64,4 +65,4 @@ bool SendNotification(const std::string& state) {
   return count == static_cast<ssize_t>(state.size()) || Fail(std::strerror(reason));
 }
 
-}  // namespace orvex::virtual_tv
+}  // namespace orvex::port

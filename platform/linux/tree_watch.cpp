@@ -1,10 +1,10 @@
 // One Ecore file monitor per directory; all are made anew when the directories have changed.
-#include "virtual/tree_watch.h"
+#include "linux/tree_watch.h"
 
 #include <algorithm>
 #include <system_error>
 
-namespace orvex::virtual_tv {
+namespace orvex::port {
 namespace {
 
 namespace fs = std::filesystem;
@@ -91,4 +91,4 @@ void TreeWatch::OnRebuild(void* watch) {
   self.m_Listener.onAny();
 }
 
-}  // namespace orvex::virtual_tv
+}  // namespace orvex::port

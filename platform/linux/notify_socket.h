@@ -3,7 +3,7 @@
 
 #include <string>
 
-namespace orvex::virtual_tv {
+namespace orvex::port {
 
 // Takes NOTIFY_SOCKET and its companions out of the environment, so that no library notifies in the service's name.
 // To be called before any other thread runs.
@@ -15,4 +15,4 @@ bool HasNotifySocket();
 // Sends one state, such as "WATCHDOG=1". False: it could not be sent; the reason is reported.
 bool SendNotification(const std::string& state);
 
-}  // namespace orvex::virtual_tv
+}  // namespace orvex::port

@@ -1,4 +1,4 @@
-// The socket through which other programs send messages to the application: the television's messages.sock.
+// The socket through which other programs send messages to the application.
 #pragma once
 
 #include <Ecore.h>
@@ -7,21 +7,22 @@
 #include <filesystem>
 #include <list>
 
-#include "virtual/message_client.h"
+#include "linux/message_peer.h"
 
-namespace orvex::virtual_tv {
+namespace orvex::port {
 
-// Main loop only. Anyone who may open the file, its owner, may send; at most kMaximumClients at a time.
+// Main loop only. Anyone who may open the file, its owner, may send; at most kMaximumPeers at a time.
 class MessageSocket {
 public:
-  static constexpr std::size_t kMaximumClients = 8;
+  static constexpr std::size_t kMaximumPeers = 8;
 
-  MessageSocket(std::filesystem::path path, MessageClient::Answer answer);
+  MessageSocket(std::filesystem::path path, MessagePeer::Answer answer);
   ~MessageSocket() { Close(); }
   MessageSocket(const MessageSocket&) = delete;
   MessageSocket& operator=(const MessageSocket&) = delete;
 
-  // Replaces a socket that nobody serves any more. Throws std::runtime_error with path, reason and what was expected.
+  // Replaces a socket that nobody serves any more. A socket that cannot be made is reported, with path, reason and what
+  // was expected; no message comes then.
   void Open();
   // Ends all connections and removes the file.
   void Close();
@@ -30,15 +31,16 @@ private:
   static Eina_Bool OnReady(void* socket, Ecore_Fd_Handler* handler);
   void Accept();
   void Admit(int fd);
+  void OpenOrThrow();
   void Listen();
   void RemoveStale() const;
 
   const std::filesystem::path m_Path;
-  const MessageClient::Answer m_Answer;
+  const MessagePeer::Answer m_Answer;
   int m_Fd = -1;
   struct stat m_File {};  // to remove our own file only
   Ecore_Fd_Handler* m_Handler = nullptr;
-  std::list<MessageClient> m_Clients;
+  std::list<MessagePeer> m_Peers;
 };
 
-}  // namespace orvex::virtual_tv
+}  // namespace orvex::port

@@ -1,0 +1,16 @@
+// The settings store as files, and nothing else.
+#include "orvex/platform/settings.h"
+
+#include "linux/settings_files.h"
+
+int settings_get_int(const char* key, int* value) {
+  return orvex::port::GetSetting(key, value);
+}
+
+int settings_subscribe(const char* key, SettingsChangedCallback callback, void* userData) {
+  return orvex::port::SubscribeSetting(key, callback, userData);
+}
+
+int settings_unsubscribe(const char* key, SettingsChangedCallback callback) {
+  return orvex::port::UnsubscribeSetting(key, callback);
+}

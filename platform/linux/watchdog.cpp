@@ -1,0 +1,12 @@
+// The watchdog by the notification protocol, and nothing else.
+#include "orvex/platform/watchdog.h"
+
+#include "linux/watchdog_notifications.h"
+
+int watchdog_register(std::int32_t timeout) {
+  return orvex::port::RegisterAtWatchdog(timeout);
+}
+
+int watchdog_notify() {
+  return orvex::port::NotifyWatchdog();
+}
