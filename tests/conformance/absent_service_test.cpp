@@ -16,10 +16,10 @@ TEST_F(AbsentService, OfSettingsCanNeitherBeReadNorWatched) {
   const auto onChange = [](const SettingsNode* /*node*/, void* /*userData*/) {};
   OnMainLoop([&] {
     int value = 4711;
-    EXPECT_EQ(settings_get_int(kKey, &value), -3);
+    EXPECT_EQ(settings_get_int(kKey, &value), kSettingsUnreadable);
     EXPECT_EQ(value, 4711);
-    EXPECT_EQ(settings_subscribe(kKey, onChange, nullptr), -3);
-    EXPECT_EQ(settings_unsubscribe(kKey, onChange), -1);
+    EXPECT_EQ(settings_subscribe(kKey, onChange, nullptr), kSettingsUnreadable);
+    EXPECT_EQ(settings_unsubscribe(kKey, onChange), kSettingsNotSubscribed);
   });
 }
 
@@ -32,9 +32,9 @@ TEST_F(AbsentService, OfTheOutputDelayCannotBeReached) {
   ORVEX_NEEDS_NO(kOutputDelay);
   OnMainLoop([] {
     std::uint32_t delayMs = 4711;
-    EXPECT_EQ(avoc_get_delay(&delayMs, kDelayKindSpdif), -1);
+    EXPECT_EQ(avoc_get_delay(&delayMs, kDelayKindSpdif), kDelayUnreachable);
     EXPECT_EQ(delayMs, 4711U);
-    EXPECT_EQ(avoc_set_delay(50, kDelayKindSpdif), -1);
+    EXPECT_EQ(avoc_set_delay(50, kDelayKindSpdif), kDelayUnreachable);
   });
 }
 
@@ -42,11 +42,11 @@ TEST_F(AbsentService, OfTheVoiceTakesNoReceiverAndNoCommand) {
   ORVEX_NEEDS_NO(kVoice);
   OnMainLoop([&] {
     VoiceListener listener(Port());
-    EXPECT_EQ(listener.Register(), -19);
-    EXPECT_EQ(bt_hid_unset_audio_data_receive_cb(), -19);
-    EXPECT_EQ(StartVoice(), -19);
-    EXPECT_EQ(GoOnRecording(), -19);
-    EXPECT_EQ(StopVoice(), -19);
+    EXPECT_EQ(listener.Register(), kVoiceNoRemote);
+    EXPECT_EQ(bt_hid_unset_audio_data_receive_cb(), kVoiceNoRemote);
+    EXPECT_EQ(StartVoice(), kVoiceNoRemote);
+    EXPECT_EQ(GoOnRecording(), kVoiceNoRemote);
+    EXPECT_EQ(StopVoice(), kVoiceNoRemote);
   });
 }
 

@@ -4,7 +4,6 @@
 #include <unistd.h>
 
 #include <cstring>
-#include <regex>
 #include <sstream>
 #include <stdexcept>
 
@@ -49,18 +48,12 @@ public:
 
   // "main I tag: text"; what libraries write to stderr is no record.
   std::vector<LogRecord> LogRecords() const override {
-    static const std::regex form(R"((main|system) ([DIWE]) ([^:]*): )");
     std::istringstream lines(m_Errors.Text());
     std::vector<LogRecord> records;
     for (std::string line; std::getline(lines, line);) {
-      std::smatch match;
-      if (!std::regex_search(line, match, form, std::regex_constants::match_continuous)) {
-        continue;
+      if (const auto record = ParseLogRecord(line)) {
+        records.push_back(*record);
       }
-      const auto priority = LogPriority(static_cast<int>(LogPriority::kDebug) +
-                                        static_cast<int>(std::string("DIWE").find(match[2].str())));
-      records.push_back(
-          {match[1] == "main" ? LogBuffer::kMain : LogBuffer::kSystem, priority, match[3], match.suffix()});
     }
     return records;
   }

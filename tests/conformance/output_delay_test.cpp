@@ -59,10 +59,10 @@ TEST_F(OutputDelay, ThatIsTooLongIsClampedOrRefusedButNeverWraps) {
     Set(140);
     const std::uint32_t beforeMs = DelayMs();
     const int result = avoc_set_delay(UINT32_MAX, kDelayKindSpdif);
-    if (result == 0) {
+    if (result == kDelayDone) {
       EXPECT_GE(DelayMs(), beforeMs);
     } else {
-      EXPECT_EQ(result, -1);
+      EXPECT_EQ(result, kDelayUnreachable);
       EXPECT_EQ(DelayMs(), beforeMs);
     }
   });
@@ -72,9 +72,9 @@ TEST_F(OutputDelay, OfAnUnknownKindIsRefusedAndNothingChanges) {
   OnMainLoop([] {
     const std::uint32_t beforeMs = DelayMs();
     std::uint32_t delayMs = kUntouchedMs;
-    EXPECT_EQ(avoc_get_delay(&delayMs, kUnknownKind), -2);
+    EXPECT_EQ(avoc_get_delay(&delayMs, kUnknownKind), kDelayUnknownKind);
     EXPECT_EQ(delayMs, kUntouchedMs);
-    EXPECT_EQ(avoc_set_delay(beforeMs + 50, kUnknownKind), -2);
+    EXPECT_EQ(avoc_set_delay(beforeMs + 50, kUnknownKind), kDelayUnknownKind);
     EXPECT_EQ(DelayMs(), beforeMs);
   });
 }
@@ -116,11 +116,11 @@ TEST_F(OutputDelay, OfAServiceThatCannotBeReachedLeavesTargetsUntouched) {
   OnMainLoop([] {
     std::uint32_t delayMs = kUntouchedMs;
     std::int32_t codec = -1;
-    EXPECT_EQ(avoc_get_delay(&delayMs, kDelayKindSpdif), -1);
-    EXPECT_EQ(avoc_set_delay(50, kDelayKindSpdif), -1);
+    EXPECT_EQ(avoc_get_delay(&delayMs, kDelayKindSpdif), kDelayUnreachable);
+    EXPECT_EQ(avoc_set_delay(50, kDelayKindSpdif), kDelayUnreachable);
     if (IAudioControl* const control = IAudioControl::getInstance()) {
-      EXPECT_EQ(control->getSpdifOutDelay(&delayMs), -1);
-      EXPECT_EQ(control->getSpdifOutCodec(&codec), -1);
+      EXPECT_EQ(control->getSpdifOutDelay(&delayMs), kAudioControlFailed);
+      EXPECT_EQ(control->getSpdifOutCodec(&codec), kAudioControlFailed);
     }
     EXPECT_EQ(delayMs, kUntouchedMs);
     EXPECT_EQ(codec, -1);

@@ -4,6 +4,7 @@
 #include <pthread.h>
 
 #include <chrono>
+#include <regex>
 #include <sstream>
 #include <stdexcept>
 #include <thread>
@@ -16,6 +17,27 @@ namespace {
 }
 
 }  // namespace
+
+std::set<Ability> AllAbilities() {
+  constexpr auto kLast = static_cast<int>(Ability::kBreakEventLog);
+  std::set<Ability> abilities;
+  for (int number = 0; number <= kLast; ++number) {
+    abilities.insert(static_cast<Ability>(number));
+  }
+  return abilities;
+}
+
+std::optional<LogRecord> ParseLogRecord(const std::string& line) {
+  static const std::regex form(R"((main|system) ([DIWE]) ([^:]*): )");
+  std::smatch match;
+  if (!std::regex_search(line, match, form, std::regex_constants::match_continuous)) {
+    return std::nullopt;
+  }
+  const LogBuffer buffer = match[1] == "main" ? LogBuffer::kMain : LogBuffer::kSystem;
+  const auto priority =
+      static_cast<int>(LogPriority::kDebug) + static_cast<int>(std::string("DIWE").find(match[2].str()));
+  return LogRecord{buffer, static_cast<LogPriority>(priority), match[3], match.suffix()};
+}
 
 double PortDriver::NowMs() const {
   const auto now = std::chrono::steady_clock::now().time_since_epoch();

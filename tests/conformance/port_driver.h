@@ -44,12 +44,16 @@ enum class Ability {
   kBreakEventLog,
 };
 
+std::set<Ability> AllAbilities();
+
 struct LogRecord {
   LogBuffer buffer;
   LogPriority priority;
   std::string tag;
   std::string text;
 };
+// "main I tag: text", as the ports on Linux write a record, or empty.
+std::optional<LogRecord> ParseLogRecord(const std::string& line);
 
 struct EventRecord {
   std::string service, event, category, value;

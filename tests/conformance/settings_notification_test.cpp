@@ -144,7 +144,7 @@ TEST_F(SettingsNotification, IsSubscribedOnceForOneKeyAndCallback) {
   application
       .Do([&] {
         Subscribe();
-        EXPECT_EQ(settings_subscribe(kWatchedKey, &OnChange, &other), -1);
+        EXPECT_EQ(settings_subscribe(kWatchedKey, &OnChange, &other), kSettingsAlreadySubscribed);
       })
       .Do(Put(5))
       .Until("the notification", Told(1))
@@ -152,15 +152,15 @@ TEST_F(SettingsNotification, IsSubscribedOnceForOneKeyAndCallback) {
       .Run();
   EXPECT_EQ(other.notifications, 0);
   EXPECT_EQ(settings_unsubscribe(kWatchedKey, &OnChange), 0);
-  EXPECT_EQ(settings_unsubscribe(kWatchedKey, &OnChange), -1);
+  EXPECT_EQ(settings_unsubscribe(kWatchedKey, &OnChange), kSettingsNotSubscribed);
 }
 
 TEST_F(SettingsNotification, IsUnsubscribedByKeyAndCallback) {
   ORVEX_NEEDS(kSettings);
   OnMainLoop([&] {
     Subscribe();
-    EXPECT_EQ(settings_unsubscribe(kWatchedKey, &OnChangeForTheOther), -1);
-    EXPECT_EQ(settings_unsubscribe("db/conformance/watched2", &OnChange), -1);
+    EXPECT_EQ(settings_unsubscribe(kWatchedKey, &OnChangeForTheOther), kSettingsNotSubscribed);
+    EXPECT_EQ(settings_unsubscribe("db/conformance/watched2", &OnChange), kSettingsNotSubscribed);
     EXPECT_EQ(settings_unsubscribe(kWatchedKey, &OnChange), 0);
   });
 }

@@ -43,20 +43,20 @@ TEST_F(Settings, AreReadOnAnyThreadBeforeTheMainLoopAndInIt) {
 
 TEST_F(Settings, ThatDoNotExistAreAFailedRead) {
   int value = kUntouched;
-  EXPECT_EQ(settings_get_int("db/conformance/nowhere", &value), -1);
+  EXPECT_EQ(settings_get_int("db/conformance/nowhere", &value), kSettingsNoKey);
   EXPECT_EQ(value, kUntouched);
 }
 
 TEST_F(Settings, ThatAreNoIntegerAreAFailedRead) {
   ORVEX_NEEDS(kSpoilSetting);
   Port().SpoilSetting(kKey);
-  ExpectFailure(-2);
+  ExpectFailure(kSettingsNoInteger);
 }
 
 TEST_F(Settings, OfAStoreThatCannotBeReadAreAFailedRead) {
   ORVEX_NEEDS(kBreakSettings);
   Port().Break(Ability::kBreakSettings);
-  ExpectFailure(-3);
+  ExpectFailure(kSettingsUnreadable);
 }
 
 }  // namespace

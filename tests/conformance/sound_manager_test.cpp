@@ -70,7 +70,7 @@ TEST_F(SoundManager, RefusesAVolumeOutOfRangeAndKeepsTheOldOne) {
   OnMainLoop([] {
     EXPECT_EQ(sound_manager_set_tv_master_volume(42), 0);
     for (const std::int32_t volume : {-1, 101, INT32_MIN, INT32_MAX}) {
-      EXPECT_EQ(sound_manager_set_tv_master_volume(volume), -2) << volume;
+      EXPECT_EQ(sound_manager_set_tv_master_volume(volume), kSoundOutOfRange) << volume;
       EXPECT_EQ(Volume(), 42) << volume;
     }
   });
@@ -79,11 +79,11 @@ TEST_F(SoundManager, RefusesAVolumeOutOfRangeAndKeepsTheOldOne) {
 TEST_F(SoundManager, KnowsNoOtherDevice) {
   OnMainLoop([] {
     EXPECT_EQ(sound_manager_set_device_mute(kTvSpeaker, false), 0);
-    EXPECT_EQ(sound_manager_set_device_mute(kNoDevice, true), -2);
+    EXPECT_EQ(sound_manager_set_device_mute(kNoDevice, true), kSoundOutOfRange);
     EXPECT_FALSE(IsMuted());
     for (const bool before : {true, false}) {
       bool muted = before;
-      EXPECT_EQ(sound_manager_get_device_mute(kNoDevice, &muted), -2);
+      EXPECT_EQ(sound_manager_get_device_mute(kNoDevice, &muted), kSoundOutOfRange);
       EXPECT_EQ(muted, before);
     }
   });

@@ -58,11 +58,11 @@ TEST_F(TvService, HandsOutAnObjectWithSuccessAndNoneWithFailure) {
     IAVControl* video = nullptr;
     const int videoResult = tv_create_av_control(kProfile, kMainPicture, &video);
     EXPECT_LE(videoResult, 0);
-    EXPECT_EQ(videoResult == 0, video != nullptr);
+    EXPECT_EQ(videoResult == kTvDone, video != nullptr);
     ISourceControl* sources = nullptr;
     const int sourceResult = tv_create_source_control(kProfile, kMainPicture, &sources);
     EXPECT_LE(sourceResult, 0);
-    EXPECT_EQ(sourceResult == 0, sources != nullptr);
+    EXPECT_EQ(sourceResult == kTvDone, sources != nullptr);
     const TvActivityInfo* const info = tv_get_activity_info_by_source(kSource);
     EXPECT_TRUE(info == nullptr || info->brandName != nullptr);
   });
@@ -81,7 +81,7 @@ TEST_F(TvService, ThatFailsLeavesTargetsUntouchedAlsoOfControlsMadeBefore) {
     EXPECT_EQ(tv_get_activity_info_by_source(kSource), nullptr);
     std::int32_t resolution = 4711;
     TvResolution record{4712};
-    EXPECT_EQ(video->getResolution(&resolution, &record), -1);
+    EXPECT_EQ(video->getResolution(&resolution, &record), kTvFailed);
     EXPECT_EQ(resolution, 4711);
     EXPECT_EQ(record.frequency, 4712);
     auto source = static_cast<ESource>(4713);

@@ -1,4 +1,4 @@
-// The driver of the port for this computer: the television is a directory, its services are files in it.
+// The driver of the virtual television: a directory, whose services are files in it.
 #include <json/json.h>
 #include <signal.h>
 #include <stdlib.h>
@@ -120,35 +120,18 @@ Json::Value ParseJson(const std::string& text) {
 // The room and its remote are read once in a process: only its first driver can choose them.
 std::set<Ability> Abilities() {
   static bool isFirst = true;
-  std::set<Ability> abilities{Ability::kSettings,
-                              Ability::kSoundManager,
-                              Ability::kOutputDelay,
-                              Ability::kVoice,
-                              Ability::kPlaceFile,
-                              Ability::kReadLog,
-                              Ability::kPutSetting,
-                              Ability::kSpoilSetting,
-                              Ability::kSendTerminationSignal,
-                              Ability::kSendMessage,
-                              Ability::kSelectSpeaker,
-                              Ability::kPutTvState,
-                              Ability::kReadEventRecords,
-                              Ability::kRefuseVoiceStart,
-                              Ability::kBreakSettings,
-                              Ability::kBreakSoundManager,
-                              Ability::kBreakOutputDelay,
-                              Ability::kBreakTvService,
-                              Ability::kBreakEventLog};
-  if (isFirst) {
-    abilities.insert({Ability::kShortenVoiceWindow, Ability::kLoseVoiceBlocks});
+  std::set<Ability> abilities = AllAbilities();
+  if (!isFirst) {
+    abilities.erase(Ability::kShortenVoiceWindow);
+    abilities.erase(Ability::kLoseVoiceBlocks);
   }
   isFirst = false;
   return abilities;
 }
 
-class HostDriver : public PortDriver {
+class VirtualDriver : public PortDriver {
 public:
-  HostDriver() : PortDriver(Abilities()), m_Folder(TheFolder()) {
+  VirtualDriver() : PortDriver(Abilities()), m_Folder(TheFolder()) {
     for (const auto& entry : fs::directory_iterator(m_Folder)) {
       fs::remove_all(entry.path());
     }
@@ -162,17 +145,14 @@ public:
 
   // "TIME main I tag: text", a line break within the text as \n.
   std::vector<LogRecord> LogRecords() const override {
-    static const std::regex form(R"(\S+ (main|system) ([DIWE]) ([^:]*): )");
     std::vector<LogRecord> records;
     for (const std::string& line : Lines(m_Folder / "service.log")) {
-      std::smatch match;
-      if (!std::regex_search(line, match, form, std::regex_constants::match_continuous)) {
+      auto record = ParseLogRecord(line.substr(line.find(' ') + 1));
+      if (!record) {
         throw std::runtime_error("service.log: " + line.substr(0, 200) + ": expected a record");
       }
-      const auto priority = LogPriority(static_cast<int>(LogPriority::kDebug) +
-                                        static_cast<int>(std::string("DIWE").find(match[2].str())));
-      records.push_back({match[1] == "main" ? LogBuffer::kMain : LogBuffer::kSystem, priority, match[3],
-                         std::regex_replace(match.suffix().str(), std::regex(R"(\\n)"), "\n")});
+      record->text = std::regex_replace(record->text, std::regex(R"(\\n)"), "\n");
+      records.push_back(*record);
     }
     return records;
   }
@@ -271,7 +251,7 @@ private:
 }  // namespace
 
 std::unique_ptr<PortDriver> MakePortDriver() {
-  return std::make_unique<HostDriver>();
+  return std::make_unique<VirtualDriver>();
 }
 
 }  // namespace orvex::conformance

@@ -3,36 +3,23 @@
 
 #include <atomic>
 
-#include "conformance/port_test.h"
-#include "conformance/voice_listener.h"
+#include "conformance/voice_test.h"
 
 namespace orvex::conformance {
 namespace {
 
-// In which a remote that still sends would have delivered a dozen blocks.
-constexpr double kLongSilenceMs = 12 * kBlockMs;
-
-class VoiceReceiver : public PortTest {
-protected:
-  void SetUp() override { ORVEX_NEEDS(kVoice); }
-
-  std::function<bool()> Heard(const VoiceListener& heard, std::size_t count) {
-    return [&heard, count] { return heard.Count() >= count; };
-  }
-
-  VoiceListener listener{Port()};
-};
+class VoiceReceiver : public VoiceTest {};
 
 TEST_F(VoiceReceiver, IsTheOnlyOneUntilItIsUnregistered) {
   VoiceListener second(Port());
   OnMainLoop([&] {
-    EXPECT_EQ(bt_hid_unset_audio_data_receive_cb(), -22);
+    EXPECT_EQ(bt_hid_unset_audio_data_receive_cb(), kVoiceInvalid);
     EXPECT_EQ(listener.Register(), 0);
-    EXPECT_EQ(second.Register(), -16);
+    EXPECT_EQ(second.Register(), kVoiceTaken);
     EXPECT_EQ(listener.Unregister(), 0);
     EXPECT_EQ(second.Register(), 0);
     EXPECT_EQ(second.Unregister(), 0);
-    EXPECT_EQ(second.Unregister(), -22);
+    EXPECT_EQ(second.Unregister(), kVoiceInvalid);
   });
 }
 
@@ -41,23 +28,17 @@ TEST_F(VoiceReceiver, StaysTheOneThatWasRegisteredWhenASecondIsRefused) {
   application
       .Do([&] {
         EXPECT_EQ(listener.Register(), 0);
-        EXPECT_EQ(second.Register(), -16);
+        EXPECT_EQ(second.Register(), kVoiceTaken);
         EXPECT_EQ(StartVoice(), 0);
       })
-      .Until("a block", Heard(listener, 1))
+      .Until("a block", Heard(1))
       .Run();
   EXPECT_EQ(second.Count(), 0U);
 }
 
 TEST_F(VoiceReceiver, HearsOneBlockAtATimeOnOneThreadThatIsNotTheMainLoop) {
   const std::string mainLoop = Port().CurrentThread();
-  application
-      .Do([&] {
-        EXPECT_EQ(listener.Register(), 0);
-        EXPECT_EQ(StartVoice(), 0);
-      })
-      .Until("twenty blocks", Heard(listener, 20))
-      .Run();
+  application.Do(RegisterAndStart()).Until("twenty blocks", Heard(20)).Run();
   EXPECT_FALSE(listener.HasOverlapped());
   for (const HeardBlock& block : listener.Blocks()) {
     EXPECT_NE(block.thread, mainLoop);
@@ -66,14 +47,8 @@ TEST_F(VoiceReceiver, HearsOneBlockAtATimeOnOneThreadThatIsNotTheMainLoop) {
 }
 
 TEST_F(VoiceReceiver, MayBeRegisteredAndUnregisteredOnAnotherThread) {
-  application
-      .Do([&] {
-        Thread([&] {
-          EXPECT_EQ(listener.Register(), 0);
-          EXPECT_EQ(StartVoice(), 0);
-        }).Join();
-      })
-      .Until("a block", Heard(listener, 1))
+  application.Do([&] { Thread(RegisterAndStart()).Join(); })
+      .Until("a block", Heard(1))
       .Do([&] {
         Thread([&] {
           EXPECT_EQ(StopVoice(), 0);
@@ -90,12 +65,8 @@ TEST_F(VoiceReceiver, HearsNothingBeforeAStartCommand) {
 
 TEST_F(VoiceReceiver, HearsNothingAfterAStopButABlockThatWasUnderWay) {
   std::size_t countAtStop = 0;
-  application
-      .Do([&] {
-        EXPECT_EQ(listener.Register(), 0);
-        EXPECT_EQ(StartVoice(), 0);
-      })
-      .Until("three blocks", Heard(listener, 3))
+  application.Do(RegisterAndStart())
+      .Until("three blocks", Heard(3))
       .Do([&] {
         EXPECT_EQ(StopVoice(), 0);
         countAtStop = listener.Count();
@@ -108,12 +79,8 @@ TEST_F(VoiceReceiver, HearsNothingAfterAStopButABlockThatWasUnderWay) {
 TEST_F(VoiceReceiver, HearsNothingAfterItWasUnregisteredWhileTheNextOneDoes) {
   std::size_t countAtEnd = 0;
   VoiceListener next(Port());
-  application
-      .Do([&] {
-        EXPECT_EQ(listener.Register(), 0);
-        EXPECT_EQ(StartVoice(), 0);
-      })
-      .Until("three blocks", Heard(listener, 3))
+  application.Do(RegisterAndStart())
+      .Until("three blocks", Heard(3))
       .Do([&] {
         EXPECT_EQ(listener.Unregister(), 0);
         countAtEnd = listener.Count();
@@ -149,8 +116,7 @@ TEST_F(VoiceReceiver, IsUnregisteredOnlyWhenItsCallbackHasReturned) {
   };
   application
       .Do([&] {
-        EXPECT_EQ(listener.Register(), 0);
-        EXPECT_EQ(StartVoice(), 0);
+        RegisterAndStart()();
         unregistering = std::make_unique<Thread>(unregister);
       })
       .Until("the unregister call to return", [&] { return isUnregistered.load(); })

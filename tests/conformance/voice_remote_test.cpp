@@ -1,30 +1,10 @@
 // The remote control: commands, blocks as it sends them, its voice window.
-#include "conformance/port_test.h"
-#include "conformance/voice_listener.h"
+#include "conformance/voice_test.h"
 
 namespace orvex::conformance {
 namespace {
 
-constexpr double kSilenceMs = 12 * kBlockMs;
-
-class VoiceRemote : public PortTest {
-protected:
-  void SetUp() override { ORVEX_NEEDS(kVoice); }
-
-  std::function<void()> RegisterAndStart() {
-    return [this] {
-      EXPECT_EQ(listener.Register(), 0);
-      startedAtMs = Port().NowMs();
-      EXPECT_EQ(StartVoice(), 0);
-    };
-  }
-  std::function<bool()> Heard(std::size_t count) {
-    return [this, count] { return listener.Count() >= count; };
-  }
-
-  VoiceListener listener{Port()};
-  double startedAtMs = 0.0;
-};
+class VoiceRemote : public VoiceTest {};
 
 TEST_F(VoiceRemote, SendsBlocksOf768SamplesNoFasterThanItsRate) {
   constexpr std::size_t kBlocks = 50;
@@ -56,11 +36,11 @@ TEST_F(VoiceRemote, KnowsNoOtherCommandAndNoOtherLength) {
   OnMainLoop([&] {
     EXPECT_EQ(listener.Register(), 0);
     const std::uint8_t start[] = {0x05, 0x00, 0x00};
-    EXPECT_EQ(bt_hid_send_rc_command(nullptr, start, 1), -22);
-    EXPECT_EQ(bt_hid_send_rc_command(nullptr, start, 3), -22);
-    EXPECT_EQ(SendVoiceCommand(0x05, 0x01), -22);
-    EXPECT_EQ(SendVoiceCommand(0x03, 0x00), -22);
-    EXPECT_EQ(SendVoiceCommand(0xff, 0xff), -22);
+    EXPECT_EQ(bt_hid_send_rc_command(nullptr, start, 1), kVoiceInvalid);
+    EXPECT_EQ(bt_hid_send_rc_command(nullptr, start, 3), kVoiceInvalid);
+    EXPECT_EQ(SendVoiceCommand(0x05, 0x01), kVoiceInvalid);
+    EXPECT_EQ(SendVoiceCommand(0x03, 0x00), kVoiceInvalid);
+    EXPECT_EQ(SendVoiceCommand(0xff, 0xff), kVoiceInvalid);
   });
   EXPECT_EQ(listener.Count(), 0U);
 }
@@ -77,7 +57,7 @@ TEST_F(VoiceRemote, SendsAgainWhenItIsStartedAgain) {
   application.Do(RegisterAndStart())
       .Until("two blocks", Heard(2))
       .Do([&] { EXPECT_EQ(StopVoice(), 0); })
-      .After(kSilenceMs)
+      .After(kLongSilenceMs)
       .Do([&] {
         countAtRestart = listener.Count();
         EXPECT_EQ(StartVoice(), 0);
@@ -96,7 +76,7 @@ TEST_P(RefusedStart, SendsNothingAndMayBeTriedAgain) {
         EXPECT_EQ(listener.Register(), 0);
         EXPECT_EQ(StartVoice(), GetParam());
       })
-      .After(kSilenceMs)
+      .After(kLongSilenceMs)
       .Do([&] {
         EXPECT_EQ(listener.Count(), 0U);
         EXPECT_EQ(StartVoice(), 0);
@@ -105,15 +85,18 @@ TEST_P(RefusedStart, SendsNothingAndMayBeTriedAgain) {
       .Run();
 }
 
-INSTANTIATE_TEST_SUITE_P(Of, RefusedStart, testing::Values(kVoiceInProgress, -5, -19), [](const auto& result) {
-  return result.param == kVoiceInProgress ? "InProgress" : result.param == -5 ? "Refused" : "NoRemote";
-});
+INSTANTIATE_TEST_SUITE_P(Of, RefusedStart, testing::Values(kVoiceInProgress, kVoiceRefused, kVoiceNoRemote),
+                         [](const auto& result) {
+                           return result.param == kVoiceInProgress ? "InProgress"
+                                  : result.param == kVoiceRefused  ? "Refused"
+                                                                   : "NoRemote";
+                         });
 
 TEST_F(VoiceRemote, FallsSilentAtTheEndOfItsWindow) {
   ORVEX_NEEDS(kShortenVoiceWindow);
   constexpr int kWindowMs = 300;
   Port().ShortenVoiceWindow(kWindowMs);
-  application.Do(RegisterAndStart()).Until("a block", Heard(1)).After(2.0 * kWindowMs + kSilenceMs).Run();
+  application.Do(RegisterAndStart()).Until("a block", Heard(1)).After(2.0 * kWindowMs + kLongSilenceMs).Run();
   EXPECT_LE(static_cast<double>(listener.Count()), kWindowMs / kBlockMs + 1.0);
 }
 

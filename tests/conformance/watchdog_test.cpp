@@ -11,13 +11,13 @@ constexpr std::int32_t kTimeout = 60;
 class Watchdog : public PortTest {};
 
 TEST_F(Watchdog, TakesNoNotificationBeforeTheRegistration) {
-  OnMainLoop([] { EXPECT_EQ(watchdog_notify(), -1); });
+  OnMainLoop([] { EXPECT_EQ(watchdog_notify(), kWatchdogFailed); });
 }
 
 TEST_F(Watchdog, TakesNotificationsOfARegisteredProcessOnly) {
   OnMainLoop([] {
     const int result = watchdog_register(kTimeout);
-    EXPECT_TRUE(result == 0 || result == -1) << result;
+    EXPECT_TRUE(result == kWatchdogDone || result == kWatchdogFailed) << result;
     for (int notification = 0; notification < 3; ++notification) {
       EXPECT_EQ(watchdog_notify(), result);
     }

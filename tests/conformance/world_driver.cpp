@@ -8,6 +8,11 @@
 #include <stdexcept>
 
 #include "conformance/port_driver.h"
+#include "orvex/platform/event_log.h"
+#include "orvex/platform/output_delay.h"
+#include "orvex/platform/settings.h"
+#include "orvex/platform/sound_manager.h"
+#include "orvex/platform/tv_service.h"
 #include "world/world.h"
 
 namespace orvex::conformance {
@@ -15,56 +20,37 @@ namespace {
 
 using world::Lane;
 
-const std::set<Ability> kAbilities{Ability::kSettings,
-                                   Ability::kSoundManager,
-                                   Ability::kOutputDelay,
-                                   Ability::kVoice,
-                                   Ability::kPlaceFile,
-                                   Ability::kReadLog,
-                                   Ability::kPutSetting,
-                                   Ability::kSpoilSetting,
-                                   Ability::kSendTerminationSignal,
-                                   Ability::kSendMessage,
-                                   Ability::kSelectSpeaker,
-                                   Ability::kPutTvState,
-                                   Ability::kReadEventRecords,
-                                   Ability::kShortenVoiceWindow,
-                                   Ability::kLoseVoiceBlocks,
-                                   Ability::kRefuseVoiceStart,
-                                   Ability::kBreakSettings,
-                                   Ability::kBreakSoundManager,
-                                   Ability::kBreakOutputDelay,
-                                   Ability::kBreakTvService,
-                                   Ability::kBreakEventLog};
-
 // What the operations of a service answer when it cannot be reached.
 struct Answer {
   const char* function;
   long result;
 };
 const std::map<Ability, std::vector<Answer>> kBrokenAnswers{
-    {Ability::kBreakSettings, {{"settings_get_int", -3}, {"settings_subscribe", -3}}},
+    {Ability::kBreakSettings, {{"settings_get_int", kSettingsUnreadable}, {"settings_subscribe", kSettingsUnreadable}}},
     {Ability::kBreakSoundManager,
-     {{"sound_manager_get_device_mute", -1},
-      {"sound_manager_set_device_mute", -1},
-      {"sound_manager_get_tv_master_volume", -1},
-      {"sound_manager_set_tv_master_volume", -1},
-      {"sound_manager_get_speaker_selection", -1}}},
+     {{"sound_manager_get_device_mute", kSoundUnreachable},
+      {"sound_manager_set_device_mute", kSoundUnreachable},
+      {"sound_manager_get_tv_master_volume", kSoundUnreachable},
+      {"sound_manager_set_tv_master_volume", kSoundUnreachable},
+      {"sound_manager_get_speaker_selection", kSoundUnreachable}}},
     {Ability::kBreakOutputDelay,
-     {{"avoc_get_delay", -1}, {"avoc_set_delay", -1}, {"getSpdifOutDelay", -1}, {"getSpdifOutCodec", -1}}},
+     {{"avoc_get_delay", kDelayUnreachable},
+      {"avoc_set_delay", kDelayUnreachable},
+      {"getSpdifOutDelay", kAudioControlFailed},
+      {"getSpdifOutCodec", kAudioControlFailed}}},
     {Ability::kBreakTvService,
-     {{"tv_get_hdmi_input_count", -1},
-      {"tv_get_activity_info_by_source", -1},
-      {"tv_create_av_control", -1},
-      {"tv_create_source_control", -1},
-      {"getResolution", -1},
-      {"getCurrentSource", -1}}},
-    {Ability::kBreakEventLog, {{"event_log_add_sync", -1}}},
+     {{"tv_get_hdmi_input_count", kTvFailed},
+      {"tv_get_activity_info_by_source", kTvFailed},
+      {"tv_create_av_control", kTvFailed},
+      {"tv_create_source_control", kTvFailed},
+      {"getResolution", kTvFailed},
+      {"getCurrentSource", kTvFailed}}},
+    {Ability::kBreakEventLog, {{"event_log_add_sync", kEventLogUnreachable}}},
 };
 
 class WorldDriver : public PortDriver {
 public:
-  WorldDriver() : PortDriver(kAbilities) { m_World.UseRoom(sim::RoomConfig{}); }
+  WorldDriver() : PortDriver(AllAbilities()) { m_World.UseRoom(sim::RoomConfig{}); }
   ~WorldDriver() override {
     std::error_code ignored;
     std::filesystem::remove(m_World.soundFile, ignored);
@@ -100,7 +86,9 @@ public:
   }
 
   void PutSetting(const std::string& key, int value) override { m_World.ChangeSetting(key, value); }
-  void SpoilSetting(const std::string& /*key*/) override { m_World.answers.Always("settings_get_int", -2); }
+  void SpoilSetting(const std::string& /*key*/) override {
+    m_World.answers.Always("settings_get_int", kSettingsNoInteger);
+  }
   void SendTerminationSignal(int /*number*/) override {
     Soon([this] { m_World.RequestEnd(); });
   }
