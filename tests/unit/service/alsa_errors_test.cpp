@@ -1,10 +1,7 @@
 // What a write that fails costs: the rest of a chunk, a pause, or all that follows.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <cerrno>
 
-#include "unit/service/two_chunks_support.h"
+#include "unit/service/sound_support.h"
 
 namespace {
 
@@ -116,7 +113,7 @@ TEST_F(AlsaErrors, AnUnderrunThatCannotBeRecoveredDropsAndPreparesAnew) {
                                   SecondChunkAfterPrepare()})));
 }
 
-// An error that nothing is known against.
+// An error without a remedy of its own.
 struct OtherError {
   long error;
   const char* text;
@@ -150,7 +147,7 @@ TEST_F(AlsaErrors, ADropThatFailsDoesNotEndThePlay) {
                                                SecondChunk()})));
 }
 
-// A device that is gone is not at rest: nothing prepares it, and every chunk finds that out for itself.
+// A device that is gone is not at rest: nothing prepares it, and every chunk is tried anew.
 TEST_F(AlsaErrors, ADeviceThatIsGoneIsTriedOncePerChunk) {
   world.answers.Next("snd_pcm_writei", {12, -ENODEV});
   const Texts gone = {"cnt:-19, why:No such device", "E2 write error: drop...", "> snd_pcm_drop() = -19"};
@@ -163,7 +160,7 @@ TEST_F(AlsaErrors, ADeviceThatIsGoneIsTriedOncePerChunk) {
                                                {"E2 write error: read_size:32, " + gone[0], gone[1], gone[2]}})));
 }
 
-TEST_F(AlsaErrors, ErrorsWithoutEndEndWithTheSound) {
+TEST_F(AlsaErrors, AnErrorInEveryWriteEndsWithTheSound) {
   world.answers.Always("snd_pcm_writei", -EIO);
   const std::vector<std::uint8_t> longSound = Sound(100 * 128);
   audio.Play(longSound.data(), 100 * 128);
@@ -172,7 +169,7 @@ TEST_F(AlsaErrors, ErrorsWithoutEndEndWithTheSound) {
   EXPECT_EQ(world.journal.Count("> snd_pcm_prepare() = 0"), 100);
 }
 
-TEST_F(AlsaErrors, ADeviceClosedBehindTheWritersBackIsNotWrittenTo) {
+TEST_F(AlsaErrors, ADeviceThatIsClosedDuringAPlayIsNotWrittenTo) {
   world.answers.Next("snd_pcm_writei", {-ESTRPIPE});
   world.answers.Next("snd_pcm_resume", {-EAGAIN, -ENODEV});
   world.answers.Next("snd_pcm_recover", {-ENODEV});

@@ -1,17 +1,12 @@
 // Configuring the sound device: each step that it may refuse, and sizes that it does not report.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cerrno>
 
-#include "Common/AlsaAudio.h"
 #include "unit/service/sound_support.h"
 
 namespace {
 
 using namespace orvex::test;
-using orvex::world::World;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::ElementsAreArray;
@@ -67,15 +62,10 @@ Texts SoftwareLines(int availMin, int start, int stop) {
           "> snd_pcm_sw_params_set_stop_threshold(" + std::to_string(stop) + ") = 0"};
 }
 
-class AlsaParameters : public testing::TestWithParam<Step> {
+// On the device as it is on the television.
+class AlsaParameters : public AlsaTest, public testing::WithParamInterface<Step> {
 protected:
-  Texts Open() {
-    return During(world, [this] { opened = audio.Open(); });
-  }
-
-  World world;
-  AlsaAudio audio;
-  bool opened = false;
+  AlsaParameters() { world.pcmLimits = {}; }
 };
 
 using AlsaHardwareStep = AlsaParameters;
@@ -110,10 +100,8 @@ TEST_P(AlsaHardwareStep, ThatIsRefusedLeavesWhatWasReadBackBefore) {
 TEST_P(AlsaHardwareStep, ThatIsRefusedLeavesADeviceThatPlaysNothing) {
   world.answers.Next(GetParam().function, {GetParam().answer});
   Open();
-  const std::vector<std::uint8_t> sound = Sound(64);
-  EXPECT_THAT(
-      During(world, [&] { audio.Play(sound.data(), 64); }),
-      ElementsAre("I0 period size[0].", "E0 framesize = 4, periodsize = 0, chunkbytes = 0", "E2 Assertion failed"));
+  EXPECT_THAT(Play(Sound(64)), ElementsAre("I0 period size[0].", "E0 framesize = 4, periodsize = 0, chunkbytes = 0",
+                                           "E2 Assertion failed"));
 }
 
 INSTANTIATE_TEST_SUITE_P(All, AlsaHardwareStep,
@@ -187,9 +175,7 @@ TEST_F(AlsaParameters, ThatCannotBeInstalledLeaveTheChunkSizeThatWasReadBack) {
   world.answers.Next("snd_pcm_hw_params", {-EBUSY});
   world.answers.Next("snd_pcm_frames_to_bytes", {4});
   Open();
-  const std::vector<std::uint8_t> sound = Sound(8);
-  EXPECT_THAT(During(world, [&] { audio.Play(sound.data(), 8); }),
-              Contains("E0 framesize = 4, periodsize = 4, chunkbytes = 128"));
+  EXPECT_THAT(Play(Sound(8)), Contains("E0 framesize = 4, periodsize = 4, chunkbytes = 128"));
   EXPECT_TRUE(world.journal.Has("> snd_pcm_writei(2) = -5"));
 }
 
@@ -219,8 +205,7 @@ TEST_F(AlsaParameters, HaveDefaultsForSizesThatTheDeviceDoesNotReport) {
 TEST_F(AlsaParameters, ThatAreNotReportedPlayInDefaultChunks) {
   world.pcmLimits = {70000, 20000, 0, 0};
   Open();
-  const std::vector<std::uint8_t> sound = Sound(65536);
-  const Texts lines = During(world, [&] { audio.Play(sound.data(), 65536); });
+  const Texts lines = Play(Sound(65536));
   EXPECT_THAT(lines, ElementsAreArray(
                          Concat({{"I0 period size[2048].", "E0 framesize = 4, periodsize = 2048, chunkbytes = 65536"},
                                  ChunkIsCopied(0, 65536, 65536),
@@ -238,8 +223,7 @@ TEST_F(AlsaParameters, OfAnEarlierOpenAreUsedWhenTheNextCannotReadThemBack) {
   for (const std::string& call : SoftwareLines(1228, 2457, 4915)) {
     EXPECT_THAT(lines, Contains(call));
   }
-  const std::vector<std::uint8_t> sound = Sound(8);
-  EXPECT_THAT(During(world, [&] { audio.Play(sound.data(), 8); }), Contains("I0 period size[0]."));
+  EXPECT_THAT(Play(Sound(8)), Contains("I0 period size[0]."));
   EXPECT_THAT(world.journal.Calls(), Not(Contains("> snd_pcm_writei(2) = 2")));
 }
 

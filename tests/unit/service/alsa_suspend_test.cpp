@@ -1,10 +1,7 @@
 // A device that is suspended while it is written to: how long it is waited for, and when it is given up.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <cerrno>
 
-#include "unit/service/two_chunks_support.h"
+#include "unit/service/sound_support.h"
 
 namespace {
 
@@ -32,7 +29,7 @@ std::string NameOfSuspension(const testing::TestParamInfo<Suspension>& info) {
 
 class AlsaSuspend : public TwoChunks, public testing::WithParamInterface<Suspension> {};
 
-TEST_P(AlsaSuspend, CostsTheRestOfItsChunkOnly) {
+TEST_P(AlsaSuspend, LosesTheRestOfItsChunkOnly) {
   const Suspension& suspension = GetParam();
   world.answers.Next("snd_pcm_writei", {12, -ESTRPIPE});
   world.answers.Next("snd_pcm_resume", suspension.resumes);

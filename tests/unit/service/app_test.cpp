@@ -1,4 +1,4 @@
-// The application object: watchdog, notifications, and the way of events.
+// The application object: its watchdog, what it is notified of, and events that it does not hand on.
 #include "Application/OrvexApp.h"
 
 #include <gmock/gmock.h>

@@ -121,7 +121,7 @@ TEST_F(AudioControl, OnlySavingChangesTheKeptDelay) {
   EXPECT_EQ(Report(), "result_set_value : [main: 0], [spdif: 85]\n");
 }
 
-TEST_F(AudioControl, AReportWithoutAnOpenResultFileIsOnlyComplainedAbout) {
+TEST_F(AudioControl, AReportWithoutAnOpenResultFileIsOnlyLogged) {
   EXPECT_THAT(During(world, [&] { control.DumpCurrentStatus(); }), ElementsAre("E2 already null"));
 }
 

@@ -33,7 +33,7 @@ constexpr const char* kNotFound = "E2 [ERROR] File not found!";
 class DebugDumpFile : public testing::Test {
 protected:
   ~DebugDumpFile() override {
-    // A pair that was left open is in the world's hands only.
+    // Only the world knows a pair that the writer has left open.
     while (!world.openFiles.empty()) {
       std::fclose(*world.openFiles.begin());
     }
@@ -105,7 +105,7 @@ TEST_F(DebugDumpFile, BeforeAStartAndAfterAStopNothingIsWritten) {
   EXPECT_EQ(ContentOf(ResultName(1)), "");
 }
 
-TEST_F(DebugDumpFile, ASecondStopOnlySaysSo) {
+TEST_F(DebugDumpFile, ASecondStopDoesNothing) {
   writer.Start();
   writer.Stop();
   EXPECT_THAT(During(world, [&] { writer.Stop(); }), ElementsAre("I0 CDebugDumpImplFile Stop"));
@@ -172,7 +172,7 @@ TEST_F(DebugDumpFile, ARecordingAfterAFailedOneHasTheNextNumber) {
   EXPECT_EQ(ContentOf(AudioName(2)), "data");
 }
 
-TEST_F(DebugDumpFile, AFileThatOthersCouldReadIsTheirsNoLonger) {
+TEST_F(DebugDumpFile, AFileThatOthersCouldReadIsEmptiedAndClosedToThem) {
   for (const std::string& name : {AudioName(1), ResultName(1)}) {
     std::ofstream(name) << "old";
     ASSERT_EQ(chmod(name.c_str(), 0666), 0);

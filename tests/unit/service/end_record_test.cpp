@@ -117,7 +117,7 @@ TEST_F(EndRecord, CountsFromTheStartOfTheLastRun) {
 }
 
 TEST_F(EndRecord, StaysAPassOnceAnyRunOfTheProcessHasPassed) {
-  RunHearing({Tone(17000, 5000), Ambient(), Tone(19000, 5000)});  // 17 kHz came 2 buffers, 33 ms, too early
+  RunHearing({Tone(17000, 5000), Ambient(), Tone(19000, 5000)});  // 17 kHz came 2 buffers, 33 ms, before 19 kHz
   EXPECT_EQ(world.events.back().value, "{result=pass;delay=67;du=0;terminate=done}");
   RunHearing({});
   EXPECT_EQ(world.events.back().value, "{result=pass;delay=67;du=0;terminate=diff_fail}");

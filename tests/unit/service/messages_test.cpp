@@ -1,4 +1,4 @@
-// Messages of other applications: every one is taken, none is understood, and the reply goes back as it came.
+// Messages of other applications: each is accepted and none has a known method; the reply goes back as it came.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -125,7 +125,7 @@ TEST_F(Messages, AnEmptyReplyStaysEmptyWhateverTheRequestHolds) {
   }
 }
 
-TEST_F(Messages, AreTakenOneAfterTheOtherWithoutAMemory) {
+TEST_F(Messages, DoNotDependOnEarlierOnes) {
   EXPECT_EQ(Send({"request", Parsed(R"({"method": "x"})")}).size(), 3U);
   EXPECT_EQ(Send({"request", Parsed(R"({})")}).size(), 2U);
   EXPECT_EQ(Send({"request", Parsed(R"({"method": "x"})")}).size(), 3U);

@@ -14,7 +14,7 @@ using testing::ElementsAreArray;
 using testing::IsEmpty;
 
 // Two seconds of sound, stopped after 0.3 of them: its worker writes on.
-class PlayerOverlap : public PlayerFixture {
+class PlayerOverlap : public PlayerTest {
 protected:
   PlayerOverlap() {
     world.pcmLimits = {};

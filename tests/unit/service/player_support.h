@@ -12,9 +12,9 @@
 namespace orvex::test {
 
 // The player, its file with 64 frames of sound, and an owner who notes in the journal that it was called.
-class PlayerFixture : public testing::Test {
+class PlayerTest : public testing::Test {
 protected:
-  PlayerFixture() {
+  PlayerTest() {
     world.pcmLimits = SmallDevice();
     world.soundFile = file.Path();
     player = std::make_unique<OrvexSoundPlayer>();
@@ -22,8 +22,8 @@ protected:
     m_BlocksBefore = world.openBlocks.size();
   }
 
-  static void OnEnd(void* userData) { static_cast<PlayerFixture*>(userData)->world.Call("end callback"); }
-  static void OnCancel(void* userData) { static_cast<PlayerFixture*>(userData)->world.Call("cancel callback"); }
+  static void OnEnd(void* userData) { static_cast<PlayerTest*>(userData)->world.Call("end callback"); }
+  static void OnCancel(void* userData) { static_cast<PlayerTest*>(userData)->world.Call("cancel callback"); }
 
   bool SamplesAreHeld() const { return world.openBlocks.size() > m_BlocksBefore; }
   Texts PlayWave() {

@@ -39,7 +39,7 @@ Bytes Padded(Bytes bytes, std::size_t size) {
   return bytes;
 }
 
-class PlayerWaveFile : public PlayerFixture, public testing::WithParamInterface<SoundFile> {};
+class PlayerWaveFile : public PlayerTest, public testing::WithParamInterface<SoundFile> {};
 
 using PlayerAudibleFile = PlayerWaveFile;
 
@@ -56,7 +56,7 @@ TEST_P(PlayerAudibleFile, IsPlayedByItsFormatAndDataSizeAlone) {
   EXPECT_THAT(From(lines, "I0 m_EndPlayerCB"), ElementsAreArray(PlayEnds()));
 }
 
-// Other identifiers, 7 channels of float at 8000 Hz: nobody asks.
+// Other identifiers, 7 channels of float at 8000 Hz: the player reads none of these fields.
 Bytes StrangeFormat(const Bytes& sound) {
   Bytes file = WaveOf(sound);
   for (const std::size_t i : {0U, 8U, 12U, 36U}) {
@@ -97,7 +97,7 @@ INSTANTIATE_TEST_SUITE_P(
         SoundFile{"LessSoundThanItSays", Joined({WaveBeginning(), ChunkHeader("data", 256), Sound(100)}), 256,
                   Padded(Sound(100), 256)},
         SoundFile{"NoSoundThoughItSays", Joined({WaveBeginning(), ChunkHeader("data", 256)}), 256, Bytes(256, 0)},
-        // The two bytes of the size that are there are taken.
+        // Two of the four bytes of the size are there; the others count as 0.
         SoundFile{"EndsWithinTheDataSize", Part(Joined({WaveBeginning(), ChunkHeader("data", 256)}), 0, 42), 256,
                   Bytes(256, 0)}),
     NameOfFile);
@@ -131,7 +131,7 @@ INSTANTIATE_TEST_SUITE_P(All, PlayerSilentFile,
                                              {}}),
                          NameOfFile);
 
-using Player = PlayerFixture;
+using Player = PlayerTest;
 
 TEST_F(Player, WithoutItsFilePlaysNothingAndEndsNormally) {
   file.Remove();
@@ -170,7 +170,7 @@ TEST_F(Player, LoadsItsFileAnewForEachPlay) {
   EXPECT_EQ(world.samplesTaken, SamplesIn(other));
 }
 
-TEST_F(Player, AsksWhereThePathThatItWasToldLies) {
+TEST_F(Player, AsksThePlatformWhereItsPathLies) {
   for (const std::string path : {"/usr/apps/one.wav", "two.wav"}) {
     player->Prepare(path, OnEnd, OnCancel, this);
     PlayWave();

@@ -51,7 +51,7 @@ TEST(Singleton, IsNeverDestroyed) {
   EXPECT_EXIT(useAndExit(), ExitedWithCode(0), "");
 }
 
-// Takes its time to be made: until every thread is there, and a little more.
+// Its constructor waits until every thread has asked for it, and a little longer.
 struct Counted {
   static constexpr int kThreads = 16;
   Counted() {

@@ -1,11 +1,15 @@
-// What tests of the sound device and of the sound player have in common.
+// The sound device, sound for it, and the lines of a play.
 #pragma once
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include <cstdint>
 #include <cstring>
 #include <string>
 #include <vector>
 
+#include "Common/AlsaAudio.h"
 #include "support/journal.h"
 
 namespace orvex::test {
@@ -66,8 +70,49 @@ inline Texts DeviceIsClosed() {
   return {"I0 Destroy", "> snd_pcm_drop() = 0", "I0 Done drop", "> snd_pcm_close() = 0", "I0 Done close"};
 }
 
+inline Texts DeviceIsDropped() {
+  return {"E2 write error: drop...", "> snd_pcm_drop() = 0"};
+}
+
 inline Texts ClosedDeviceIsLeft() {
   return {"I0 Destroy", "W0 alsa device not open"};
 }
+
+// A device that is small unless a test says otherwise, and what the journal shows of each use of it.
+class AlsaTest : public testing::Test {
+protected:
+  AlsaTest() { world.pcmLimits = SmallDevice(); }
+
+  Texts Open() {
+    return During(world, [this] { opened = audio.Open(); });
+  }
+  Texts Play(const std::vector<std::uint8_t>& sound) {
+    return During(world, [&] { audio.Play(sound.data(), static_cast<std::uint32_t>(sound.size())); });
+  }
+  Texts Destroy() {
+    return During(world, [this] { audio.Destroy(); });
+  }
+
+  world::World world;
+  AlsaAudio audio;
+  bool opened = false;  // the answer of Open()
+};
+
+// A play of two chunks of 32 frames on an open device: what the first meets, and what that means for the second.
+class TwoChunks : public AlsaTest {
+protected:
+  TwoChunks() { audio.Open(); }
+
+  Texts Play() { return AlsaTest::Play(sound); }
+  static Texts FirstChunk(const Texts& lines) {
+    return Concat({PlayBegins(), ChunkIsCopied(0, 256, 128), DeviceIsPrepared(), WritingBegins(32), lines});
+  }
+  static Texts SecondChunk() { return Concat({ChunkIsCopied(128, 128, 128), ChunkIsWritten(32)}); }
+  static Texts SecondChunkAfterPrepare() {
+    return Concat({ChunkIsCopied(128, 128, 128), DeviceIsPrepared(), ChunkIsWritten(32)});
+  }
+
+  const std::vector<std::uint8_t> sound = Sound(256);
+};
 
 }  // namespace orvex::test
