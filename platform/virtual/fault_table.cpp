@@ -1,26 +1,19 @@
 // Reads the text of a faults.json.
 #include "virtual/fault_table.h"
 
-#include <json/json.h>
-
 #include <algorithm>
 #include <iterator>
 #include <stdexcept>
 #include <string_view>
 
+#include "linux/compact_json.h"
 #include "virtual/television_json.h"
 
 namespace orvex::virtual_tv {
 namespace {
 
-std::string CompactJson(const Json::Value& value) {
-  Json::StreamWriterBuilder writer;
-  writer["indentation"] = "";
-  return Json::writeString(writer, value);
-}
-
 [[noreturn]] void Refuse(const std::string& key, const Json::Value& value, const std::string& expected) {
-  throw std::runtime_error("\"" + key + "\": " + CompactJson(value) + ": expected " + expected);
+  throw std::runtime_error("\"" + key + "\": " + port::CompactJson(value) + ": expected " + expected);
 }
 
 FaultTable::Answer ParseAnswer(const std::string& key, const Json::Value& value) {

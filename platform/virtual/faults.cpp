@@ -1,4 +1,4 @@
-// Reads faults.json and counts the calls.
+// Counts the calls, so that each gets its answer.
 #include "virtual/faults.h"
 
 #include <stdexcept>

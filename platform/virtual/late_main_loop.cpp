@@ -1,4 +1,4 @@
-// A main loop that is late.
+// Replaces the function by which Ecore waits.
 #include "virtual/late_main_loop.h"
 
 #include <Ecore.h>

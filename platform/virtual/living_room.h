@@ -1,5 +1,5 @@
-// The one acoustic world of this process: what the virtual sound device plays goes in, what the remote control's
-// microphone hears comes out. Time is CLOCK_MONOTONIC.
+// The room in which the virtual television stands: takes what the sound device plays and gives what the remote
+// control's microphone hears. A process has one. Time is CLOCK_MONOTONIC.
 #pragma once
 
 #include <memory>

@@ -96,7 +96,7 @@ void PcmStream::StandAt(std::uint64_t frame, Progress progress) {
   m_Progress = progress;
 }
 
-// Frames behind the next fault wait: whether and when they leave is not known before it has struck.
+// Frames behind the next fault wait: whether and when they leave is not known before it has happened.
 void PcmStream::HandOver() {
   const std::uint64_t known = std::min(m_Written, FaultFrame());
   if (m_Progress != Progress::kPlaying || known <= m_HandedOver) {

@@ -1,5 +1,5 @@
-// The playing stream of the virtual sound device, as arithmetic: which frame leaves the device when, and where a fault
-// stops it. No thread and no clock: time is an argument, on CLOCK_MONOTONIC.
+// The playing stream of the virtual sound device, as arithmetic: when each frame leaves the device, and where a fault
+// stops it. Uses no thread and no clock: time is an argument, on CLOCK_MONOTONIC.
 #pragma once
 
 #include <cstddef>
@@ -28,7 +28,7 @@ protected:
 
 enum class PcmFault { kUnderrun, kSuspend, kDisconnect, kStall };
 
-// A fault that strikes when `frame` frames have left the device since it was opened.
+// A fault that happens when `frame` frames have left the device since it was opened.
 struct PcmFaultPoint {
   std::uint64_t frame;
   PcmFault fault;
@@ -39,8 +39,8 @@ class PcmStream {
 public:
   enum class Progress { kStopped, kPlaying, kHalted };
 
-  // `faults` in the order of their frames; one that has struck is taken out, so that it does not strike again when the
-  // device is opened once more. Both arguments must outlive this object.
+  // `faults` in the order of their frames; one that has happened is taken out, so that it does not happen again when
+  // the device is opened once more. Both arguments must outlive this object.
   PcmStream(SoundSink& sink, std::deque<PcmFaultPoint>& faults) : m_Sink(sink), m_Faults(faults) {}
 
   // Begins a new, empty stream; what still waited for its time is cut.
@@ -50,9 +50,9 @@ public:
   void Start(MonotonicTime now);
   // Ends the stream: frames that have not left are cut.
   void Stop(MonotonicTime now);
-  // The next fault, if it has struck by now; the stream then stands still at its frame. At most one per call.
+  // The next fault, if it has happened by now; the stream then halts at its frame. At most one per call.
   bool TakeFault(MonotonicTime now, PcmFault& fault);
-  // Stands still where it is, without a listed fault: the frames have run out.
+  // Halts where it is, without a listed fault: the frames have run out.
   void Halt(MonotonicTime now);
   // Goes on after a halt; all that has not left does so from now on.
   void Resume(MonotonicTime now);
@@ -63,7 +63,7 @@ public:
   std::uint64_t Position(MonotonicTime now) const;
   // The first moment at which Position() is `frame`, while playing and unless the stream is short of frames.
   MonotonicTime TimeOfPosition(std::uint64_t frame) const;
-  // The frame at which the next fault strikes; the largest number when none is left.
+  // The frame at which the next fault happens; the largest number when none is left.
   std::uint64_t FaultFrame() const;
 
 private:

@@ -8,9 +8,8 @@ namespace orvex::virtual_tv {
 
 enum class AccessResult { kDone, kMissing, kBadValue, kInaccessible };
 
-// A failure is reported, once as long as it lasts, except a missing file where that is a state of its own: below
-// settings/ and tv/. Any thread.
-// `*number` and `*text` are untouched by a failure.
+// Any thread. A failure is reported once as long as it lasts, and leaves `*number` and `*text` untouched. A missing
+// file below settings/ and tv/ is not reported: there it is a state of the television.
 AccessResult ReadNumber(const std::string& name, std::int64_t* number);
 AccessResult ReadText(const std::string& name, std::string* text);
 AccessResult WriteNumber(const std::string& name, std::int64_t number);

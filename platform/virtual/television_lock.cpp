@@ -1,4 +1,4 @@
-// One service at a time on a virtual television.
+// An flock() on the television's directory.
 #include "virtual/television_lock.h"
 
 #include <fcntl.h>

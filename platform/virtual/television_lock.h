@@ -5,7 +5,7 @@
 
 namespace orvex::virtual_tv {
 
-// Holds a television's directory as long as it lives and its process does: the lock is the system's and goes with it.
+// Holds the lock on a television's directory during its life. The system releases the lock when the process ends.
 class TelevisionLock {
 public:
   explicit TelevisionLock(const std::filesystem::path& directory);
@@ -13,7 +13,7 @@ public:
   TelevisionLock(const TelevisionLock&) = delete;
   TelevisionLock& operator=(const TelevisionLock&) = delete;
 
-  // False: another process holds it. A file system that knows no locks refuses nobody.
+  // False: another process holds it. True on a file system that has no locks.
   bool IsHeld() const { return m_IsHeld; }
 
 private:

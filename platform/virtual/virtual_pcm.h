@@ -14,12 +14,12 @@
 
 namespace orvex::virtual_tv {
 
-// The place of the one handle that can be open at a time, and what outlives it.
+// Whether the one handle is open, and what outlives it.
 struct PcmSlot {
   explicit PcmSlot(std::deque<PcmFaultPoint> listed) : faults(std::move(listed)) {}
 
   std::atomic<bool> isTaken{false};
-  std::deque<PcmFaultPoint> faults;  // that have not struck yet; the open handle's alone
+  std::deque<PcmFaultPoint> faults;  // that have not happened yet; only the open handle uses them
 };
 
 // One open handle. libasound's lock of the handle guards it, except in Prepare(): a program that prepares does nothing
