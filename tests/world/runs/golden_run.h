@@ -20,13 +20,15 @@ protected:
   using EndRecord = RunGolden::EndRecord;
   using Consent = RunGolden::Consent;
   using Speaker = RunGolden::Speaker;
+  using Restored = RunGolden::Restored;
+  using Recorder = RunGolden::Recorder;
+  using Sound = RunGolden::Sound;
 
   static constexpr int kSoundFrames = 24000;
-  using Sound = RunGolden::Sound;
-  static constexpr Workers kBoth{true, Sound::kWritten};
-  static constexpr Workers kRecorderAndEndedSound{true, Sound::kEnded};
-  static constexpr Workers kRecorder{true, Sound::kNotStarted};
-  static constexpr Workers kNobody{false, Sound::kNotStarted};
+  static constexpr Workers kBoth{Recorder::kRecording, Sound::kWritten};
+  static constexpr Workers kRecorderAndEndedSound{Recorder::kRecording, Sound::kEnded};
+  static constexpr Workers kRecorder{Recorder::kRecording, Sound::kNotStarted};
+  static constexpr Workers kNobody{};
 
   // Does `action` on the main loop at this time.
   void AtMs(double milliseconds, const std::function<void()>& action) {
@@ -35,6 +37,22 @@ protected:
   void RunToEnd() {
     ASSERT_TRUE(run.Start());
     ASSERT_TRUE(run.ToEnd());
+  }
+  // The 17 kHz tone in buffer 50, the 19 kHz tone in buffer 53: 49 ms of the delay are taken away.
+  void HearThreeBuffersLate() {
+    remote.Hear(50, Heard::k17kHz);
+    remote.Hear(53, Heard::k19kHz);
+  }
+  void ExpectThreeBuffersLate() { golden.Blocks(36, 49).FirstTone17(50).Blocks(51, 52).SecondTone19(53, 50); }
+  // A difference ends the run, and the sound is played to its end.
+  void ExpectApplied(const std::string& seconds, const EndRecord& record) {
+    golden.EndSync(kBoth, seconds, record).Exit().Destroy({kNobody, record});
+    ExpectRestOfTheSound();
+  }
+  void ExpectRestOfTheSound() {
+    golden.At(golden.WritesEndMs());
+    golden.PlayerIsCancelled();
+    ExpectGolden();
   }
   void ExpectGolden() {
     EXPECT_TRUE(Agree(golden, run.world.journal));

@@ -73,18 +73,20 @@ RunGolden& RunGolden::SecondTone19(int block, int first) {
   Block(block).Set("first", first).Set("seconds", Seconds(block - first)).Add(R"(
 I0 (ruvo_19k)[${buffer}] ${at} s {f}, {f}\n
 I0 @ [RESULT] [${first}] - [${buffer}] : ${seconds} s\n
-E0 completed calculation of delay
-I0 m_OnEndCalculationDiffCallback
-> SendEvent(10001)
-> SendEvent(10007)
 )");
-  return *this;
+  return CompletePair();
 }
 
 RunGolden& RunGolden::SecondTone17(int block, int first) {
   Block(block).Set("first", first).Set("seconds", Seconds(first - block)).Add(R"(
 I0 [${buffer}] ${at} s {f}, {f}\n
 I0 (ruvo)   ====> @ [RESULT] [${buffer}] - [${first}] : ${seconds} s\n
+)");
+  return CompletePair();
+}
+
+RunGolden& RunGolden::CompletePair() {
+  Add(R"(
 E0 completed calculation of delay
 I0 m_OnEndCalculationDiffCallback
 > SendEvent(10001)
@@ -132,15 +134,17 @@ I0 frame size =  4
   return *this;
 }
 
-RunGolden& RunGolden::StartSound() {
-  On("main").Add(R"(
-E0 pEvent.type 10002
-I0 ORVEX_PLAY_INAUDIBLE_SOUND
+RunGolden& RunGolden::AskForSound() {
+  Event(10002, "ORVEX_PLAY_INAUDIBLE_SOUND").Add(R"(
 I0 Start Orvex[2]
 I0 start Sound Player
 I0 start Player ${}
 )");
-  OpenDevice().Add("> ecore_thread_run()");
+  return *this;
+}
+
+RunGolden& RunGolden::StartSound() {
+  AskForSound().OpenDevice().Add("> ecore_thread_run()");
   return *this;
 }
 
@@ -188,24 +192,23 @@ I0 m_EndPlayerCB
 I0 m_OnEndWavPlayCallback
 > SendEvent(10001)
 > SendEvent(10007)
-I0 Destroy
-> snd_pcm_drop() = 0
-I0 Done drop
-> snd_pcm_close() = 0
-I0 Done close
 )");
-  return *this;
+  return CloseDevice();
 }
 
 RunGolden& RunGolden::PlayerIsCancelled() {
-  On("main").Add(R"(
-I0 m_CancelPlayCB
+  On("main").Add("I0 m_CancelPlayCB");
+  CloseDevice().Add("I0 m_OnCancelWavPlayCallback");
+  return *this;
+}
+
+RunGolden& RunGolden::CloseDevice() {
+  Add(R"(
 I0 Destroy
 > snd_pcm_drop() = 0
 I0 Done drop
 > snd_pcm_close() = 0
 I0 Done close
-I0 m_OnCancelWavPlayCallback
 )");
   return *this;
 }

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cmath>
+#include <map>
 
 namespace orvex::runs {
 
@@ -13,6 +14,17 @@ namespace {
 constexpr char kConsent[] = R"(
 > settings_get_int("db/menu/tessar/homedatacontrol/defaultdisclaimeragree") = 0
 I0 defaultdisclaimeragree=${agreed}
+)";
+constexpr char kDelayRead[] = R"(
+> IAudioControl::getInstance() = object
+> getSpdifOutDelay() = 0
+E0 spdif out delay = ${delay}
+> avoc_get_delay(1) = 0
+)";
+constexpr char kMuteAsked[] = R"(
+I0 need to restore volume. original mute value[1]
+> sound_manager_get_speaker_selection() = 0
+I0 current speaker [${speaker}]
 )";
 constexpr char kStartText[] = "{device=acme|3;source=5;videoinfo=tv|7|60;codec=2}";
 
@@ -85,9 +97,7 @@ I0 Orvex Service Create Done
 }
 
 RunGolden& RunGolden::StartSync(Consent consent) {
-  On("main").Add(R"(
-E0 pEvent.type 10000
-I0 ORVEX_START_SYNC
+  Event(10000, "ORVEX_START_SYNC").Add(R"(
 > tv_get_activity_info_by_source(99)
 I0 type = 3, brandName = acme
 > tv_create_av_control(1, 0) = 0
@@ -101,39 +111,34 @@ I0 source = 5
 I0 type = 2
 )");
   Record("ORVEXENV", "EV013", kStartText, consent);
-  Add(R"(
-${newInstance}
-> IAudioControl::getInstance() = object
-> getSpdifOutDelay() = 0
-E0 spdif out delay = ${delay}
-> avoc_get_delay(1) = 0
-I0 avoc delay = ${delay}
-> SendEvent(10004)
-I0 ${clock}
+  Add("${newInstance}");
+  return ReadDelay().GrantRestart();
+}
+
+RunGolden& RunGolden::Event(int type, const std::string& name) {
+  On("main").Set("type", type).Set("name", name).Add(R"(
+E0 pEvent.type ${type}
+I0 ${name}
 )");
-  m_StartedMs = Now();
   return *this;
 }
 
-RunGolden& RunGolden::StartRecorder() {
-  On("main").Add(R"(
-E0 pEvent.type 10004
-I0 ORVEX_START_BT_RECODING
+RunGolden& RunGolden::StartRecorder(int answer) {
+  Event(10004, "ORVEX_START_BT_RECODING").Set("answer", answer).Add(R"(
 I0 Start Orvex[1]
 I0 start BT Recoder
-> pthread_create() = 0
+> pthread_create() = ${answer}
 )");
+  return *this;
+}
+
+RunGolden& RunGolden::ReadDelay() {
+  Add(kDelayRead).Add("I0 avoc delay = ${delay}");
   return *this;
 }
 
 RunGolden& RunGolden::SaveDelay() {
-  Add(R"(
-> IAudioControl::getInstance() = object
-> getSpdifOutDelay() = 0
-E0 spdif out delay = ${delay}
-> avoc_get_delay(1) = 0
-E0 main out delay = 0, avoc delay = ${delay}
-)");
+  Add(kDelayRead).Add("E0 main out delay = 0, avoc delay = ${delay}");
   return *this;
 }
 
@@ -171,39 +176,39 @@ I0 ${}
 }
 
 RunGolden& RunGolden::StopBoth(const Workers& workers) {
-  On("main").Add(R"(
-I0 Stop Orvex[3]
-I0 stop BT Recoder
-)");
-  Add(workers.recording ? R"(
+  On("main").Add("I0 Stop Orvex[3]");
+  return StopRecorder(workers.recorder).StopSound(workers.sound);
+}
+
+RunGolden& RunGolden::StopRecorder(Recorder recorder) {
+  static const std::map<Recorder, std::string> kLines{
+      {Recorder::kNotStarted, "I0 BT Recoder is not started"},
+      {Recorder::kFailed, "> pthread_join()\nE2 Already ready state!!"},
+      {Recorder::kRecording, R"(
 > pthread_join()
 > bt_hid_unset_audio_data_receive_cb() = 0
 > bt_hid_rc_stop_sending_voice(null) = 0
 E0 Stop bt audio
-)"
-                        : "I0 BT Recoder is not started");
-  Add("I0 stop Sound Player");
-  if (workers.sound == Sound::kNotStarted) {
-    Add("I0 Sound Player is not started");
-  } else {
-    Add("I0 cancel_thread");
-    Add(workers.sound == Sound::kWritten ? "> ecore_thread_cancel()" : "> ecore_thread_cancel(null)");
-  }
+)"},
+  };
+  Add("I0 stop BT Recoder").Add(kLines.at(recorder));
   return *this;
 }
 
+RunGolden& RunGolden::StopSound(Sound sound) {
+  static const std::map<Sound, std::string> kLines{
+      {Sound::kNotStarted, "I0 Sound Player is not started"},
+      {Sound::kFailed, "E2 already thread stop"},
+      {Sound::kWritten, "I0 cancel_thread\n> ecore_thread_cancel()"},
+      {Sound::kEnded, "I0 cancel_thread\n> ecore_thread_cancel(null)"},
+  };
+  Add("I0 stop Sound Player").Add(kLines.at(sound));
+  return sound == Sound::kFailed ? CloseDevice() : *this;
+}
+
 RunGolden& RunGolden::AskForRestart(long delayMs) {
-  On("main").Set("delay", delayMs).Add(R"(
-E0 pEvent.type 10005
-I0 ORVEX_RESTART_BT_RECODING
-I0 check retry
-> IAudioControl::getInstance() = object
-> getSpdifOutDelay() = 0
-E0 spdif out delay = ${delay}
-> avoc_get_delay(1) = 0
-I0 avoc delay = ${delay}
-)");
-  return *this;
+  Event(10005, "ORVEX_RESTART_BT_RECODING").Set("delay", delayMs).Add("I0 check retry");
+  return ReadDelay();
 }
 
 RunGolden& RunGolden::GrantRestart() {
@@ -215,12 +220,16 @@ I0 ${clock}
   return *this;
 }
 
-RunGolden& RunGolden::EndSync(const Workers& workers, const std::string& seconds, const EndRecord& record) {
+RunGolden& RunGolden::AskForExit() {
   On("main").Add(R"(
-E0 pEvent.type 10001
-I0 ORVEX_END_SYNC
+I0 ${}
+> SendEvent(10007)
 )");
-  return StopBoth(workers).ApplyDifference(seconds, record);
+  return *this;
+}
+
+RunGolden& RunGolden::EndSync(const Workers& workers, const std::string& seconds, const EndRecord& record) {
+  return Event(10001, "ORVEX_END_SYNC").StopBoth(workers).ApplyDifference(seconds, record);
 }
 
 RunGolden& RunGolden::ApplyDifference(const std::string& seconds, const EndRecord& record) {
@@ -236,24 +245,14 @@ I0 after delay = ${delay}
 }
 
 RunGolden& RunGolden::Exit() {
-  On("main").Add(R"(
-E0 pEvent.type 10007
-I0 ORVEX_EXIT
-> ui_app_exit()
-)");
+  Event(10007, "ORVEX_EXIT").Add("> ui_app_exit()");
   return *this;
 }
 
 RunGolden& RunGolden::SendEndRecord(const EndRecord& record) {
   const auto durationMs = static_cast<long>(std::floor(Now())) - static_cast<long>(std::floor(m_StartedMs));
-  Set("delay", record.delayMs).Add(R"(
-> IAudioControl::getInstance() = object
-> getSpdifOutDelay() = 0
-E0 spdif out delay = ${delay}
-> avoc_get_delay(1) = 0
-I0 avoc delay = ${delay}
-I0 ${clock}
-)");
+  Set("delay", record.delayMs);
+  ReadDelay().Add("I0 ${clock}");
   return Record("ORVEXSET", "EV012",
                 "{result=" + record.result + ";delay=" + std::to_string(record.delayMs) + ";du=" +
                     (m_IsInRealTime ? "{u}" : std::to_string(durationMs)) + ";terminate=" + record.terminate + "}",
@@ -293,10 +292,26 @@ I0 Destroy
   if (destruction.timerRuns) {
     Add("> ecore_timer_del()");
   }
-  Add("I0 ${}").Add(destruction.restored).Add(R"(
+  Add("I0 ${}");
+  RestoreSpeaker(destruction.restored).Add(R"(
 > FwAlarm::Destroy()
 > ~FwAlarm()
 )");
+  return *this;
+}
+
+RunGolden& RunGolden::RestoreSpeaker(Restored restored) {
+  if (restored == Restored::kVolumeOfSelected) {
+    Set("speaker", 0).Add(kMuteAsked);
+  } else if (restored == Restored::kVolumeAndMute) {
+    Set("speaker", 1).Add(kMuteAsked).Add("> sound_manager_set_device_mute(0, true) = 0");
+  }
+  if (restored != Restored::kNothing) {
+    Add(R"(
+I0 original volume value[15]
+> sound_manager_set_tv_master_volume(15) = 0
+)");
+  }
   return *this;
 }
 

@@ -22,10 +22,19 @@ public:
 
   enum class Consent { kMissing, kGiven };
   enum class Speaker { kAudible, kMuted };
-  enum class Sound { kNotStarted, kWritten, kEnded };  // kEnded: its worker's end function has run
+  // What the destroy step gives back of a speaker that was muted.
+  enum class Restored {
+    kNothing,           // it was audible
+    kVolume,            // the mute is forgotten after the optical flag
+    kVolumeOfSelected,  // the speaker is selected: it stays audible
+    kVolumeAndMute,     // another output is selected
+  };
+  enum class Recorder { kNotStarted, kFailed, kRecording };
+  // kFailed: its worker could not be started; kEnded: its worker's end function has run.
+  enum class Sound { kNotStarted, kFailed, kWritten, kEnded };
   // What m_StopOrvex(3) finds.
   struct Workers {
-    bool recording = false;  // started, and the remote sends
+    Recorder recorder = Recorder::kNotStarted;
     Sound sound = Sound::kNotStarted;
   };
   struct EndRecord {
@@ -40,8 +49,10 @@ public:
   RunGolden& Create(Speaker speaker = Speaker::kAudible);
   // The first event, up to the clock that is kept as the start of the run.
   RunGolden& StartSync(Consent consent = Consent::kMissing);
-  // The second event, up to a recorder thread.
-  RunGolden& StartRecorder();
+  // What the main loop logs of every event.
+  RunGolden& Event(int type, const std::string& name);
+  // The second event, up to what pthread_create() answers to the recorder thread.
+  RunGolden& StartRecorder(int answer = 0);
   // The recorder thread up to its start command, then with a remote that has accepted it.
   RunGolden& RecorderAsks();
   RunGolden& RecorderRuns();
@@ -64,7 +75,8 @@ public:
   RunGolden& SecondTone17(int block, int first);
   RunGolden& NoisyTone19(int block, int noises);
 
-  // The event that starts the sound: the device, then the worker.
+  // The event that starts the sound, up to the device; then the device and the worker.
+  RunGolden& AskForSound();
   RunGolden& OpenDevice();
   RunGolden& StartSound();
   // The worker's load and writes. Ends at WritesEndMs().
@@ -81,11 +93,15 @@ public:
   RunGolden& AskForRestart(long delayMs);
   RunGolden& GrantRestart();
 
+  // The time limit and the optical flag: EXIT is sent.
+  RunGolden& AskForExit();
   // The end of a run: both workers stopped, then the delay set (or no difference), the dump closed, the end record.
   RunGolden& EndSync(const Workers& workers, const std::string& seconds, const EndRecord& record);
   RunGolden& ApplyDifference(const std::string& seconds, const EndRecord& record);
   RunGolden& Exit();
   RunGolden& StopBoth(const Workers& workers);
+  RunGolden& StopRecorder(Recorder recorder = Recorder::kRecording);
+  RunGolden& StopSound(Sound sound = Sound::kWritten);
   RunGolden& SendEndRecord(const EndRecord& record);
 
   // The destroy step.
@@ -93,14 +109,18 @@ public:
     Workers workers;
     EndRecord record;
     bool timerRuns = true;
-    std::string restored = "";  // lines of the speaker guard
+    Restored restored = Restored::kNothing;
   };
   RunGolden& Destroy(const Destruction& destruction);
 
 private:
   RunGolden& Record(const std::string& event, const std::string& category, const std::string& text, Consent consent);
   RunGolden& Send(const std::string& event, const std::string& category, const std::string& text);
+  RunGolden& ReadDelay();
   RunGolden& SaveDelay();
+  RunGolden& CloseDevice();
+  RunGolden& CompletePair();
+  RunGolden& RestoreSpeaker(Restored restored);
 
   BlockTime m_DeliveredAtMs;
   int m_SoundFrames;

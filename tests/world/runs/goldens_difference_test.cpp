@@ -5,31 +5,18 @@ namespace {
 
 using orvex::runs::GoldenRun;
 using orvex::runs::Heard;
-using orvex::runs::RunGolden;
 
 class GoldenDifference : public GoldenRun {
 protected:
-  // The 17 kHz tone in buffer 50, the 19 kHz tone in buffer 53: 49 ms of the delay of 100 ms are taken away.
-  void HearThreeBuffersLate() {
-    remote.Hear(50, Heard::k17kHz);
-    remote.Hear(53, Heard::k19kHz);
-  }
-  RunGolden& ExpectTones() { return golden.Blocks(36, 49).FirstTone17(50).Blocks(51, 52).SecondTone19(53, 50); }
-  void ExpectDone(Consent consent) {
-    const EndRecord record{"pass", 51, "done", consent};
-    golden.EndSync(kBoth, "0.0495", record).Exit().Destroy({kNobody, record});
-    golden.At(golden.WritesEndMs());
-    golden.PlayerIsCancelled();
-    ExpectGolden();
-  }
+  static EndRecord Done(Consent consent) { return {"pass", 51, "done", consent}; }
 };
 
 TEST_F(GoldenDifference, IsAppliedWhileNobodyHasAgreed) {
   HearThreeBuffersLate();
   RunToEnd();
   golden.UntilPlaying();
-  ExpectTones();
-  ExpectDone(Consent::kMissing);
+  ExpectThreeBuffersLate();
+  ExpectApplied("0.0495", Done(Consent::kMissing));
 }
 
 TEST_F(GoldenDifference, IsAppliedAndReportedWithConsent) {
@@ -37,8 +24,8 @@ TEST_F(GoldenDifference, IsAppliedAndReportedWithConsent) {
   HearThreeBuffersLate();
   RunToEnd();
   golden.UntilPlaying(Speaker::kAudible, Consent::kGiven);
-  ExpectTones();
-  ExpectDone(Consent::kGiven);
+  ExpectThreeBuffersLate();
+  ExpectApplied("0.0495", Done(Consent::kGiven));
 }
 
 TEST_F(GoldenDifference, IsReportedFromTheStartWhenConsentComesMeanwhile) {
@@ -48,8 +35,8 @@ TEST_F(GoldenDifference, IsReportedFromTheStartWhenConsentComesMeanwhile) {
   golden.UntilPlaying();
   golden.At(700);
   golden.ConsentChanges(Consent::kGiven);
-  ExpectTones();
-  ExpectDone(Consent::kGiven);
+  ExpectThreeBuffersLate();
+  ExpectApplied("0.0495", Done(Consent::kGiven));
 }
 
 TEST_F(GoldenDifference, StaysKeptWhenTheChangeOfConsentIsARefusal) {
@@ -59,20 +46,16 @@ TEST_F(GoldenDifference, StaysKeptWhenTheChangeOfConsentIsARefusal) {
   golden.UntilPlaying();
   golden.At(700);
   golden.ConsentChanges(Consent::kMissing);
-  ExpectTones();
-  ExpectDone(Consent::kMissing);
+  ExpectThreeBuffersLate();
+  ExpectApplied("0.0495", Done(Consent::kMissing));
 }
 
 TEST_F(GoldenDifference, OfAnOpticalOutputThatIsEarlyLengthensTheDelay) {
   remote.Hear(50, Heard::k19kHz);
   remote.Hear(54, Heard::k17kHz);
   RunToEnd();
-  const EndRecord record{"pass", 166, "done"};
   golden.UntilPlaying().Blocks(36, 49).FirstTone19(50).Blocks(51, 53).SecondTone17(54, 50);
-  golden.EndSync(kBoth, "-0.0660", record).Exit().Destroy({kNobody, record});
-  golden.At(golden.WritesEndMs());
-  golden.PlayerIsCancelled();
-  ExpectGolden();
+  ExpectApplied("-0.0660", {"pass", 166, "done"});
 }
 
 TEST_F(GoldenDifference, GreaterThanTheDelayMakesItZero) {
@@ -81,12 +64,8 @@ TEST_F(GoldenDifference, GreaterThanTheDelayMakesItZero) {
   RunToEnd();
   golden.Set("delay", 30);
   golden.UntilPlaying();
-  ExpectTones();
-  const EndRecord record{"pass", 0, "done"};
-  golden.EndSync(kBoth, "0.0495", record).Exit().Destroy({kNobody, record});
-  golden.At(golden.WritesEndMs());
-  golden.PlayerIsCancelled();
-  ExpectGolden();
+  ExpectThreeBuffersLate();
+  ExpectApplied("0.0495", {"pass", 0, "done"});
 }
 
 TEST_F(GoldenDifference, IsMissingWhenTheSoundEndsWithoutAPair) {
@@ -104,9 +83,8 @@ TEST_F(GoldenDifference, IsAppliedOnlyWhenARemoteThatIsSlowToStopHasStopped) {
   run.world.answers.Next("bt_hid_rc_stop_sending_voice", {-115, -115, -115});
   RunToEnd();
   golden.UntilPlaying();
-  ExpectTones().On("main").Add(R"(
-E0 pEvent.type 10001
-I0 ORVEX_END_SYNC
+  ExpectThreeBuffersLate();
+  golden.Event(10001, "ORVEX_END_SYNC").Add(R"(
 I0 Stop Orvex[3]
 I0 stop BT Recoder
 > pthread_join()
@@ -124,12 +102,9 @@ E2 Fail bt_hid_rc_stop_sending_voice() [ret = -115]
   golden.Add(R"(
 > bt_hid_rc_stop_sending_voice(null) = 0
 E0 Stop bt audio
-I0 stop Sound Player
-I0 cancel_thread
-> ecore_thread_cancel()
 )");
-  const EndRecord record{"pass", 51, "done"};
-  golden.ApplyDifference("0.0495", record).Exit().Destroy({kNobody, record});
+  const EndRecord record = Done(Consent::kMissing);
+  golden.StopSound().ApplyDifference("0.0495", record).Exit().Destroy({kNobody, record});
   // The sound ended while the main loop waited for the remote.
   golden.PlayerIsCancelled();
   ExpectGolden();

@@ -20,7 +20,7 @@ bool FirstRunIsGolden() {
   }
   RunGolden golden([](int, double) { return 0.0; }, 0);
   golden.SetNewInstances("I0 [singleton] new instance").UntilRecording().At(10).On("main").Add("* termination");
-  golden.Destroy({{true, RunGolden::Sound::kNotStarted}, {}});
+  golden.Destroy({{RunGolden::Recorder::kRecording}, {}});
   const testing::AssertionResult agree = Agree(golden, run.world.journal);
   std::cerr << agree.message();
   return agree;

@@ -8,19 +8,13 @@ using orvex::runs::GoldenRun;
 constexpr double kDuringAmbientMs = 300;
 constexpr double kWhilePlayingMs = 700;  // 92 ms after the sound's start
 constexpr char kAmbientDone[] = "E0 completed ambient noise";
-constexpr char kOpticalCallback[] = R"(
-I0 ${}
-> SendEvent(10007)
-)";
 
 class GoldenInterruption : public GoldenRun {
 protected:
   // Nothing is destroyed but what runs; the sound is played to its end.
   void ExpectDestroyAndTheRestOfTheSound(bool timerRuns = true) {
-    golden.Destroy({kBoth, {}, timerRuns, ""});
-    golden.At(golden.WritesEndMs());
-    golden.PlayerIsCancelled();
-    ExpectGolden();
+    golden.Destroy({kBoth, {}, timerRuns});
+    ExpectRestOfTheSound();
   }
   // What happens at the moment at which the ambient phase ends, on the delivery thread.
   void ExpectAtTheEndOfTheAmbientPhase(const std::string& what) {
@@ -34,32 +28,32 @@ I0 m_OnEndAmientNoiseCallback
 TEST_F(GoldenInterruption, TheTimeLimitEndsARunWhoseRemoteFellSilent) {
   remote.EndAfter(20);
   RunToEnd();
-  golden.UntilRecording().Blocks(1, 20).At(10000).On("main").Add(kOpticalCallback);
-  golden.Exit().Destroy({kRecorder, {}, false, ""});
+  golden.UntilRecording().Blocks(1, 20).At(10000);
+  golden.AskForExit().Exit().Destroy({kRecorder, {}, false});
   ExpectGolden();
 }
 
 TEST_F(GoldenInterruption, TheTimeLimitEndsARunThatPlays) {
   remote.DelayFrom(30, 9200);
   RunToEnd();
-  golden.UntilPlaying().Blocks(36, 46).At(10000).On("main").Add(kOpticalCallback);
-  golden.Exit();
+  golden.UntilPlaying().Blocks(36, 46).At(10000);
+  golden.AskForExit().Exit();
   ExpectDestroyAndTheRestOfTheSound(false);
 }
 
 TEST_F(GoldenInterruption, TheOpticalFlagBeforeTheFirstBlock) {
   AtMs(10, [this] { run.SwitchOpticalFlag(); });
   RunToEnd();
-  golden.UntilRecording().At(10).On("main").Add("* optical flag").Add(kOpticalCallback);
-  golden.Exit().Destroy({kRecorder, {}});
+  golden.UntilRecording().At(10).On("main").Add("* optical flag");
+  golden.AskForExit().Exit().Destroy({kRecorder, {}});
   ExpectGolden();
 }
 
 TEST_F(GoldenInterruption, TheOpticalFlagDuringTheAmbientPhase) {
   AtMs(kDuringAmbientMs, [this] { run.SwitchOpticalFlag(); });
   RunToEnd();
-  golden.UntilRecording().Blocks(1, 16).At(kDuringAmbientMs).On("main").Add("* optical flag").Add(kOpticalCallback);
-  golden.Exit().Destroy({kRecorder, {}});
+  golden.UntilRecording().Blocks(1, 16).At(kDuringAmbientMs).On("main").Add("* optical flag");
+  golden.AskForExit().Exit().Destroy({kRecorder, {}});
   ExpectGolden();
 }
 
@@ -68,7 +62,7 @@ TEST_F(GoldenInterruption, TheOpticalFlagAtTheEndOfTheAmbientPhaseCancelsTheSoun
   RunToEnd();
   golden.UntilRecording().Blocks(1, 34);
   ExpectAtTheEndOfTheAmbientPhase("* optical flag");
-  golden.On("main").Add(kOpticalCallback);
+  golden.AskForExit();
   // EXIT was sent before the worker began.
   golden.StartSound().Exit().Destroy({kBoth, {}}).PlayerIsCancelled();
   ExpectGolden();
@@ -77,8 +71,8 @@ TEST_F(GoldenInterruption, TheOpticalFlagAtTheEndOfTheAmbientPhaseCancelsTheSoun
 TEST_F(GoldenInterruption, TheOpticalFlagWhileTheSoundPlays) {
   AtMs(kWhilePlayingMs, [this] { run.SwitchOpticalFlag(); });
   RunToEnd();
-  golden.UntilPlaying().Blocks(36, 40).At(kWhilePlayingMs).On("main").Add("* optical flag").Add(kOpticalCallback);
-  golden.Exit();
+  golden.UntilPlaying().Blocks(36, 40).At(kWhilePlayingMs).On("main").Add("* optical flag");
+  golden.AskForExit().Exit();
   ExpectDestroyAndTheRestOfTheSound();
 }
 

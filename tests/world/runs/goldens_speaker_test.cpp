@@ -5,29 +5,15 @@ namespace {
 
 using orvex::runs::GoldenRun;
 
-constexpr char kMutedAgain[] = R"(
-I0 need to restore volume. original mute value[1]
-> sound_manager_get_speaker_selection() = 0
-I0 current speaker [1]
-> sound_manager_set_device_mute(0, true) = 0
-I0 original volume value[15]
-> sound_manager_set_tv_master_volume(15) = 0
-)";
-constexpr char kLeftAudible[] = R"(
-I0 need to restore volume. original mute value[1]
-> sound_manager_get_speaker_selection() = 0
-I0 current speaker [0]
-I0 original volume value[15]
-> sound_manager_set_tv_master_volume(15) = 0
-)";
-constexpr char kVolumeOnly[] = R"(
-I0 original volume value[15]
-> sound_manager_set_tv_master_volume(15) = 0
-)";
-
 class GoldenSpeaker : public GoldenRun {
 protected:
+  static constexpr double kEndMs = 300;
+
   GoldenSpeaker() { run.world.muted = true; }
+  orvex::runs::RunGolden& UntilTheEndIsAskedFor() {
+    golden.UntilRecording(Speaker::kMuted).Blocks(1, 16).At(kEndMs).On("main");
+    return golden;
+  }
   void ExpectLeft(bool muted) {
     EXPECT_EQ(run.world.muted, muted);
     EXPECT_EQ(run.world.volume, 15);
@@ -37,32 +23,28 @@ protected:
 
 TEST_F(GoldenSpeaker, IsMutedAgainWhenAnotherOutputIsSelected) {
   run.world.speaker = 1;
-  AtMs(300, [this] { run.Terminate(); });
+  AtMs(kEndMs, [this] { run.Terminate(); });
   RunToEnd();
-  golden.UntilRecording(Speaker::kMuted).Blocks(1, 16).At(300).On("main").Add("* termination");
-  golden.Destroy({kRecorder, {}, true, kMutedAgain});
+  UntilTheEndIsAskedFor().Add("* termination");
+  golden.Destroy({kRecorder, {}, true, Restored::kVolumeAndMute});
   ExpectLeft(true);
 }
 
 TEST_F(GoldenSpeaker, StaysAudibleWhenItIsSelected) {
   run.world.speaker = 0;
-  AtMs(300, [this] { run.Terminate(); });
+  AtMs(kEndMs, [this] { run.Terminate(); });
   RunToEnd();
-  golden.UntilRecording(Speaker::kMuted).Blocks(1, 16).At(300).On("main").Add("* termination");
-  golden.Destroy({kRecorder, {}, true, kLeftAudible});
+  UntilTheEndIsAskedFor().Add("* termination");
+  golden.Destroy({kRecorder, {}, true, Restored::kVolumeOfSelected});
   ExpectLeft(false);
 }
 
 TEST_F(GoldenSpeaker, StaysAudibleAfterTheOpticalFlag) {
   run.world.speaker = 1;
-  AtMs(300, [this] { run.SwitchOpticalFlag(); });
+  AtMs(kEndMs, [this] { run.SwitchOpticalFlag(); });
   RunToEnd();
-  golden.UntilRecording(Speaker::kMuted).Blocks(1, 16).At(300).On("main").Add(R"(
-* optical flag
-I0 ${}
-> SendEvent(10007)
-)");
-  golden.Exit().Destroy({kRecorder, {}, true, kVolumeOnly});
+  UntilTheEndIsAskedFor().Add("* optical flag");
+  golden.AskForExit().Exit().Destroy({kRecorder, {}, true, Restored::kVolume});
   ExpectLeft(false);
 }
 
@@ -71,10 +53,8 @@ TEST_F(GoldenSpeaker, IsMutedAgainAfterARunThatEndsByItself) {
   RunToEnd();
   const EndRecord record{"fail", 100, "diff_fail"};
   golden.UntilPlaying(Speaker::kMuted).Blocks(36, 59).At(golden.WritesEndMs());
-  golden.PlayerEnds()
-      .EndSync(kRecorderAndEndedSound, "0.0000", record)
-      .Exit()
-      .Destroy({kNobody, record, true, kMutedAgain});
+  golden.PlayerEnds().EndSync(kRecorderAndEndedSound, "0.0000", record).Exit();
+  golden.Destroy({kNobody, record, true, Restored::kVolumeAndMute});
   ExpectLeft(true);
 }
 
