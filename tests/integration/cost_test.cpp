@@ -21,7 +21,7 @@ TEST(Cost, ARunInAQuietRoomIsShortAndCheap) {
     const Observation observation =
         Perform({"quiet room", WithRoom(RoomWithDifference(100.0, 100.0)), {kNotePeakMemory}, {}});
     CheckEnding(observation);
-    const auto duration = TimeBetween(observation, kIsCreating, "after delay = *");
+    const auto duration = TimeBetween(observation, kIsCreating, "after delay = {u}");
     ASSERT_GE(duration.count(), 0) << observation.output;
     shortest = std::min(shortest, duration);
     leastProcessorS = std::min(leastProcessorS, observation.ending.processorSeconds);

@@ -2,8 +2,6 @@
 // that came first is the one that is applied.
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
 #include "integration/expectation.h"
 
 namespace orvex::integration {
@@ -28,10 +26,8 @@ TEST(Late, AppliesTheFirstResultHoweverLateTheMainLoopIs) {
   for (const Observation& observation : Perform(scenarios)) {
     SCOPED_TRACE(observation.name);
     CheckEnding(observation);
-    const Lines results = LinesOf(observation.lines, Theme::kDetection);
-    EXPECT_EQ(1, std::count_if(results.begin(), results.end(),
-                               [](const std::string& line) { return line.find("@ [RESULT] [") != std::string::npos; }));
-    EXPECT_EQ(DelayFor(100, MeasuredDifferenceS(observation)), observation.delayMs);
+    EXPECT_EQ(1, CountOf(observation.lines, "{s}@ [RESULT] [{s}"));
+    CheckDifferenceApplied(observation);
   }
 }
 

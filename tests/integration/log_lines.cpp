@@ -2,44 +2,19 @@
 #include "integration/log_lines.h"
 
 #include <algorithm>
-#include <array>
 #include <ctime>
 #include <fstream>
+#include <functional>
 #include <map>
 #include <regex>
+
+#include "world/runs/text_pattern.h"
+#include "world/runs/threads.h"
 
 namespace orvex::integration {
 namespace {
 
-const std::map<std::string, Theme>& ThemesOfFunctions() {
-  static const std::map<std::string, Theme> themes{
-      {"m_ReceiveBTAudioDataCB", Theme::kBlocks},
-      {"m_ReceiveBlock", Theme::kBlocks},
-      {"m_SyncAlgorithm", Theme::kBlocks},
-      {"m_SetBTExtenCount", Theme::kBlocks},
-      {"DebugDump", Theme::kBlocks},
-      {"m_EndRecodeOfAmbientNoise", Theme::kDetection},
-      {"m_SetParamWith17K", Theme::kDetection},
-      {"m_SetParamWith19K", Theme::kDetection},
-      {"m_BeginWith17K", Theme::kDetection},
-      {"m_BeginWith19K", Theme::kDetection},
-      {"m_CompleteDiffCalculation", Theme::kDetection},
-      {"m_StopAbnormalCalcuation", Theme::kDetection},
-      {"m_OnEndAmientNoiseCallback", Theme::kDetection},
-      {"m_OnEndCalculationDiffCallback", Theme::kDetection},
-      {"m_OnAbnomalStatusCallback", Theme::kDetection},
-      {"m_StartPlayCB", Theme::kWorker},
-      {"m_PlayWave", Theme::kWorker},
-      {"m_LoadWaveFile", Theme::kWorker},
-      {"Play", Theme::kWorker},
-      {"m_Play", Theme::kWorker},
-      {"m_WriteFrames", Theme::kWorker},
-      {"m_HandleWriteError", Theme::kWorker},
-      {"m_Recover", Theme::kWorker},
-      {"", Theme::kHost},
-  };
-  return themes;
-}
+using runs::TextPattern;
 
 std::chrono::microseconds ParseTime(const std::string& seconds, const std::string& microseconds) {
   std::tm utc{};
@@ -47,11 +22,9 @@ std::chrono::microseconds ParseTime(const std::string& seconds, const std::strin
   return std::chrono::seconds(::timegm(&utc)) + std::chrono::microseconds(std::stoll(microseconds));
 }
 
-char KindOf(const std::string& buffer, const std::string& level) {
-  if (buffer == "main") {
-    return level[0];
-  }
-  return level == "E" ? 'F' : '?';
+// The journal writes a buffer as its number.
+std::string KindOf(const std::string& buffer, const std::string& level) {
+  return level + (buffer == "main" ? "0" : "2");
 }
 
 std::string WithLineBreaks(std::string text) {
@@ -66,7 +39,7 @@ bool IsColourOf(const std::string& level, const std::string& colour) {
   return colours.at(level) == colour;
 }
 
-std::string Numbered(const std::vector<std::string>& lines, std::size_t marked) {
+std::string Marked(const Lines& lines, std::size_t marked) {
   std::string text;
   for (std::size_t n = 0; n < lines.size(); ++n) {
     text += (n == marked ? "  > " : "    ") + lines[n] + "\n";
@@ -74,12 +47,17 @@ std::string Numbered(const std::vector<std::string>& lines, std::size_t marked) 
   return text;
 }
 
-}  // namespace
-
-Theme LogLine::GetTheme() const {
-  const auto theme = ThemesOfFunctions().find(function);
-  return theme == ThemesOfFunctions().end() ? Theme::kRun : theme->second;
+Lines DescribedIf(const std::vector<LogLine>& lines, const std::function<bool(const LogLine&)>& isWanted) {
+  Lines described;
+  for (const LogLine& line : lines) {
+    if (isWanted(line)) {
+      described.push_back(line.Described());
+    }
+  }
+  return described;
 }
+
+}  // namespace
 
 LogLine ParseLogLine(const std::string& line) {
   static const std::regex head(R"re((\S{19})\.(\d{6})Z (main|system) ([DIWE]) ([^:]+): (.*))re");
@@ -116,50 +94,46 @@ void LogFile::Read() {
   }
 }
 
-bool MatchesPattern(const std::string& text, const std::string& pattern) {
-  const std::size_t star = pattern.find('*');
-  if (star == std::string::npos) {
-    return text == pattern;
-  }
-  if (text.compare(0, star, pattern, 0, star) != 0) {
-    return false;
-  }
-  const std::string rest = pattern.substr(star + 1);
-  for (std::size_t at = star; at <= text.size(); ++at) {
-    if (MatchesPattern(text.substr(at), rest)) {
-      return true;
-    }
-  }
-  return false;
+int CountOf(const std::vector<LogLine>& lines, const std::string& pattern) {
+  const TextPattern wanted(pattern);
+  return static_cast<int>(
+      std::count_if(lines.begin(), lines.end(), [&](const LogLine& line) { return wanted.Matches(line.text); }));
 }
 
-std::vector<std::string> LinesOf(const std::vector<LogLine>& lines, Theme theme) {
-  std::vector<std::string> described;
-  for (const LogLine& line : lines) {
-    if (line.GetTheme() == theme) {
-      described.push_back(line.Described());
-    }
-  }
-  return described;
+Lines Described(const std::vector<LogLine>& lines) {
+  return DescribedIf(lines, [](const LogLine&) { return true; });
 }
 
-std::string Difference(const std::vector<std::string>& lines, const std::vector<std::string>& patterns) {
-  const auto [line, pattern] =
-      std::mismatch(lines.begin(), lines.end(), patterns.begin(), patterns.end(), MatchesPattern);
+Lines DescribedOfHost(const std::vector<LogLine>& lines) {
+  return DescribedIf(lines, [](const LogLine& line) { return line.function.empty(); });
+}
+
+Lines DescribedOfThreads(const std::vector<LogLine>& lines, const std::string& threads) {
+  return DescribedIf(lines, [&](const LogLine& line) {
+    return !line.function.empty() &&
+           runs::ThreadsThatLogIn(line.function).find_first_of(threads) != std::string_view::npos;
+  });
+}
+
+std::string Difference(const Lines& lines, const Lines& patterns) {
+  const auto [line, pattern] = std::mismatch(
+      lines.begin(), lines.end(), patterns.begin(), patterns.end(),
+      [](const std::string& text, const std::string& wanted) { return TextPattern(wanted).Matches(text); });
   if (line == lines.end() && pattern == patterns.end()) {
     return "";
   }
   const auto position = static_cast<std::size_t>(line - lines.begin());
   return "expected here: " + (pattern == patterns.end() ? std::string("nothing more") : "\"" + *pattern + "\"") +
-         "\nlogged:\n" + Numbered(lines, position) + (line == lines.end() ? "  > (end)\n" : "");
+         "\nlogged:\n" + Marked(lines, position) + (line == lines.end() ? "  > (end)\n" : "");
 }
 
-std::string MissingInOrder(const std::vector<std::string>& lines, const std::vector<std::string>& patterns) {
+std::string MissingInOrder(const Lines& lines, const Lines& patterns) {
   auto line = lines.begin();
-  for (const std::string& pattern : patterns) {
-    line = std::find_if(line, lines.end(), [&](const std::string& text) { return MatchesPattern(text, pattern); });
+  for (const std::string& text : patterns) {
+    const TextPattern pattern(text);
+    line = std::find_if(line, lines.end(), [&](const std::string& logged) { return pattern.Matches(logged); });
     if (line == lines.end()) {
-      return "not met: \"" + pattern + "\"\nlogged:\n" + Numbered(lines, lines.size());
+      return "not met: \"" + text + "\"\nlogged:\n" + Marked(lines, lines.size());
     }
     ++line;
   }

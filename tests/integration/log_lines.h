@@ -8,24 +8,17 @@
 
 namespace orvex::integration {
 
-// Who has written a line. Lines of one theme have an order of their own; different themes interleave.
-enum class Theme {
-  kRun,        // main loop and recorder thread, which follow one another
-  kDetection,  // voice delivery thread: what it found, and its callbacks
-  kBlocks,     // voice delivery thread: what it says of every block
-  kWorker,     // the test sound's worker
-  kHost,       // the television itself, about its files
-};
+using Lines = std::vector<std::string>;
 
 struct LogLine {
   std::chrono::microseconds time{0};  // since the epoch
-  std::string function;
-  std::string text;        // without colours, with its line breaks
-  char kind = '?';         // D I W E: level, in the main buffer; F: error in the system buffer; ?: anything else
+  std::string function;               // of the service; empty: the port has written the line
+  std::string text;                   // without colours, with its line breaks
+  std::string kind;                   // level and buffer: D0, I0, W0, E0 or E2
   bool isInOrder = false;  // tag, "file: function(line) > ", colour of the level and colour reset are all there
 
-  Theme GetTheme() const;
-  std::string Described() const { return std::string(1, kind) + " " + text; }
+  // As in the journal of a run in virtual time: "E2 Assertion failed".
+  std::string Described() const { return kind + " " + text; }
 };
 
 LogLine ParseLogLine(const std::string& line);
@@ -45,15 +38,20 @@ private:
   std::vector<LogLine> m_Lines;
 };
 
-// "*" in `pattern` stands for any text, the empty one included.
-bool MatchesPattern(const std::string& text, const std::string& pattern);
+// Patterns below are those of runs::TextPattern: "{s}" stands for any text.
 
-// The described lines of one theme.
-std::vector<std::string> LinesOf(const std::vector<LogLine>& lines, Theme theme);
+// How many of the lines have a text like this, of whatever kind.
+int CountOf(const std::vector<LogLine>& lines, const std::string& pattern);
+
+// Of all lines, of those that the port has written, and of those whose function may log on one of these threads (see
+// runs::ThreadsThatLogIn).
+Lines Described(const std::vector<LogLine>& lines);
+Lines DescribedOfHost(const std::vector<LogLine>& lines);
+Lines DescribedOfThreads(const std::vector<LogLine>& lines, const std::string& threads);
 
 // Empty when every line matches its pattern, none is missing and none is left over; else where they part.
-std::string Difference(const std::vector<std::string>& lines, const std::vector<std::string>& patterns);
+std::string Difference(const Lines& lines, const Lines& patterns);
 // Empty when the patterns are met one after the other, with anything in between; else the first that is not.
-std::string MissingInOrder(const std::vector<std::string>& lines, const std::vector<std::string>& patterns);
+std::string MissingInOrder(const Lines& lines, const Lines& patterns);
 
 }  // namespace orvex::integration

@@ -21,33 +21,11 @@ Step RestartAt(const std::string& line, const std::string& delayMs) {
           }};
 }
 
-ExpectedLog& Asked(ExpectedLog& log, const std::string& delayMs) {
-  return log.Event(kRestart, "ORVEX_RESTART_BT_RECODING").Add({"I check retry"}).SetDelay(delayMs).DelayRead();
-}
-
-ExpectedLog& Granted(ExpectedLog& log, const std::string& delayMs) {
-  return Asked(log, delayMs).Clock().RecorderAsked().Add({"I BT Recoder already started"});
-}
-
-ExpectedLog& Refused(ExpectedLog& log, const std::string& delayMs) {
-  return Asked(log, delayMs).Add({"F no need to retry sync"}).Destroyed();
-}
-
 struct Row {
   const char* name;
   Lines delays;  // at each request
   bool isLastRefused;
 };
-
-ExpectedLog LogOf(const Row& row) {
-  ExpectedLog log;
-  log.UpToRecording();
-  for (std::size_t n = 0; n < row.delays.size(); ++n) {
-    const bool isRefused = row.isLastRefused && n + 1 == row.delays.size();
-    isRefused ? Refused(log, row.delays[n]) : Granted(log, row.delays[n]);
-  }
-  return row.isLastRefused ? log : log.Playing().EndedWithDifference().Exit().Destroyed().WorkerCancelled();
-}
 
 Scenario ScenarioOf(const Row& row) {
   Scenario scenario{row.name, [](const TestTelevision&) {}, {}, WithInjection()};
@@ -75,13 +53,12 @@ TEST(Restart, IsGrantedTwiceAndOnlyForANewDelayThatIsNotZero) {
   }
   const std::vector<Observation> observations = Perform(scenarios);
   for (std::size_t n = 0; n < rows.size(); ++n) {
-    Expectation expectation;
-    expectation.runLines = LogOf(rows[n]).GetLines();
-    expectation.terminate = rows[n].isLastRefused ? "etc" : "done";
-    expectation.result = rows[n].isLastRefused ? "fail" : "pass";
-    expectation.endRecords = rows[n].isLastRefused ? 1 : 2;
-    expectation.baseMs = std::stoll(rows[n].delays.back());
-    expectation.delayMs = rows[n].isLastRefused ? std::optional<std::int64_t>(expectation.baseMs) : std::nullopt;
+    const std::int64_t lastMs = std::stoll(rows[n].delays.back());
+    Expectation expectation = rows[n].isLastRefused ? EndedWith("etc") : DifferenceApplied(lastMs);
+    expectation.savedMs = 100;  // when the recording began
+    if (rows[n].isLastRefused) {
+      expectation.delayMs = lastMs;
+    }
     Check(observations[n], expectation);
     EXPECT_EQ(Lines(rows[n].delays.size(), "{}"), observations[n].notes) << rows[n].name;
   }
@@ -93,18 +70,11 @@ TEST(Restart, AfterAFinishedRecordingBeginsASecondOne) {
                                            [](const TestTelevision&) {},
                                            {InjectAt("buffer: 6", kFinish), RestartAt("Stop bt audio", "120")},
                                            WithInjection()});
-  ExpectedLog log;
-  log.UpToRecording()
-      .Event(kFinish, "ORVEX_FINISH_BT_RECODING")
-      .Add({"I Stop Orvex[1]", "I stop BT Recoder", "E Stop bt audio"});
-  Asked(log, "120").Clock().RecorderAsked().RecorderThread().Recording();
-  log.Playing().EndedWithDifference().Exit().Destroyed().WorkerCancelled();
   SCOPED_TRACE(observation.name);
   CheckEnding(observation);
   CheckLogForm(observation);
   CheckBlocks(observation);
-  EXPECT_EQ("", Difference(LinesOf(observation.lines, Theme::kRun), log.GetLines()));
-  EXPECT_EQ(DelayFor(120, MeasuredDifferenceS(observation)), observation.delayMs);
+  CheckDifferenceApplied(observation, 120);
   EXPECT_FALSE(observation.dump.empty());
   EXPECT_FALSE(observation.secondDump.empty());
   EXPECT_EQ("", observation.result);
@@ -116,17 +86,7 @@ TEST(Restart, AStoppedSoundIsPlayedOutAndAnUnknownEventIsPassedOver) {
                                            {InjectAt(kIsPlaying, kStop), InjectAt("cancel_thread", 12345),
                                             InjectAt("other event", 10008), SignalAt("other event", SIGTERM)},
                                            WithInjection()});
-  Expectation expectation;
-  expectation.runLines = ExpectedLog()
-                             .UpToPlaying()
-                             .Event(kStop, "ORVEX_STOP_INAUDIBLE_SOUND")
-                             .SoundStopped()
-                             .Add({"E pEvent.type 12345", "F other event", "E pEvent.type 10008", "F other event"})
-                             .Destroyed()
-                             .WorkerCancelled()
-                             .GetLines();
-  expectation.terminate = "etc";
-  Check(observation, expectation);
+  Check(observation, EndedWith("etc"));
 }
 
 }  // namespace

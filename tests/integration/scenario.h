@@ -57,9 +57,9 @@ Step InjectAt(const std::string& line, int event);  // notes the reply
 std::map<std::string, std::string> WithInjection();
 
 // Lines that tell how far a run has come.
-constexpr char kIsConstructed[] = "m_ElapsedTimeStr: *";
+constexpr char kIsConstructed[] = "m_ElapsedTimeStr: {s}";
 constexpr char kIsCreating[] = "Orvex Service Create!";
-constexpr char kIsRecording[] = "Temp file name=*";
+constexpr char kIsRecording[] = "Temp file name={s}";
 constexpr char kIsLearningNoise[] = "buffer: 12";
 constexpr char kIsPlaying[] = "m_StartPlay";
 constexpr char kIsHearingTones[] = "  ====> @ g_first index \n";

@@ -10,6 +10,7 @@
 #include <system_error>
 
 #include "tv/message_client.h"
+#include "world/runs/text_pattern.h"
 
 namespace orvex::integration {
 namespace {
@@ -77,9 +78,10 @@ bool ServiceRun::WaitFor(const std::string& pattern) {
   }
 }
 
-bool ServiceRun::FindBehind(const std::string& pattern) {
+bool ServiceRun::FindBehind(const std::string& text) {
+  const runs::TextPattern pattern(text);
   while (m_Position < m_Log.GetLines().size()) {
-    if (MatchesPattern(m_Log.GetLines()[m_Position++].text, pattern)) {
+    if (pattern.Matches(m_Log.GetLines()[m_Position++].text)) {
       return true;
     }
   }

@@ -22,8 +22,8 @@ public:
   ServiceRun(const ServiceRun&) = delete;
   ServiceRun& operator=(const ServiceRun&) = delete;
 
-  // Waits until the log has a line that matches `pattern`, behind the one that was found before. False: the service has
-  // ended without, or too much time has passed.
+  // Waits until the log has a text that matches `pattern` (see runs::TextPattern), behind the one that was found
+  // before. False: the service has ended without, or too much time has passed.
   bool WaitFor(const std::string& pattern);
   void Signal(int number) const { m_Process.Signal(number); }
   // Sends one line to the service's message socket and returns its reply.
@@ -44,7 +44,7 @@ public:
   std::string ReadOutput() const;
 
 private:
-  bool FindBehind(const std::string& pattern);
+  bool FindBehind(const std::string& text);
   bool WaitForNews(std::chrono::steady_clock::time_point deadline) const;
 
   const TestTelevision& m_Television;

@@ -110,7 +110,7 @@ TEST_F(Start, ASecondServiceOnATelevisionIsRefusedAndTheFirstGoesOn) {
   EXPECT_THAT(Err(), AllOf(HasSubstr("orvex-host: " + television.GetDirectory().string() +
                                      ": another service runs on this television; wait for its end\n"),
                            Not(HasSubstr("Orvex Service Create!"))));
-  EXPECT_TRUE(first.WaitFor("text = {result=pass;*;terminate=done}"));
+  EXPECT_TRUE(first.WaitFor("text = {result=pass;{s};terminate=done}"));
   EXPECT_EQ("exit code 0", Describe(first.WaitForEnd()));
 }
 
