@@ -135,7 +135,7 @@ I0 frame size =  4
 }
 
 RunGolden& RunGolden::AskForSound() {
-  Event(10002, "ORVEX_PLAY_INAUDIBLE_SOUND").Add(R"(
+  Event(10002, "I0 ORVEX_PLAY_INAUDIBLE_SOUND").Add(R"(
 I0 Start Orvex[2]
 I0 start Sound Player
 I0 start Player ${}

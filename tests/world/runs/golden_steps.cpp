@@ -97,7 +97,7 @@ I0 Orvex Service Create Done
 }
 
 RunGolden& RunGolden::StartSync(Consent consent) {
-  Event(10000, "ORVEX_START_SYNC").Add(R"(
+  Event(10000, "I0 ORVEX_START_SYNC").Add(R"(
 > tv_get_activity_info_by_source(99)
 I0 type = 3, brandName = acme
 > tv_create_av_control(1, 0) = 0
@@ -115,16 +115,13 @@ I0 type = 2
   return ReadDelay().GrantRestart();
 }
 
-RunGolden& RunGolden::Event(int type, const std::string& name) {
-  On("main").Set("type", type).Set("name", name).Add(R"(
-E0 pEvent.type ${type}
-I0 ${name}
-)");
+RunGolden& RunGolden::Event(int type, const std::string& line) {
+  On("main").Set("type", type).Add("E0 pEvent.type ${type}").Add(line);
   return *this;
 }
 
 RunGolden& RunGolden::StartRecorder(int answer) {
-  Event(10004, "ORVEX_START_BT_RECODING").Set("answer", answer).Add(R"(
+  Event(10004, "I0 ORVEX_START_BT_RECODING").Set("answer", answer).Add(R"(
 I0 Start Orvex[1]
 I0 start BT Recoder
 > pthread_create() = ${answer}
@@ -207,7 +204,7 @@ RunGolden& RunGolden::StopSound(Sound sound) {
 }
 
 RunGolden& RunGolden::AskForRestart(long delayMs) {
-  Event(10005, "ORVEX_RESTART_BT_RECODING").Set("delay", delayMs).Add("I0 check retry");
+  Event(10005, "I0 ORVEX_RESTART_BT_RECODING").Set("delay", delayMs).Add("I0 check retry");
   return ReadDelay();
 }
 
@@ -229,7 +226,7 @@ I0 ${}
 }
 
 RunGolden& RunGolden::EndSync(const Workers& workers, const std::string& seconds, const EndRecord& record) {
-  return Event(10001, "ORVEX_END_SYNC").StopBoth(workers).ApplyDifference(seconds, record);
+  return Event(10001, "I0 ORVEX_END_SYNC").StopBoth(workers).ApplyDifference(seconds, record);
 }
 
 RunGolden& RunGolden::ApplyDifference(const std::string& seconds, const EndRecord& record) {
@@ -245,7 +242,7 @@ I0 after delay = ${delay}
 }
 
 RunGolden& RunGolden::Exit() {
-  Event(10007, "ORVEX_EXIT").Add("> ui_app_exit()");
+  Event(10007, "I0 ORVEX_EXIT").Add("> ui_app_exit()");
   return *this;
 }
 

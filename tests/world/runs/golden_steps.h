@@ -49,8 +49,8 @@ public:
   RunGolden& Create(Speaker speaker = Speaker::kAudible);
   // The first event, up to the clock that is kept as the start of the run.
   RunGolden& StartSync(Consent consent = Consent::kMissing);
-  // What the main loop logs of every event.
-  RunGolden& Event(int type, const std::string& name);
+  // What the main loop logs of every event, the line with the event's name included.
+  RunGolden& Event(int type, const std::string& line);
   // The second event, up to what pthread_create() answers to the recorder thread.
   RunGolden& StartRecorder(int answer = 0);
   // The recorder thread up to its start command, then with a remote that has accepted it.

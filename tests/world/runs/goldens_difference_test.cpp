@@ -84,7 +84,7 @@ TEST_F(GoldenDifference, IsAppliedOnlyWhenARemoteThatIsSlowToStopHasStopped) {
   RunToEnd();
   golden.UntilPlaying();
   ExpectThreeBuffersLate();
-  golden.Event(10001, "ORVEX_END_SYNC").Add(R"(
+  golden.Event(10001, "I0 ORVEX_END_SYNC").Add(R"(
 I0 Stop Orvex[3]
 I0 stop BT Recoder
 > pthread_join()

@@ -24,7 +24,7 @@ protected:
     golden.AskForRestart(delayMs);
   }
   void ExpectStartOfARunningRecorder() {
-    golden.Event(10004, "ORVEX_START_BT_RECODING").Add(R"(
+    golden.Event(10004, "I0 ORVEX_START_BT_RECODING").Add(R"(
 I0 Start Orvex[1]
 I0 start BT Recoder
 I0 BT Recoder already started
@@ -57,7 +57,7 @@ TEST_F(GoldenRestart, AfterTheRecordingWasFinishedRecordsAnew) {
   AtMs(300, [this] { run.Terminate(); });
   RunToEnd();
   golden.UntilRecording().Blocks(1, 4).At(100).On("main").Add("* event 10006");
-  golden.Event(10006, "ORVEX_FINISH_BT_RECODING").Add("I0 Stop Orvex[1]");
+  golden.Event(10006, "I0 ORVEX_FINISH_BT_RECODING").Add("I0 Stop Orvex[1]");
   golden.StopRecorder();
   ExpectAskedAtMs(kRestartMs, 80);
   golden.GrantRestart().StartRecorder().RecorderRuns().Blocks(1, 4).At(300).On("main").Add("* termination");
