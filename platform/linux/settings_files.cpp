@@ -10,6 +10,7 @@
 #include "linux/no_destroy.h"
 #include "linux/number_text.h"
 #include "linux/port.h"
+#include "linux/printable_text.h"
 #include "linux/settings_notifier.h"
 #include "linux/small_files.h"
 
@@ -33,8 +34,10 @@ int ReadInteger(const std::string& file, int* value) {
   const std::string text = ReadSmallFile(file, kMaximumValueBytes);
   const auto number = text.size() <= kMaximumValueBytes ? ParseNumber(text, kMinimum, kMaximum) : std::nullopt;
   if (!number) {
-    Problems().Report(
-        file, file + ": expected an integer from " + std::to_string(kMinimum) + " to " + std::to_string(kMaximum));
+    constexpr std::size_t kShownBytes = 60;
+    Problems().Report(file, file + ": \"" + Printable(TrimBlanks(text).substr(0, kShownBytes)) +
+                                "\": expected an integer from " + std::to_string(kMinimum) + " to " +
+                                std::to_string(kMaximum));
     return kSettingsNoInteger;
   }
   Problems().Forget(file);

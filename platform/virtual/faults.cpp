@@ -6,8 +6,8 @@
 #include <utility>
 
 #include "linux/no_destroy.h"
+#include "linux/port.h"
 #include "linux/small_files.h"
-#include "virtual/report.h"
 #include "virtual/television.h"
 
 namespace orvex::virtual_tv {
@@ -22,10 +22,10 @@ FaultTable ReadFaults(const std::filesystem::path& file) {
     return ParseFaults(text);
   } catch (const std::system_error& problem) {
     if (problem.code().value() != ENOENT && problem.code().value() != ENOTDIR) {
-      ReportProblem("cannot read " + file.string() + ": " + problem.code().message());
+      port::ReportProblem("cannot read " + file.string() + ": " + problem.code().message());
     }
   } catch (const std::exception& problem) {
-    ReportProblem(file.string() + ": " + problem.what() + "; no faults are injected");
+    port::ReportProblem(file.string() + ": " + problem.what() + "; no faults are injected");
   }
   return {};
 }

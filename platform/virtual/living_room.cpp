@@ -8,9 +8,9 @@
 #include <vector>
 
 #include "linux/no_destroy.h"
+#include "linux/port.h"
 #include "linux/small_files.h"
 #include "orvex/sim/room_json.h"
-#include "virtual/report.h"
 
 namespace orvex::virtual_tv {
 namespace {
@@ -65,7 +65,7 @@ LivingRoom::LivingRoom(const Television& television) : m_Television(television) 
     Build();
   } catch (const std::exception& problem) {
     m_Room.reset();
-    ReportProblem(std::string(problem.what()) + "; there is no room, so no remote control is connected");
+    port::ReportProblem(std::string(problem.what()) + "; there is no room, so no remote control is connected");
   }
 }
 
@@ -132,7 +132,7 @@ void LivingRoom::ApplyOutputs(const Outputs& outputs) {
   const bool isNew = !outputs.problem.empty() && !m_IsProblemReported;
   m_IsProblemReported = !outputs.problem.empty();
   if (isNew) {
-    ReportProblem(outputs.problem);
+    port::ReportProblem(outputs.problem);
   }
 }
 

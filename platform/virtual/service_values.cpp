@@ -5,7 +5,7 @@
 
 #include "linux/known_problems.h"
 #include "linux/no_destroy.h"
-#include "virtual/report.h"
+#include "linux/port.h"
 #include "virtual/television.h"
 
 namespace orvex::virtual_tv {

@@ -3,22 +3,15 @@
 #include "orvex/platform/settings.h"
 
 #include <cstdint>
-#include <filesystem>
 #include <string>
 
-#include "linux/port.h"
 #include "linux/settings_files.h"
 #include "virtual/faults.h"
 #include "virtual/service_values.h"
-#include "virtual/television.h"
 
 using orvex::virtual_tv::AccessResult;
 using orvex::virtual_tv::Fault;
 using orvex::virtual_tv::Faults;
-
-std::filesystem::path orvex::port::SettingsFolder() {
-  return virtual_tv::Television::Instance().PathOf("settings");
-}
 
 int settings_get_int(const char* key, int* value) {
   if (const auto fault = Faults::Instance().Next(Fault::kSettingsGet)) {
