@@ -1,23 +1,23 @@
 // A message socket whose path does not fit.
 #include "linux/main_loop.h"
 #include "linux/message_socket.h"
-#include "unit/virtual/television.h"
+#include "unit/linux/port_test.h"
 
-namespace orvex::virtual_tv {
+namespace orvex::port {
 namespace {
 
-class HostMessagePath : public HostTelevision {};
+class MessagePath : public PortTest {};
 
-TEST_F(HostMessagePath, MayHave107BytesAndNoMore) {
-  ASSERT_EQ(port::StartMainLoop(), "");
+TEST_F(MessagePath, MayHave107BytesAndNoMore) {
+  ASSERT_EQ(StartMainLoop(), "");
   constexpr std::size_t kLongest = 107;
   const std::size_t room = kLongest - Folder().native().size() - 1;
-  port::MessageSocket fits(Folder() / std::string(room, 'x'), [](const std::string& line) { return line; });
+  MessageSocket fits(Folder() / std::string(room, 'x'), [](const std::string& line) { return line; });
   testing::internal::CaptureStderr();
   fits.Open();
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
   const auto tooLong = Folder() / std::string(room + 1, 'x');
-  port::MessageSocket exceeds(tooLong, [](const std::string& line) { return line; });
+  MessageSocket exceeds(tooLong, [](const std::string& line) { return line; });
   testing::internal::CaptureStderr();
   exceeds.Open();
   EXPECT_THAT(
@@ -25,8 +25,8 @@ TEST_F(HostMessagePath, MayHave107BytesAndNoMore) {
       testing::HasSubstr(tooLong.string() + ": a path of 108 bytes, expected at most 107; no messages are taken\n"));
   fits.Close();
   EXPECT_FALSE(std::filesystem::exists(Folder() / std::string(room, 'x')));
-  port::StopMainLoop();
+  StopMainLoop();
 }
 
 }  // namespace
-}  // namespace orvex::virtual_tv
+}  // namespace orvex::port

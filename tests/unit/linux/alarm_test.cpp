@@ -2,16 +2,16 @@
 #include <functional>
 #include <memory>
 
-#include "unit/virtual/loop_application.h"
-#include "unit/virtual/television.h"
+#include "unit/linux/loop_application.h"
+#include "unit/linux/port_test.h"
 
-namespace orvex::virtual_tv {
+namespace orvex::port {
 namespace {
 
-class HostAlarm : public HostTelevision {
+class Alarm : public PortTest {
 protected:
   static bool OnAlarm(void* test) {
-    auto& self = *static_cast<HostAlarm*>(test);
+    auto& self = *static_cast<Alarm*>(test);
     ++self.m_Count;
     self.m_OnAlarm();
     return false;  // failed work does not end an alarm
@@ -33,7 +33,7 @@ protected:
   int m_Count = 0;
 };
 
-TEST_F(HostAlarm, GoesOnUntilItIsDestroyed) {
+TEST_F(Alarm, GoesOnUntilItIsDestroyed) {
   m_OnAlarm = [this] {
     EXPECT_TRUE(m_Alarm->IsActive());
     if (m_Count == 5) {
@@ -46,7 +46,7 @@ TEST_F(HostAlarm, GoesOnUntilItIsDestroyed) {
   EXPECT_EQ(m_Count, 5);
 }
 
-TEST_F(HostAlarm, EndsAfterItsRepetitionsAndCanBeMadeAnew) {
+TEST_F(Alarm, EndsAfterItsRepetitionsAndCanBeMadeAnew) {
   m_OnAlarm = [this] {
     EXPECT_EQ(m_Alarm->IsActive(), m_Count != 3 && m_Count != 5);
     if (m_Count == 3) {
@@ -59,7 +59,7 @@ TEST_F(HostAlarm, EndsAfterItsRepetitionsAndCanBeMadeAnew) {
   EXPECT_EQ(m_Count, 5);
 }
 
-TEST_F(HostAlarm, MayBeDeletedByItsOwnCallback) {
+TEST_F(Alarm, MayBeDeletedByItsOwnCallback) {
   m_OnAlarm = [this] {
     m_Alarm.reset();
     ui_app_exit();
@@ -68,7 +68,7 @@ TEST_F(HostAlarm, MayBeDeletedByItsOwnCallback) {
   EXPECT_EQ(m_Count, 1);
 }
 
-TEST_F(HostAlarm, MayBeRemadeByItsOwnCallback) {
+TEST_F(Alarm, MayBeRemadeByItsOwnCallback) {
   m_OnAlarm = [this] {
     m_Alarm->Destroy();
     if (m_Count == 3) {
@@ -81,14 +81,14 @@ TEST_F(HostAlarm, MayBeRemadeByItsOwnCallback) {
   EXPECT_EQ(m_Count, 3);
 }
 
-TEST_F(HostAlarm, MayOutliveItsMainLoop) {
+TEST_F(Alarm, MayOutliveItsMainLoop) {
   m_OnAlarm = [] { ui_app_exit(); };
   RunWith(FwAlarm::kRepeatForever);
   EXPECT_FALSE(m_Alarm->IsActive());
   m_Alarm.reset();
 }
 
-TEST_F(HostAlarm, RefusesWhatMakesNoSenseAndASecondStart) {
+TEST_F(Alarm, RefusesWhatMakesNoSenseAndASecondStart) {
   FwAlarm alarm;
   EXPECT_FALSE(alarm.Create(nullptr, 1000, 1)) << "without a main loop";
   m_Application.onCreate = [&] {
@@ -106,4 +106,4 @@ TEST_F(HostAlarm, RefusesWhatMakesNoSenseAndASecondStart) {
 }
 
 }  // namespace
-}  // namespace orvex::virtual_tv
+}  // namespace orvex::port

@@ -9,8 +9,8 @@
 
 #include "linux/ecore_start.h"
 #include "linux/end_signals.h"
-#include "unit/virtual/loop_application.h"
-#include "unit/virtual/television.h"
+#include "unit/linux/loop_application.h"
+#include "unit/linux/port_test.h"
 
 namespace {
 
@@ -27,20 +27,20 @@ extern "C" int pipe(int descriptors[2]) noexcept {
   return pipe2(descriptors, 0);
 }
 
-namespace orvex::virtual_tv {
+namespace orvex::port {
 namespace {
 
 using testing::ElementsAre;
 
 // Each test in a new process, as a signal lasts.
-class HostEndSignal : public HostTelevision, public testing::WithParamInterface<int> {
+class EndSignal : public PortTest, public testing::WithParamInterface<int> {
 protected:
-  HostEndSignal() { testing::GTEST_FLAG(death_test_style) = "threadsafe"; }
+  EndSignal() { testing::GTEST_FLAG(death_test_style) = "threadsafe"; }
   static int Signal() { return GetParam(); }
   static void EndTest() { std::exit(testing::Test::HasFailure() ? 1 : 0); }
 };
 
-TEST_P(HostEndSignal, IsNotLostWhileEcoreBegins) {
+TEST_P(EndSignal, IsNotLostWhileEcoreBegins) {
   const auto run = [] {
     LoopApplication application;
     signalAtPipe = Signal();
@@ -53,7 +53,7 @@ TEST_P(HostEndSignal, IsNotLostWhileEcoreBegins) {
 }
 
 // Where Ecore would have written the signal to.
-TEST_P(HostEndSignal, LeavesNothingInStandardInput) {
+TEST_P(EndSignal, LeavesNothingInStandardInput) {
   const auto run = [] {
     int ends[2];
     ASSERT_EQ(pipe2(ends, O_NONBLOCK), 0);
@@ -70,7 +70,7 @@ TEST_P(HostEndSignal, LeavesNothingInStandardInput) {
   EXPECT_EXIT(run(), testing::ExitedWithCode(0), "");
 }
 
-TEST_P(HostEndSignal, WorksWithoutStandardInput) {
+TEST_P(EndSignal, WorksWithoutStandardInput) {
   const auto run = [] {
     close(STDIN_FILENO);
     LoopApplication application;
@@ -83,16 +83,16 @@ TEST_P(HostEndSignal, WorksWithoutStandardInput) {
 }
 
 // Of a port that has opened nothing yet, so that the number of standard input is the next one to be had.
-TEST_P(HostEndSignal, IsNotLostWithoutStandardInput) {
+TEST_P(EndSignal, IsNotLostWithoutStandardInput) {
   const auto run = [] {
     static int calls = 0;
-    port::HoldEndSignals();
+    HoldEndSignals();
     close(STDIN_FILENO);
     signalAtPipe = Signal();
-    EXPECT_EQ(port::BeginEcore(), "");
+    EXPECT_EQ(BeginEcore(), "");
     EXPECT_EQ(signalAtPipe, 0) << "no pipe was made";
     EXPECT_EQ(fcntl(STDIN_FILENO, F_GETFD), -1);
-    port::EndSignalWatch watch;
+    EndSignalWatch watch;
     EXPECT_TRUE(watch.Begin([] { ++calls; }));
     EXPECT_EQ(calls, 1);
     EndTest();
@@ -100,7 +100,7 @@ TEST_P(HostEndSignal, IsNotLostWithoutStandardInput) {
   EXPECT_EXIT(run(), testing::ExitedWithCode(0), "");
 }
 
-TEST_P(HostEndSignal, StaysIgnoredInAProcessThatWasStartedSo) {
+TEST_P(EndSignal, StaysIgnoredInAProcessThatWasStartedSo) {
   const auto run = [] {
     signal(Signal(), SIG_IGN);
     LoopApplication application;
@@ -117,7 +117,7 @@ TEST_P(HostEndSignal, StaysIgnoredInAProcessThatWasStartedSo) {
   EXPECT_EXIT(run(), testing::ExitedWithCode(0), "");
 }
 
-TEST_P(HostEndSignal, EndsAProcessWithoutApplicationAsUsual) {
+TEST_P(EndSignal, EndsAProcessWithoutApplicationAsUsual) {
   const auto run = [] {
     { const LoopApplication gone; }
     raise(Signal());
@@ -125,8 +125,8 @@ TEST_P(HostEndSignal, EndsAProcessWithoutApplicationAsUsual) {
   EXPECT_EXIT(run(), testing::KilledBySignal(Signal()), "");
 }
 
-INSTANTIATE_TEST_SUITE_P(Of, HostEndSignal, testing::Values(SIGTERM, SIGINT, SIGHUP, SIGQUIT),
+INSTANTIATE_TEST_SUITE_P(Of, EndSignal, testing::Values(SIGTERM, SIGINT, SIGHUP, SIGQUIT),
                          [](const auto& signal) { return std::string("SIG") + sigabbrev_np(signal.param); });
 
 }  // namespace
-}  // namespace orvex::virtual_tv
+}  // namespace orvex::port

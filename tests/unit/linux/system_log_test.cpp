@@ -1,20 +1,19 @@
-// The system log: records as they are on stderr, one line each in service.log.
+// The system log: records as they are on stderr, one line each in a file.
 #include <fcntl.h>
 #include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <regex>
 #include <thread>
 #include <vector>
 
 #include "orvex/platform/system_log.h"
-#include "unit/virtual/television.h"
+#include "unit/linux/port_test.h"
 
-namespace orvex::virtual_tv {
+namespace orvex::port {
 namespace {
 
-class HostSystemLog : public HostTelevision {
+class SystemLog : public PortTest {
 protected:
   // One record, and what came to stderr.
   std::string Print(LogBuffer buffer, LogPriority priority, const std::string& record) {
@@ -23,47 +22,38 @@ protected:
     return testing::internal::GetCapturedStderr();
   }
 
-  std::string LogLine() const { return Content("service.log"); }
+  std::string LogFile() const { return Content("service.log"); }
 
   int m_Result = 0;
 };
 
-TEST_F(HostSystemLog, WritesTheRecordRawToStderrAndOneLineToTheFile) {
-  const std::string record = "file.cpp: run(7) > \033[32mhello\033[0m\n";
-  EXPECT_EQ(Print(LogBuffer::kMain, LogPriority::kInfo, record), record);
-  EXPECT_EQ(m_Result, static_cast<int>(record.size()));
-  EXPECT_TRUE(std::regex_match(LogLine(), std::regex("\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\d\\.\\d{6}Z main I "
-                                                     "Orvex: file\\.cpp: run\\(7\\) > \x1b\\[32mhello\x1b\\[0m\n")))
-      << LogLine();
-}
-
-TEST_F(HostSystemLog, FormatsAsPrintfDoes) {
+TEST_F(SystemLog, FormatsAsPrintfDoes) {
   testing::internal::CaptureStderr();
   EXPECT_EQ(system_log_print(LogBuffer::kMain, LogPriority::kInfo, "Orvex", "%05d|%s|%.2f\n", -42, "x", 0.5), 13);
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "-0042|x|0.50\n");
 }
 
-TEST_F(HostSystemLog, NamesBufferAndPriority) {
+TEST_F(SystemLog, NamesBufferAndPriority) {
   const struct {
     LogBuffer buffer;
     LogPriority priority;
     const char* expected;
-  } rows[] = {{LogBuffer::kMain, LogPriority::kDebug, " main D Orvex: x\n"},
-              {LogBuffer::kMain, LogPriority::kWarning, " main W Orvex: x\n"},
-              {LogBuffer::kSystem, LogPriority::kError, " system E Orvex: x\n"}};
+  } rows[] = {{LogBuffer::kMain, LogPriority::kDebug, "main D Orvex: x\n"},
+              {LogBuffer::kMain, LogPriority::kWarning, "main W Orvex: x\n"},
+              {LogBuffer::kSystem, LogPriority::kError, "system E Orvex: x\n"}};
   for (const auto& row : rows) {
     Remove("service.log");
     Print(row.buffer, row.priority, "x\n");
-    EXPECT_THAT(LogLine(), testing::EndsWith(row.expected));
+    EXPECT_EQ(LogFile(), row.expected);
   }
 }
 
-TEST_F(HostSystemLog, KeepsARecordWithLineBreaksOnOneLine) {
+TEST_F(SystemLog, KeepsARecordWithLineBreaksOnOneLine) {
   Print(LogBuffer::kMain, LogPriority::kInfo, "one\ntwo\n\n");
-  EXPECT_THAT(LogLine(), testing::EndsWith(": one\\ntwo\\n\n"));
+  EXPECT_THAT(LogFile(), testing::EndsWith(": one\\ntwo\\n\n"));
 }
 
-TEST_F(HostSystemLog, EscapesWhatCouldCommandATerminalOrBeginALine) {
+TEST_F(SystemLog, EscapesWhatCouldCommandATerminalOrBeginALine) {
   const std::string head = "file.cpp: run(7) > \033[32m";
   const std::string end = "\033[0m\n";
   const struct {
@@ -83,18 +73,18 @@ TEST_F(HostSystemLog, EscapesWhatCouldCommandATerminalOrBeginALine) {
     Remove("service.log");
     EXPECT_EQ(Print(LogBuffer::kMain, LogPriority::kInfo, head + row.message + end), head + row.shown + end);
     EXPECT_EQ(m_Result, static_cast<int>((head + row.message + end).size()));
-    EXPECT_EQ(LogLine().find('\n'), LogLine().size() - 1) << "one line";
+    EXPECT_EQ(LogFile().find('\n'), LogFile().size() - 1) << "one line";
   }
 }
 
-TEST_F(HostSystemLog, LeavesOnlyAColourBehindThePrefix) {
+TEST_F(SystemLog, LeavesOnlyAColourBehindThePrefix) {
   for (const char* const text : {"\033[2J", "x: y(1) > \033[2Jz", "x: y(1) > \033[3", "x: y(1) > ", "\033[0m"}) {
     const std::string shown = Print(LogBuffer::kMain, LogPriority::kInfo, std::string(text) + "\n");
     EXPECT_EQ(shown.find('\033'), std::string::npos) << text;
   }
 }
 
-TEST_F(HostSystemLog, FollowsNoLinkAndFillsNoPipe) {
+TEST_F(SystemLog, FollowsNoLinkAndFillsNoPipe) {
   const auto elsewhere = Folder() / "elsewhere";
   std::filesystem::create_symlink(elsewhere, Folder() / "service.log");
   Print(LogBuffer::kMain, LogPriority::kInfo, "x\n");
@@ -111,29 +101,29 @@ TEST_F(HostSystemLog, FollowsNoLinkAndFillsNoPipe) {
   close(reader);
 }
 
-TEST_F(HostSystemLog, CutsNoRecordHoweverLong) {
+TEST_F(SystemLog, CutsNoRecordHoweverLong) {
   for (const std::size_t length : {std::size_t{511}, std::size_t{512}, std::size_t{513}, std::size_t{300000}}) {
     Remove("service.log");
     const std::string record(length, 'x');
     EXPECT_EQ(Print(LogBuffer::kMain, LogPriority::kInfo, record), record);
-    EXPECT_THAT(LogLine(), testing::EndsWith(": " + record + "\n"));
+    EXPECT_THAT(LogFile(), testing::EndsWith(": " + record + "\n"));
     EXPECT_EQ(m_Result, static_cast<int>(length));
   }
 }
 
-TEST_F(HostSystemLog, LeavesErrnoAsItWas) {
+TEST_F(SystemLog, LeavesErrnoAsItWas) {
   errno = EDOM;
   Print(LogBuffer::kMain, LogPriority::kInfo, "x\n");
   EXPECT_EQ(errno, EDOM);
 }
 
-TEST_F(HostSystemLog, AnswersNegativeWhenTheFileCannotBeWritten) {
+TEST_F(SystemLog, AnswersNegativeWhenTheFileCannotBeWritten) {
   std::filesystem::create_directory(Folder() / "service.log");
   EXPECT_EQ(Print(LogBuffer::kMain, LogPriority::kInfo, "x\n"), "x\n");
   EXPECT_LT(m_Result, 0);
 }
 
-TEST_F(HostSystemLog, SurvivesABrokenStderr) {
+TEST_F(SystemLog, SurvivesABrokenStderr) {
   int ends[2];
   ASSERT_EQ(pipe(ends), 0);
   const int before = dup(STDERR_FILENO);
@@ -144,10 +134,10 @@ TEST_F(HostSystemLog, SurvivesABrokenStderr) {
   close(before);
   close(ends[1]);
   EXPECT_EQ(result, 13);
-  EXPECT_THAT(LogLine(), testing::EndsWith(": nobody reads\n"));
+  EXPECT_THAT(LogFile(), testing::EndsWith(": nobody reads\n"));
 }
 
-TEST_F(HostSystemLog, MixesNoRecordsOfManyThreadsAndKeepsTheOrderOfEach) {
+TEST_F(SystemLog, MixesNoRecordsOfManyThreadsAndKeepsTheOrderOfEach) {
   constexpr int kThreads = 4;
   constexpr int kRecords = 100;
   testing::internal::CaptureStderr();
@@ -163,11 +153,11 @@ TEST_F(HostSystemLog, MixesNoRecordsOfManyThreadsAndKeepsTheOrderOfEach) {
     thread.join();
   }
   testing::internal::GetCapturedStderr();
-  std::istringstream lines(LogLine());
-  std::string time, buffer, priority, tag;
+  std::istringstream lines(LogFile());
+  std::string buffer, priority, tag;
   int number = 0, record = 0, count = 0;
   std::vector<int> next(kThreads);
-  while (lines >> time >> buffer >> priority >> tag >> number >> record) {
+  while (lines >> buffer >> priority >> tag >> number >> record) {
     EXPECT_EQ(record, next.at(static_cast<std::size_t>(number))++);
     ++count;
   }
@@ -175,4 +165,4 @@ TEST_F(HostSystemLog, MixesNoRecordsOfManyThreadsAndKeepsTheOrderOfEach) {
 }
 
 }  // namespace
-}  // namespace orvex::virtual_tv
+}  // namespace orvex::port

@@ -1,10 +1,10 @@
 // The watchdog: what is sent to a service manager's socket, and that nobody else sends.
 #include "orvex/platform/watchdog.h"
 #include "support/manager_socket.h"
-#include "unit/virtual/loop_application.h"
-#include "unit/virtual/television.h"
+#include "unit/linux/loop_application.h"
+#include "unit/linux/port_test.h"
 
-namespace orvex::virtual_tv {
+namespace orvex::port {
 namespace {
 
 using test::ManagerSocket;
@@ -12,9 +12,9 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-class HostWatchdog : public HostTelevision {
+class Watchdog : public PortTest {
 protected:
-  ~HostWatchdog() override { unsetenv("NOTIFY_SOCKET"); }
+  ~Watchdog() override { unsetenv("NOTIFY_SOCKET"); }
 
   // Runs a main loop in which `work` is done, with the environment that a service manager gives.
   void RunUnder(const std::string& socket, const std::function<void()>& work) {
@@ -30,7 +30,7 @@ protected:
   LoopApplication m_Application;
 };
 
-TEST_F(HostWatchdog, RefusesANotificationWithoutRegistration) {
+TEST_F(Watchdog, RefusesANotificationWithoutRegistration) {
   RunUnder("", [] {
     EXPECT_EQ(watchdog_notify(), -1);
     EXPECT_EQ(watchdog_register(1), 0);
@@ -38,7 +38,7 @@ TEST_F(HostWatchdog, RefusesANotificationWithoutRegistration) {
   RunUnder("", [] { EXPECT_EQ(watchdog_notify(), -1) << "the registration of another main loop"; });
 }
 
-TEST_F(HostWatchdog, RegistersAndNotifiesOverAPath) {
+TEST_F(Watchdog, RegistersAndNotifiesOverAPath) {
   const std::string name = (Folder() / "notify").string();
   const ManagerSocket manager(name);
   RunUnder(name, [] {
@@ -49,14 +49,14 @@ TEST_F(HostWatchdog, RegistersAndNotifiesOverAPath) {
   EXPECT_THAT(manager.Received(), ElementsAre("READY=1\nWATCHDOG_USEC=120000000", "WATCHDOG=1", "WATCHDOG=1"));
 }
 
-TEST_F(HostWatchdog, RegistersOverAnAbstractName) {
+TEST_F(Watchdog, RegistersOverAnAbstractName) {
   const std::string name = "@orvex-watchdog-test-" + std::to_string(getpid());
   const ManagerSocket manager(name);
   RunUnder(name, [] { EXPECT_EQ(watchdog_register(1), 0); });
   EXPECT_THAT(manager.Received(), ElementsAre("READY=1\nWATCHDOG_USEC=1000000"));
 }
 
-TEST_F(HostWatchdog, IsTheOnlyOneWhoSends) {
+TEST_F(Watchdog, IsTheOnlyOneWhoSends) {
   const std::string name = (Folder() / "notify").string();
   const ManagerSocket manager(name);
   FwAlarm alarm;
@@ -78,14 +78,14 @@ TEST_F(HostWatchdog, IsTheOnlyOneWhoSends) {
   EXPECT_THAT(manager.Received(), IsEmpty());
 }
 
-TEST_F(HostWatchdog, IsSatisfiedWithoutAServiceManager) {
+TEST_F(Watchdog, IsSatisfiedWithoutAServiceManager) {
   RunUnder("", [] {
     EXPECT_EQ(watchdog_register(120), 0);
     EXPECT_EQ(watchdog_notify(), 0);
   });
 }
 
-TEST_F(HostWatchdog, FailsOnASocketThatCannotBeUsed) {
+TEST_F(Watchdog, FailsOnASocketThatCannotBeUsed) {
   const struct {
     std::string socket;
     const char* problem;
@@ -105,7 +105,7 @@ TEST_F(HostWatchdog, FailsOnASocketThatCannotBeUsed) {
   }
 }
 
-TEST_F(HostWatchdog, RefusesATimeoutThatIsNone) {
+TEST_F(Watchdog, RefusesATimeoutThatIsNone) {
   RunUnder("", [] {
     testing::internal::CaptureStderr();
     EXPECT_EQ(watchdog_register(0), -1);
@@ -114,18 +114,5 @@ TEST_F(HostWatchdog, RefusesATimeoutThatIsNone) {
   });
 }
 
-TEST_F(HostWatchdog, AnswersAsInjectedAndSendsNothingThen) {
-  const std::string name = (Folder() / "notify").string();
-  const ManagerSocket manager(name);
-  SetFaults(R"({"watchdog.register": [-1], "watchdog.notify": [null, -1]})");
-  RunUnder(name, [] {
-    EXPECT_EQ(watchdog_register(120), -1);
-    EXPECT_EQ(watchdog_register(120), 0);
-    EXPECT_EQ(watchdog_notify(), 0);
-    EXPECT_EQ(watchdog_notify(), -1);
-  });
-  EXPECT_EQ(manager.Received().size(), 2U);
-}
-
 }  // namespace
-}  // namespace orvex::virtual_tv
+}  // namespace orvex::port

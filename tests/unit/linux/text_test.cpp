@@ -45,15 +45,15 @@ void PrintTo(const Row& row, std::ostream* out) {
   *out << row.name;
 }
 
-class HostText : public testing::TestWithParam<Row> {};
+class Text : public testing::TestWithParam<Row> {};
 
-TEST_P(HostText, IsMadeFit) {
+TEST_P(Text, IsMadeFit) {
   EXPECT_EQ(IsPrintable(GetParam().text), GetParam().isPrintable);
   EXPECT_EQ(Printable(GetParam().text), GetParam().printable);
   EXPECT_EQ(ValidUtf8(GetParam().text), GetParam().valid);
 }
 
-INSTANTIATE_TEST_SUITE_P(Of, HostText, testing::ValuesIn(kRows),
+INSTANTIATE_TEST_SUITE_P(Of, Text, testing::ValuesIn(kRows),
                          [](const auto& row) { return std::string(row.param.name); });
 
 }  // namespace

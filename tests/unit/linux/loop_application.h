@@ -9,7 +9,7 @@
 
 #include "orvex/platform/application.h"
 
-namespace orvex::virtual_tv {
+namespace orvex::port {
 
 class LoopApplication : public FwEflApplication {
 public:
@@ -66,4 +66,4 @@ private:
   FwAlarm m_Guard;
 };
 
-}  // namespace orvex::virtual_tv
+}  // namespace orvex::port

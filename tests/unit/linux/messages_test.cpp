@@ -11,14 +11,12 @@
 
 #include "linux/line_reader.h"
 #include "linux/message_answer.h"
-#include "unit/virtual/loop_application.h"
-#include "unit/virtual/television.h"
+#include "unit/linux/loop_application.h"
+#include "unit/linux/port_test.h"
 
-namespace orvex::virtual_tv {
+namespace orvex::port {
 namespace {
 
-using port::AnswerMessage;
-using port::LineReader;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::StartsWith;
@@ -44,25 +42,25 @@ std::vector<std::string> LinesOf(const std::vector<std::string>& pieces, std::si
   return lines;
 }
 
-TEST(HostLineReader, JoinsPiecesAndCutsAtLineBreaks) {
+TEST(LineReader, JoinsPiecesAndCutsAtLineBreaks) {
   EXPECT_THAT(LinesOf({"ab", "c\nd", "\n\ne"}, 10), ElementsAre("abc", "d", "", "e"));
 }
 
-TEST(HostLineReader, TellsALineThatIsTooLongOnceAndGoesOnWithTheNext) {
+TEST(LineReader, TellsALineThatIsTooLongOnceAndGoesOnWithTheNext) {
   EXPECT_THAT(LinesOf({"12345\n123456\n12345\n"}, 5), ElementsAre("12345", "TOO LONG", "12345"));
   EXPECT_THAT(LinesOf({"123", "456", "789", "\nok\n"}, 5), ElementsAre("TOO LONG", "ok"));
   EXPECT_THAT(LinesOf({"123456", "7"}, 5), ElementsAre("TOO LONG"));
   EXPECT_THAT(LinesOf({"123456", "\n", "1234567\n", "1\n"}, 5), ElementsAre("TOO LONG", "TOO LONG", "1"));
 }
 
-class HostMessages : public HostTelevision {
+class Messages : public PortTest {
 protected:
   std::string Answer(const std::string& line) { return AnswerMessage(line, m_Application, false); }
 
   LoopApplication m_Application;
 };
 
-TEST_F(HostMessages, ReachTheApplicationAsTheyAre) {
+TEST_F(Messages, ReachTheApplicationAsTheyAre) {
   FwMessage received;
   m_Application.onMessage = [&](const FwMessage& message) {
     received = message;
@@ -75,7 +73,7 @@ TEST_F(HostMessages, ReachTheApplicationAsTheyAre) {
   EXPECT_EQ(received.body["method"], "x");
 }
 
-TEST_F(HostMessages, MayLackTypeAndBodyOrHaveABodyThatIsNoObject) {
+TEST_F(Messages, MayLackTypeAndBodyOrHaveABodyThatIsNoObject) {
   const struct {
     const char* line;
     const char* type;
@@ -99,7 +97,7 @@ TEST_F(HostMessages, MayLackTypeAndBodyOrHaveABodyThatIsNoObject) {
   }
 }
 
-TEST_F(HostMessages, AreAnsweredWithAnErrorWhenTheyAreNone) {
+TEST_F(Messages, AreAnsweredWithAnErrorWhenTheyAreNone) {
   m_Application.onMessage = [](const FwMessage&) {
     ADD_FAILURE() << "the application was asked";
     return Json::Value();
@@ -165,11 +163,11 @@ private:
   int m_Fd;
 };
 
-class HostMessageSocket : public HostMessages {
+class MessagesBySocket : public Messages {
 protected:
   static constexpr std::int32_t kEnd = 99;
 
-  HostMessageSocket() {
+  MessagesBySocket() {
     m_Application.onMessage = [this](const FwMessage& message) {
       ++m_MessageCount;
       Json::Value reply;
@@ -201,7 +199,7 @@ protected:
   int m_MessageCount = 0;
 };
 
-TEST_F(HostMessageSocket, AnswersEachLineInItsOrder) {
+TEST_F(MessagesBySocket, AnswersEachLineInItsOrder) {
   RunWith([this] {
     Client client(Path());
     client.Send("{\"body\":1}\n{\"body\":2}\n{\"bo");
@@ -213,7 +211,7 @@ TEST_F(HostMessageSocket, AnswersEachLineInItsOrder) {
   EXPECT_FALSE(std::filesystem::exists(Path())) << "gone with the main loop";
 }
 
-TEST_F(HostMessageSocket, IsForItsOwnerOnly) {
+TEST_F(MessagesBySocket, IsForItsOwnerOnly) {
   RunWith([this] {
     struct stat state {};
     ASSERT_EQ(stat(Path().c_str(), &state), 0);
@@ -221,7 +219,7 @@ TEST_F(HostMessageSocket, IsForItsOwnerOnly) {
   });
 }
 
-TEST_F(HostMessageSocket, DropsABadLineAndServesTheNext) {
+TEST_F(MessagesBySocket, DropsABadLineAndServesTheNext) {
   RunWith([this] {
     Client client(Path());
     client.Send("nonsense\n" + std::string(3 * kLineLimit, 'x') + "\n{\"body\":\"" + std::string(60000, 'y') + "\"}\n");
@@ -232,7 +230,7 @@ TEST_F(HostMessageSocket, DropsABadLineAndServesTheNext) {
   EXPECT_EQ(m_MessageCount, 1);
 }
 
-TEST_F(HostMessageSocket, AnswersAClientThatHasEndedItsSide) {
+TEST_F(MessagesBySocket, AnswersAClientThatHasEndedItsSide) {
   RunWith([this] {
     Client client(Path());
     client.Send("{\"body\":1}\n{\"body\":2}");
@@ -243,7 +241,7 @@ TEST_F(HostMessageSocket, AnswersAClientThatHasEndedItsSide) {
   });
 }
 
-TEST_F(HostMessageSocket, SurvivesAClientThatLeavesWithoutItsAnswers) {
+TEST_F(MessagesBySocket, SurvivesAClientThatLeavesWithoutItsAnswers) {
   RunWith([this] {
     for (int round = 0; round < 20; ++round) {
       Client client(Path());
@@ -255,7 +253,7 @@ TEST_F(HostMessageSocket, SurvivesAClientThatLeavesWithoutItsAnswers) {
   });
 }
 
-TEST_F(HostMessageSocket, KeepsManyAnswersForAClientThatReadsLate) {
+TEST_F(MessagesBySocket, KeepsManyAnswersForAClientThatReadsLate) {
   constexpr int kMessages = 200;
   RunWith([this] {
     Client client(Path());
@@ -277,7 +275,7 @@ TEST_F(HostMessageSocket, KeepsManyAnswersForAClientThatReadsLate) {
   EXPECT_EQ(m_MessageCount, kMessages + 1);
 }
 
-TEST_F(HostMessageSocket, SendsAReplyThatIsLargerThanAnyBuffer) {
+TEST_F(MessagesBySocket, SendsAReplyThatIsLargerThanAnyBuffer) {
   const std::string large(4000000, 'v');
   m_Application.onMessage = [&](const FwMessage&) { return Json::Value(large); };
   RunWith([&] {
@@ -287,7 +285,7 @@ TEST_F(HostMessageSocket, SendsAReplyThatIsLargerThanAnyBuffer) {
   });
 }
 
-TEST_F(HostMessageSocket, TurnsAwayTheNinthClientAndTakesItWhenAnotherHasGone) {
+TEST_F(MessagesBySocket, TurnsAwayTheNinthClientAndTakesItWhenAnotherHasGone) {
   RunWith([this] {
     std::list<Client> clients;
     for (int number = 0; number < 8; ++number) {
@@ -308,7 +306,7 @@ TEST_F(HostMessageSocket, TurnsAwayTheNinthClientAndTakesItWhenAnotherHasGone) {
   });
 }
 
-TEST_F(HostMessageSocket, SendsTheReplyToAMessageThatEndsTheApplication) {
+TEST_F(MessagesBySocket, SendsTheReplyToAMessageThatEndsTheApplication) {
   m_Application.onMessage = [](const FwMessage&) {
     ui_app_exit();
     return Json::Value("bye");
@@ -321,7 +319,7 @@ TEST_F(HostMessageSocket, SendsTheReplyToAMessageThatEndsTheApplication) {
   });
 }
 
-TEST_F(HostMessageSocket, ReplacesASocketThatNobodyServes) {
+TEST_F(MessagesBySocket, ReplacesASocketThatNobodyServes) {
   {
     const int fd = socket(AF_UNIX, SOCK_STREAM, 0);
     sockaddr_un address{};
@@ -338,7 +336,7 @@ TEST_F(HostMessageSocket, ReplacesASocketThatNobodyServes) {
   });
 }
 
-TEST_F(HostMessageSocket, LeavesASocketAloneThatIsServedAndAFileThatIsNone) {
+TEST_F(MessagesBySocket, LeavesASocketAloneThatIsServedAndAFileThatIsNone) {
   const int fd = socket(AF_UNIX, SOCK_STREAM, 0);
   sockaddr_un address{};
   address.sun_family = AF_UNIX;
@@ -359,7 +357,7 @@ TEST_F(HostMessageSocket, LeavesASocketAloneThatIsServedAndAFileThatIsNone) {
   EXPECT_EQ(Content("messages.sock"), "a file");
 }
 
-TEST_F(HostMessageSocket, TakesEventsOnlyWhereThatIsAllowed) {
+TEST_F(MessagesBySocket, TakesEventsOnlyWhereThatIsAllowed) {
   const std::string line = R"({"type":"event","body":{"id":10005}})";
   RunWith([&] {
     Client client(Path());
@@ -369,7 +367,7 @@ TEST_F(HostMessageSocket, TakesEventsOnlyWhereThatIsAllowed) {
   EXPECT_THAT(m_Application.steps, ElementsAre("create", "event 99", "destroy"));
   m_Application.steps.clear();
   m_MessageCount = 0;
-  setenv("ORVEX_TV_INJECT", "1", 1);
+  AllowInjectedEvents(true);
   RunWith([&] {
     Client client(Path());
     client.Send(line + "\n" + R"({"type":"event","body":{"id":"x"}})" + "\n" + R"({"type":"event"})" + "\n");
@@ -377,10 +375,10 @@ TEST_F(HostMessageSocket, TakesEventsOnlyWhereThatIsAllowed) {
     EXPECT_THAT(client.Line(), HasSubstr(R"(event \"id\": \"x\": expected a 32-bit integer)"));
     EXPECT_THAT(client.Line(), HasSubstr(R"(event \"id\": null)"));
   });
-  unsetenv("ORVEX_TV_INJECT");
+  AllowInjectedEvents(false);
   EXPECT_THAT(m_Application.steps, ElementsAre("create", "event 10005", "event 99", "destroy"));
   EXPECT_EQ(m_MessageCount, 0);
 }
 
 }  // namespace
-}  // namespace orvex::virtual_tv
+}  // namespace orvex::port

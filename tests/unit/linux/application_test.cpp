@@ -6,20 +6,20 @@
 #include <thread>
 #include <vector>
 
-#include "unit/virtual/loop_application.h"
-#include "unit/virtual/television.h"
+#include "unit/linux/loop_application.h"
+#include "unit/linux/port_test.h"
 
-namespace orvex::virtual_tv {
+namespace orvex::port {
 namespace {
 
 using testing::ElementsAre;
 
-class HostApplication : public HostTelevision {
+class Application : public PortTest {
 protected:
   LoopApplication m_Application;
 };
 
-TEST_F(HostApplication, CreatesLivesAndDestroysOnce) {
+TEST_F(Application, CreatesLivesAndDestroysOnce) {
   m_Application.onCreate = [&] { m_Application.Send(7); };
   m_Application.onEvent = [](std::int32_t) {
     ui_app_exit();
@@ -30,14 +30,14 @@ TEST_F(HostApplication, CreatesLivesAndDestroysOnce) {
   EXPECT_EQ(m_Application.GetIdentifier(), "org.velta.loop-test");
 }
 
-TEST_F(HostApplication, EndsAtOnceWithDestroyWhenCreateAnswersFalse) {
+TEST_F(Application, EndsAtOnceWithDestroyWhenCreateAnswersFalse) {
   m_Application.createAnswer = false;
   m_Application.onCreate = [&] { m_Application.Send(7); };
   m_Application.Run();
   EXPECT_THAT(m_Application.steps, ElementsAre("create", "destroy"));
 }
 
-TEST_F(HostApplication, EndsWithDestroyWhenTheEndIsRequestedInCreate) {
+TEST_F(Application, EndsWithDestroyWhenTheEndIsRequestedInCreate) {
   m_Application.onCreate = [&] {
     m_Application.Send(7);
     ui_app_exit();
@@ -46,13 +46,13 @@ TEST_F(HostApplication, EndsWithDestroyWhenTheEndIsRequestedInCreate) {
   EXPECT_THAT(m_Application.steps, ElementsAre("create", "destroy"));
 }
 
-TEST_F(HostApplication, AnswersWithFailureWithoutAnApplication) {
+TEST_F(Application, AnswersWithFailureWithoutAnApplication) {
   testing::internal::CaptureStderr();
   EXPECT_NE(AppMain(0, nullptr, nullptr), 0);
   EXPECT_THAT(testing::internal::GetCapturedStderr(), testing::HasSubstr("the main loop cannot run"));
 }
 
-TEST_F(HostApplication, DeliversEventsThatWereSentBeforeTheMainLoop) {
+TEST_F(Application, DeliversEventsThatWereSentBeforeTheMainLoop) {
   // In a process of its own: after a first main loop the queue stays closed.
   testing::GTEST_FLAG(death_test_style) = "threadsafe";
   const auto run = [this] {
@@ -73,7 +73,7 @@ TEST_F(HostApplication, DeliversEventsThatWereSentBeforeTheMainLoop) {
   EXPECT_EXIT(run(), testing::ExitedWithCode(0), "^create;event 1;event 2;event 3;destroy;$");
 }
 
-TEST_F(HostApplication, NeverDeliversInsideTheCallAndKeepsTheOrderOfHandlers) {
+TEST_F(Application, NeverDeliversInsideTheCallAndKeepsTheOrderOfHandlers) {
   bool isHandling = false;
   m_Application.onCreate = [&] { m_Application.Send(1); };
   m_Application.onEvent = [&](std::int32_t type) {
@@ -93,7 +93,7 @@ TEST_F(HostApplication, NeverDeliversInsideTheCallAndKeepsTheOrderOfHandlers) {
   EXPECT_THAT(m_Application.steps, ElementsAre("create", "event 1", "event 2", "event 3", "event 4", "destroy"));
 }
 
-TEST_F(HostApplication, KeepsOneOrderOverAThreadAndTheMainLoop) {
+TEST_F(Application, KeepsOneOrderOverAThreadAndTheMainLoop) {
   // Each sender passes the turn to the other, so there is one true order: 0 1 2 3 ...
   constexpr int kRounds = 500;
   m_Application.onCreate = [&] {
@@ -113,7 +113,7 @@ TEST_F(HostApplication, KeepsOneOrderOverAThreadAndTheMainLoop) {
   EXPECT_EQ(next, kRounds);
 }
 
-TEST_F(HostApplication, DeliversTheEventsOfFourThreadsOneAtATimeInTheOrderOfEach) {
+TEST_F(Application, DeliversTheEventsOfFourThreadsOneAtATimeInTheOrderOfEach) {
   constexpr int kThreads = 4;
   constexpr int kEvents = 2000;
   std::vector<std::thread> threads;
@@ -143,7 +143,7 @@ TEST_F(HostApplication, DeliversTheEventsOfFourThreadsOneAtATimeInTheOrderOfEach
   EXPECT_EQ(count, kThreads * kEvents);
 }
 
-TEST_F(HostApplication, DropsEventsOnceTheEndIsRequested) {
+TEST_F(Application, DropsEventsOnceTheEndIsRequested) {
   m_Application.onCreate = [&] {
     m_Application.Send(1);
     m_Application.Send(2);
@@ -159,7 +159,7 @@ TEST_F(HostApplication, DropsEventsOnceTheEndIsRequested) {
   EXPECT_THAT(m_Application.steps, ElementsAre("create", "event 1", "destroy"));
 }
 
-TEST_F(HostApplication, AcceptsAnEventForNobody) {
+TEST_F(Application, AcceptsAnEventForNobody) {
   m_Application.onCreate = [] {
     EXPECT_TRUE(SendEvent(FwEvent(1, nullptr)));
     ui_app_exit();
@@ -168,28 +168,28 @@ TEST_F(HostApplication, AcceptsAnEventForNobody) {
   EXPECT_THAT(m_Application.steps, ElementsAre("create", "destroy"));
 }
 
-class HostApplicationSignal : public HostApplication, public testing::WithParamInterface<int> {};
+class ApplicationSignal : public Application, public testing::WithParamInterface<int> {};
 
-TEST_P(HostApplicationSignal, EndsTheMainLoopInOrder) {
+TEST_P(ApplicationSignal, EndsTheMainLoopInOrder) {
   m_Application.onCreate = [&] { m_Application.Send(1); };
   m_Application.onEvent = [](std::int32_t) { raise(GetParam()); };
   EXPECT_EQ(m_Application.Run(), 0);
   EXPECT_THAT(m_Application.steps, ElementsAre("create", "event 1", "destroy"));
 }
 
-TEST_P(HostApplicationSignal, IsNotLostInCreate) {
+TEST_P(ApplicationSignal, IsNotLostInCreate) {
   m_Application.onCreate = [] { raise(GetParam()); };
   EXPECT_EQ(m_Application.Run(), 0);
   EXPECT_THAT(m_Application.steps, ElementsAre("create", "destroy"));
 }
 
-TEST_P(HostApplicationSignal, IsNotLostBeforeTheMainLoop) {
+TEST_P(ApplicationSignal, IsNotLostBeforeTheMainLoop) {
   raise(GetParam());
   EXPECT_EQ(m_Application.Run(), 0);
   EXPECT_THAT(m_Application.steps, ElementsAre("create", "destroy"));
 }
 
-TEST_P(HostApplicationSignal, ChangesNothingInDestroyAndAfterTheEnd) {
+TEST_P(ApplicationSignal, ChangesNothingInDestroyAndAfterTheEnd) {
   m_Application.onCreate = [] { ui_app_exit(); };
   m_Application.onDestroy = [] { raise(GetParam()); };
   EXPECT_EQ(m_Application.Run(), 0);
@@ -203,9 +203,9 @@ std::string NameOfSignal(const testing::TestParamInfo<int>& signal) {
   return std::string("SIG") + sigabbrev_np(signal.param);
 }
 
-INSTANTIATE_TEST_SUITE_P(End, HostApplicationSignal, testing::ValuesIn(kEndSignals), NameOfSignal);
+INSTANTIATE_TEST_SUITE_P(End, ApplicationSignal, testing::ValuesIn(kEndSignals), NameOfSignal);
 
-TEST_F(HostApplication, HasNoThreadOfItsOwnAtRest) {
+TEST_F(Application, HasNoThreadOfItsOwnAtRest) {
   const auto countThreads = [] {
     const std::filesystem::directory_iterator tasks("/proc/self/task");
     return std::distance(begin(tasks), end(tasks));
@@ -219,7 +219,7 @@ TEST_F(HostApplication, HasNoThreadOfItsOwnAtRest) {
   m_Application.Run();
 }
 
-TEST_F(HostApplication, RunsAHundredTimesInOneProcess) {
+TEST_F(Application, RunsAHundredTimesInOneProcess) {
   m_Application.onCreate = [&] { m_Application.Send(1); };
   m_Application.onEvent = [](std::int32_t) { ui_app_exit(); };
   for (int round = 0; round < 100; ++round) {
@@ -230,4 +230,4 @@ TEST_F(HostApplication, RunsAHundredTimesInOneProcess) {
 }
 
 }  // namespace
-}  // namespace orvex::virtual_tv
+}  // namespace orvex::port

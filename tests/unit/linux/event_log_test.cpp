@@ -11,14 +11,14 @@
 #include <vector>
 
 #include "orvex/platform/event_log.h"
-#include "unit/virtual/television.h"
+#include "unit/linux/port_test.h"
 
-namespace orvex::virtual_tv {
+namespace orvex::port {
 namespace {
 
 using testing::HasSubstr;
 
-class HostEventLog : public HostTelevision {
+class EventLog : public PortTest {
 protected:
   static int Add(const std::string& value) {
     return event_log_add_sync(event_log_get_instance(), "21_remocon", "ORVEXSET", "EV012", value);
@@ -38,14 +38,14 @@ protected:
   }
 };
 
-TEST_F(HostEventLog, LosesNothingBehindBytesThatAreNoText) {
+TEST_F(EventLog, LosesNothingBehindBytesThatAreNoText) {
   EXPECT_EQ(Add("{device=B\xF6 \xE2\x82|1;source=5}"), 1);
   const auto records = Records();
   ASSERT_EQ(records.size(), 1U);
   EXPECT_EQ(records[0]["value"], "{device=B\uFFFD \uFFFD\uFFFD|1;source=5}");
 }
 
-TEST_F(HostEventLog, IsUnreachableAtAPipeADeviceOrALink) {
+TEST_F(EventLog, IsUnreachableAtAPipeADeviceOrALink) {
   const std::string path = (Folder() / "events.jsonl").string();
   ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
   EXPECT_EQ(Add("x"), -1);
@@ -54,7 +54,7 @@ TEST_F(HostEventLog, IsUnreachableAtAPipeADeviceOrALink) {
   EXPECT_EQ(Add("x"), -1);
 }
 
-TEST_F(HostEventLog, KeepsOneLinePerRecord) {
+TEST_F(EventLog, KeepsOneLinePerRecord) {
   EXPECT_EQ(Add("{result=pass}"), 1);
   EXPECT_EQ(Add("two\nlines \"and\" größer \xff"), 1);
   const auto records = Records();
@@ -67,14 +67,14 @@ TEST_F(HostEventLog, KeepsOneLinePerRecord) {
   EXPECT_THAT(records[1]["value"].asString(), HasSubstr("two\nlines \"and\" größer "));
 }
 
-TEST_F(HostEventLog, IsReadableByItsOwnerOnly) {
+TEST_F(EventLog, IsReadableByItsOwnerOnly) {
   Add("x");
   struct stat state {};
   ASSERT_EQ(stat((Folder() / "events.jsonl").c_str(), &state), 0);
   EXPECT_EQ(state.st_mode & 0777, 0600U);
 }
 
-TEST_F(HostEventLog, RemovesALineThatWasCutOff) {
+TEST_F(EventLog, RemovesALineThatWasCutOff) {
   for (const std::string& cut : {std::string("{\"time\":\"20"), std::string("x"), std::string(20000, 'y')}) {
     Remove("events.jsonl");
     Echo("events.jsonl", "{\"value\":\"first\"}\n" + cut);
@@ -89,7 +89,7 @@ TEST_F(HostEventLog, RemovesALineThatWasCutOff) {
   }
 }
 
-TEST_F(HostEventLog, AppendsToACollectionOf5GiB) {
+TEST_F(EventLog, AppendsToACollectionOf5GiB) {
   constexpr std::uintmax_t kBytes = std::uintmax_t{5} << 30U;
   const auto file = Folder() / "events.jsonl";
   Echo("events.jsonl", "");
@@ -103,13 +103,13 @@ TEST_F(HostEventLog, AppendsToACollectionOf5GiB) {
   EXPECT_EQ(record["value"], "x");
 }
 
-TEST_F(HostEventLog, RemovesACutLineThatIsAllThereIs) {
+TEST_F(EventLog, RemovesACutLineThatIsAllThereIs) {
   Echo("events.jsonl", "{\"ti");
   EXPECT_EQ(Add("only"), 1);
   ASSERT_EQ(Records().size(), 1U);
 }
 
-TEST_F(HostEventLog, KeepsAWholeRecordThatLacksItsLineBreak) {
+TEST_F(EventLog, KeepsAWholeRecordThatLacksItsLineBreak) {
   Echo("events.jsonl", R"({"value":"first"})");
   EXPECT_EQ(Add("second"), 1);
   const auto records = Records();
@@ -117,7 +117,7 @@ TEST_F(HostEventLog, KeepsAWholeRecordThatLacksItsLineBreak) {
   EXPECT_EQ(records[0]["value"], "first");
 }
 
-TEST_F(HostEventLog, TakesRecordsOfManyWritersWhole) {
+TEST_F(EventLog, TakesRecordsOfManyWritersWhole) {
   std::vector<std::thread> threads;
   for (int number = 0; number < 4; ++number) {
     threads.emplace_back([number] {
@@ -132,22 +132,7 @@ TEST_F(HostEventLog, TakesRecordsOfManyWritersWhole) {
   EXPECT_EQ(Records().size(), 100U);
 }
 
-TEST_F(HostEventLog, KeepsNothingOfARefusedRecord) {
-  SetFaults(R"({"event_log.add": [0, -1]})");
-  EXPECT_EQ(Add("refused"), 0);
-  EXPECT_EQ(Add("unreachable"), -1);
-  EXPECT_EQ(Add("accepted"), 1);
-  ASSERT_EQ(Records().size(), 1U);
-  EXPECT_EQ(Records()[0]["value"], "accepted");
-}
-
-TEST_F(HostEventLog, HasNoInstanceWhenAbsent) {
-  SetFaults(R"({"event_log": "absent"})");
-  EXPECT_EQ(event_log_get_instance(), nullptr);
-  EXPECT_LT(Add("x"), 0);
-}
-
-TEST_F(HostEventLog, SaysWhyItCannotBeReached) {
+TEST_F(EventLog, SaysWhyItCannotBeReached) {
   std::filesystem::create_directory(Folder() / "events.jsonl");
   testing::internal::CaptureStderr();
   EXPECT_LT(Add("x"), 0);
@@ -155,11 +140,11 @@ TEST_F(HostEventLog, SaysWhyItCannotBeReached) {
               HasSubstr("cannot write " + (Folder() / "events.jsonl").string() + ": Is a directory"));
 }
 
-TEST_F(HostEventLog, DoesNotFollowALink) {
+TEST_F(EventLog, DoesNotFollowALink) {
   std::filesystem::create_symlink(Folder() / "elsewhere", Folder() / "events.jsonl");
   EXPECT_LT(Add("x"), 0);
   EXPECT_FALSE(std::filesystem::exists(Folder() / "elsewhere"));
 }
 
 }  // namespace
-}  // namespace orvex::virtual_tv
+}  // namespace orvex::port

@@ -6,10 +6,10 @@
 #include <thread>
 
 #include "linux/main_loop.h"
-#include "unit/virtual/loop_application.h"
-#include "unit/virtual/television.h"
+#include "unit/linux/loop_application.h"
+#include "unit/linux/port_test.h"
 
-namespace orvex::virtual_tv {
+namespace orvex::port {
 namespace {
 
 using testing::ElementsAre;
@@ -39,9 +39,9 @@ private:
   std::promise<void> m_LetGo;
 };
 
-class HostWorkers : public HostTelevision {
+class Workers : public PortTest {
 protected:
-  HostWorkers() {
+  Workers() {
     m_Application.onCreate = [this] {
       StartWorker();
       ui_app_exit();
@@ -57,7 +57,7 @@ protected:
   Worker m_Worker;
 };
 
-TEST_F(HostWorkers, FinishAndRunTheirEndFunctionBeforeAppMainReturns) {
+TEST_F(Workers, FinishAndRunTheirEndFunctionBeforeAppMainReturns) {
   m_Application.onDestroy = [&] {
     EXPECT_EQ(m_Worker.ends, 0);
     m_Worker.LetGo();
@@ -67,7 +67,7 @@ TEST_F(HostWorkers, FinishAndRunTheirEndFunctionBeforeAppMainReturns) {
   EXPECT_EQ(m_Worker.cancels, 0);
 }
 
-TEST_F(HostWorkers, RunTheirCancelFunctionWhenTheyWereCancelledAtWork) {
+TEST_F(Workers, RunTheirCancelFunctionWhenTheyWereCancelledAtWork) {
   m_Application.onDestroy = [&] {
     EXPECT_FALSE(m_Worker.Cancel()) << "pending: it works";
     m_Worker.LetGo();
@@ -77,7 +77,7 @@ TEST_F(HostWorkers, RunTheirCancelFunctionWhenTheyWereCancelledAtWork) {
   EXPECT_EQ(m_Worker.cancels, 1);
 }
 
-TEST_F(HostWorkers, FinishThoughFurtherSignalsComeMeanwhile) {
+TEST_F(Workers, FinishThoughFurtherSignalsComeMeanwhile) {
   // The second worker is let go by the end of the first, so both signals come while there is still work.
   Worker second;
   m_Application.onCreate = [&] {
@@ -103,7 +103,7 @@ TEST_F(HostWorkers, FinishThoughFurtherSignalsComeMeanwhile) {
   EXPECT_EQ(m_Worker.ends + second.ends, 2);
 }
 
-TEST_F(HostWorkers, HearNoEventWhileTheyAreWaitedFor) {
+TEST_F(Workers, HearNoEventWhileTheyAreWaitedFor) {
   m_Application.onDestroy = [&] {
     EXPECT_FALSE(SendEvent(FwEvent(1, m_Application.GetEventReceiver())));
     m_Worker.LetGo();
@@ -112,7 +112,7 @@ TEST_F(HostWorkers, HearNoEventWhileTheyAreWaitedFor) {
   EXPECT_THAT(m_Application.steps, ElementsAre("create", "destroy"));
 }
 
-TEST_F(HostWorkers, SeeNoAlarmGoOffWhileTheyAreWaitedFor) {
+TEST_F(Workers, SeeNoAlarmGoOffWhileTheyAreWaitedFor) {
   FwAlarm alarm;
   int alarms = 0;
   m_Application.onCreate = [&] {
@@ -135,33 +135,33 @@ TEST_F(HostWorkers, SeeNoAlarmGoOffWhileTheyAreWaitedFor) {
   EXPECT_EQ(alarms, 0);
 }
 
-TEST_F(HostWorkers, AreWaitedForNoLongerThanTheLimit) {
-  ASSERT_EQ(port::StartMainLoop(), "");
+TEST_F(Workers, AreWaitedForNoLongerThanTheLimit) {
+  ASSERT_EQ(StartMainLoop(), "");
   StartWorker();
-  EXPECT_FALSE(port::DrainWorkers(std::chrono::milliseconds(50)));
+  EXPECT_FALSE(DrainWorkers(std::chrono::milliseconds(50)));
   m_Worker.LetGo();
-  EXPECT_TRUE(port::DrainWorkers(std::chrono::seconds(30)));
+  EXPECT_TRUE(DrainWorkers(std::chrono::seconds(30)));
   EXPECT_EQ(m_Worker.ends, 1);
-  port::StopMainLoop();
+  StopMainLoop();
 }
 
-TEST_F(HostWorkers, HaveTheirEndFunctionRunThoughTheirThreadIsGone) {
-  ASSERT_EQ(port::StartMainLoop(), "");
+TEST_F(Workers, HaveTheirEndFunctionRunThoughTheirThreadIsGone) {
+  ASSERT_EQ(StartMainLoop(), "");
   m_Worker.Start();
   m_Worker.LetGo();
   while (ecore_thread_active_get() > 0) {
     std::this_thread::yield();
   }
   EXPECT_EQ(m_Worker.ends, 0) << "it waits in the main loop's queue";
-  EXPECT_TRUE(port::DrainWorkers(std::chrono::seconds(30)));
+  EXPECT_TRUE(DrainWorkers(std::chrono::seconds(30)));
   EXPECT_EQ(m_Worker.ends, 1);
-  port::StopMainLoop();
+  StopMainLoop();
 }
 
-TEST_F(HostWorkers, DoNotKeepTheProcessBeyondSixSeconds) {
+TEST_F(Workers, DoNotKeepTheProcessBeyondSixSeconds) {
   testing::GTEST_FLAG(death_test_style) = "threadsafe";
   EXPECT_EXIT(m_Application.Run(), testing::ExitedWithCode(0), "did not finish within 6 s");
 }
 
 }  // namespace
-}  // namespace orvex::virtual_tv
+}  // namespace orvex::port

@@ -5,11 +5,12 @@
 #include <map>
 
 #include "linux/key_state.h"
+#include "linux/small_files.h"
 #include "orvex/platform/settings.h"
-#include "unit/virtual/loop_application.h"
-#include "unit/virtual/television.h"
+#include "unit/linux/loop_application.h"
+#include "unit/linux/port_test.h"
 
-namespace orvex::virtual_tv {
+namespace orvex::port {
 namespace {
 
 using testing::HasSubstr;
@@ -23,17 +24,25 @@ std::string FileOf(const std::string& key) {
   return "settings/" + key;
 }
 
-class HostSettings : public HostTelevision {
+class Settings : public PortTest {
 protected:
+  void SetUp() override {
+    PortTest::SetUp();
+    for (const char* const key : {kFlag, kConsent}) {
+      std::filesystem::create_directories((Folder() / FileOf(key)).parent_path());
+      Echo(FileOf(key), "0\n");
+    }
+  }
+
   // Subscriptions outlast a test that fails.
-  ~HostSettings() override {
+  ~Settings() override {
     for (const char* const key : {kFlag, kConsent, kLate, kFence}) {
       settings_unsubscribe(key, &OnChanged);
     }
   }
 
   static void OnChanged(const SettingsNode* node, void* test) {
-    auto& self = *static_cast<HostSettings*>(test);
+    auto& self = *static_cast<Settings*>(test);
     ++self.m_Counts[settings_node_name(node)];
     self.m_OnChanged(settings_node_name(node));
   }
@@ -75,7 +84,7 @@ protected:
   LoopApplication m_Application;
 };
 
-TEST_F(HostSettings, ReadAnIntegerOrTellWhyNot) {
+TEST_F(Settings, ReadAnIntegerOrTellWhyNot) {
   const struct {
     const char* content;
     int result;
@@ -92,7 +101,7 @@ TEST_F(HostSettings, ReadAnIntegerOrTellWhyNot) {
   }
 }
 
-TEST_F(HostSettings, TellAMissingKeyFromAnUnreadableStore) {
+TEST_F(Settings, TellAMissingKeyFromAnUnreadableStore) {
   int value = 77;
   EXPECT_EQ(settings_get_int("db/nothing", &value), -1);
   EXPECT_EQ(settings_get_int(nullptr, &value), -1);
@@ -100,13 +109,11 @@ TEST_F(HostSettings, TellAMissingKeyFromAnUnreadableStore) {
   Remove(FileOf(kFlag));
   std::filesystem::create_directory(Folder() / FileOf(kFlag));
   EXPECT_EQ(settings_get_int(kFlag, &value), -3);
-  SetFaults(R"({"settings.get": [-3]})");
-  EXPECT_EQ(settings_get_int(kConsent, &value), -3);
   EXPECT_EQ(value, 77);
   EXPECT_EQ(settings_get_int(kConsent, &value), 0);
 }
 
-TEST_F(HostSettings, TakeASubscriptionOncePerKeyAndCallback) {
+TEST_F(Settings, TakeASubscriptionOncePerKeyAndCallback) {
   EXPECT_EQ(settings_subscribe(kFlag, &OnChanged, this), 0);
   EXPECT_EQ(settings_subscribe(kFlag, &OnChanged, nullptr), -1);
   EXPECT_EQ(settings_subscribe(kConsent, &OnChanged, this), 0);
@@ -116,7 +123,7 @@ TEST_F(HostSettings, TakeASubscriptionOncePerKeyAndCallback) {
   EXPECT_EQ(settings_subscribe(kFlag, &OnChanged, this), 0);
 }
 
-TEST_F(HostSettings, RefuseASubscriptionThatCannotBeServed) {
+TEST_F(Settings, RefuseASubscriptionThatCannotBeServed) {
   testing::internal::CaptureStderr();
   EXPECT_EQ(settings_subscribe("db/../../x", &OnChanged, this), -3);
   EXPECT_EQ(settings_subscribe(nullptr, &OnChanged, this), -3);
@@ -124,34 +131,32 @@ TEST_F(HostSettings, RefuseASubscriptionThatCannotBeServed) {
   Remove("settings");
   EXPECT_EQ(settings_subscribe(kFlag, &OnChanged, this), -3);
   EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("cannot watch " + (Folder() / "settings").string()));
-  SetFaults(R"({"settings.subscribe": -3})");
-  EXPECT_EQ(settings_subscribe(kFlag, &OnChanged, this), -3);
 }
 
-TEST_F(HostSettings, NotifyOncePerWriteByEcho) {
+TEST_F(Settings, NotifyOncePerWriteByEcho) {
   EXPECT_EQ(CountNotifications(kFlag, [this] { Echo(FileOf(kFlag), "1\n"); }), 1);
 }
 
-TEST_F(HostSettings, NotifyOncePerWriteByRename) {
-  EXPECT_EQ(CountNotifications(kFlag, [] { Television::Instance().Set(FileOf(kFlag), "1"); }), 1);
+TEST_F(Settings, NotifyOncePerWriteByRename) {
+  EXPECT_EQ(CountNotifications(kFlag, [] { ReplaceFile(Folder() / FileOf(kFlag), "1\n"); }), 1);
 }
 
-TEST_F(HostSettings, NotifyAWriteOfTheSameValue) {
+TEST_F(Settings, NotifyAWriteOfTheSameValue) {
   EXPECT_EQ(CountNotifications(kFlag, [this] { Echo(FileOf(kFlag), "0\n"); }), 1);
 }
 
-TEST_F(HostSettings, NotifyTheKeyThatWasWrittenAndNoOther) {
+TEST_F(Settings, NotifyTheKeyThatWasWrittenAndNoOther) {
   Subscribe(kFlag);
   EXPECT_EQ(CountNotifications(kConsent, [this] { Echo(FileOf(kConsent), "1\n"); }), 1);
   EXPECT_EQ(m_Counts[kFlag], 0);
 }
 
-TEST_F(HostSettings, NotifyEachWriteThatFollowsANotification) {
+TEST_F(Settings, NotifyEachWriteThatFollowsANotification) {
   Subscribe(kFlag);
   m_OnChanged = [this](const std::string& key) {
     if (key == kFlag && m_Counts[kFlag] < 6) {
       const std::string value = std::to_string(m_Counts[kFlag]);
-      m_Counts[kFlag] % 2 == 0 ? Echo(FileOf(kFlag), value) : Television::Instance().Set(FileOf(kFlag), value);
+      m_Counts[kFlag] % 2 == 0 ? Echo(FileOf(kFlag), value) : ReplaceFile(Folder() / FileOf(kFlag), value);
     }
     if (key == kFlag && m_Counts[kFlag] == 6) {
       ui_app_exit();
@@ -162,7 +167,7 @@ TEST_F(HostSettings, NotifyEachWriteThatFollowsANotification) {
   EXPECT_EQ(m_Counts[kFlag], 6);
 }
 
-TEST_F(HostSettings, NotifyAKeyThatAppearsLaterInNewDirectories) {
+TEST_F(Settings, NotifyAKeyThatAppearsLaterInNewDirectories) {
   const auto write = [this] {
     std::filesystem::create_directories((Folder() / FileOf(kLate)).parent_path());
     Echo(FileOf(kLate), "1\n");
@@ -170,12 +175,12 @@ TEST_F(HostSettings, NotifyAKeyThatAppearsLaterInNewDirectories) {
   EXPECT_EQ(CountNotifications(kLate, write), 1);
 }
 
-TEST_F(HostSettings, NotifyAKeyThatAppearsBesideOthers) {
+TEST_F(Settings, NotifyAKeyThatAppearsBesideOthers) {
   EXPECT_EQ(CountNotifications("db/fresh", [this] { Echo(FileOf("db/fresh"), "1\n"); }), 1);
   EXPECT_EQ(settings_unsubscribe("db/fresh", &OnChanged), 0);
 }
 
-TEST_F(HostSettings, NotifyAKeyWhoseDirectoryWasRemovedAndMadeAgain) {
+TEST_F(Settings, NotifyAKeyWhoseDirectoryWasRemovedAndMadeAgain) {
   const auto replaceDirectory = [this] {
     Remove("settings/db/device-detector-service");
     std::filesystem::create_directories((Folder() / FileOf(kFlag)).parent_path());
@@ -184,7 +189,7 @@ TEST_F(HostSettings, NotifyAKeyWhoseDirectoryWasRemovedAndMadeAgain) {
   EXPECT_EQ(CountNotifications(kFlag, replaceDirectory), 1);
 }
 
-TEST_F(HostSettings, NotifyAWriteBetweenTheSubscriptionAndTheMainLoop) {
+TEST_F(Settings, NotifyAWriteBetweenTheSubscriptionAndTheMainLoop) {
   Subscribe(kFlag);
   Echo(FileOf(kFlag), "1\n");
   m_OnChanged = [](const std::string& key) {
@@ -197,11 +202,11 @@ TEST_F(HostSettings, NotifyAWriteBetweenTheSubscriptionAndTheMainLoop) {
   EXPECT_EQ(m_Counts[kFlag], 1);
 }
 
-TEST_F(HostSettings, AreSilentAboutARemovedKey) {
+TEST_F(Settings, AreSilentAboutARemovedKey) {
   EXPECT_EQ(CountNotifications(kFlag, [this] { Remove(FileOf(kFlag)); }), 0);
 }
 
-TEST_F(HostSettings, AreSilentAfterTheUnsubscribe) {
+TEST_F(Settings, AreSilentAfterTheUnsubscribe) {
   const auto writeAndUnsubscribe = [this] {
     Echo(FileOf(kFlag), "1\n");
     EXPECT_EQ(settings_unsubscribe(kFlag, &OnChanged), 0);
@@ -209,7 +214,7 @@ TEST_F(HostSettings, AreSilentAfterTheUnsubscribe) {
   EXPECT_EQ(CountNotifications(kFlag, writeAndUnsubscribe), 0);
 }
 
-TEST_F(HostSettings, MayBeUnsubscribedByTheirOwnCallback) {
+TEST_F(Settings, MayBeUnsubscribedByTheirOwnCallback) {
   m_OnChanged = [](const std::string& key) {
     if (key == kFlag) {
       EXPECT_EQ(settings_unsubscribe(kFlag, &OnChanged), 0);
@@ -222,7 +227,7 @@ TEST_F(HostSettings, MayBeUnsubscribedByTheirOwnCallback) {
   EXPECT_EQ(CountNotifications(kFlag, writeTwice), 1);
 }
 
-TEST_F(HostSettings, MayBeUnsubscribedByTheCallbackBeforeThem) {
+TEST_F(Settings, MayBeUnsubscribedByTheCallbackBeforeThem) {
   Subscribe(kFlag);
   static int otherCount = 0;
   const SettingsChangedCallback other = [](const SettingsNode*, void*) { ++otherCount; };
@@ -237,7 +242,7 @@ TEST_F(HostSettings, MayBeUnsubscribedByTheCallbackBeforeThem) {
   EXPECT_EQ(otherCount, 0);
 }
 
-TEST_F(HostSettings, AreSilentOnceTheEndIsRequested) {
+TEST_F(Settings, AreSilentOnceTheEndIsRequested) {
   Subscribe(kFlag);
   m_Application.onCreate = [this] { m_Application.Send(1); };
   m_Application.onEvent = [this](std::int32_t) {
@@ -249,14 +254,14 @@ TEST_F(HostSettings, AreSilentOnceTheEndIsRequested) {
   EXPECT_EQ(m_Counts[kFlag], 0);
 }
 
-TEST_F(HostSettings, HaveNoNameForNoNode) {
+TEST_F(Settings, HaveNoNameForNoNode) {
   EXPECT_EQ(settings_node_name(nullptr), nullptr);
 }
 
 // The two signs of one write, in every order in which they can come.
-TEST_F(HostSettings, CountOneWriteOnceByCreationOrByClosing) {
+TEST_F(Settings, CountOneWriteOnceByCreationOrByClosing) {
   const auto file = Folder() / "settings/state";
-  port::KeyState state(file);
+  KeyState state(file);
   EXPECT_FALSE(state.TakeChange()) << "nothing there";
   Echo("settings/state", "");
   EXPECT_FALSE(state.TakeChange()) << "opened, not written yet";
@@ -273,4 +278,4 @@ TEST_F(HostSettings, CountOneWriteOnceByCreationOrByClosing) {
 }
 
 }  // namespace
-}  // namespace orvex::virtual_tv
+}  // namespace orvex::port
