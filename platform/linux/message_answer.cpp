@@ -59,4 +59,8 @@ std::string AnswerMessage(const std::string& line, FwEflApplication& application
   return Ask(message, application);
 }
 
+std::function<std::string(const std::string& line)> AnswersOf(FwEflApplication* application, bool mayInject) {
+  return [=](const std::string& line) { return AnswerMessage(line, *application, mayInject); };
+}
+
 }  // namespace orvex::port

@@ -33,10 +33,7 @@ int Refuse(const std::string& problem, int exitCode) {
 
 // The socket and the notifications live as long as the main loop.
 int RunOnTelevision(const virtual_tv::Television& television, FwEflApplication* application) {
-  const bool mayInject = MayInjectEvents();
-  port::MessageSocket socket(television.PathOf("messages.sock"), [&](const std::string& line) {
-    return port::AnswerMessage(line, *application, mayInject);
-  });
+  port::MessageSocket socket(television.PathOf("messages.sock"), port::AnswersOf(application, MayInjectEvents()));
   const auto begin = [&] {
     socket.Open();
     virtual_tv::MakeMainLoopLate();

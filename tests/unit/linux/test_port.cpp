@@ -65,9 +65,7 @@ std::filesystem::path EventLogFile() {
 int AppMain(int /*argc*/, char** /*argv*/, FwEflApplication* application) {
   namespace port = orvex::port;
   port::TakeNotifySocketFromEnvironment();
-  port::MessageSocket messages(port::TestFolder() / "messages.sock", [&](const std::string& line) {
-    return port::AnswerMessage(line, *application, port::mayInject);
-  });
+  port::MessageSocket messages(port::TestFolder() / "messages.sock", port::AnswersOf(application, port::mayInject));
   const auto begin = [&] {
     messages.Open();
     port::StartSettingNotifications();
