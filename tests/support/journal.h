@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cctype>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -55,14 +54,9 @@ inline Texts From(const Texts& texts, const std::string& first) {
   return {std::find(texts.begin(), texts.end(), first), texts.end()};
 }
 
-// From the first line that reads `first` to the next one that reads `last`, both included.
-inline Texts FromTo(const Texts& texts, const std::string& first, const std::string& last) {
-  const auto begin = std::find(texts.begin(), texts.end(), first);
-  const auto end = std::find(begin, texts.end(), last);
-  if (end == texts.end()) {
-    throw std::out_of_range("not in the journal: from " + first + " to " + last);
-  }
-  return {begin, end + 1};
+// The first `count` lines; all when there are fewer.
+inline Texts FirstOf(const Texts& texts, std::size_t count) {
+  return {texts.begin(), texts.begin() + static_cast<std::ptrdiff_t>(std::min(count, texts.size()))};
 }
 
 // The last `count` lines; all when there are fewer.

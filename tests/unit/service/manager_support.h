@@ -21,10 +21,6 @@ namespace orvex::test {
 // The owner agrees to telemetry, and the delay in force is 100 ms.
 class ManagerTest : public testing::Test {
 protected:
-  // What m_StartOrvex and m_StopOrvex are told.
-  static constexpr int kRecorder = 1;
-  static constexpr int kPlayer = 2;
-
   // The singletons announce themselves once per process: not in a test's journal.
   ManagerTest() {
     CSingleton<CAudioControl>::GetInstance();
@@ -37,7 +33,7 @@ protected:
   // A whole run in which the remote hears the ambient phase and then these blocks.
   void RunHearing(const std::vector<Samples>& blocks) {
     Handle(ORVEX_START_SYNC);
-    manager.m_StartOrvex(kRecorder);
+    manager.m_StartOrvex(ORVEX_WORKER_BT_RECORDER);
     world.AdvanceMs(0);
     for (int buffer = 1; buffer <= 35; ++buffer) {
       world.Deliver(Ambient());

@@ -25,7 +25,7 @@ TEST_F(Manager, EverySelectorButTheRecordersStartsThePlayerOnce) {
   world.soundFile = sound.Path();
   EXPECT_TRUE(manager.m_StartOrvex(7));
   EXPECT_EQ(world.runningWorkers, 1);
-  EXPECT_THAT(During(world, [this] { EXPECT_TRUE(manager.m_StartOrvex(kPlayer)); }),
+  EXPECT_THAT(During(world, [this] { EXPECT_TRUE(manager.m_StartOrvex(ORVEX_WORKER_SOUND_PLAYER)); }),
               ElementsAre("I0 Start Orvex[2]", "I0 start Sound Player", "I0 Sound Player already started"));
   world.AdvanceMs(1000);
   EXPECT_EQ(world.runningWorkers, 0);
@@ -33,15 +33,15 @@ TEST_F(Manager, EverySelectorButTheRecordersStartsThePlayerOnce) {
 
 TEST_F(Manager, StoppingWaitsForARecorderThreadThatStillAsksTheRemote) {
   world.answers.Next("bt_hid_send_rc_command", {-115, -115});
-  manager.m_StartOrvex(kRecorder);
-  manager.m_StopOrvex(kRecorder);
+  manager.m_StartOrvex(ORVEX_WORKER_BT_RECORDER);
+  manager.m_StopOrvex(ORVEX_WORKER_BT_RECORDER);
   EXPECT_EQ(world.scheduler.Now(), std::chrono::milliseconds(100));
   EXPECT_TRUE(world.journal.Has("> bt_hid_rc_stop_sending_voice(null) = 0"));
 }
 
 TEST_F(Manager, ADestroyedControllerStopsItsRecording) {
   auto other = std::make_unique<OrvexManager>();
-  other->m_StartOrvex(kRecorder);
+  other->m_StartOrvex(ORVEX_WORKER_BT_RECORDER);
   world.AdvanceMs(1);
   other.reset();
   EXPECT_TRUE(world.journal.Has("E0 Stop bt audio"));

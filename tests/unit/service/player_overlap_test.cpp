@@ -43,11 +43,11 @@ TEST_F(PlayerOverlap, TheNewSoundBeginsWhenTheStoppedOneHasBeenWritten) {
   PlayWave();
   Rest();
   const Texts lines = From(world.journal.Texts(), "I0 m_CancelPlayCB");
-  EXPECT_THAT(Texts(lines.begin(), lines.begin() + 8),
+  EXPECT_THAT(FirstOf(lines, 8),
               ElementsAreArray(Concat({{"I0 m_CancelPlayCB"},
                                        DeviceIsClosed(),
                                        {"> cancel callback", "> snd_pcm_open(\"hw:0,8\", playback, 0) = 0"}})));
-  EXPECT_THAT(Texts(lines.end() - 7, lines.end()), ElementsAreArray(PlayEnds()));
+  EXPECT_THAT(LastOf(lines, 7), ElementsAreArray(PlayEnds()));
   EXPECT_EQ(world.samplesTaken.size(), 2 * SamplesIn(longSound).size());
   EXPECT_EQ(world.journal.Count("> ecore_thread_run()"), 1);
   EXPECT_EQ(world.journal.Count("> cancel callback"), 1);

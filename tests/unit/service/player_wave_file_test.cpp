@@ -48,9 +48,7 @@ TEST_P(PlayerAudibleFile, IsPlayedByItsFormatAndDataSizeAlone) {
   PlayWave();
   const Texts lines = Rest();
   const Texts beginning = Concat({LoadingBegins(), {"I0 buffer length " + std::to_string(GetParam().length)}});
-  ASSERT_GT(lines.size(), beginning.size());
-  EXPECT_THAT(Texts(lines.begin(), lines.begin() + static_cast<std::ptrdiff_t>(beginning.size())),
-              ElementsAreArray(beginning));
+  EXPECT_THAT(FirstOf(lines, beginning.size()), ElementsAreArray(beginning));
   EXPECT_EQ(world.samplesTaken, SamplesIn(GetParam().played));
   EXPECT_EQ(world.journal.Count("E2 Assertion failed"), 0);
   EXPECT_THAT(From(lines, "I0 m_EndPlayerCB"), ElementsAreArray(PlayEnds()));

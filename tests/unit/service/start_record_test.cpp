@@ -3,6 +3,7 @@
 
 namespace {
 
+using orvex::test::FirstOf;
 using orvex::test::ManagerTest;
 using orvex::test::Texts;
 using testing::ElementsAreArray;
@@ -125,8 +126,7 @@ TEST_P(StartRecordNumber, KeepsItsSignAsDeviceTypeAndSourceAndLosesItElsewhere) 
   const std::string text = asSigned;
   const Texts logged = {"I0 type = " + text + ", brandName = acme", "I0 resolution = " + text + ", frequency = " + text,
                         "I0 source = " + text, "I0 type = " + text};
-  const Texts logs = world.journal.Logs();
-  EXPECT_THAT(Texts(logs.begin(), logs.begin() + 4), ElementsAreArray(logged)) << "the log shows signed numbers";
+  EXPECT_THAT(FirstOf(world.journal.Logs(), 4), ElementsAreArray(logged)) << "the log shows signed numbers";
 }
 
 INSTANTIATE_TEST_SUITE_P(Any, StartRecordNumber,
