@@ -6,7 +6,8 @@ find_package(PkgConfig REQUIRED)
 find_package(Threads REQUIRED)
 pkg_check_modules(ecore REQUIRED IMPORTED_TARGET ecore)
 
-file(GLOB suiteSources CONFIGURE_DEPENDS ${CMAKE_CURRENT_LIST_DIR}/port_driver.cpp ${CMAKE_CURRENT_LIST_DIR}/*_listener.cpp
+file(GLOB suiteSources CONFIGURE_DEPENDS ${CMAKE_CURRENT_LIST_DIR}/pieces_driver.cpp ${CMAKE_CURRENT_LIST_DIR}/port_driver.cpp
+                                         ${CMAKE_CURRENT_LIST_DIR}/*_listener.cpp
                                          ${CMAKE_CURRENT_LIST_DIR}/*_test.cpp)
 add_library(orvex_conformance OBJECT ${suiteSources})
 target_compile_features(orvex_conformance PUBLIC cxx_std_17)

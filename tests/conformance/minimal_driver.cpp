@@ -1,5 +1,4 @@
 // The driver of the smallest port: the television is this process, its log is what goes to stderr.
-#include <signal.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -7,7 +6,7 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "conformance/port_driver.h"
+#include "conformance/pieces_driver.h"
 
 namespace orvex::conformance {
 namespace {
@@ -42,9 +41,9 @@ private:
   int m_Before = ::dup(STDERR_FILENO);
 };
 
-class MinimalDriver : public PortDriver {
+class MinimalDriver : public PiecesDriver {
 public:
-  MinimalDriver() : PortDriver({Ability::kReadLog, Ability::kSendTerminationSignal}) {}
+  MinimalDriver() : PiecesDriver({Ability::kReadLog, Ability::kSendTerminationSignal}) {}
 
   // "main I tag: text"; what libraries write to stderr is no record.
   std::vector<LogRecord> LogRecords() const override {
@@ -57,8 +56,6 @@ public:
     }
     return records;
   }
-
-  void SendTerminationSignal(int number) override { ::kill(::getpid(), number); }
 
 private:
   CapturedErrors m_Errors;

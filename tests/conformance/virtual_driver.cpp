@@ -1,21 +1,13 @@
 // The driver of the virtual television: a directory, whose services are files in it.
-#include <json/json.h>
-#include <signal.h>
 #include <stdlib.h>
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <memory>
 #include <regex>
-#include <sstream>
 #include <stdexcept>
 
-#include "conformance/port_driver.h"
+#include "conformance/pieces_driver.h"
 #include "virtual/faults.h"
 #include "virtual/television.h"
 
@@ -76,47 +68,6 @@ std::vector<std::string> Lines(const fs::path& file) {
   return lines;
 }
 
-// One connection to the application's socket; never waits.
-class MessageConnection {
-public:
-  explicit MessageConnection(const fs::path& path) : m_Fd(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    std::strncpy(address.sun_path, path.c_str(), sizeof address.sun_path - 1);
-    if (::connect(m_Fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
-      throw std::runtime_error(path.string() + ": " + std::strerror(errno));
-    }
-  }
-  ~MessageConnection() { ::close(m_Fd); }
-  MessageConnection(const MessageConnection&) = delete;
-  MessageConnection& operator=(const MessageConnection&) = delete;
-
-  void Send(const std::string& line) {
-    if (::send(m_Fd, line.data(), line.size(), MSG_NOSIGNAL) != static_cast<ssize_t>(line.size())) {
-      throw std::runtime_error(std::string("cannot send a message: ") + std::strerror(errno));
-    }
-  }
-  // All that has come, so far.
-  const std::string& Received() {
-    char piece[4096];
-    for (ssize_t count = 0; (count = ::recv(m_Fd, piece, sizeof piece, MSG_DONTWAIT)) > 0;) {
-      m_Received.append(piece, static_cast<std::size_t>(count));
-    }
-    return m_Received;
-  }
-
-private:
-  int m_Fd;
-  std::string m_Received;
-};
-
-Json::Value ParseJson(const std::string& text) {
-  std::istringstream stream(text);
-  Json::Value value;
-  stream >> value;
-  return value;
-}
-
 // The room and its remote are read once in a process: only its first driver can choose them.
 std::set<Ability> Abilities() {
   static bool isFirst = true;
@@ -129,9 +80,12 @@ std::set<Ability> Abilities() {
   return abilities;
 }
 
-class VirtualDriver : public PortDriver {
+class VirtualDriver : public PiecesDriver {
 public:
-  VirtualDriver() : PortDriver(Abilities()), m_Folder(TheFolder()) {
+  VirtualDriver()
+      : PiecesDriver(Abilities(),
+                     {TheFolder() / "settings", TheFolder() / "events.jsonl", TheFolder() / "messages.sock"}),
+        m_Folder(TheFolder()) {
     for (const auto& entry : fs::directory_iterator(m_Folder)) {
       fs::remove_all(entry.path());
     }
@@ -157,34 +111,6 @@ public:
     return records;
   }
 
-  void PutSetting(const std::string& key, int value) override {
-    Television::Instance().Set("settings/" + key, std::to_string(value));
-  }
-  void SpoilSetting(const std::string& key) override { Write("settings/" + key, "2147483648"); }
-  void SendTerminationSignal(int number) override { ::kill(::getpid(), number); }
-
-  void SendMessage(const FwMessage& message) override {
-    if (!m_Connection) {
-      m_Connection = std::make_unique<MessageConnection>(m_Folder / "messages.sock");
-    }
-    Json::Value line;
-    line["type"] = message.type;
-    if (!message.body.isNull()) {
-      line["body"] = message.body;
-    }
-    Json::StreamWriterBuilder writer;
-    writer["indentation"] = "";
-    m_Connection->Send(Json::writeString(writer, line) + "\n");
-  }
-  std::vector<Json::Value> Replies() const override {
-    std::istringstream received(m_Connection ? m_Connection->Received() : "");
-    std::vector<Json::Value> replies;
-    for (std::string line; std::getline(received, line) && !received.eof();) {
-      replies.push_back(ParseJson(line));
-    }
-    return replies;
-  }
-
   void SelectSpeaker(std::int32_t selection) override { Set("sound/speaker", selection); }
   void PutTvState(const TvState& state) override {
     Set("tv/hdmi_inputs", state.hdmiInputs);
@@ -195,16 +121,6 @@ public:
     Set("tv/source", state.source);
     Set("tv/codec", state.codec);
   }
-  std::vector<EventRecord> EventRecords() const override {
-    std::vector<EventRecord> records;
-    for (const std::string& line : Lines(m_Folder / "events.jsonl")) {
-      const Json::Value record = ParseJson(line);
-      records.push_back({record["service"].asString(), record["event"].asString(), record["category"].asString(),
-                         record["value"].asString()});
-    }
-    return records;
-  }
-
   void ShortenVoiceWindow(int windowMs) override {
     Write("room.json", R"({"voice": {"window_ms": )" + std::to_string(windowMs) + "}}");
   }
@@ -216,19 +132,15 @@ public:
 
   void Break(Ability service) override {
     switch (service) {
-      case Ability::kBreakSettings:
-        return MakeInaccessible("settings");
       case Ability::kBreakSoundManager:
-        return MakeInaccessible("sound");
+        return MakeInaccessible(m_Folder / "sound");
       case Ability::kBreakOutputDelay:
-        MakeInaccessible("delay");
-        return MakeInaccessible("tv/codec");
+        MakeInaccessible(m_Folder / "delay");
+        return MakeInaccessible(m_Folder / "tv/codec");
       case Ability::kBreakTvService:
-        return MakeInaccessible("tv");
-      case Ability::kBreakEventLog:
-        return MakeInaccessible("events.jsonl");
+        return MakeInaccessible(m_Folder / "tv");
       default:
-        throw std::logic_error("Break() of what is no service");
+        return PiecesDriver::Break(service);
     }
   }
 
@@ -238,14 +150,8 @@ private:
     fs::create_directories((m_Folder / name).parent_path());
     std::ofstream(m_Folder / name, std::ios::binary) << content;
   }
-  // A link to itself can be neither read nor written, not even by a privileged user.
-  void MakeInaccessible(const std::string& name) {
-    fs::remove_all(m_Folder / name);
-    fs::create_symlink(m_Folder / name, m_Folder / name);
-  }
 
   const fs::path m_Folder;
-  std::unique_ptr<MessageConnection> m_Connection;
 };
 
 }  // namespace
