@@ -1,4 +1,4 @@
-// The ALSA calls of the service in virtual time. Every one of them can be told what to answer.
+// The ALSA calls of the service in virtual time. A test can choose the answer of each.
 #include <alsa/asoundlib.h>
 
 #include <cerrno>
@@ -24,8 +24,8 @@ namespace {
 constexpr long kChannels = 2;
 constexpr long kFrameBytes = 4;
 
-// Journals the call and says what it answers. A failure that is to be answered comes instead of `work`; a success that
-// is to be answered comes after it.
+// Adds the call to the journal and gives its result. A chosen failure stands in place of `work`; with a chosen success
+// `work` is done all the same.
 template <class Work>
 long Answer(const char* function, const std::string& arguments, Work work) {
   World& world = World::Current();

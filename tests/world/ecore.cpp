@@ -96,7 +96,7 @@ Ecore_Thread* ecore_thread_run(Ecore_Thread_Cb funcBlocking, Ecore_Thread_Cb fun
                                const void* data) {
   World& world = World::Current();
   world.Call("ecore_thread_run()");
-  // As a pool that gets no thread: it says so to the cancel function, before it answers.
+  // As a pool that gets no thread: it calls the cancel function before it returns.
   if (world.answers.Take("ecore_thread_run").has_value()) {
     funcCancel(const_cast<void*>(data), nullptr);
     return nullptr;
@@ -112,8 +112,8 @@ Ecore_Thread* ecore_thread_run(Ecore_Thread_Cb funcBlocking, Ecore_Thread_Cb fun
   return worker->Handle();
 }
 
-// No worker is cancelled without effect. The handle of one that has finished is not to be used any more: the pool has
-// given it to another worker by then, or freed it.
+// A worker that runs is never cancelled at once, so the answer is "pending". The handle of one that has finished is not
+// to be used any more: the pool has given it to another worker by then, or freed it.
 Eina_Bool ecore_thread_cancel(Ecore_Thread* thread) {
   World::Current().Call(thread == nullptr ? "ecore_thread_cancel(null)" : "ecore_thread_cancel()");
   auto* worker = reinterpret_cast<Worker*>(thread);

@@ -1,4 +1,4 @@
-// What a world saw.
+// Counts and searches by text.
 #include "world/journal.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// What a world saw: every call of the platform and every log line, in order, with its time and thread.
+// The journal of a world: every platform call and every log line, in order, with its time and thread.
 #pragma once
 
 #include <functional>
@@ -30,7 +30,7 @@ struct Entry {
 class Journal {
 public:
   void Add(Entry entry);
-  // Happens right after each entry is there, on the thread that made it.
+  // Runs right after each entry was added, on the thread that made it.
   std::function<void()> onAdd;
   void Clear() { m_Entries.clear(); }
   const std::vector<Entry>& Entries() const { return m_Entries; }

@@ -1,5 +1,5 @@
-// Memory that the service asks for and may be refused, and whether it gives it back. The linker leads its calls here
-// (--wrap).
+// Memory that the service requests: a request may be refused, and what is not freed is known. The linker leads its
+// calls here (--wrap).
 #include <cstddef>
 #include <new>
 
@@ -14,7 +14,7 @@ bool IsRefused(const char* function) {
   return world != nullptr && world->answers.Take(function).has_value();
 }
 
-void* Lent(void* block) {
+void* NoteRequested(void* block) {
   World* world = World::CurrentOrNull();
   if (world != nullptr && block != nullptr) {
     world->openBlocks.insert(block);
@@ -22,7 +22,7 @@ void* Lent(void* block) {
   return block;
 }
 
-void* GivenBack(void* block) {
+void* NoteFreed(void* block) {
   World* world = World::CurrentOrNull();
   if (world != nullptr) {
     world->openBlocks.erase(block);
@@ -50,15 +50,15 @@ void __real_free(void* block);
 void* ORVEX_REAL_NEW(std::size_t size, const std::nothrow_t& tag);
 
 void* __wrap_malloc(std::size_t size) {
-  return IsRefused("malloc") ? nullptr : Lent(__real_malloc(size));
+  return IsRefused("malloc") ? nullptr : NoteRequested(__real_malloc(size));
 }
 
 void* __wrap_calloc(std::size_t count, std::size_t size) {
-  return IsRefused("calloc") ? nullptr : Lent(__real_calloc(count, size));
+  return IsRefused("calloc") ? nullptr : NoteRequested(__real_calloc(count, size));
 }
 
 void __wrap_free(void* block) {
-  __real_free(GivenBack(block));
+  __real_free(NoteFreed(block));
 }
 
 void* ORVEX_WRAP_NEW(std::size_t size, const std::nothrow_t& tag) {

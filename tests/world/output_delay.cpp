@@ -8,59 +8,38 @@ using orvex::world::World;
 namespace {
 
 int ResultFor(int kind) {
-  constexpr int kUnknownKind = -2;
-  return kind == kDelayKindSpdif ? 0 : kUnknownKind;
+  return kind == kDelayKindSpdif ? kDelayDone : kDelayUnknownKind;
 }
+
+class AudioControl : public IAudioControl {
+public:
+  int getSpdifOutDelay(std::uint32_t* delayMs) override {
+    World& world = World::Current();
+    return world.Answer("getSpdifOutDelay", "", kAudioControlDone, [&] { *delayMs = world.delayMs; });
+  }
+  int getSpdifOutCodec(std::int32_t* codec) override {
+    World& world = World::Current();
+    return world.Answer("getSpdifOutCodec", "", kAudioControlDone, [&] { *codec = world.codec; });
+  }
+};
 
 }  // namespace
 
 int avoc_get_delay(std::uint32_t* delayMs, int kind) {
   World& world = World::Current();
-  const int result = static_cast<int>(world.answers.Take("avoc_get_delay").value_or(ResultFor(kind)));
-  if (result == 0) {
-    *delayMs = world.delayMs;
-  }
-  world.Call("avoc_get_delay(" + std::to_string(kind) + ") = " + std::to_string(result));
-  return result;
+  return world.Answer("avoc_get_delay", std::to_string(kind), ResultFor(kind), [&] { *delayMs = world.delayMs; });
 }
 
 int avoc_set_delay(std::uint32_t delayMs, int kind) {
   World& world = World::Current();
-  const int result = static_cast<int>(world.answers.Take("avoc_set_delay").value_or(ResultFor(kind)));
-  if (result == 0) {
+  const std::string arguments = std::to_string(delayMs) + ", " + std::to_string(kind);
+  return world.Answer("avoc_set_delay", arguments, ResultFor(kind), [&] {
     world.delayMs = delayMs;
     if (world.room != nullptr) {
       world.room->SetSpdifDelayMs(delayMs);
     }
-  }
-  world.Call("avoc_set_delay(" + std::to_string(delayMs) + ", " + std::to_string(kind) +
-             ") = " + std::to_string(result));
-  return result;
+  });
 }
-
-namespace {
-
-class AudioControl : public IAudioControl {
-public:
-  int getSpdifOutDelay(std::uint32_t* delayMs) override {
-    const int result = static_cast<int>(World::Current().answers.Take("getSpdifOutDelay").value_or(0));
-    if (result == 0) {
-      *delayMs = World::Current().delayMs;
-    }
-    World::Current().Call("getSpdifOutDelay() = " + std::to_string(result));
-    return result;
-  }
-  int getSpdifOutCodec(std::int32_t* codec) override {
-    const int result = static_cast<int>(World::Current().answers.Take("getSpdifOutCodec").value_or(0));
-    if (result == 0) {
-      *codec = World::Current().codec;
-    }
-    World::Current().Call("getSpdifOutCodec() = " + std::to_string(result));
-    return result;
-  }
-};
-
-}  // namespace
 
 IAudioControl* IAudioControl::getInstance() {
   static AudioControl control;

@@ -1,4 +1,4 @@
-// A playback device in virtual time.
+// States as ALSA's; times from the number of frames.
 #include "world/pcm_device.h"
 
 #include <algorithm>
@@ -12,7 +12,7 @@ namespace {
 constexpr std::int64_t kRateHz = 48000;
 constexpr std::int64_t kNsPerS = 1'000'000'000;
 constexpr std::size_t kChannels = 2;
-constexpr snd_pcm_uframes_t kUnsaidBufferFrames = 8192;
+constexpr snd_pcm_uframes_t kDefaultBufferFrames = 8192;
 
 // The first moment at which so many frames have been played.
 Time FramesToTime(std::uint64_t frames) {
@@ -27,7 +27,7 @@ std::uint64_t TimeToFrames(Time time) {
 
 PcmDevice::PcmDevice(Scheduler& scheduler, const Limits& limits, Sink sink, Cut cut)
     : m_Scheduler(scheduler),
-      m_BufferFrames(limits.bufferFrames == 0 ? kUnsaidBufferFrames : limits.bufferFrames),
+      m_BufferFrames(limits.bufferFrames == 0 ? kDefaultBufferFrames : limits.bufferFrames),
       m_PeriodFrames(limits.periodFrames),
       m_Sink(std::move(sink)),
       m_Cut(std::move(cut)) {}

@@ -2,7 +2,6 @@
 #include "orvex/platform/remote_voice.h"
 
 #include <array>
-#include <cerrno>
 #include <cstdio>
 
 #include "world/world.h"
@@ -29,11 +28,11 @@ bool IsKnown(const std::uint8_t* bytes, std::size_t length) {
 
 int bt_hid_set_audio_data_receive_cb(VoiceDataCallback callback, void* userData) {
   World& world = World::Current();
-  int result = static_cast<int>(world.answers.Take("bt_hid_set_audio_data_receive_cb").value_or(0));
-  if (result == 0 && world.voiceCallback != nullptr) {
-    result = -EBUSY;
+  int result = static_cast<int>(world.answers.Take("bt_hid_set_audio_data_receive_cb").value_or(kVoiceDone));
+  if (result == kVoiceDone && world.voiceCallback != nullptr) {
+    result = kVoiceTaken;
   }
-  if (result == 0) {
+  if (result == kVoiceDone) {
     world.voiceCallback = callback;
     world.voiceUserData = userData;
   }
@@ -43,11 +42,11 @@ int bt_hid_set_audio_data_receive_cb(VoiceDataCallback callback, void* userData)
 
 int bt_hid_unset_audio_data_receive_cb() {
   World& world = World::Current();
-  int result = static_cast<int>(world.answers.Take("bt_hid_unset_audio_data_receive_cb").value_or(0));
-  if (result == 0 && world.voiceCallback == nullptr) {
-    result = -EINVAL;
+  int result = static_cast<int>(world.answers.Take("bt_hid_unset_audio_data_receive_cb").value_or(kVoiceDone));
+  if (result == kVoiceDone && world.voiceCallback == nullptr) {
+    result = kVoiceInvalid;
   }
-  // Whatever the answer, nothing is called any more.
+  // Whatever the answer, the receiver is called no more.
   world.voiceCallback = nullptr;
   world.voiceUserData = nullptr;
   while (world.voiceCallbackRuns && world.scheduler.CurrentThread() != "delivery") {
@@ -59,7 +58,7 @@ int bt_hid_unset_audio_data_receive_cb() {
 
 int bt_hid_send_rc_command(const char* target, const std::uint8_t* command, std::size_t length) {
   World& world = World::Current();
-  const int known = IsKnown(command, length) ? 0 : -EINVAL;
+  const int known = IsKnown(command, length) ? kVoiceDone : kVoiceInvalid;
   const int result = static_cast<int>(world.answers.Take("bt_hid_send_rc_command").value_or(known));
   std::string bytes;
   for (std::size_t i = 0; i < length; ++i) {
@@ -69,9 +68,9 @@ int bt_hid_send_rc_command(const char* target, const std::uint8_t* command, std:
   }
   world.Call("bt_hid_send_rc_command(" + Quoted(target) + "," + bytes + ", " + std::to_string(length) +
              ") = " + std::to_string(result));
-  if (result == 0 && command[0] == kGoOn[0]) {
+  if (result == kVoiceDone && command[0] == kGoOn[0]) {
     world.ExtendVoice();
-  } else if (result == 0) {
+  } else if (result == kVoiceDone) {
     world.StartVoice();
   }
   return result;
@@ -79,9 +78,9 @@ int bt_hid_send_rc_command(const char* target, const std::uint8_t* command, std:
 
 int bt_hid_rc_stop_sending_voice(const char* target) {
   World& world = World::Current();
-  const int result = static_cast<int>(world.answers.Take("bt_hid_rc_stop_sending_voice").value_or(0));
+  const int result = static_cast<int>(world.answers.Take("bt_hid_rc_stop_sending_voice").value_or(kVoiceDone));
   world.Call("bt_hid_rc_stop_sending_voice(" + Quoted(target) + ") = " + std::to_string(result));
-  if (result == 0) {
+  if (result == kVoiceDone) {
     world.StopVoice();
   }
   return result;

@@ -76,7 +76,7 @@ void Scheduler::RunAs(const std::string& name, const std::function<void()>& acti
   m_CurrentThread = before;
 }
 
-// The main thread waits; whoever gave way to it goes on.
+// The main thread waits; the threads that gave way to it go on.
 void Scheduler::BlockMain(Time until, const std::function<bool()>& ready) {
   EndTurn(kMain);
   const bool before = std::exchange(m_MainIsBlocked, true);

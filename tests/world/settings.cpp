@@ -27,37 +27,29 @@ std::vector<Subscription>::iterator Find(const std::string& key, SettingsChanged
 
 int settings_get_int(const char* key, int* value) {
   World& world = World::Current();
-  const auto answer = world.answers.Take("settings_get_int");
   const auto setting = world.settings.find(key);
-  const int result = answer.has_value() ? static_cast<int>(*answer) : setting == world.settings.end() ? -1 : 0;
-  if (result == 0) {
-    *value = setting->second;
-  }
-  world.Call("settings_get_int(" + Quoted(key) + ") = " + std::to_string(result));
-  return result;
+  const int usual = setting == world.settings.end() ? kSettingsNoKey : kSettingsDone;
+  return world.Answer("settings_get_int", Quoted(key), usual, [&] { *value = setting->second; });
 }
 
 int settings_subscribe(const char* key, SettingsChangedCallback callback, void* userData) {
   World& world = World::Current();
   const bool isSubscribed = Find(key, callback) != world.subscriptions.end();
-  const int result = static_cast<int>(world.answers.Take("settings_subscribe").value_or(isSubscribed ? -1 : 0));
-  if (result == 0) {
-    world.subscriptions.push_back({key, callback, userData});
-  }
-  world.Call("settings_subscribe(" + Quoted(key) + ") = " + std::to_string(result));
-  return result;
+  return world.Answer("settings_subscribe", Quoted(key), isSubscribed ? kSettingsAlreadySubscribed : kSettingsDone,
+                      [&] {
+                        world.subscriptions.push_back({key, callback, userData});
+                      });
 }
 
+// Whatever the answer, an existing subscription ends.
 int settings_unsubscribe(const char* key, SettingsChangedCallback callback) {
   World& world = World::Current();
-  auto& all = world.subscriptions;
   const auto found = Find(key, callback);
-  const int result = static_cast<int>(world.answers.Take("settings_unsubscribe").value_or(found == all.end() ? -1 : 0));
-  if (found != all.end()) {
-    all.erase(found);
+  const bool isSubscribed = found != world.subscriptions.end();
+  if (isSubscribed) {
+    world.subscriptions.erase(found);
   }
-  world.Call("settings_unsubscribe(" + Quoted(key) + ") = " + std::to_string(result));
-  return result;
+  return world.Answer("settings_unsubscribe", Quoted(key), isSubscribed ? kSettingsDone : kSettingsNotSubscribed);
 }
 
 const char* settings_node_name(const SettingsNode* node) {

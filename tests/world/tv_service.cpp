@@ -7,32 +7,22 @@ using orvex::world::World;
 
 namespace {
 
-int Result(const char* function) {
-  return static_cast<int>(World::Current().answers.Take(function).value_or(0));
-}
-
 class AVControl : public IAVControl {
 public:
   int getResolution(std::int32_t* resolution, TvResolution* record) override {
-    const int result = Result("getResolution");
-    World::Current().Call("getResolution(" + std::to_string(*resolution) + ") = " + std::to_string(result));
-    if (result == 0) {
-      *resolution = World::Current().resolution;
-      record->frequency = World::Current().frequency;
-    }
-    return result;
+    World& world = World::Current();
+    return world.Answer("getResolution", std::to_string(*resolution), kTvDone, [&] {
+      *resolution = world.resolution;
+      record->frequency = world.frequency;
+    });
   }
 };
 
 class SourceControl : public ISourceControl {
 public:
   int getCurrentSource(ESource* source) override {
-    const int result = Result("getCurrentSource");
-    World::Current().Call("getCurrentSource() = " + std::to_string(result));
-    if (result == 0) {
-      *source = static_cast<ESource>(World::Current().source);
-    }
-    return result;
+    World& world = World::Current();
+    return world.Answer("getCurrentSource", "", kTvDone, [&] { *source = static_cast<ESource>(world.source); });
   }
 };
 
@@ -43,13 +33,12 @@ constexpr int kFailsButHandsOut = -1000;
 template <class Object, class Interface>
 int Create(const char* function, int profile, int screen, Interface** control) {
   static Object object;
-  const int result = Result(function);
-  World::Current().Call(std::string(function) + "(" + std::to_string(profile) + ", " + std::to_string(screen) +
-                        ") = " + std::to_string(result));
-  if (result == 0 || result == kFailsButHandsOut) {
+  const std::string arguments = std::to_string(profile) + ", " + std::to_string(screen);
+  const int result = World::Current().Answer(function, arguments, kTvDone);
+  if (result == kTvDone || result == kFailsButHandsOut) {
     *control = &object;
   }
-  return result > 0 ? 0 : result;
+  return result > 0 ? kTvDone : result;
 }
 
 }  // namespace

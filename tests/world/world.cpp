@@ -1,4 +1,4 @@
-// A television in virtual time.
+// The world's own life: journal and answers, the run of an application, the remote's blocks.
 #include "world/world.h"
 
 #include <stdexcept>
@@ -13,7 +13,8 @@ World* g_World = nullptr;
 constexpr Time kLongestRun = std::chrono::seconds(60);
 constexpr Time kLongestDrain = std::chrono::seconds(6);
 
-// What a thread does takes no time, unless it goes round and round, as one does whose device is never ready.
+// Calls take no time. A thread that makes very many at one moment, because its device is never ready, is made to wait,
+// so that time goes on.
 constexpr int kCallsAtOnce = 200;
 constexpr Time kTimeOfThem = std::chrono::milliseconds(100);
 
@@ -82,6 +83,15 @@ void World::Call(const std::string& text) {
   if (++m_CallsAtOnce >= kCallsAtOnce) {
     scheduler.Sleep(kTimeOfThem);
   }
+}
+
+int World::Answer(const char* function, const std::string& arguments, int usual, const std::function<void()>& work) {
+  const int result = static_cast<int>(answers.Take(function).value_or(usual));
+  if (result == 0) {
+    work();
+  }
+  Call(std::string(function) + "(" + arguments + ") = " + std::to_string(result));
+  return result;
 }
 
 void World::Create(FwEflApplication& application) {

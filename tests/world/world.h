@@ -32,7 +32,7 @@ namespace orvex::world {
 constexpr char kOpticalFlagKey[] = "db/device-detector-service/optical_change_flag";
 constexpr char kConsentKey[] = "db/menu/tessar/homedatacontrol/defaultdisclaimeragree";
 
-// Results that calls answer instead of doing their work, by the name of the function.
+// Results that calls give instead of doing their work, by the name of the function.
 class Answers {
 public:
   // The next calls answer these, in this order; the ones after them work.
@@ -92,9 +92,13 @@ public:
   void RequestEnd() { m_EndRequested = true; }
   bool IsEnding() const { return m_EndRequested; }
 
-  // Journal of a platform call on the running thread.
+  // Adds a platform call on the running thread to the journal.
   void Call(const std::string& text);
-  // Happens right after each call is in the journal, on the same thread: what the world does at just that moment.
+  // The result of a platform call, which it adds to the journal: the one that `answers` has for `function`, else
+  // `usual`. `work` is what a call with result 0 does.
+  int Answer(
+      const char* function, const std::string& arguments, int usual, const std::function<void()>& work = [] {});
+  // Runs right after each call was added to the journal, on the same thread.
   std::function<void(const std::string& text)> onCall;
 
   // Things that happen on the television.
@@ -104,8 +108,8 @@ public:
   // Ecore's timers that run are due now.
   void RingTimers();
   FwMessage SendMessage(const FwMessage& message, FwMessage reply);
-  // Whether the remote's delivery thread is a thread that can be held back. Otherwise it is but a name, which is
-  // faster.
+  // Whether the remote's delivery thread is a thread that can be held back. Otherwise the running thread delivers under
+  // its name, which is faster.
   bool hasDeliveryThread = false;
   // The remote delivers a block, now, on its delivery thread; false when nobody receives it.
   bool Deliver(const VoiceData* record);
