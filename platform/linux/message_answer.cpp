@@ -5,13 +5,13 @@
 #include <stdexcept>
 
 #include "linux/compact_json.h"
-#include "virtual/television_json.h"
+#include "linux/json_object.h"
 
 namespace orvex::port {
 namespace {
 
 FwMessage ParseMessage(const std::string& line) {
-  const Json::Value root = virtual_tv::ParseJsonObject(line, "one JSON object per line");
+  const Json::Value root = ParseJsonObject(line, "one JSON object per line");
   const Json::Value type = root.get("type", "");
   if (!type.isString()) {
     throw std::runtime_error("\"type\": " + CompactJson(type) + ": expected a text");

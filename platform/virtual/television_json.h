@@ -1,14 +1,10 @@
-// Reading JSON strictly.
+// The television's files of JSON are read strictly, as the pieces of a port do it.
 #pragma once
 
-#include <json/value.h>
-
-#include <string>
+#include "linux/json_object.h"
 
 namespace orvex::virtual_tv {
 
-// Reads a text that is one JSON object and nothing else. Throws std::runtime_error otherwise: "expected ", then
-// `expected`, such as "a JSON object", and what is wrong.
-Json::Value ParseJsonObject(const std::string& text, const std::string& expected);
+using port::ParseJsonObject;
 
 }  // namespace orvex::virtual_tv

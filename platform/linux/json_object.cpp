@@ -1,5 +1,5 @@
 // Reading JSON strictly.
-#include "virtual/television_json.h"
+#include "linux/json_object.h"
 
 #include <json/reader.h>
 
@@ -7,7 +7,7 @@
 #include <memory>
 #include <stdexcept>
 
-namespace orvex::virtual_tv {
+namespace orvex::port {
 
 Json::Value ParseJsonObject(const std::string& text, const std::string& expected) {
   Json::CharReaderBuilder builder;
@@ -35,4 +35,4 @@ Json::Value ParseJsonObject(const std::string& text, const std::string& expected
   return root;
 }
 
-}  // namespace orvex::virtual_tv
+}  // namespace orvex::port
