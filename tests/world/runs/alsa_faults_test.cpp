@@ -4,15 +4,14 @@
 #include <cerrno>
 #include <functional>
 
+#include "world/runs/expected_end.h"
 #include "world/runs/good_room.h"
-#include "world/runs/run_rules.h"
 
 namespace {
 
 using namespace orvex::runs;
 using orvex::world::Lane;
 using orvex::world::World;
-using testing::IsEmpty;
 
 struct Misbehaviour {
   const char* name;
@@ -52,13 +51,10 @@ TEST_P(AlsaFault, EndsAsItHasToAndKeepsAllRules) {
   ServiceRun run;
   UseGoodRoom(run);
   GetParam().prepare(run.world);
-  ASSERT_TRUE(run.Start());
-  EXPECT_TRUE(run.ToEnd());
-  EXPECT_STREQ(run.Manager().GetTerminateStatus(), GetParam().terminate);
+  ExpectEnd(run, GetParam().terminate);
   if (GetParam().line != nullptr) {
     EXPECT_EQ(run.world.journal.Count(GetParam().line), GetParam().lines);
   }
-  EXPECT_THAT(CheckRun(run), IsEmpty());
 }
 
 INSTANTIATE_TEST_SUITE_P(

@@ -38,11 +38,7 @@ protected:
     ASSERT_TRUE(run.Start());
     ASSERT_TRUE(run.ToEnd());
   }
-  // The 17 kHz tone in buffer 50, the 19 kHz tone in buffer 53: 49 ms of the delay are taken away.
-  void HearThreeBuffersLate() {
-    remote.Hear(50, Heard::k17kHz);
-    remote.Hear(53, Heard::k19kHz);
-  }
+  // As ScriptedRemote::HearThreeBuffersLate() lets it hear them.
   void ExpectThreeBuffersLate() { golden.Blocks(36, 49).FirstTone17(50).Blocks(51, 52).SecondTone19(53, 50); }
   // A difference ends the run, and the sound is played to its end.
   void ExpectApplied(const std::string& seconds, const EndRecord& record) {

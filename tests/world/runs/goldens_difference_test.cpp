@@ -9,10 +9,20 @@ using orvex::runs::Heard;
 class GoldenDifference : public GoldenRun {
 protected:
   static EndRecord Done(Consent consent) { return {"pass", 51, "done", consent}; }
+  // While the sound plays, the user answers.
+  void ExpectAppliedWhenConsentChanges(Consent consent) {
+    remote.HearThreeBuffersLate();
+    AtMs(700, [=] { run.Consent(consent == Consent::kGiven ? 1 : 0); });
+    RunToEnd();
+    golden.UntilPlaying().At(700);
+    golden.ConsentChanges(consent);
+    ExpectThreeBuffersLate();
+    ExpectApplied("0.0495", Done(consent));
+  }
 };
 
 TEST_F(GoldenDifference, IsAppliedWhileNobodyHasAgreed) {
-  HearThreeBuffersLate();
+  remote.HearThreeBuffersLate();
   RunToEnd();
   golden.UntilPlaying();
   ExpectThreeBuffersLate();
@@ -21,7 +31,7 @@ TEST_F(GoldenDifference, IsAppliedWhileNobodyHasAgreed) {
 
 TEST_F(GoldenDifference, IsAppliedAndReportedWithConsent) {
   run.world.settings[orvex::runs::kConsentKey] = 1;
-  HearThreeBuffersLate();
+  remote.HearThreeBuffersLate();
   RunToEnd();
   golden.UntilPlaying(Speaker::kAudible, Consent::kGiven);
   ExpectThreeBuffersLate();
@@ -29,25 +39,11 @@ TEST_F(GoldenDifference, IsAppliedAndReportedWithConsent) {
 }
 
 TEST_F(GoldenDifference, IsReportedFromTheStartWhenConsentComesMeanwhile) {
-  HearThreeBuffersLate();
-  AtMs(700, [this] { run.Consent(1); });
-  RunToEnd();
-  golden.UntilPlaying();
-  golden.At(700);
-  golden.ConsentChanges(Consent::kGiven);
-  ExpectThreeBuffersLate();
-  ExpectApplied("0.0495", Done(Consent::kGiven));
+  ExpectAppliedWhenConsentChanges(Consent::kGiven);
 }
 
 TEST_F(GoldenDifference, StaysKeptWhenTheChangeOfConsentIsARefusal) {
-  HearThreeBuffersLate();
-  AtMs(700, [this] { run.Consent(0); });
-  RunToEnd();
-  golden.UntilPlaying();
-  golden.At(700);
-  golden.ConsentChanges(Consent::kMissing);
-  ExpectThreeBuffersLate();
-  ExpectApplied("0.0495", Done(Consent::kMissing));
+  ExpectAppliedWhenConsentChanges(Consent::kMissing);
 }
 
 TEST_F(GoldenDifference, OfAnOpticalOutputThatIsEarlyLengthensTheDelay) {
@@ -60,7 +56,7 @@ TEST_F(GoldenDifference, OfAnOpticalOutputThatIsEarlyLengthensTheDelay) {
 
 TEST_F(GoldenDifference, GreaterThanTheDelayMakesItZero) {
   run.world.delayMs = 30;
-  HearThreeBuffersLate();
+  remote.HearThreeBuffersLate();
   RunToEnd();
   golden.Set("delay", 30);
   golden.UntilPlaying();
@@ -79,7 +75,7 @@ TEST_F(GoldenDifference, IsMissingWhenTheSoundEndsWithoutAPair) {
 }
 
 TEST_F(GoldenDifference, IsAppliedOnlyWhenARemoteThatIsSlowToStopHasStopped) {
-  HearThreeBuffersLate();
+  remote.HearThreeBuffersLate();
   run.world.answers.Next("bt_hid_rc_stop_sending_voice", {-115, -115, -115});
   RunToEnd();
   golden.UntilPlaying();

@@ -40,7 +40,7 @@ E2 no need to retry sync
 
 TEST_F(GoldenRestart, GrantedWhileTheRemoteRecordsTakesTheNewBaseAndTime) {
   AskAtMs(kRestartMs, 80);
-  HearThreeBuffersLate();
+  remote.HearThreeBuffersLate();
   RunToEnd();
   golden.UntilRecording().Blocks(1, 10);
   ExpectAskedAtMs(kRestartMs, 80);

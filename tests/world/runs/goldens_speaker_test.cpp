@@ -10,9 +10,15 @@ protected:
   static constexpr double kEndMs = 300;
 
   GoldenSpeaker() { run.world.muted = true; }
-  orvex::runs::RunGolden& UntilTheEndIsAskedFor() {
-    golden.UntilRecording(Speaker::kMuted).Blocks(1, 16).At(kEndMs).On("main");
-    return golden;
+  void ExpectUntilTheEndIsAskedFor(const std::string& how) {
+    golden.UntilRecording(Speaker::kMuted).Blocks(1, 16).At(kEndMs).On("main").Add(how);
+  }
+  void ExpectTerminated(int selectedOutput, Restored restored) {
+    run.world.speaker = selectedOutput;
+    AtMs(kEndMs, [this] { run.Terminate(); });
+    RunToEnd();
+    ExpectUntilTheEndIsAskedFor("* termination");
+    golden.Destroy({kRecorder, {}, true, restored});
   }
   void ExpectLeft(bool muted) {
     EXPECT_EQ(run.world.muted, muted);
@@ -22,20 +28,12 @@ protected:
 };
 
 TEST_F(GoldenSpeaker, IsMutedAgainWhenAnotherOutputIsSelected) {
-  run.world.speaker = 1;
-  AtMs(kEndMs, [this] { run.Terminate(); });
-  RunToEnd();
-  UntilTheEndIsAskedFor().Add("* termination");
-  golden.Destroy({kRecorder, {}, true, Restored::kVolumeAndMute});
+  ExpectTerminated(1, Restored::kVolumeAndMute);
   ExpectLeft(true);
 }
 
 TEST_F(GoldenSpeaker, StaysAudibleWhenItIsSelected) {
-  run.world.speaker = 0;
-  AtMs(kEndMs, [this] { run.Terminate(); });
-  RunToEnd();
-  UntilTheEndIsAskedFor().Add("* termination");
-  golden.Destroy({kRecorder, {}, true, Restored::kVolumeOfSelected});
+  ExpectTerminated(0, Restored::kVolumeOfSelected);
   ExpectLeft(false);
 }
 
@@ -43,7 +41,7 @@ TEST_F(GoldenSpeaker, StaysAudibleAfterTheOpticalFlag) {
   run.world.speaker = 1;
   AtMs(kEndMs, [this] { run.SwitchOpticalFlag(); });
   RunToEnd();
-  UntilTheEndIsAskedFor().Add("* optical flag");
+  ExpectUntilTheEndIsAskedFor("* optical flag");
   golden.AskForExit().Exit().Destroy({kRecorder, {}, true, Restored::kVolume});
   ExpectLeft(false);
 }

@@ -46,8 +46,7 @@ protected:
   struct Run {
     explicit Run(const orvex::test::SilentWave& sound) : service(sound.Path()) {
       PrepareGoodRun(service);
-      remote.Hear(50, Heard::k17kHz);
-      remote.Hear(53, Heard::k19kHz);
+      remote.HearThreeBuffersLate();
     }
     ServiceRun service;
     ScriptedRemote remote{service.world};

@@ -16,12 +16,12 @@ class Lot {
 public:
   explicit Lot(std::uint64_t seed) : m_Random(seed) {}
 
-  // 0 to `count` - 1.
   // One of `list`.
   template <class List>
   const auto& Pick(const List& list) {
     return list[static_cast<std::size_t>(Index(list.size()))];
   }
+  // 0 to `count` - 1.
   int Index(std::size_t count) { return static_cast<int>(m_Random() % count); }
   bool Chance(double probability) { return Between(0.0, 1.0) < probability; }
   double Between(double low, double high) {

@@ -6,12 +6,12 @@
 #include <functional>
 
 #include "world/runs/golden_run.h"
+#include "world/runs/good_room.h"
 
 namespace {
 
 using orvex::runs::CheckRun;
 using orvex::runs::GoldenRun;
-using orvex::runs::Heard;
 using orvex::runs::ServiceRun;
 using testing::Contains;
 using testing::HasSubstr;
@@ -35,11 +35,8 @@ void Log(ServiceRun& run, const std::string& thread, const std::string& text, co
 class Rules : public GoldenRun, public testing::WithParamInterface<Breach> {
 protected:
   Rules() {
-    run.world.muted = true;
-    run.world.speaker = 1;
-    run.world.settings[orvex::runs::kConsentKey] = 1;
-    remote.Hear(50, Heard::k17kHz);
-    remote.Hear(53, Heard::k19kHz);
+    orvex::runs::PrepareGoodRun(run);
+    remote.HearThreeBuffersLate();
   }
 };
 

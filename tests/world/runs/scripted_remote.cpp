@@ -38,6 +38,11 @@ ScriptedRemote::~ScriptedRemote() {
   m_World.onCall = nullptr;
 }
 
+void ScriptedRemote::HearThreeBuffersLate() {
+  Hear(50, Heard::k17kHz);
+  Hear(53, Heard::k19kHz);
+}
+
 void ScriptedRemote::DelayFrom(int block, double milliseconds) {
   m_DelayedFrom = block;
   m_DelayMs = milliseconds;

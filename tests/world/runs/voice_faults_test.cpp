@@ -3,8 +3,8 @@
 #include <gmock/gmock.h>
 
 #include "support/voice_blocks.h"
+#include "world/runs/expected_end.h"
 #include "world/runs/good_room.h"
-#include "world/runs/run_rules.h"
 #include "world/runs/scripted_remote.h"
 
 namespace {
@@ -12,7 +12,6 @@ namespace {
 using namespace orvex::runs;
 using orvex::sim::RoomConfig;
 using orvex::world::Lane;
-using testing::IsEmpty;
 
 struct Remote {
   const char* name;
@@ -32,10 +31,7 @@ TEST_P(VoiceRoom, EndsAsItHasToAndKeepsAllRules) {
   RoomConfig room;
   GetParam().change(room);
   run.world.UseRoom(room);
-  ASSERT_TRUE(run.Start());
-  EXPECT_TRUE(run.ToEnd());
-  EXPECT_STREQ(run.Manager().GetTerminateStatus(), GetParam().terminate);
-  EXPECT_THAT(CheckRun(run), IsEmpty());
+  ExpectEnd(run, GetParam().terminate);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -61,19 +57,12 @@ class VoiceBlocks : public testing::Test {
 protected:
   VoiceBlocks() {
     PrepareGoodRun(run);
-    remote.Hear(50, Heard::k17kHz);
-    remote.Hear(53, Heard::k19kHz);
+    remote.HearThreeBuffersLate();
   }
   // Delivers, beside what the remote sends, these bytes.
   void Deliver(const std::vector<std::uint8_t>& bytes) {
     const VoiceData record{static_cast<std::uint16_t>(bytes.size()), bytes.data()};
     run.world.Deliver(&record);
-  }
-  void ExpectEnd(const std::string& terminate) {
-    ASSERT_TRUE(run.Start());
-    EXPECT_TRUE(run.ToEnd());
-    EXPECT_EQ(run.Manager().GetTerminateStatus(), terminate);
-    EXPECT_THAT(CheckRun(run), IsEmpty());
   }
 
   ServiceRun run;
@@ -84,7 +73,7 @@ TEST_F(VoiceBlocks, NullRecordsAreCountedAndNotAnalysed) {
   for (const int block : {10, 11, 40, 51}) {
     remote.Hear(block, Heard::kLost);
   }
-  ExpectEnd("done");
+  ExpectEnd(run, "done");
   EXPECT_EQ(run.world.journal.Count("E2 voice_data is null."), 4);
   EXPECT_EQ(run.world.delayMs, 51U) << "the lost block between the tones counts";
 }
@@ -96,7 +85,7 @@ TEST_F(VoiceBlocks, ShortOddAndEmptyBlocksAreReadAsFarAsTheyGo) {
       Deliver(std::vector<std::uint8_t>(size, 0));
     }
   });
-  ExpectEnd("done");
+  ExpectEnd(run, "done");
   EXPECT_EQ(run.world.journal.Count("I0 buffer: 54"), 1) << "the first tone";
   EXPECT_EQ(run.world.delayMs, 51U);
 }
@@ -107,7 +96,7 @@ TEST_F(VoiceBlocks, AreIgnoredBeforeTheRemoteHasAccepted) {
       run.world.Deliver(orvex::test::Tone(17000, 5000));
     }
   });
-  ExpectEnd("done");
+  ExpectEnd(run, "done");
   EXPECT_EQ(run.world.journal.Count("I0 buffer: 1"), 1) << "the first one of the accepted recording";
   EXPECT_EQ(run.world.delayMs, 51U);
 }
@@ -115,13 +104,13 @@ TEST_F(VoiceBlocks, AreIgnoredBeforeTheRemoteHasAccepted) {
 TEST_F(VoiceBlocks, ReachNobodyAfterTheStop) {
   bool isTaken = true;
   run.After("E0 Stop bt audio", [&] { isTaken = run.world.Deliver(orvex::test::Ambient()); });
-  ExpectEnd("done");
+  ExpectEnd(run, "done");
   EXPECT_FALSE(isTaken);
 }
 
 TEST_F(VoiceBlocks, ThatComeBetweenTheEndOfASyncAndTheStopAreAnalysedAndChangeNothing) {
   run.After("> pthread_join()", [this] { run.world.Deliver(orvex::test::Tone(19000, 6000)); });
-  ExpectEnd("done");
+  ExpectEnd(run, "done");
   EXPECT_EQ(run.world.journal.CountStartingWith("I0 (ruvo_19k)["), 2);
   EXPECT_EQ(run.world.journal.Count("E0 completed calculation of delay"), 1);
   EXPECT_EQ(run.world.delayMs, 100U - 49U) << "the first pair counts";
@@ -136,7 +125,7 @@ TEST_F(VoiceBlocks, InABurstAreWorthWhatTheyAreAtTheirTimes) {
                                       : orvex::test::Ambient());
     }
   });
-  ExpectEnd("done");
+  ExpectEnd(run, "done");
   EXPECT_EQ(run.world.delayMs, 51U);
   // PLAY, END_SYNC and EXIT came at once, in this order.
   EXPECT_EQ(run.world.journal.Find("I0 ORVEX_PLAY_INAUDIBLE_SOUND").at, std::chrono::seconds(2));
@@ -150,7 +139,7 @@ TEST_F(VoiceBlocks, BeyondAHundredThousandAreCountedFromOneAgain) {
       run.world.Deliver(nullptr);
     }
   });
-  ExpectEnd("etc");
+  ExpectEnd(run, "etc");
   EXPECT_EQ(run.world.journal.Count("I0 buffer: 100000"), 1);
   EXPECT_EQ(run.world.journal.Count("I0 buffer: 1"), 2);
   EXPECT_EQ(run.world.journal.Count("> bt_hid_send_rc_command(null, 03 10, 2) = 0"), 400) << "every 250 buffers";
@@ -164,7 +153,7 @@ TEST_F(VoiceBlocks, GoOnWhenTheRemoteRefusesToBeExtended) {
       run.world.Deliver(nullptr);
     }
   });
-  ExpectEnd("etc");
+  ExpectEnd(run, "etc");
   EXPECT_EQ(run.world.journal.Count("E2 Fail bt_hid_send_rc_command(NULL, 0310, 2)"), 1);
   EXPECT_EQ(run.world.journal.Count("I0 [Recorder] Extend bt audio recorder"), 1);
 }
