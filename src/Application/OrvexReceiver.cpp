@@ -3,6 +3,7 @@
 
 #include <unistd.h>
 
+#include <array>
 #include <cstdio>
 
 #include "Common/AudioControl.h"
@@ -139,16 +140,14 @@ void OrvexReceiver::m_ReceiveBTAudioDataCB(const VoiceData* record, void* userDa
 }
 
 void OrvexReceiver::m_ReceiveBlock(const VoiceData* record) {
-  constexpr std::int32_t kIgnoredBuffers = 4;
-
   m_CountBuffer();
   ORVEX_INFO("buffer: %d", m_BufferCount);
   if (record == nullptr) {
     ORVEX_FAILURE("voice_data is null.");
     return;
   }
-  if (m_BufferCount > kIgnoredBuffers) {
-    m_SyncAlgorithm(m_ReadSamples(*record));
+  if (m_BufferCount > orvex::detector::kIgnoredBuffers) {
+    m_SyncAlgorithm(orvex::detector::ReadSamples(*record));
   }
   CSingleton<CDebugDump>::GetInstance()->DebugDump(record->bytes, record->byteCount);
 }
@@ -168,6 +167,7 @@ void OrvexReceiver::m_CountBuffer() {
 void OrvexReceiver::m_SetBTExtenCount() {
   if (bt_hid_send_rc_command(nullptr, kExtend.data(), kExtend.size()) == 0) {
     ORVEX_INFO("[Recorder] Extend bt audio recorder");
+    m_Observe(&OrvexReceiverObserver::OnExtend, m_BufferCount);
     return;
   }
   char text[2 * kExtend.size() + 1];

@@ -1,11 +1,11 @@
 // Records through the remote control's microphone and finds the two tones of the test sound in what it hears.
 #pragma once
 
-#include <array>
 #include <atomic>
-#include <cstddef>
 #include <cstdint>
 
+#include "Application/OrvexDetector.h"
+#include "Application/OrvexReceiverObserver.h"
 #include "orvex/platform/remote_voice.h"
 
 // What the receiver reports to its owner, each with `context` as the only argument, on the voice delivery thread. A
@@ -19,19 +19,16 @@ struct OrvexReceiverCallbacks {
   void* context = nullptr;
 };
 
-// The stream is taken as 46545 samples per second in blocks of 768. Magnitudes are |sum x[n] exp(-i 2 pi f n / 46545)|
-// over one block, without taper or scale, n from 0 in every block. A tone is found in a block when its magnitude stands
-// 50 times above its ambient mean and 5 times above the mean of the two neighbour frequencies. One buffer lasts 768 /
-// 46545 s, which is the resolution of the result.
+// The stream is taken as kVoiceRateHz samples per second in blocks of kVoiceBlockSamples. A tone is found in a block
+// when its magnitude stands kToneThreshold times above its ambient mean and kNeighbourThreshold times above the mean of
+// the two neighbour frequencies; OrvexDetector.h has these limits and the arithmetic. One buffer lasts 16.5 ms, which
+// is the resolution of the result.
 //
 // Threads: StartBTRecoder() on the recorder thread, StopBTRecoder() on the main loop after the recorder thread has
 // ended; blocks arrive on the voice delivery thread. The state and the result are atomics; everything else belongs to
 // the delivery thread between an accepted start and a stop, and registering and unregistering order the rest.
 class OrvexReceiver {
 public:
-  static constexpr std::size_t kBlockSamples = 768;
-  static constexpr double kSampleRateHz = 46545.0;
-
   // `callbacks` are installed by each start; its context lives as long as the receiver.
   explicit OrvexReceiver(const OrvexReceiverCallbacks& callbacks) : m_OwnerCallbacks(callbacks) {}
   // A remote that still sends is stopped.
@@ -55,6 +52,9 @@ public:
   // thread; from the end-of-calculation callback it holds for the blocks that follow.
   void SetFinished(bool finished) { m_Finished = finished ? 1 : 0; }
 
+  // Sets who watches this receiver; null, as at the beginning: nobody. Not while recording.
+  void SetObserver(OrvexReceiverObserver* observer) { m_Observer = observer; }
+
   // Progress: 1 after the ambient phase or a first tone, 2 in the audible setting at buffer 25, 0 before and after
   // abnormal input. Delivery thread, or any thread while not recording; as the following ones.
   std::int32_t GetSoundType() const { return m_SoundType; }
@@ -73,16 +73,9 @@ public:
 private:
   static_assert(std::atomic<std::int32_t>::is_always_lock_free && std::atomic<double>::is_always_lock_free);
 
-  using Block = std::array<std::int16_t, kBlockSamples>;
-
-  struct ToneMagnitudes {
-    double at17000;
-    double at17500;
-    double at18000;
-    double at19000;
-    double ratio17;  // of 17000 Hz to the mean of 17500 and 18000 Hz
-    double ratio19;
-  };
+  using Block = orvex::detector::Block;
+  using Tone = orvex::detector::Tone;
+  using ToneMagnitudes = orvex::detector::ToneMagnitudes;
 
   enum State : std::int32_t { kReady = 1, kRecording = 2 };
   enum SoundMode : std::int32_t { kDetection = 0, kHearableSet = 1 };
@@ -106,8 +99,14 @@ private:
   void m_StopAbnormalCalcuation();
   void m_CompleteDiffCalculation();
   void m_CallBack(OrvexReceiverCallbacks::Callback callback) const;
-  static Block m_ReadSamples(const VoiceData& record);
-  static ToneMagnitudes m_Measure(const Block& samples);
+  orvex::detector::Levels m_AmbientLevels() const;
+  // Tells the observer, when there is one, of a step.
+  template <class... Parameters, class... Values>
+  void m_Observe(void (OrvexReceiverObserver::*step)(Parameters...), const Values&... values) const {
+    if (m_Observer != nullptr) {
+      (m_Observer->*step)(values...);
+    }
+  }
 
   std::int32_t m_ExtendCount = 0;
   std::atomic<std::int32_t> m_State{kReady};
@@ -134,4 +133,5 @@ private:
   OrvexReceiverCallbacks::Callback m_AbnormalStatusCallback = nullptr;
   void* m_CallbackContext = nullptr;
   const OrvexReceiverCallbacks m_OwnerCallbacks;  // what a start installs
+  OrvexReceiverObserver* m_Observer = nullptr;
 };

@@ -1,7 +1,4 @@
 // Finds the two tones in the recording, block by block, and turns their distance into seconds.
-#include <algorithm>
-#include <array>
-#include <cmath>
 #include <cstdio>
 #include <string>
 
@@ -13,40 +10,10 @@
 
 namespace {
 
-constexpr double kTwoPi = 6.283185307179586;
-constexpr std::int32_t kAmbientBlocks = 30;
-constexpr double kToneThreshold = 50.0;      // times the ambient mean of the same frequency
-constexpr double kNeighbourThreshold = 5.0;  // times the mean of the neighbour frequencies
-constexpr std::int32_t kNoiseLimit = 10;     // noisy detections that are put up with
-constexpr std::int32_t kPairingSpan = 19;    // buffers from the first tone to the second
+using namespace orvex::detector;
+
 constexpr std::int32_t kHearableFirstBuffer = 15;
 constexpr std::int32_t kHearableSecondBuffer = 25;
-
-// Magnitude of one frequency over a block: the sine and cosine are computed for every sample, as the thresholds were
-// found with them.
-double Magnitude(const std::array<std::int16_t, OrvexReceiver::kBlockSamples>& samples, double frequencyHz) {
-  // In a loop of their own the divisions overlap; between the sines they would take a fifth of the time.
-  std::array<double, OrvexReceiver::kBlockSamples> angles;
-  std::int32_t sample = 0;
-  for (double& angle : angles) {
-    angle = sample++ * kTwoPi * frequencyHz / OrvexReceiver::kSampleRateHz;
-  }
-  double re = 0.0;
-  double im = 0.0;
-  for (std::size_t n = 0; n < samples.size(); ++n) {
-    double sine = 0.0;
-    double cosine = 0.0;
-    sincos(angles[n], &sine, &cosine);
-    re += samples[n] * cosine;
-    im += samples[n] * sine;
-  }
-  return std::sqrt(re * re + im * im);
-}
-
-// Time that `buffers` buffers last, in seconds.
-double Seconds(std::int32_t buffers) {
-  return buffers * static_cast<double>(OrvexReceiver::kBlockSamples) / OrvexReceiver::kSampleRateHz;
-}
 
 }  // namespace
 
@@ -56,35 +23,13 @@ double OrvexReceiver::GetAudioTimeDifference() {
   return seconds;
 }
 
-// A short block counts as one that ends in silence.
-OrvexReceiver::Block OrvexReceiver::m_ReadSamples(const VoiceData& record) {
-  Block samples{};
-  const std::size_t count = std::min<std::size_t>(samples.size(), record.byteCount / 2U);
-  for (std::size_t n = 0; n < count; ++n) {
-    const unsigned int bits = record.bytes[2 * n] | static_cast<unsigned int>(record.bytes[2 * n + 1]) << 8U;
-    samples[n] = static_cast<std::int16_t>(bits);
-  }
-  return samples;
-}
-
-OrvexReceiver::ToneMagnitudes OrvexReceiver::m_Measure(const Block& samples) {
-  ToneMagnitudes tones{};
-  tones.at17000 = Magnitude(samples, 17000.0);
-  tones.at17500 = Magnitude(samples, 17500.0);
-  tones.at18000 = Magnitude(samples, 18000.0);
-  tones.at19000 = Magnitude(samples, 19000.0);
-  const double neighbours = (tones.at17500 + tones.at18000) * 0.5;
-  tones.ratio17 = tones.at17000 / neighbours;
-  tones.ratio19 = tones.at19000 / neighbours;
-  return tones;
-}
-
 void OrvexReceiver::m_SyncAlgorithm(const Block& samples) {
   using Wide = long double;
-  const ToneMagnitudes tones = m_Measure(samples);
+  const ToneMagnitudes tones = MeasureBlock(samples);
   ORVEX_INFO("%d / %Lf %Lf %Lf %Lf / %Lf %Lf / %lf %lf %lf %lf", m_BlockIndex, Wide{tones.at17000}, Wide{tones.at19000},
              Wide{tones.at17500}, Wide{tones.at18000}, Wide{tones.ratio17}, Wide{tones.ratio19}, m_Ambient17K,
              m_Ambient19K, m_Ambient17K5, m_Ambient18K);
+  m_Observe(&OrvexReceiverObserver::OnBlock, m_BufferCount, tones, m_AmbientLevels());
   if (m_SoundMode == kHearableSet) {
     m_ReportHearableSet();
   } else if (m_BlockIndex > kAmbientBlocks) {
@@ -94,6 +39,11 @@ void OrvexReceiver::m_SyncAlgorithm(const Block& samples) {
   m_LearnAmbientNoise(tones);
   ++m_BlockIndex;
   ++m_BlockTotal;
+}
+
+// The sums so far, then the means.
+Levels OrvexReceiver::m_AmbientLevels() const {
+  return {m_Ambient17K, m_Ambient17K5, m_Ambient18K, m_Ambient19K};
 }
 
 void OrvexReceiver::m_ReportHearableSet() {
@@ -125,6 +75,7 @@ void OrvexReceiver::m_EndRecodeOfAmbientNoise() {
   m_Ambient18K /= kAmbientBlocks;
   m_SoundType = 1;
   ORVEX_MILESTONE("completed ambient noise");
+  m_Observe(&OrvexReceiverObserver::OnAmbientKnown, m_BufferCount, m_AmbientLevels());
   m_CallBack(m_EndAmbientNoiseCallback);
 }
 
@@ -134,12 +85,13 @@ void OrvexReceiver::m_SetParamWith17K(const ToneMagnitudes& tones) {
   if (!found) {
     return;
   }
-  ORVEX_INFO("[%d] %0.4f s %.1Lf, %.1Lf\n", m_BufferCount, Seconds(m_BufferCount),
+  ORVEX_INFO("[%d] %0.4f s %.1Lf, %.1Lf\n", m_BufferCount, SecondsOf(m_BufferCount),
              static_cast<long double>(tones.at17000), static_cast<long double>(tones.at19000));
   if (tones.ratio17 < kNeighbourThreshold) {
     ++m_NoiseCount;
     ORVEX_INFO("###################################################");
     ORVEX_INFO("noise is high / %Lf / %d", static_cast<long double>(tones.ratio17), m_NoiseCount);
+    m_Observe(&OrvexReceiverObserver::OnNoisyTone, m_BufferCount, Tone::k17000Hz, m_NoiseCount);
     if (m_NoiseCount > kNoiseLimit) {
       m_SoundType = 0;
     }
@@ -154,13 +106,15 @@ void OrvexReceiver::m_SetParamWith17K(const ToneMagnitudes& tones) {
   }
   if (m_BufferCount - m_FirstIndex > kPairingSpan || tones.at17000 < m_Peak17K) {
     ORVEX_INFO("syquence error -> recheck \n");
+    m_Observe(&OrvexReceiverObserver::OnSequenceError, m_BufferCount, Tone::k17000Hz, m_FirstIndex, m_Peak17K);
     m_BeginWith17K(tones);
     return;
   }
   m_SecondIndex = m_BufferCount;
   m_Peak17K = tones.at17000;
-  m_DiffTime = Seconds(m_FirstIndex - m_BufferCount);
+  m_DiffTime = SecondsOf(m_FirstIndex - m_BufferCount);
   ORVEX_INFO("(ruvo)   ====> @ [RESULT] [%d] - [%d] : %0.4f s\n", m_BufferCount, m_FirstIndex, m_DiffTime.load());
+  m_Observe(&OrvexReceiverObserver::OnPair, m_BufferCount, Tone::k17000Hz, m_FirstIndex, m_DiffTime.load());
   m_CompleteDiffCalculation();
 }
 
@@ -172,6 +126,7 @@ void OrvexReceiver::m_BeginWith17K(const ToneMagnitudes& tones) {
   if (tones.at19000 > m_Peak19K) {
     m_Peak19K = tones.at19000;
   }
+  m_Observe(&OrvexReceiverObserver::OnFirstTone, m_BufferCount, Tone::k17000Hz, m_Peak19K);
 }
 
 void OrvexReceiver::m_SetParamWith19K(const ToneMagnitudes& tones) {
@@ -180,12 +135,13 @@ void OrvexReceiver::m_SetParamWith19K(const ToneMagnitudes& tones) {
   if (!found) {
     return;
   }
-  ORVEX_INFO("(ruvo_19k)[%d] %0.4f s %.1Lf, %.1Lf\n", m_BufferCount, Seconds(m_BufferCount),
+  ORVEX_INFO("(ruvo_19k)[%d] %0.4f s %.1Lf, %.1Lf\n", m_BufferCount, SecondsOf(m_BufferCount),
              static_cast<long double>(tones.at17000), static_cast<long double>(tones.at19000));
   if (tones.ratio19 < kNeighbourThreshold) {
     ++m_NoiseCount;
     ORVEX_INFO("###################################################");
     ORVEX_INFO("noise value is too high/ %Lf / %d", static_cast<long double>(tones.ratio17), m_NoiseCount);
+    m_Observe(&OrvexReceiverObserver::OnNoisyTone, m_BufferCount, Tone::k19000Hz, m_NoiseCount);
     if (m_NoiseCount > kNoiseLimit) {
       m_StopAbnormalCalcuation();
     }
@@ -200,13 +156,15 @@ void OrvexReceiver::m_SetParamWith19K(const ToneMagnitudes& tones) {
   }
   if (m_BufferCount - m_FirstIndex > kPairingSpan || tones.at19000 < m_Peak19K) {
     ORVEX_INFO("syquence error -> recheck \n");
+    m_Observe(&OrvexReceiverObserver::OnSequenceError, m_BufferCount, Tone::k19000Hz, m_FirstIndex, m_Peak19K);
     m_BeginWith19K(tones);
     return;
   }
   m_SecondIndex = m_BufferCount;
   m_Peak19K = tones.at19000;
-  m_DiffTime = Seconds(m_BufferCount - m_FirstIndex);
+  m_DiffTime = SecondsOf(m_BufferCount - m_FirstIndex);
   ORVEX_INFO("@ [RESULT] [%d] - [%d] : %0.4f s\n", m_FirstIndex, m_BufferCount, m_DiffTime.load());
+  m_Observe(&OrvexReceiverObserver::OnPair, m_BufferCount, Tone::k19000Hz, m_FirstIndex, m_DiffTime.load());
   m_CompleteDiffCalculation();
 }
 
@@ -218,12 +176,14 @@ void OrvexReceiver::m_BeginWith19K(const ToneMagnitudes& tones) {
   if (tones.at17000 > m_Peak17K) {
     m_Peak17K = tones.at17000;
   }
+  m_Observe(&OrvexReceiverObserver::OnFirstTone, m_BufferCount, Tone::k19000Hz, m_Peak17K);
 }
 
 void OrvexReceiver::m_StopAbnormalCalcuation() {
   ORVEX_FAILURE("ERROR occured. Exit service");
   m_SoundType = 0;
   ORVEX_FAILURE("by abnormal input");
+  m_Observe(&OrvexReceiverObserver::OnAbnormalInput, m_BufferCount);
   m_CallBack(m_AbnormalStatusCallback);
 }
 

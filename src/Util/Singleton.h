@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <mutex>
+#include <utility>
 
 #include "Util/OrvexLog.h"
 
@@ -11,8 +12,10 @@
 template <class T>
 class CSingleton {
 public:
-  // The instance, never null. Any thread; takes the lock only until the instance exists.
-  static T* GetInstance() {
+  // The instance, never null. `arguments` are those of the constructor when this is the first use, and are ignored
+  // otherwise. Any thread; takes the lock only until the instance exists.
+  template <class... Arguments>
+  static T* GetInstance(Arguments&&... arguments) {
     T* instance = m_pInstance.load();
     if (instance != nullptr) {
       return instance;
@@ -21,7 +24,7 @@ public:
     instance = m_pInstance.load();
     if (instance == nullptr) {
       ORVEX_INFO("[singleton] new instance");
-      instance = new T;
+      instance = new T(std::forward<Arguments>(arguments)...);
       m_pInstance.store(instance);
     }
     return instance;

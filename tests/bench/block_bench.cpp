@@ -10,10 +10,11 @@
 
 #include "Application/OrvexReceiver.h"
 #include "orvex/platform/system_log.h"
+#include "receiver/null_dump.h"
 
 namespace {
 
-constexpr std::size_t kSamples = OrvexReceiver::kBlockSamples;
+constexpr std::size_t kSamples = kVoiceBlockSamples;
 constexpr std::array<double, 4> kFrequenciesHz{17000.0, 17500.0, 18000.0, 19000.0};
 
 using Samples = std::array<std::int16_t, kSamples>;
@@ -38,7 +39,7 @@ std::array<std::array<double, kSamples>, kFrequenciesHz.size()> Angles() {
   std::array<std::array<double, kSamples>, kFrequenciesHz.size()> angles{};
   for (std::size_t tone = 0; tone < kFrequenciesHz.size(); ++tone) {
     for (std::size_t n = 0; n < kSamples; ++n) {
-      angles[tone][n] = static_cast<double>(n) * kTwoPi * kFrequenciesHz[tone] / OrvexReceiver::kSampleRateHz;
+      angles[tone][n] = static_cast<double>(n) * kTwoPi * kFrequenciesHz[tone] / kVoiceRateHz;
     }
   }
   return angles;
@@ -74,6 +75,7 @@ void Deliver(benchmark::State& state) {
     bytes[2 * n + 1] = static_cast<std::uint8_t>(samples[n] >> 8);
   }
   const VoiceData record{static_cast<std::uint16_t>(bytes.size()), bytes.data()};
+  orvex::tools::DumpNothing();
   OrvexReceiver receiver{OrvexReceiverCallbacks{}};
   receiver.StartBTRecoder();
   while (receiver.GetBufferCount() < kBeyondAmbient) {

@@ -2,27 +2,34 @@
 // them.
 //
 // An input is a list of orders, a letter and its arguments, one byte each; 400 blocks are the most.
-//   a N     N % 64 + 1 blocks of the same faint click
-//   o N     N % 64 + 1 lost blocks
-//   l A     17 kHz, h A: 19 kHz, m A B: both, n A B: 17 kHz beside 18 kHz, y A B: 19 kHz beside 17.5 kHz; amplitude 64
-//   A c A     a click of 128 A r N ... a block of 8 N bytes, its beginning from the input s N ... a block of the N
-//   bytes that follow, or of those that are left g t     start, stop; e f: the audible setting, the finished mark
+//   a N        N % 64 + 1 blocks of the same faint click
+//   o N        N % 64 + 1 lost blocks
+//   l A, h A   a block of 17 kHz, of 19 kHz; amplitudes are 64 A
+//   m A B      a block of 17 kHz and 19 kHz
+//   n A B      a block of 17 kHz beside 18 kHz
+//   y A B      a block of 19 kHz beside 17.5 kHz
+//   c A        a click of 128 A
+//   r N ...    a block of 8 N bytes, its beginning from the input
+//   s N ...    a block of the N bytes that follow, or of those that are left
+//   g, t       start, stop
+//   e, f       switch the audible setting, the finished mark
 #include <array>
 #include <cmath>
 
 #include "fuzz/byte_reader.h"
-#include "fuzz/detector_model.h"
 #include "fuzz/require.h"
+#include "receiver/receiver_rig.h"
+#include "support/detector_model.h"
 
 namespace {
 
 using namespace orvex::fuzz;
-using orvex::tools::BlockLevels;
-using orvex::tools::ReceiverListener;
+using orvex::detector::ToneMagnitudes;
+using orvex::test::BlockReports;
+using orvex::test::DetectorModel;
 using orvex::tools::ReceiverRig;
-using orvex::tools::Tone;
 
-constexpr std::size_t kBlockSamples = OrvexReceiver::kBlockSamples;
+constexpr std::size_t kBlockSamples = kVoiceBlockSamples;
 constexpr int kMostBlocks = 400;
 using Samples = std::array<double, kBlockSamples>;
 using Bytes = std::vector<std::uint8_t>;
@@ -30,7 +37,7 @@ using Bytes = std::vector<std::uint8_t>;
 struct Wave {
   explicit Wave(double hz) {
     for (std::size_t n = 0; n < kBlockSamples; ++n) {
-      const double turns = static_cast<double>(n) * hz / OrvexReceiver::kSampleRateHz;
+      const double turns = static_cast<double>(n) * hz / kVoiceRateHz;
       cosine[n] = std::cos(2.0 * M_PI * (turns - std::floor(turns)));
       sine[n] = std::sin(2.0 * M_PI * (turns - std::floor(turns)));
     }
@@ -82,7 +89,7 @@ double Magnitude(const Wave& wave, const Bytes& bytes) {
 // The magnitudes of one block; those of blocks that come again and again are known.
 class Levels {
 public:
-  void RequireOf(const BlockLevels& measured, const Bytes& bytes) {
+  void RequireOf(const ToneMagnitudes& measured, const Bytes& bytes) {
     if (bytes != m_Bytes) {
       m_Bytes = bytes;
       m_Expected = {Magnitude(k17000, bytes), Magnitude(k17500, bytes), Magnitude(k18000, bytes),
@@ -99,62 +106,43 @@ private:
   std::array<double, 4> m_Expected{};
 };
 
-// Keeps what the receiver says of one block.
-class Listener : public ReceiverListener {
-public:
-  void OnBlock(std::int32_t, const BlockLevels& measured) override {
-    levels = measured;
-    isAnalysed = true;
-  }
-  void OnAmbient(std::int32_t) override { reports.push_back({Kind::kAmbient}); }
-  void OnFirst(std::int32_t, Tone tone) override { reports.push_back({Kind::kFirst, tone}); }
-  void OnSequence(std::int32_t) override { reports.push_back({Kind::kSequence}); }
-  void OnNoisy(std::int32_t, Tone tone, std::int32_t count) override { reports.push_back({Kind::kNoisy, tone, count}); }
-  void OnResult(std::int32_t, std::int32_t first, std::int32_t second, double seconds) override {
-    reports.push_back({Kind::kResult, Tone::k17000Hz, first, second, seconds});
-  }
-  void OnAbnormal(std::int32_t) override { reports.push_back({Kind::kAbnormal}); }
-  void OnExtend(std::int32_t) override { reports.push_back({Kind::kExtend}); }
-
-  bool isAnalysed = false;
-  BlockLevels levels;
-  std::vector<Report> reports;
-};
-
 class Recording {
 public:
   bool IsFull() const { return m_Blocks >= kMostBlocks; }
 
   void Hear(const Bytes& bytes) {
     ++m_Blocks;
-    m_Listener.isAnalysed = false;
-    m_Listener.reports.clear();
+    m_Reported.Clear();
     m_Rig.Deliver(bytes.data(), static_cast<std::uint16_t>(bytes.size()));
     if (!m_Rig.GetReceiver().IsRecording()) {
-      Require(!m_Listener.isAnalysed, "a block outside a recording is ignored");
+      Require(!m_Reported.magnitudes, "a block outside a recording is ignored");
       return;
     }
     const bool isAnalysed = m_Model.Count();
-    Require(m_Listener.isAnalysed == isAnalysed, "blocks are analysed from the fifth on");
+    Require(m_Reported.magnitudes.has_value() == isAnalysed, "blocks are analysed from the fifth on");
     if (isAnalysed) {
-      m_Levels.RequireOf(m_Listener.levels, bytes);
-      m_Model.Analyse(m_Listener.levels, m_Hearable, m_Finished);
+      m_Levels.RequireOf(*m_Reported.magnitudes, bytes);
+      Require(BlockReports::ValuesOf(m_Reported.ambient) == m_Model.Ambient(),
+              "the ambience is learnt from the levels");
+      m_Model.Analyse(*m_Reported.magnitudes);
     }
-    Require(m_Listener.reports == m_Model.Reports(), "the reports follow from the levels");
+    Require(m_Reported.reports == m_Model.Reports(), "the reports follow from the levels");
     RequireState();
   }
   void Lose() {
     ++m_Blocks;
-    OrvexReceiver::m_ReceiveBTAudioDataCB(nullptr, &m_Rig.GetReceiver());
+    m_Reported.Clear();
+    m_Rig.Lose();
     if (m_Rig.GetReceiver().IsRecording()) {
       static_cast<void>(m_Model.Count());
+      Require(m_Reported.reports == m_Model.Reports(), "a lost block is only counted");
     }
     RequireState();
   }
   void Start() {
     if (!m_Rig.GetReceiver().IsRecording()) {
       m_Model = DetectorModel();
-      m_Finished = false;
+      m_Model.hearable = m_Hearable;
     }
     m_Rig.GetReceiver().StartBTRecoder();
     Require(m_Rig.GetReceiver().IsRecording(), "a start begins a recording");
@@ -167,11 +155,12 @@ public:
   }
   void SwitchHearable() {
     m_Hearable = !m_Hearable;
+    m_Model.hearable = m_Hearable;
     m_Rig.GetReceiver().SetHearable(m_Hearable);
   }
   void SwitchFinished() {
-    m_Finished = !m_Finished;
-    m_Rig.GetReceiver().SetFinished(m_Finished);
+    m_Model.finished = !m_Model.finished;
+    m_Rig.GetReceiver().SetFinished(m_Model.finished);
   }
 
 private:
@@ -185,26 +174,23 @@ private:
     Require(m_Rig.GetDifferenceS() == m_Model.seconds, "the difference is the last result's");
   }
 
-  Listener m_Listener;
-  ReceiverRig m_Rig{m_Listener};
+  BlockReports m_Reported;
+  ReceiverRig m_Rig{{&m_Reported}};
   DetectorModel m_Model;
   Levels m_Levels;
   int m_Blocks = 0;
   bool m_Hearable = false;
-  bool m_Finished = false;
 };
 
 void HearTones(char order, ByteReader& input, Recording& recording) {
   const int one = input.Byte();
   const int other = order == 'l' || order == 'h' ? 0 : input.Byte();
-  recording.Hear(order == 'l'   ? Mix(k17000, one, k19000, other)
-                 : order == 'h' ? Mix(k19000, one, k17000, other)
-                 : order == 'm' ? Mix(k17000, one, k19000, other)
-                 : order == 'n' ? Mix(k17000, one, k18000, other)
-                                : Mix(k19000, one, k17500, other));
+  const Wave& wave = order == 'h' || order == 'y' ? k19000 : k17000;
+  const Wave& beside = order == 'n' ? k18000 : order == 'y' ? k17500 : k19000;
+  recording.Hear(Mix(wave, one, beside, other));
 }
 
-void Obey(char order, ByteReader& input, Recording& recording) {
+void FollowOrder(char order, ByteReader& input, Recording& recording) {
   switch (order) {
     case 'a':
     case 'o': {
@@ -258,7 +244,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   Recording recording;
   while (!input.IsAtEnd() && !recording.IsFull()) {
     const char order = input.Letter();
-    Obey(order, input, recording);
+    FollowOrder(order, input, recording);
   }
   return 0;
 }

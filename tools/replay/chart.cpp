@@ -5,7 +5,6 @@
 #include <cmath>
 #include <set>
 
-#include "replay/detector_limits.h"
 #include "replay/text.h"
 
 namespace orvex::tools {
@@ -75,10 +74,10 @@ void Chart::AddTimeAxes() {
     AddText(X(buffer), kTop - 8.0, "label middle", Text("%.0f", buffer));
   }
   AddText(kRight + kTitleGap, kTop - 8.0, "title", "buffer");
-  const double timeStep = TickStep(m_Buffers.Length() * kBufferS, 12.0);
-  for (const double time : Ticks({m_Buffers.low * kBufferS, m_Buffers.high * kBufferS}, timeStep)) {
-    m_Svg << Text("<path class='grid' d='M%.1f %.1fV%.1f'/>", X(time / kBufferS), kTop, bottom);
-    AddText(X(time / kBufferS), bottom + 19.0, "label middle",
+  const double timeStep = TickStep(m_Buffers.Length() * detector::kBufferS, 12.0);
+  for (const double time : Ticks({m_Buffers.low * detector::kBufferS, m_Buffers.high * detector::kBufferS}, timeStep)) {
+    m_Svg << Text("<path class='grid' d='M%.1f %.1fV%.1f'/>", X(time / detector::kBufferS), kTop, bottom);
+    AddText(X(time / detector::kBufferS), bottom + 19.0, "label middle",
             Text("%.*f",
                  timeStep < 0.1   ? 2
                  : timeStep < 1.0 ? 1

@@ -5,7 +5,6 @@
 #include <cmath>
 #include <iterator>
 
-#include "replay/detector_limits.h"
 #include "replay/findings.h"
 #include "replay/text.h"
 
@@ -24,8 +23,8 @@ std::string Margins(const RunRecord& run, std::int32_t buffer, Tone tone) {
   return Text(
       "%s stood %.1f dB above its ambient mean, where %.1f dB are needed, and %.1f dB above its neighbours, where "
       "%.1f dB are needed.",
-      NameOf(tone), Decibels(block->levels.At(tone) / run.GetAmbient()->At(tone)), Decibels(kToneThreshold),
-      Decibels(block->Ratio(tone)), Decibels(kNeighbourThreshold));
+      NameOf(tone), Decibels(block->levels.At(tone) / run.GetAmbient()->At(tone)), Decibels(detector::kToneThreshold),
+      Decibels(block->levels.Ratio(tone)), Decibels(detector::kNeighbourThreshold));
 }
 
 // What a tone came to in a recording without a difference.
@@ -46,7 +45,7 @@ std::string Fate(const RunRecord& run, Tone tone) {
         "%.1f dB above them, where %.1f dB are needed.",
         Described(tone).c_str(), Counted(found.reaching, "block").c_str(),
         found.noisy == found.reaching ? "was" : Text("in %d of them was", found.noisy).c_str(),
-        Decibels(found.bestNoisyRatio), Decibels(kNeighbourThreshold));
+        Decibels(found.bestNoisyRatio), Decibels(detector::kNeighbourThreshold));
   }
   if (found.covered > 0) {
     return Text("%s reached its threshold in %s, but %s was the stronger one there.", Described(tone).c_str(),
@@ -62,13 +61,13 @@ std::string Fate(const RunRecord& run, Tone tone) {
       "%s never reached its threshold: its strongest block, %s, stood %.1f dB above the ambient mean%s, %.1f dB "
       "short of the %.1f dB that are needed.",
       Described(tone).c_str(), BufferText(found.strongest->buffer).c_str(), reached, beside.c_str(),
-      Decibels(kToneThreshold) - reached, Decibels(kToneThreshold));
+      Decibels(detector::kToneThreshold) - reached, Decibels(detector::kToneThreshold));
 }
 
 std::string DescribeError(const SequenceError& error) {
   const std::string what = error.IsTooLate()
                                ? Text("came %d buffers after %s, where at most %d are allowed",
-                                      error.buffer - error.first, NameOf(Other(error.tone)), kPairingSpan)
+                                      error.buffer - error.first, NameOf(Other(error.tone)), detector::kPairingSpan)
                                : Text("was %.1f dB weaker than in the block of the first tone or of the last pair",
                                       Decibels(error.needed / error.level));
   return Text("Sequence error in %s: %s %s, and was taken as a new first tone.", BufferText(error.buffer).c_str(),
@@ -82,9 +81,10 @@ void AddDisturbances(const RunRecord& run, std::int32_t untilBuffer, std::vector
   const auto noisy = std::count_if(run.GetEvents().begin(), run.GetEvents().end(), isNoisy);
   if (noisy > 0) {
     reasons.push_back(Text("%s rejected as noisy; from number %d on, one of 19 kHz ends the run.",
-                           (Counted(noisy, "tone") + (noisy == 1 ? " was" : " were")).c_str(), kNoiseLimit + 1));
+                           (Counted(noisy, "tone") + (noisy == 1 ? " was" : " were")).c_str(),
+                           detector::kNoiseLimit + 1));
   }
-  std::vector<SequenceError> errors = FollowPairing(run).errors;
+  std::vector<SequenceError> errors = run.GetSequenceErrors();
   errors.erase(std::remove_if(errors.begin(), errors.end(),
                               [=](const SequenceError& error) { return error.buffer > untilBuffer; }),
                errors.end());
@@ -97,7 +97,7 @@ void AddDisturbances(const RunRecord& run, std::int32_t untilBuffer, std::vector
 }
 
 bool HasLateToneBefore(const RunRecord& run, std::int32_t buffer) {
-  const std::vector<SequenceError> errors = FollowPairing(run).errors;
+  const std::vector<SequenceError>& errors = run.GetSequenceErrors();
   return std::any_of(errors.begin(), errors.end(),
                      [=](const SequenceError& error) { return error.buffer < buffer && error.IsTooLate(); });
 }
@@ -112,10 +112,10 @@ Explanation ExplainFound(const RunRecord& run, const RecordedEvent& result) {
   found.reasons = {
       Text("%s came first, in %s; %s followed in %s: %s of %.2f ms.", Described(first).c_str(),
            BufferText(result.first).c_str(), Described(Other(first)).c_str(), BufferText(result.buffer).c_str(),
-           Counted(result.buffer - result.first, "buffer").c_str(), kBufferS * 1e3),
+           Counted(result.buffer - result.first, "buffer").c_str(), detector::kBufferS * 1e3),
       Text("The difference is %+.1f ms: a television %s the delay of its optical output by it. It is known to within "
            "one buffer, ±%.1f ms.",
-           differenceMs, differenceMs > 0.0 ? "shortens" : "lengthens", kBufferS * 1e3),
+           differenceMs, differenceMs > 0.0 ? "shortens" : "lengthens", detector::kBufferS * 1e3),
       Margins(run, result.first, first), Margins(run, result.buffer, Other(first))};
   AddDisturbances(run, result.buffer, found.reasons);
   if (HasLateToneBefore(run, result.buffer)) {
@@ -147,7 +147,7 @@ Explanation ExplainAbnormal(const RunRecord& run, const RecordedEvent& abnormal)
   given.outcome = Outcome::kAbnormal;
   given.headline = "Given up: abnormal input";
   given.reasons = {Text("The %s tone in %s was one noisy tone too many: %d are put up with.", NameOf(Tone::k19000Hz),
-                        BufferText(abnormal.buffer).c_str(), kNoiseLimit)};
+                        BufferText(abnormal.buffer).c_str(), detector::kNoiseLimit)};
   for (const Tone tone : kTones) {
     given.reasons.push_back(Fate(run, tone));
   }
@@ -172,7 +172,7 @@ Explanation ExplainNotFound(const RunRecord& run) {
   if (!run.GetAmbient()) {
     none.headline = "No difference: the recording is too short";
     none.reasons = {Text("It ends before %s, with which the ambient level is known. Tones are looked for from then on.",
-                         BufferText(kAmbientBuffer).c_str())};
+                         BufferText(detector::kAmbientBuffer).c_str())};
     return none;
   }
   if (run.IsHearable()) {

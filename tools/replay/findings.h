@@ -1,9 +1,8 @@
-// What the blocks of a recording meant to the receiver: how each tone fared, and what the pairing made of them.
+// What the blocks of a recording meant to the receiver: how each tone fared.
 #pragma once
 
 #include <cstdint>
 #include <optional>
-#include <vector>
 
 #include "replay/run_record.h"
 
@@ -31,32 +30,5 @@ struct ToneFindings {
 };
 
 ToneFindings FindTone(const RunRecord& run, Tone tone);
-
-// A second tone that made no pair with the first and became a first one itself.
-struct SequenceError {
-  std::int32_t buffer = 0;
-  std::int32_t first = 0;  // buffer of the first tone
-  Tone tone = Tone::k17000Hz;
-  double level = 0.0;
-  double needed = 0.0;  // what a second tone had to reach, beside the threshold
-
-  // Otherwise it was too weak.
-  bool IsTooLate() const;
-};
-
-// From the first tone on, or from a result on: what the next second tone has to reach, beside the threshold.
-struct Floor {
-  Tone tone = Tone::k17000Hz;
-  std::int32_t from = 0;  // buffers
-  std::int32_t to = 0;
-  double level = 0.0;
-};
-
-struct Pairing {
-  std::vector<SequenceError> errors;
-  std::vector<Floor> floors;
-};
-
-Pairing FollowPairing(const RunRecord& run);
 
 }  // namespace orvex::tools

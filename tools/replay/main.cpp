@@ -11,7 +11,6 @@
 #include "output/standard_output.h"
 #include "progress/progress.h"
 #include "receiver/receiver_rig.h"
-#include "replay/listener_pair.h"
 #include "replay/recording.h"
 #include "replay/report_lines.h"
 #include "replay/report_page.h"
@@ -19,7 +18,6 @@
 
 namespace {
 
-using orvex::tools::ListenerPair;
 using orvex::tools::OutputError;
 using orvex::tools::OutputFile;
 using orvex::tools::Progress;
@@ -45,8 +43,7 @@ int Replay(const Recording& recording, const std::string& file, const Arguments&
   ReportLines lines(page != nullptr && page->IsStandardOutput() ? none : std::cout,
                     arguments.files.size() > 1 ? file : "", arguments.trace);
   RunRecord run(arguments.hearable);
-  ListenerPair both(lines, run);
-  ReceiverRig rig(both, arguments.hearable);
+  ReceiverRig rig({&lines, &run}, arguments.hearable);
   {
     Progress progress("orvex-replay", "bytes", recording.bytes.size());
     orvex::tools::Feed(recording.bytes, rig, [&](std::size_t done) { progress.Show(done); });

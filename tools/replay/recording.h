@@ -28,7 +28,7 @@ struct Recording {
 // "-" is standard input. Throws RecordingError.
 Recording ReadRecording(const std::string& path);
 
-// Delivers the bytes in blocks of 768 samples; the last one may be short. `progress` gets after each block how many
+// Delivers the bytes in whole blocks; the last one may be short. `progress` gets after each block how many
 // bytes there were.
 void Feed(
     const std::vector<std::uint8_t>& bytes, ReceiverRig& rig,

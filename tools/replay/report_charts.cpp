@@ -6,7 +6,6 @@
 #include <functional>
 #include <limits>
 
-#include "replay/detector_limits.h"
 #include "replay/findings.h"
 #include "replay/text.h"
 
@@ -69,8 +68,9 @@ double LowestLevel(const RunRecord& run, double Levels::*one, double Levels::*ot
 }
 
 void AddPhases(Chart& chart) {
-  chart.AddBand(0, kIgnoredBuffers, "ignored", "ignored");
-  chart.AddBand(kIgnoredBuffers, kIgnoredBuffers + kAmbientBlocks, "phase", "ambient phase");
+  chart.AddBand(0, detector::kIgnoredBuffers, "ignored", "ignored");
+  chart.AddBand(detector::kIgnoredBuffers, detector::kIgnoredBuffers + detector::kAmbientBlocks, "phase",
+                "ambient phase");
 }
 
 std::vector<RecordedEvent> PairsWithin(const RunRecord& run, const View& view) {
@@ -193,15 +193,15 @@ std::string DrawTones(const RunRecord& run, const View& view) {
     auto& curve = curves[tone == Tone::k19000Hz];
     curve = MakeCurve(run, view, [=](const RecordedBlock& block) { return LevelDbfs(block.levels.At(tone)); });
     range.Take(curve);
-    range.Take(run.GetAmbient() ? LevelDbfs(kToneThreshold * run.GetAmbient()->At(tone)) : NAN);
+    range.Take(run.GetAmbient() ? LevelDbfs(detector::kToneThreshold * run.GetAmbient()->At(tone)) : NAN);
   }
   chart.AddDecibelAxis(range.Round(LowestLevel(run, &Levels::at17000, &Levels::at19000)), "level (dBFS)");
   AddPhases(chart);
   for (const Tone tone : kTones) {
     chart.AddCurve(curves[tone == Tone::k19000Hz], StyleOf(tone), NameOf(tone));
   }
-  for (const Floor& floor : FollowPairing(run).floors) {
-    if (floor.level > kToneThreshold * run.GetAmbient()->At(floor.tone)) {
+  for (const Floor& floor : run.GetFloors()) {
+    if (floor.level > detector::kToneThreshold * run.GetAmbient()->At(floor.tone)) {
       chart.AddLevel(floor.from, floor.to, LevelDbfs(floor.level), std::string("floor ") + StyleOf(floor.tone), "");
     }
   }
@@ -209,11 +209,11 @@ std::string DrawTones(const RunRecord& run, const View& view) {
     const double ambient = run.GetAmbient() ? run.GetAmbient()->At(tone) : 0.0;
     if (ambient > 0.0) {
       const double level = LevelDbfs(ambient);
-      const double threshold = LevelDbfs(kToneThreshold * ambient);
-      chart.AddLevel(kIgnoredBuffers, view.buffers.high, level, std::string("ambient ") + StyleOf(tone),
+      const double threshold = LevelDbfs(detector::kToneThreshold * ambient);
+      chart.AddLevel(detector::kIgnoredBuffers, view.buffers.high, level, std::string("ambient ") + StyleOf(tone),
                      Text("%s ambient %.1f", NameOf(tone), level));
-      chart.AddLevel(kAmbientBuffer + 1, view.buffers.high, threshold, std::string("threshold ") + StyleOf(tone),
-                     Text("%s threshold %.1f", NameOf(tone), threshold));
+      chart.AddLevel(detector::kAmbientBuffer + 1, view.buffers.high, threshold,
+                     std::string("threshold ") + StyleOf(tone), Text("%s threshold %.1f", NameOf(tone), threshold));
     }
   }
   AddPairs(chart, run, view);
@@ -234,9 +234,9 @@ std::string DrawNeighbours(const RunRecord& run, const View& view) {
   if (run.GetAmbient() && run.GetAmbient()->at17500 > 0.0 && run.GetAmbient()->at18000 > 0.0) {
     const double level17500 = LevelDbfs(run.GetAmbient()->at17500);
     const double level18000 = LevelDbfs(run.GetAmbient()->at18000);
-    chart.AddLevel(kIgnoredBuffers, view.buffers.high, level17500, "ambient f175",
+    chart.AddLevel(detector::kIgnoredBuffers, view.buffers.high, level17500, "ambient f175",
                    Text("17.5 kHz ambient %.1f", level17500));
-    chart.AddLevel(kIgnoredBuffers, view.buffers.high, level18000, "ambient f18",
+    chart.AddLevel(detector::kIgnoredBuffers, view.buffers.high, level18000, "ambient f18",
                    Text("18 kHz ambient %.1f", level18000));
   }
   AddPairs(chart, run, view);
@@ -244,14 +244,14 @@ std::string DrawNeighbours(const RunRecord& run, const View& view) {
 }
 
 std::string DrawRatios(const RunRecord& run, const View& view) {
-  const double threshold = Decibels(kNeighbourThreshold);
+  const double threshold = Decibels(detector::kNeighbourThreshold);
   Chart chart(view.name + "-ratios", view.buffers, 180.0);
   DecibelRange range;
   range.Take(threshold);
   std::vector<CurvePoint> curves[2];
   for (const Tone tone : kTones) {
     auto& curve = curves[tone == Tone::k19000Hz];
-    curve = MakeCurve(run, view, [=](const RecordedBlock& block) { return Decibels(block.Ratio(tone)); });
+    curve = MakeCurve(run, view, [=](const RecordedBlock& block) { return Decibels(block.levels.Ratio(tone)); });
     range.Take(curve);
   }
   chart.AddDecibelAxis(range.Round(-INFINITY), "tone over neighbours (dB)");
@@ -259,7 +259,7 @@ std::string DrawRatios(const RunRecord& run, const View& view) {
   for (const Tone tone : kTones) {
     chart.AddCurve(curves[tone == Tone::k19000Hz], StyleOf(tone), NameOf(tone));
   }
-  chart.AddLevel(kAmbientBuffer + 1, view.buffers.high, threshold, "threshold ratio",
+  chart.AddLevel(detector::kAmbientBuffer + 1, view.buffers.high, threshold, "threshold ratio",
                  Text("threshold %.1f (5 : 1)", threshold));
   AddPairs(chart, run, view);
   return chart.Finish();

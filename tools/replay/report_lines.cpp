@@ -21,34 +21,34 @@ std::unique_ptr<Json::StreamWriter> MakeWriter() {
 ReportLines::ReportLines(std::ostream& out, std::string file, bool trace)
     : m_Out(out), m_File(std::move(file)), m_Trace(trace), m_Writer(MakeWriter()) {}
 
-void ReportLines::OnBlock(std::int32_t buffer, const BlockLevels& levels) {
+void ReportLines::OnBlock(std::int32_t buffer, const ToneMagnitudes& magnitudes, const Levels& /*ambient*/) {
   if (!m_Trace) {
     return;
   }
   Json::Value members;
-  members["m17000"] = levels.at17000;
-  members["m17500"] = levels.at17500;
-  members["m18000"] = levels.at18000;
-  members["m19000"] = levels.at19000;
-  members["r17"] = levels.ratio17;
-  members["r19"] = levels.ratio19;
+  members["m17000"] = magnitudes.at17000;
+  members["m17500"] = magnitudes.at17500;
+  members["m18000"] = magnitudes.at18000;
+  members["m19000"] = magnitudes.at19000;
+  members["r17"] = magnitudes.ratio17;
+  members["r19"] = magnitudes.ratio19;
   Write("block", buffer, members);
 }
 
-void ReportLines::OnFirst(std::int32_t buffer, Tone tone) {
+void ReportLines::OnFirstTone(std::int32_t buffer, Tone tone, double /*needed*/) {
   Write(tone == Tone::k17000Hz ? "first17" : "first19", buffer);
 }
 
-void ReportLines::OnNoisy(std::int32_t buffer, Tone tone, std::int32_t count) {
+void ReportLines::OnNoisyTone(std::int32_t buffer, Tone tone, std::int32_t count) {
   Json::Value members;
   members["count"] = count;
   Write(tone == Tone::k17000Hz ? "noisy17" : "noisy19", buffer, members);
 }
 
-void ReportLines::OnResult(std::int32_t buffer, std::int32_t first, std::int32_t second, double differenceS) {
+void ReportLines::OnPair(std::int32_t buffer, Tone /*tone*/, std::int32_t first, double differenceS) {
   Json::Value members;
   members["first"] = first;
-  members["second"] = second;
+  members["second"] = buffer;
   members["difference_s"] = differenceS;
   Write("result", buffer, members);
 }

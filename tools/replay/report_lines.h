@@ -13,18 +13,20 @@
 
 namespace orvex::tools {
 
-class ReportLines : public ReceiverListener {
+class ReportLines : public OrvexReceiverObserver {
 public:
   // `file`: put into each object, when not empty. `trace`: one object per analysed block, too.
   ReportLines(std::ostream& out, std::string file, bool trace);
 
-  void OnBlock(std::int32_t buffer, const BlockLevels& levels) override;
-  void OnAmbient(std::int32_t buffer) override { Write("ambient", buffer); }
-  void OnFirst(std::int32_t buffer, Tone tone) override;
-  void OnSequence(std::int32_t buffer) override { Write("sequence", buffer); }
-  void OnNoisy(std::int32_t buffer, Tone tone, std::int32_t count) override;
-  void OnResult(std::int32_t buffer, std::int32_t first, std::int32_t second, double differenceS) override;
-  void OnAbnormal(std::int32_t buffer) override { Write("abnormal", buffer); }
+  void OnBlock(std::int32_t buffer, const ToneMagnitudes& magnitudes, const Levels& ambient) override;
+  void OnAmbientKnown(std::int32_t buffer, const Levels& /*means*/) override { Write("ambient", buffer); }
+  void OnFirstTone(std::int32_t buffer, Tone tone, double needed) override;
+  void OnSequenceError(std::int32_t buffer, Tone /*tone*/, std::int32_t /*first*/, double /*needed*/) override {
+    Write("sequence", buffer);
+  }
+  void OnNoisyTone(std::int32_t buffer, Tone tone, std::int32_t count) override;
+  void OnPair(std::int32_t buffer, Tone tone, std::int32_t first, double differenceS) override;
+  void OnAbnormalInput(std::int32_t buffer) override { Write("abnormal", buffer); }
   void OnExtend(std::int32_t buffer) override { Write("extend", buffer); }
 
   // The last line. `run`: all that `rig` has reported.

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <sstream>
 
-#include "replay/detector_limits.h"
 #include "replay/explanation.h"
 #include "replay/page_parts.h"
 #include "replay/report_charts.h"
@@ -19,7 +18,7 @@ std::string Fact(const std::string& name, const std::string& value) {
 }
 
 std::string MakeFacts(const RunRecord& run, const ReportSubject& subject) {
-  constexpr std::size_t kBlockBytes = 2 * OrvexReceiver::kBlockSamples;
+  constexpr std::size_t kBlockBytes = 2 * kVoiceBlockSamples;
   const std::size_t buffers = (subject.bytes + kBlockBytes - 1) / kBlockBytes;
   const auto result = run.FindRunResult();
   const auto count = [&](auto... kinds) {
@@ -28,7 +27,7 @@ std::string MakeFacts(const RunRecord& run, const ReportSubject& subject) {
                                         [=](const RecordedEvent& event) { return (... || (event.kind == kinds)); }));
   };
   return "<dl class='facts'>\n" +
-         Fact("recording", Text("%.2f s", static_cast<double>(subject.bytes) / 2.0 / OrvexReceiver::kSampleRateHz)) +
+         Fact("recording", Text("%.2f s", static_cast<double>(subject.bytes) / 2.0 / kVoiceRateHz)) +
          Fact("buffers", std::to_string(buffers)) + Fact("analysed blocks", std::to_string(run.GetBlocks().size())) +
          Fact("mode", run.IsHearable() ? "hearable" : "detection") +
          Fact("difference", result ? Text("%+.1f ms", result->differenceS * 1e3) : "none") +

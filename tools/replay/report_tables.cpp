@@ -5,7 +5,6 @@
 #include <functional>
 #include <sstream>
 
-#include "replay/detector_limits.h"
 #include "replay/findings.h"
 #include "replay/text.h"
 
@@ -19,7 +18,7 @@ std::string LevelText(double magnitude) {
 }
 
 std::string ThresholdText(double ambient) {
-  return ambient > 0.0 ? LevelText(kToneThreshold * ambient) : "none: a mean of 0 finds no tone";
+  return ambient > 0.0 ? LevelText(detector::kToneThreshold * ambient) : "none: a mean of 0 finds no tone";
 }
 
 std::string StrongestText(const RunRecord& run, const ToneFindings& found, Tone tone) {
@@ -106,7 +105,7 @@ std::string MakeEventTable(const RunRecord& run) {
   html << "<section><h2>Events</h2>\n<table id='events'>\n<tr><th>buffer</th><th>time (s)</th><th>event</th></tr>\n";
   for (std::size_t i = 0; i < shown; ++i) {
     const RecordedEvent& event = events[i];
-    html << Text("<tr><td>%d</td><td>%.3f</td><td>%s</td></tr>\n", event.buffer, event.buffer * kBufferS,
+    html << Text("<tr><td>%d</td><td>%.3f</td><td>%s</td></tr>\n", event.buffer, event.buffer * detector::kBufferS,
                  WhatHappened(run, event).c_str());
   }
   html << "</table>\n";

@@ -3,32 +3,37 @@
 
 #include <algorithm>
 
-#include "replay/detector_limits.h"
-
 namespace orvex::tools {
 
-void RunRecord::OnBlock(std::int32_t buffer, const BlockLevels& levels) {
-  // The block that ends the ambient phase still shows the sums.
-  if (m_Blocks.size() == kAmbientBlocks) {
-    m_Ambient = Levels{levels.ambient17000 / kAmbientBlocks, levels.ambient17500 / kAmbientBlocks,
-                       levels.ambient18000 / kAmbientBlocks, levels.ambient19000 / kAmbientBlocks};
-  }
-  m_Blocks.push_back(
-      {buffer, {levels.at17000, levels.at17500, levels.at18000, levels.at19000}, levels.ratio17, levels.ratio19});
+void RunRecord::OnBlock(std::int32_t buffer, const ToneMagnitudes& magnitudes, const Levels& /*ambient*/) {
+  m_Blocks.push_back({buffer, magnitudes});
 }
 
-void RunRecord::OnFirst(std::int32_t buffer, Tone tone) {
+void RunRecord::OnAmbientKnown(std::int32_t buffer, const Levels& means) {
+  m_Ambient = means;
+  Add(EventKind::kAmbient, buffer);
+}
+
+void RunRecord::OnFirstTone(std::int32_t buffer, Tone tone, double needed) {
   Add(tone == Tone::k17000Hz ? EventKind::kFirst17 : EventKind::kFirst19, buffer);
+  BeginFloor({Other(tone), buffer, buffer + detector::kPairingSpan, needed});
 }
 
-void RunRecord::OnNoisy(std::int32_t buffer, Tone tone, std::int32_t count) {
+void RunRecord::OnSequenceError(std::int32_t buffer, Tone tone, std::int32_t first, double needed) {
+  Add(EventKind::kSequence, buffer);
+  m_SequenceErrors.push_back({buffer, first, tone, m_Blocks.back().levels.At(tone), needed});
+}
+
+void RunRecord::OnNoisyTone(std::int32_t buffer, Tone tone, std::int32_t count) {
   Add(tone == Tone::k17000Hz ? EventKind::kNoisy17 : EventKind::kNoisy19, buffer).count = count;
 }
 
-void RunRecord::OnResult(std::int32_t buffer, std::int32_t first, std::int32_t /*second*/, double differenceS) {
+// A tone that follows has to be at least as strong as the one that has made the pair.
+void RunRecord::OnPair(std::int32_t buffer, Tone tone, std::int32_t first, double differenceS) {
   RecordedEvent& result = Add(EventKind::kResult, buffer);
   result.first = first;
   result.differenceS = differenceS;
+  BeginFloor({tone, buffer, first + detector::kPairingSpan, m_Blocks.back().levels.At(tone)});
 }
 
 std::optional<RecordedEvent> RunRecord::FindFirst(EventKind kind) const {
@@ -52,6 +57,13 @@ bool RunRecord::IsRunResult(const RecordedEvent& result) const {
 RecordedEvent& RunRecord::Add(EventKind kind, std::int32_t buffer) {
   m_Events.push_back({kind, buffer});
   return m_Events.back();
+}
+
+void RunRecord::BeginFloor(const Floor& floor) {
+  if (!m_Floors.empty()) {
+    m_Floors.back().to = std::min(m_Floors.back().to, floor.from);
+  }
+  m_Floors.push_back(floor);
 }
 
 }  // namespace orvex::tools

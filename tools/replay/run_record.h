@@ -9,27 +9,13 @@
 
 namespace orvex::tools {
 
-// The four frequencies of a block, or their ambient means.
-struct Levels {
-  double at17000 = 0.0;
-  double at17500 = 0.0;
-  double at18000 = 0.0;
-  double at19000 = 0.0;
-
-  double At(Tone tone) const { return tone == Tone::k17000Hz ? at17000 : at19000; }
-};
-
 inline Tone Other(Tone tone) {
   return tone == Tone::k17000Hz ? Tone::k19000Hz : Tone::k17000Hz;
 }
 
 struct RecordedBlock {
   std::int32_t buffer = 0;
-  Levels levels;
-  double ratio17 = 0.0;  // no number in digital silence
-  double ratio19 = 0.0;
-
-  double Ratio(Tone tone) const { return tone == Tone::k17000Hz ? ratio17 : ratio19; }
+  ToneMagnitudes levels;
 };
 
 enum class EventKind { kAmbient, kFirst17, kFirst19, kSequence, kNoisy17, kNoisy19, kResult, kAbnormal, kExtend };
@@ -42,23 +28,45 @@ struct RecordedEvent {
   double differenceS = 0.0;  // of a result
 };
 
-class RunRecord : public ReceiverListener {
+// A second tone that made no pair with the first and became a first one itself.
+struct SequenceError {
+  std::int32_t buffer = 0;
+  std::int32_t first = 0;  // buffer of the first tone
+  Tone tone = Tone::k17000Hz;
+  double level = 0.0;
+  double needed = 0.0;  // what a second tone had to reach, beside the threshold
+
+  // Otherwise it was too weak.
+  bool IsTooLate() const { return buffer - first > detector::kPairingSpan; }
+};
+
+// From the first tone on, or from a result on: what the next second tone has to reach, beside the threshold.
+struct Floor {
+  Tone tone = Tone::k17000Hz;
+  std::int32_t from = 0;  // buffers
+  std::int32_t to = 0;
+  double level = 0.0;
+};
+
+class RunRecord : public OrvexReceiverObserver {
 public:
   // `hearable`: the mode of the receiver.
   explicit RunRecord(bool hearable) : m_Hearable(hearable) {}
 
-  void OnBlock(std::int32_t buffer, const BlockLevels& levels) override;
-  void OnAmbient(std::int32_t buffer) override { Add(EventKind::kAmbient, buffer); }
-  void OnFirst(std::int32_t buffer, Tone tone) override;
-  void OnSequence(std::int32_t buffer) override { Add(EventKind::kSequence, buffer); }
-  void OnNoisy(std::int32_t buffer, Tone tone, std::int32_t count) override;
-  void OnResult(std::int32_t buffer, std::int32_t first, std::int32_t second, double differenceS) override;
-  void OnAbnormal(std::int32_t buffer) override { Add(EventKind::kAbnormal, buffer); }
+  void OnBlock(std::int32_t buffer, const ToneMagnitudes& magnitudes, const Levels& /*ambient*/) override;
+  void OnAmbientKnown(std::int32_t buffer, const Levels& means) override;
+  void OnFirstTone(std::int32_t buffer, Tone tone, double needed) override;
+  void OnSequenceError(std::int32_t buffer, Tone tone, std::int32_t first, double needed) override;
+  void OnNoisyTone(std::int32_t buffer, Tone tone, std::int32_t count) override;
+  void OnPair(std::int32_t buffer, Tone tone, std::int32_t first, double differenceS) override;
+  void OnAbnormalInput(std::int32_t buffer) override { Add(EventKind::kAbnormal, buffer); }
   void OnExtend(std::int32_t buffer) override { Add(EventKind::kExtend, buffer); }
 
   bool IsHearable() const { return m_Hearable; }
   const std::vector<RecordedBlock>& GetBlocks() const { return m_Blocks; }
   const std::vector<RecordedEvent>& GetEvents() const { return m_Events; }
+  const std::vector<SequenceError>& GetSequenceErrors() const { return m_SequenceErrors; }
+  const std::vector<Floor>& GetFloors() const { return m_Floors; }
   std::optional<RecordedEvent> FindFirst(EventKind kind) const;
   // The result that a run of the service goes by: the first one, unless abnormal input has ended the run before. What
   // comes after it changes nothing in a run.
@@ -71,10 +79,13 @@ public:
 
 private:
   RecordedEvent& Add(EventKind kind, std::int32_t buffer);
+  void BeginFloor(const Floor& floor);
 
   const bool m_Hearable;
   std::vector<RecordedBlock> m_Blocks;
   std::vector<RecordedEvent> m_Events;
+  std::vector<SequenceError> m_SequenceErrors;
+  std::vector<Floor> m_Floors;
   std::optional<Levels> m_Ambient;
 };
 

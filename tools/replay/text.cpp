@@ -5,8 +5,6 @@
 #include <cstdarg>
 #include <cstdio>
 
-#include "replay/detector_limits.h"
-
 namespace orvex::tools {
 
 std::string Text(const char* format, ...) {
@@ -58,7 +56,7 @@ const char* OriginOf(Tone tone) {
 }
 
 std::string BufferText(std::int32_t buffer) {
-  return Text("buffer %d (%.3f s)", buffer, buffer * kBufferS);
+  return Text("buffer %d (%.3f s)", buffer, buffer * detector::kBufferS);
 }
 
 std::string Counted(std::int64_t count, const char* what) {
@@ -70,7 +68,7 @@ double Decibels(double ratio) {
 }
 
 double LevelDbfs(double magnitude) {
-  constexpr double kFullScale = 32768.0 * OrvexReceiver::kBlockSamples / 2.0;
+  constexpr double kFullScale = 32768.0 * kVoiceBlockSamples / 2.0;
   return Decibels(magnitude / kFullScale);
 }
 

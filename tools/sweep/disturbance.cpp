@@ -6,15 +6,15 @@
 #include <complex>
 #include <stdexcept>
 
-#include "Application/OrvexReceiver.h"
+#include "Application/OrvexDetector.h"
 #include "testsound/sound_design.h"
 
 namespace orvex::tools {
 namespace {
 
-constexpr double kRateHz = OrvexReceiver::kSampleRateHz;
+constexpr double kRateHz = kVoiceRateHz;
 constexpr std::size_t kLength = static_cast<std::size_t>(4.0 * kRateHz);
-constexpr double kAmbientEndS = 36 * OrvexReceiver::kBlockSamples / kRateHz;
+constexpr double kAmbientEndS = (detector::kAmbientBuffer + 1) * kVoiceBlockSamples / kRateHz;
 
 using Random = std::mt19937_64;
 
@@ -149,8 +149,7 @@ Sound MakeDisturbance(const DisturbanceSettings& settings, Random& random) {
     case DisturbanceKind::kNone:
       break;
     case DisturbanceKind::kHiss:
-      Add(sound, lateS, settings.blocks * OrvexReceiver::kBlockSamples / kRateHz,
-          [&](double) { return Noise(random); });
+      Add(sound, lateS, settings.blocks * kVoiceBlockSamples / kRateHz, [&](double) { return Noise(random); });
       break;
     case DisturbanceKind::kClaps:
       AddClaps(sound, random, lateS);

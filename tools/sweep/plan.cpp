@@ -5,7 +5,7 @@
 #include <cmath>
 #include <tuple>
 
-#include "Application/OrvexReceiver.h"
+#include "orvex/platform/remote_voice.h"
 
 namespace orvex::tools {
 namespace {
@@ -82,7 +82,7 @@ std::uint64_t Plan::RoomSeed(std::size_t room) const {
 // A tone of amplitude A fills a block with the magnitude A n / 2; that of white noise is Rayleigh distributed with the
 // mean sqrt(pi n) / 2 times its deviation.
 double NoiseDbfs(double toneDb) {
-  constexpr double kSamples = OrvexReceiver::kBlockSamples;
+  constexpr double kSamples = kVoiceBlockSamples;
   const double toneOverDeviationDb = 20.0 * std::log10(kSamples / std::sqrt(M_PI * kSamples));
   return kReferenceToneDbfs + kReferenceGainDb + toneOverDeviationDb - toneDb;
 }

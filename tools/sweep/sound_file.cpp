@@ -6,7 +6,7 @@
 #include <memory>
 #include <stdexcept>
 
-#include "Application/OrvexReceiver.h"
+#include "orvex/platform/remote_voice.h"
 #include "sweep/disturbance.h"
 
 namespace orvex::tools {
@@ -46,7 +46,7 @@ Sound ReadSound(const std::string& path) {
   }
   Sound samples(static_cast<std::size_t>(info.frames));
   samples.resize(static_cast<std::size_t>(sf_read_float(file.get(), samples.data(), info.frames)));
-  return Convert(samples, OrvexReceiver::kSampleRateHz / info.samplerate);
+  return Convert(samples, static_cast<double>(kVoiceRateHz) / info.samplerate);
 }
 
 }  // namespace orvex::tools

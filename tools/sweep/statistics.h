@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <vector>
 
+#include "orvex/platform/remote_voice.h"
+
 namespace orvex::tools {
 
 // What became of one room. Times count from the start of the recording.
@@ -21,7 +23,7 @@ struct RoomResult {
 
 // One buffer, the detector's grid; what lies further off than that, with a millisecond for the room; what is no
 // measurement of the true difference at all.
-constexpr double kBufferMs = 768 * 1000.0 / 46545.0;
+constexpr double kBufferMs = kVoiceBlockSamples * 1000.0 / kVoiceRateHz;
 constexpr double kOffGridMs = 17.5;
 constexpr double kFalseMs = 2.0 * kBufferMs;
 

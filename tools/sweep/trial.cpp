@@ -26,13 +26,13 @@ double ToMs(Time time) {
   return static_cast<double>(time.count()) * 1e-6;
 }
 
-class VirtualRun : private ReceiverListener {
+class VirtualRun : private OrvexReceiverObserver {
 public:
   explicit VirtualRun(const Trial& trial)
       : m_Trial(trial),
         m_Room(trial.room),
         m_Voice(m_Room),
-        m_Rig(*this),
+        m_Rig({this}),
         m_Late(TimeOfMs(trial.lateMs)),
         m_End(kLongestRun + m_Late) {
     if (!trial.disturbance.empty()) {
@@ -88,7 +88,7 @@ private:
     m_Rig.Deliver(bytes.data(), static_cast<std::uint16_t>(bytes.size()));
   }
 
-  void OnAmbient(std::int32_t /*buffer*/) override {
+  void OnAmbientKnown(std::int32_t /*buffer*/, const Levels& /*means*/) override {
     const std::size_t frames = m_Trial.sound.size() / 2;
     const std::size_t playedWhenWritten = frames - std::min(frames, kDeviceFrames);
     const Time start = m_Now + m_Late + TimeOfMs(m_Trial.startMs);
@@ -96,14 +96,14 @@ private:
     m_WrittenAt = start + TimeOfMs(static_cast<double>(playedWhenWritten) * 1e3 / sim::Room::kPlaybackRateHz);
     EndBy(End::kSync, m_WrittenAt);
   }
-  void OnResult(std::int32_t /*buffer*/, std::int32_t /*first*/, std::int32_t /*second*/, double differenceS) override {
+  void OnPair(std::int32_t /*buffer*/, Tone /*tone*/, std::int32_t /*first*/, double differenceS) override {
     if (m_Outcome.firstDifferenceMs == 0.0) {
       m_Outcome.firstDifferenceMs = differenceS * 1e3;
     }
     m_Rig.GetReceiver().SetFinished(m_Trial.finishedMark);
     EndBy(End::kSync, m_Now);
   }
-  void OnAbnormal(std::int32_t /*buffer*/) override { EndBy(End::kAbnormal, m_Now); }
+  void OnAbnormalInput(std::int32_t /*buffer*/) override { EndBy(End::kAbnormal, m_Now); }
   void OnExtend(std::int32_t /*buffer*/) override { m_Voice.Extend(m_Now); }
 
   const Trial& m_Trial;

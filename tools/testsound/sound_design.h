@@ -1,7 +1,7 @@
 // The shape of the test sound: what it consists of, and the limits that it must keep for a run to succeed.
 #pragma once
 
-#include "orvex/platform/remote_voice.h"
+#include "Application/OrvexDetector.h"
 
 namespace orvex::tools {
 
@@ -11,8 +11,8 @@ constexpr double kFullScale = 32768.0;    // of 16-bit samples
 constexpr double kLeftToneHz = 17000.0;   // television's speaker
 constexpr double kRightToneHz = 19000.0;  // optical output
 
-// Two tones pair up when the second comes at most 19 microphone buffers after the first.
-constexpr double kPairingSpanMs = 19 * kVoiceBlockSamples * 1000.0 / kVoiceRateHz;
+// Two tones pair up when the second comes no later after the first.
+constexpr double kPairingSpanMs = detector::kPairingSpan * kVoiceBlockSamples * 1000.0 / kVoiceRateHz;
 // The largest difference between the two ways to the microphone that a run is expected to correct.
 constexpr double kLargestDifferenceMs = 280.0;
 // The end of the playback drops what the device has not played yet.

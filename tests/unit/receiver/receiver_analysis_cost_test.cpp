@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "Application/OrvexReceiver.h"
-#include "orvex/platform/system_log.h"
+#include "receiver/null_dump.h"
 
 namespace {
 
@@ -49,13 +49,9 @@ int pthread_mutex_lock(pthread_mutex_t* mutex) noexcept {
 }
 }
 
-int system_log_print(LogBuffer /*buffer*/, LogPriority /*priority*/, const char* /*tag*/, const char* /*format*/, ...) {
-  return 0;
-}
-
 namespace {
 
-using Block = std::array<std::uint8_t, 2 * OrvexReceiver::kBlockSamples>;
+using Block = std::array<std::uint8_t, 2 * kVoiceBlockSamples>;
 
 template <typename Work>
 Counts CountDuring(const Work& work) {
@@ -66,9 +62,9 @@ Counts CountDuring(const Work& work) {
 
 // A tone of 17 kHz with its amplitude, over something that the ambient means can be made of.
 Block ToneBlock(double amplitude) {
-  constexpr double kStep = 2.0 * M_PI * 17000.0 / OrvexReceiver::kSampleRateHz;
+  constexpr double kStep = 2.0 * M_PI * 17000.0 / kVoiceRateHz;
   Block bytes{};
-  for (std::size_t n = 0; n < OrvexReceiver::kBlockSamples; ++n) {
+  for (std::size_t n = 0; n < kVoiceBlockSamples; ++n) {
     const double sample = amplitude * std::sin(kStep * static_cast<double>(n)) + static_cast<double>(n % 7);
     const auto bits = static_cast<std::uint16_t>(static_cast<std::int16_t>(std::lround(sample)));
     bytes[2 * n] = static_cast<std::uint8_t>(bits & 0xFFU);
@@ -92,6 +88,7 @@ TEST(ReceiverAnalysisCost, ABlockAllocatesNothingAndTakesNoLock) {
   constexpr int kQuietBlocks = 40;
   const Block quiet = ToneBlock(0.0);
   const Block tone = ToneBlock(20000.0);
+  orvex::tools::DumpNothing();
   OrvexReceiver receiver{OrvexReceiverCallbacks{}};
   receiver.StartBTRecoder();
   const auto deliver = [&](const Block& block) {

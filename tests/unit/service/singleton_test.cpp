@@ -9,7 +9,9 @@
 #include <atomic>
 #include <cstdlib>
 #include <iostream>
+#include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "world/world.h"
@@ -82,6 +84,17 @@ TEST(Singleton, IsMadeOnceHoweverManyThreadsComeAtTheSameTime) {
   EXPECT_EQ(Counted::constructed, 1);
   ASSERT_NE(seen[0], nullptr);
   EXPECT_THAT(seen, Each(seen[0]));
+}
+
+struct Named {
+  explicit Named(std::string given) : name(std::move(given)) {}
+  std::string name;
+};
+
+TEST(Singleton, IsMadeWithTheArgumentsOfItsFirstUse) {
+  World world;
+  EXPECT_EQ(CSingleton<Named>::GetInstance("first")->name, "first");
+  EXPECT_EQ(CSingleton<Named>::GetInstance("second")->name, "first");
 }
 
 struct First {};

@@ -4,35 +4,21 @@
 
 #include <random>
 
-#include "replay/detector_limits.h"
 #include "replay/findings.h"
 #include "unit/tools/replay_recordings.h"
 
 namespace orvex::tools {
 namespace {
 
-BlockLevels Equal(double level) {
-  BlockLevels levels;
-  levels.at17000 = levels.at17500 = levels.at18000 = levels.at19000 = level;
-  levels.ratio17 = levels.ratio19 = 1.0;
-  return levels;
-}
-
 // A record in which all ambient means are 1.
 RunRecord AfterAmbient() {
   RunRecord run(false);
-  for (std::int32_t buffer = kIgnoredBuffers + 1; buffer <= kAmbientBuffer; ++buffer) {
-    BlockLevels levels = Equal(1.0);
-    levels.ambient17000 = levels.ambient17500 = levels.ambient18000 = levels.ambient19000 =
-        buffer - kIgnoredBuffers - 1;
-    run.OnBlock(buffer, levels);
-  }
-  run.OnAmbient(kAmbientBuffer);
+  run.OnAmbientKnown(detector::kAmbientBuffer, {1.0, 1.0, 1.0, 1.0});
   return run;
 }
 
 Verdict VerdictOn(double at17000, double at19000, double ratio, Tone tone) {
-  const RecordedBlock block{kAmbientBuffer + 1, {at17000, 1.0, 1.0, at19000}, ratio, ratio};
+  const RecordedBlock block{detector::kAmbientBuffer + 1, {{at17000, 1.0, 1.0, at19000}, ratio, ratio}};
   return Judge(AfterAmbient(), block, tone);
 }
 
@@ -50,7 +36,7 @@ TEST(ReplayFindings, LookForNoToneBeforeTheAmbientMeansAreKnownNorInTheHearableM
   const RunRecord run = ReplayRecord(MakeRecording(Ambient() + "7"));
   RecordedBlock block = run.GetBlocks().back();
   EXPECT_EQ(Verdict::kClean, Judge(run, block, Tone::k17000Hz));
-  block.buffer = kAmbientBuffer;
+  block.buffer = detector::kAmbientBuffer;
   EXPECT_EQ(Verdict::kNotLookedAt, Judge(run, block, Tone::k17000Hz));
   const RunRecord hearable = ReplayRecord(MakeRecording(Ambient() + "7"), true);
   EXPECT_EQ(Verdict::kNotLookedAt, Judge(hearable, hearable.GetBlocks().back(), Tone::k17000Hz));
@@ -147,38 +133,38 @@ TEST(ReplayFindings, SumUpATone) {
   EXPECT_EQ(42, at19.strongest->buffer);
 }
 
-TEST(ReplayFindings, TellALateSecondToneFromAWeakOne) {
-  const Pairing late = FollowPairing(ReplayRecord(MakeRecording(Ambient() + "7" + std::string(19, '.') + "9")));
-  ASSERT_EQ(1u, late.errors.size());
-  EXPECT_EQ(36, late.errors[0].first);
-  EXPECT_EQ(56, late.errors[0].buffer);
-  EXPECT_EQ(Tone::k19000Hz, late.errors[0].tone);
-  EXPECT_TRUE(late.errors[0].IsTooLate());
+TEST(ReplayRecord, TellsALateSecondToneFromAWeakOne) {
+  const auto late = ReplayRecord(MakeRecording(Ambient() + "7" + std::string(19, '.') + "9")).GetSequenceErrors();
+  ASSERT_EQ(1u, late.size());
+  EXPECT_EQ(36, late[0].first);
+  EXPECT_EQ(56, late[0].buffer);
+  EXPECT_EQ(Tone::k19000Hz, late[0].tone);
+  EXPECT_TRUE(late[0].IsTooLate());
 
   // With the first tone came 19 kHz at two thirds of its level, more than the second tone has.
-  const Pairing weak = FollowPairing(ReplayRecord(MakeRecording(Ambient() + "b" + std::string(18, '.') + "6")));
-  ASSERT_EQ(1u, weak.errors.size());
-  EXPECT_EQ(55, weak.errors[0].buffer);
-  EXPECT_FALSE(weak.errors[0].IsTooLate());
-  EXPECT_NEAR(2000.0 / 1500.0, weak.errors[0].needed / weak.errors[0].level, 0.01);
-  EXPECT_TRUE(FollowPairing(ReplayRecord(MakeRecording(Ambient() + "b....9"))).errors.empty());
+  const auto weak = ReplayRecord(MakeRecording(Ambient() + "b" + std::string(18, '.') + "6")).GetSequenceErrors();
+  ASSERT_EQ(1u, weak.size());
+  EXPECT_EQ(55, weak[0].buffer);
+  EXPECT_FALSE(weak[0].IsTooLate());
+  EXPECT_NEAR(2000.0 / 1500.0, weak[0].needed / weak[0].level, 0.01);
+  EXPECT_TRUE(ReplayRecord(MakeRecording(Ambient() + "b....9")).GetSequenceErrors().empty());
 }
 
-TEST(ReplayFindings, RaiseWhatASecondToneMustReachWithEachPair) {
+TEST(ReplayRecord, RaisesWhatASecondToneMustReachWithEachPair) {
   const RunRecord run = ReplayRecord(MakeRecording(Ambient() + "7..6.9..6"));
-  const Pairing pairing = FollowPairing(run);
-  ASSERT_EQ(4u, pairing.floors.size());
-  EXPECT_EQ(Tone::k19000Hz, pairing.floors[0].tone);
-  EXPECT_EQ(36, pairing.floors[0].from);
-  EXPECT_EQ(39, pairing.floors[0].to);
-  EXPECT_EQ(39, pairing.floors[1].from);
-  EXPECT_EQ(41, pairing.floors[1].to);
-  EXPECT_EQ(run.GetBlocks()[39 - 5].levels.at19000, pairing.floors[1].level);
-  EXPECT_EQ(run.GetBlocks()[41 - 5].levels.at19000, pairing.floors[2].level);
+  const std::vector<Floor>& floors = run.GetFloors();
+  ASSERT_EQ(4u, floors.size());
+  EXPECT_EQ(Tone::k19000Hz, floors[0].tone);
+  EXPECT_EQ(36, floors[0].from);
+  EXPECT_EQ(39, floors[0].to);
+  EXPECT_EQ(39, floors[1].from);
+  EXPECT_EQ(41, floors[1].to);
+  EXPECT_EQ(run.GetBlocks()[39 - 5].levels.at19000, floors[1].level);
+  EXPECT_EQ(run.GetBlocks()[41 - 5].levels.at19000, floors[2].level);
   // The weaker one is a new first tone.
-  EXPECT_EQ(Tone::k17000Hz, pairing.floors[3].tone);
-  ASSERT_EQ(1u, pairing.errors.size());
-  EXPECT_EQ(44, pairing.errors[0].buffer);
+  EXPECT_EQ(Tone::k17000Hz, floors[3].tone);
+  ASSERT_EQ(1u, run.GetSequenceErrors().size());
+  EXPECT_EQ(44, run.GetSequenceErrors()[0].buffer);
 }
 
 }  // namespace

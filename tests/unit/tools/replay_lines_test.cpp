@@ -4,7 +4,6 @@
 
 #include <cmath>
 
-#include "replay/listener_pair.h"
 #include "replay/recording.h"
 #include "replay/report_lines.h"
 #include "unit/tools/replay_recordings.h"
@@ -206,7 +205,7 @@ TEST(ReplayLines, FindNoToneInTheHearableMode) {
 // Blocks that the remote has lost count as buffers, and are soon received.
 void Lose(std::int32_t blocks, ReceiverRig& rig) {
   for (std::int32_t block = 0; block < blocks; ++block) {
-    OrvexReceiver::m_ReceiveBTAudioDataCB(nullptr, &rig.GetReceiver());
+    rig.Lose();
   }
 }
 
@@ -214,8 +213,7 @@ TEST(ReplayLines, CountOnWhereTheReceiverBeginsAgain) {
   std::stringstream text;
   ReportLines lines(text, "", false);
   RunRecord run(false);
-  ListenerPair both(lines, run);
-  ReceiverRig rig(both);
+  ReceiverRig rig({&lines, &run});
   Feed(MakeRecording(Ambient()), rig);
   Lose(99997 - 35, rig);
   Feed(MakeRecording(".7.....9"), rig);
@@ -239,8 +237,7 @@ TEST(ReplayLines, CountOnWhereTheReceiverBeginsAgain) {
 TEST(ReplayLines, NameTheFileWhenItIsGiven) {
   std::ostringstream text;
   ReportLines lines(text, "a \"b\"", false);
-  ReceiverRig rig(lines);
-  lines.OnAmbient(35);
+  lines.OnAmbientKnown(35, {});
   EXPECT_EQ("{\"buffer\":35,\"event\":\"ambient\",\"file\":\"a \\\"b\\\"\"}\n", text.str());
 }
 

@@ -73,9 +73,7 @@ TEST(ReplayRecording, TakesWaveFilesOfTheOtherByteOrderAndOfAnyLength) {
 }
 
 TEST(ReplayRecording, FeedsEveryBlockAndTellsHowFarItIs) {
-  struct Heard : ReceiverListener {};
-  Heard heard;
-  ReceiverRig rig(heard);
+  ReceiverRig rig({});
   std::vector<std::size_t> told;
   Feed(std::vector<std::uint8_t>(2 * 1536 + 100), rig, [&](std::size_t done) { told.push_back(done); });
   EXPECT_THAT(told, ElementsAre(1536, 2 * 1536, 2 * 1536 + 100));

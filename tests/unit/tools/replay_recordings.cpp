@@ -8,7 +8,6 @@
 #include <memory>
 #include <sstream>
 
-#include "replay/listener_pair.h"
 #include "replay/recording.h"
 #include "replay/report_lines.h"
 
@@ -68,8 +67,7 @@ std::vector<Json::Value> ReplayLines(const std::vector<std::uint8_t>& bytes, boo
   std::stringstream text;
   ReportLines lines(text, "", trace);
   RunRecord run(hearable);
-  ListenerPair both(lines, run);
-  ReceiverRig rig(both, hearable);
+  ReceiverRig rig({&lines, &run}, hearable);
   Feed(bytes, rig);
   lines.WriteSummary(rig, run);
   std::vector<Json::Value> objects;
@@ -85,7 +83,7 @@ std::vector<Json::Value> ReplayLines(const std::vector<std::uint8_t>& bytes, boo
 
 RunRecord ReplayRecord(const std::vector<std::uint8_t>& bytes, bool hearable) {
   RunRecord run(hearable);
-  ReceiverRig rig(run, hearable);
+  ReceiverRig rig({&run}, hearable);
   Feed(bytes, rig);
   return run;
 }

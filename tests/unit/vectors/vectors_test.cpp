@@ -18,7 +18,7 @@ namespace {
 
 using Samples = std::vector<std::int16_t>;
 
-constexpr std::size_t kBlockSamples = OrvexReceiver::kBlockSamples;
+constexpr std::size_t kBlockSamples = kVoiceBlockSamples;
 
 std::vector<std::uint8_t> LittleEndian(const Samples& samples) {
   std::vector<std::uint8_t> bytes;
@@ -89,19 +89,21 @@ Samples BlockNamed(const std::string& name) {
   return samples;
 }
 
-struct Heard : ReceiverListener {
-  void OnBlock(std::int32_t /*buffer*/, const BlockLevels& block) override { levels.push_back(block); }
-  void OnResult(std::int32_t /*buffer*/, std::int32_t first, std::int32_t second, double /*differenceS*/) override {
-    pairs.emplace_back(first, second);
+struct Heard : OrvexReceiverObserver {
+  void OnBlock(std::int32_t /*buffer*/, const ToneMagnitudes& magnitudes, const Levels& /*ambient*/) override {
+    levels.push_back(magnitudes);
+  }
+  void OnPair(std::int32_t buffer, Tone /*tone*/, std::int32_t first, double /*differenceS*/) override {
+    pairs.emplace_back(first, buffer);
   }
 
-  std::vector<BlockLevels> levels;
+  std::vector<ToneMagnitudes> levels;
   std::vector<std::pair<std::int32_t, std::int32_t>> pairs;
 };
 
 Heard Hear(const Samples& recording) {
   Heard heard;
-  ReceiverRig rig(heard);
+  ReceiverRig rig({&heard});
   const std::vector<std::uint8_t> bytes = LittleEndian(recording);
   constexpr std::size_t kBlockBytes = 2 * kBlockSamples;
   for (std::size_t at = 0; at < bytes.size(); at += kBlockBytes) {
@@ -120,7 +122,7 @@ TEST_P(Magnitudes, AreThoseOfTheReference) {
   recording.insert(recording.end(), block.begin(), block.end());
   const Heard heard = Hear(recording);
   ASSERT_EQ(1U, heard.levels.size());
-  const BlockLevels& levels = heard.levels.front();
+  const ToneMagnitudes& levels = heard.levels.front();
   const std::vector<std::pair<const char*, double>> measured = {
       {"17000", levels.at17000}, {"17500", levels.at17500}, {"18000", levels.at18000}, {"19000", levels.at19000}};
   for (const auto& [hz, magnitude] : measured) {

@@ -1,0 +1,9 @@
+// A debug dump that leaves no file, for recordings that are on disk already or are thrown away.
+#pragma once
+
+namespace orvex::tools {
+
+// The dump of this process writes nothing. To be called before the first recording.
+void DumpNothing();
+
+}  // namespace orvex::tools
