@@ -11,7 +11,7 @@
 
 namespace {
 
-using namespace orvex::service_tests;
+using namespace orvex::test;
 using orvex::detector::MagnitudeAt;
 using orvex::detector::MeasureBlock;
 using orvex::detector::ReadSamples;

@@ -4,11 +4,8 @@
 
 namespace {
 
-using namespace orvex::service_tests;
+using namespace orvex::test;
 using orvex::detector::Tone;
-using orvex::test::BlockReports;
-using orvex::test::Report;
-using orvex::test::Step;
 using testing::ElementsAre;
 
 // Adds each step to the journal, between the lines.
