@@ -1,4 +1,4 @@
-// Begins Ecore.
+// Looks for what Ecore needs, and calls ecore_init().
 #include "linux/ecore_start.h"
 
 #include <Ecore.h>

@@ -1,4 +1,4 @@
-// The signals that end a run in order.
+// Blocks the signals and reads them from a signalfd.
 #include "linux/end_signals.h"
 
 #include <fcntl.h>

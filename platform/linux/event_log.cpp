@@ -1,4 +1,4 @@
-// The event-log collector: a file of the port, and nothing else.
+// The contract's event-log collector, for a port that takes event_file.h as it is.
 #include "orvex/platform/event_log.h"
 
 #include "linux/event_file.h"

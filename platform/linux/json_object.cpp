@@ -1,4 +1,4 @@
-// Reading JSON strictly.
+// Sets jsoncpp up for strict reading, and refuses a zero byte and deep nesting, which it does not.
 #include "linux/json_object.h"
 
 #include <json/reader.h>

@@ -1,4 +1,4 @@
-// Reading JSON strictly.
+// Reads JSON strictly.
 #pragma once
 
 #include <json/value.h>

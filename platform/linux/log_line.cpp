@@ -1,4 +1,4 @@
-// Buffer and priority as words and letters.
+// A word for the buffer, a letter for the priority.
 #include "linux/log_line.h"
 
 #include <fcntl.h>

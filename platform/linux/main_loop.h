@@ -8,12 +8,12 @@ namespace orvex::port {
 
 // Starts Ecore on this thread. Empty: it has started. Otherwise what is missing; nothing is left behind.
 std::string StartMainLoop();
-// Runs until the end was requested; at once back when it was already.
+// Runs until the end is requested; returns at once when it was requested before.
 void RunMainLoop();
 // Iterates until no worker of the pool runs and their end and cancel functions have been called. False: some still run
 // after `limit`.
 bool DrainWorkers(std::chrono::milliseconds limit);
-// Stops Ecore. Timers, monitors and handlers are void afterwards.
+// Ends all alarms and stops Ecore. Other timers, monitors and handlers are void afterwards.
 void StopMainLoop();
 
 // Asks the main loop to end; events still queued are dropped.

@@ -21,8 +21,8 @@ public:
   MessageSocket(const MessageSocket&) = delete;
   MessageSocket& operator=(const MessageSocket&) = delete;
 
-  // Replaces a socket that nobody serves any more. A socket that cannot be made is reported, with path, reason and what
-  // was expected; no message comes then.
+  // Replaces a socket that nobody serves any more. Why a socket cannot be made is reported; the application gets no
+  // messages then.
   void Open();
   // Ends all connections and removes the file.
   void Close();

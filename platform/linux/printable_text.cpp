@@ -1,4 +1,4 @@
-// Texts that come from elsewhere.
+// Decodes UTF-8 character by character.
 #include "linux/printable_text.h"
 
 #include <array>

@@ -1,4 +1,4 @@
-// The settings store as files, and nothing else.
+// The contract's settings store, for a port that takes settings_files.h as it is.
 #include "orvex/platform/settings.h"
 
 #include "linux/settings_files.h"

@@ -1,4 +1,4 @@
-// Who wants to hear of which settings key, and how the news reaches them. Main loop's thread only.
+// The subscriptions to settings keys, and their notifications. Main loop's thread only.
 #pragma once
 
 #include <filesystem>

@@ -1,4 +1,4 @@
-// The watchdog by the notification protocol, and nothing else.
+// The contract's watchdog, for a port that takes watchdog_notifications.h as it is.
 #include "orvex/platform/watchdog.h"
 
 #include "linux/watchdog_notifications.h"

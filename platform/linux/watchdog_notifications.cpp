@@ -1,4 +1,4 @@
-// Who is registered, and what is sent.
+// Keeps the registration and sends the notifications.
 #include "linux/watchdog_notifications.h"
 
 #include <string>

@@ -1,18 +1,12 @@
 // No output delay service, no audio control object.
 #include "orvex/platform/output_delay.h"
 
-namespace {
-
-constexpr int kUnreachable = -1;
-
-}  // namespace
-
 int avoc_get_delay(std::uint32_t* /*delayMs*/, int /*kind*/) {
-  return kUnreachable;
+  return kDelayUnreachable;
 }
 
 int avoc_set_delay(std::uint32_t /*delayMs*/, int /*kind*/) {
-  return kUnreachable;
+  return kDelayUnreachable;
 }
 
 IAudioControl* IAudioControl::getInstance() {

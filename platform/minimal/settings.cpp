@@ -1,23 +1,16 @@
 // No settings store.
 #include "orvex/platform/settings.h"
 
-namespace {
-
-constexpr int kNoSubscription = -1;
-constexpr int kNoStore = -3;
-
-}  // namespace
-
 int settings_get_int(const char* /*key*/, int* /*value*/) {
-  return kNoStore;
+  return kSettingsUnreadable;
 }
 
 int settings_subscribe(const char* /*key*/, SettingsChangedCallback /*callback*/, void* /*userData*/) {
-  return kNoStore;
+  return kSettingsUnreadable;
 }
 
 int settings_unsubscribe(const char* /*key*/, SettingsChangedCallback /*callback*/) {
-  return kNoSubscription;
+  return kSettingsNotSubscribed;
 }
 
 const char* settings_node_name(const SettingsNode* /*node*/) {
