@@ -101,6 +101,23 @@ TEST_F(Settings, ReadAnIntegerOrTellWhyNot) {
   }
 }
 
+TEST_F(Settings, ReportAProblemOnceAsLongAsItLasts) {
+  const auto reportOf = [](const std::string& key) {
+    int value = 0;
+    testing::internal::CaptureStderr();
+    settings_get_int(key.c_str(), &value);
+    return testing::internal::GetCapturedStderr();
+  };
+  Echo(FileOf(kConsent), "often\n");
+  EXPECT_EQ(reportOf(kConsent), "test-port: " + (Folder() / FileOf(kConsent)).string() +
+                                    ": \"often\": expected an integer from -2147483648 to 2147483647\n");
+  EXPECT_EQ(reportOf(kConsent), "");
+  Echo(FileOf(kConsent), "1\n");
+  EXPECT_EQ(reportOf(kConsent), "");
+  Echo(FileOf(kConsent), "often\n");
+  EXPECT_NE(reportOf(kConsent), "");
+}
+
 TEST_F(Settings, TellAMissingKeyFromAnUnreadableStore) {
   int value = 77;
   EXPECT_EQ(settings_get_int("db/nothing", &value), -1);
