@@ -13,7 +13,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-class InjectedFaults : public HostTelevision {
+class InjectedFaults : public TelevisionTest {
 protected:
   std::string ProblemWith(const std::string& json) {
     testing::internal::CaptureStderr();

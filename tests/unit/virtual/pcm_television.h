@@ -10,7 +10,7 @@ namespace orvex::virtual_tv {
 
 // A process has one room and one sound device, so each test needs a process of its own, as ctest gives it. room.json is
 // written before their first use.
-class PcmTelevision : public HostTelevision {
+class PcmTelevision : public TelevisionTest {
 protected:
   void SetUp() override {
     static bool isTaken = false;
@@ -18,7 +18,7 @@ protected:
       GTEST_SKIP() << "needs a process of its own: run it by ctest, or alone by --gtest_filter";
     }
     isTaken = true;
-    HostTelevision::SetUp();
+    TelevisionTest::SetUp();
     if (!IsSkipped()) {
       ConfigureAlsa();
     }

@@ -26,7 +26,7 @@ std::string FileOf(const std::string& key) {
   return "settings/" + key;
 }
 
-class TelevisionLog : public HostTelevision {};
+class TelevisionLog : public TelevisionTest {};
 
 TEST_F(TelevisionLog, IsTheRecordRawOnStderrAndOneLineWithItsTimeInAFile) {
   const std::string record = "file.cpp: run(7) > \033[32mhello\033[0m\n";
@@ -40,7 +40,7 @@ TEST_F(TelevisionLog, IsTheRecordRawOnStderrAndOneLineWithItsTimeInAFile) {
       << line;
 }
 
-class TelevisionSettings : public HostTelevision {};
+class TelevisionSettings : public TelevisionTest {};
 
 TEST_F(TelevisionSettings, ReadAnIntegerOrTellWhyNot) {
   const struct {
@@ -85,7 +85,7 @@ TEST_F(TelevisionSettings, AnswerAsInjected) {
   EXPECT_EQ(settings_unsubscribe(kFlag, callback), kSettingsDone);
 }
 
-class TelevisionEventLog : public HostTelevision {
+class TelevisionEventLog : public TelevisionTest {
 protected:
   static int Add(const std::string& value) {
     return event_log_add_sync(event_log_get_instance(), "21_remocon", "ORVEXSET", "EV012", value);
@@ -109,7 +109,7 @@ TEST_F(TelevisionEventLog, HasNoInstanceWhenAbsent) {
   EXPECT_LT(Add("x"), 0);
 }
 
-class TelevisionMainLoop : public HostTelevision {
+class TelevisionMainLoop : public TelevisionTest {
 protected:
   // Runs a main loop that ends when `work` is done in it.
   void RunWith(const std::function<void()>& work) {

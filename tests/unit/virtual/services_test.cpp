@@ -13,7 +13,7 @@ namespace {
 
 using testing::HasSubstr;
 
-using TelevisionServices = HostTelevision;
+using TelevisionServices = TelevisionTest;
 
 TEST_F(TelevisionServices, ReadAndWriteTheSoundManagersFiles) {
   Echo("sound/mute", "1\n");
@@ -54,17 +54,6 @@ TEST_F(TelevisionServices, SayOnceThatAValueCannotBeReadUntilItCan) {
   EXPECT_EQ(problems(2), 1) << "it was good meanwhile";
 }
 
-TEST_F(TelevisionServices, RefuseOtherDevicesAndVolumesOutOfRange) {
-  bool muted = true;
-  EXPECT_EQ(sound_manager_get_device_mute(1, &muted), -2);
-  EXPECT_TRUE(muted);
-  EXPECT_EQ(sound_manager_set_device_mute(1, true), -2);
-  EXPECT_EQ(sound_manager_set_tv_master_volume(-1), -2);
-  EXPECT_EQ(sound_manager_set_tv_master_volume(101), -2);
-  EXPECT_EQ(Content("sound/volume"), "15\n");
-  EXPECT_EQ(Content("sound/mute"), "0\n");
-}
-
 TEST_F(TelevisionServices, ReadAndWriteTheDelayOfTheOpticalOutput) {
   std::uint32_t delayMs = 0;
   EXPECT_EQ(avoc_get_delay(&delayMs, kDelayKindSpdif), 0);
@@ -76,38 +65,6 @@ TEST_F(TelevisionServices, ReadAndWriteTheDelayOfTheOpticalOutput) {
   EXPECT_EQ(avoc_get_delay(&delayMs, 2), -2);
   EXPECT_EQ(avoc_set_delay(1, 2), -2);
   EXPECT_EQ(Content("delay/spdif"), "4294967295\n");
-}
-
-TEST_F(TelevisionServices, AnswerQueriesFromTheFilesOfTv) {
-  for (const auto& [name, text] : {std::pair("tv/brand", "Velta"),
-                                   {"tv/device_type", "-3"},
-                                   {"tv/source", "11"},
-                                   {"tv/resolution", "9"},
-                                   {"tv/frequency", "50"},
-                                   {"tv/codec", "2"},
-                                   {"tv/hdmi_inputs", "3"}}) {
-    Echo(name, std::string(text) + "\n");
-  }
-  const TvActivityInfo* const info = tv_get_activity_info_by_source(99);
-  ASSERT_NE(info, nullptr);
-  EXPECT_STREQ(info->brandName, "Velta");
-  EXPECT_EQ(info->deviceType, -3);
-  EXPECT_EQ(tv_get_hdmi_input_count(), 3);
-  ISourceControl* sources = nullptr;
-  ASSERT_EQ(tv_create_source_control(1, 0, &sources), 0);
-  ESource source{};
-  EXPECT_EQ(sources->getCurrentSource(&source), 0);
-  EXPECT_EQ(static_cast<int>(source), 11);
-  IAVControl* video = nullptr;
-  ASSERT_EQ(tv_create_av_control(1, 0, &video), 0);
-  std::int32_t resolution = 2;
-  TvResolution record{};
-  EXPECT_EQ(video->getResolution(&resolution, &record), 0);
-  EXPECT_EQ(resolution, 9);
-  EXPECT_EQ(record.frequency, 50);
-  std::int32_t codec = 0;
-  EXPECT_EQ(IAudioControl::getInstance()->getSpdifOutCodec(&codec), 0);
-  EXPECT_EQ(codec, 2);
 }
 
 // One operation that reads a file, and its name in faults.json. Targets start at 77.

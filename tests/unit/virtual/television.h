@@ -15,11 +15,11 @@
 
 namespace orvex::virtual_tv {
 
-class HostTelevision : public testing::Test {
+class TelevisionTest : public testing::Test {
 protected:
-  HostTelevision() : m_Folder(TestFolder()) {}
+  TelevisionTest() : m_Folder(TestFolder()) {}
 
-  ~HostTelevision() override {
+  ~TelevisionTest() override {
     if (!m_Folder.empty()) {
       std::error_code ignored;
       std::filesystem::remove_all(m_Folder, ignored);
@@ -70,7 +70,7 @@ private:
 
   // A test that dies, as a child process, shares the folder of its parent, which cleans up behind it.
   static std::string NewFolder() {
-    constexpr const char* kParentsFolder = "ORVEX_HOST_TEST_FOLDER";
+    constexpr const char* kParentsFolder = "ORVEX_TEST_TELEVISION";
     if (const char* const parents = getenv(kParentsFolder)) {
       return parents;
     }

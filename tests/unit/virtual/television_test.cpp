@@ -84,7 +84,7 @@ TelevisionError ErrorOf(const std::function<void()>& work) {
   return {Cause::kMissing, ""};
 }
 
-class TelevisionDirectory : public HostTelevision {
+class TelevisionDirectory : public TelevisionTest {
 protected:
   const Television& m_Television = Television::Instance();
 };
