@@ -1,6 +1,8 @@
 // Draws a chart.
 #include "replay/chart.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cmath>
 #include <set>
@@ -35,6 +37,14 @@ double TickStep(double length, double count) {
   return 10.0 * power;
 }
 
+// As many as tell ticks apart.
+int DecimalsOf(double step) {
+  if (step < 0.1) {
+    return 2;
+  }
+  return step < 1.0 ? 1 : 0;
+}
+
 std::vector<double> Ticks(Span span, double step) {
   std::vector<double> ticks;
   const auto first = static_cast<long>(std::ceil(span.low / step));
@@ -63,41 +73,37 @@ double Chart::Y(double decibels) const {
 }
 
 void Chart::AddText(double x, double y, const std::string& style, const std::string& text) {
-  m_Svg << Text("<text x='%.1f' y='%.1f' class='%s'>%s</text>\n", x, y, style.c_str(), Escaped(text).c_str());
+  m_Svg << fmt::format("<text x='{:.1f}' y='{:.1f}' class='{}'>{}</text>\n", x, y, style, Escaped(text));
 }
 
 void Chart::AddTimeAxes() {
   const double bottom = kTop + m_Height;
   const double bufferStep = std::max(1.0, TickStep(m_Buffers.Length(), 12.0));
   for (const double buffer : Ticks(m_Buffers, bufferStep)) {
-    m_Svg << Text("<path class='tick' d='M%.1f %.1fv-5'/>", X(buffer), kTop);
-    AddText(X(buffer), kTop - 8.0, "label middle", Text("%.0f", buffer));
+    m_Svg << fmt::format("<path class='tick' d='M{:.1f} {:.1f}v-5'/>", X(buffer), kTop);
+    AddText(X(buffer), kTop - 8.0, "label middle", fmt::format("{:.0f}", buffer));
   }
   AddText(kRight + kTitleGap, kTop - 8.0, "title", "buffer");
   const double timeStep = TickStep(m_Buffers.Length() * detector::kBufferS, 12.0);
   for (const double time : Ticks({m_Buffers.low * detector::kBufferS, m_Buffers.high * detector::kBufferS}, timeStep)) {
-    m_Svg << Text("<path class='grid' d='M%.1f %.1fV%.1f'/>", X(time / detector::kBufferS), kTop, bottom);
+    m_Svg << fmt::format("<path class='grid' d='M{:.1f} {:.1f}V{:.1f}'/>", X(time / detector::kBufferS), kTop, bottom);
     AddText(X(time / detector::kBufferS), bottom + 19.0, "label middle",
-            Text("%.*f",
-                 timeStep < 0.1   ? 2
-                 : timeStep < 1.0 ? 1
-                                  : 0,
-                 time));
+            fmt::format("{:.{}f}", time, DecimalsOf(timeStep)));
   }
   AddText(kRight + kTitleGap, bottom + 19.0, "title", "time (s)");
-  m_Svg << Text("<rect class='frame' x='%.1f' y='%.1f' width='%.1f' height='%.1f'/>\n", kLeft, kTop, kRight - kLeft,
-                m_Height);
+  m_Svg << fmt::format("<rect class='frame' x='{:.1f}' y='{:.1f}' width='{:.1f}' height='{:.1f}'/>\n", kLeft, kTop,
+                       kRight - kLeft, m_Height);
 }
 
 void Chart::AddDecibelAxis(Span decibels, const std::string& title) {
   m_Decibels = decibels;
   for (const double tick : Ticks(decibels, TickStep(decibels.Length(), m_Height / 32.0))) {
-    m_Svg << Text("<path class='grid' d='M%.1f %.1fH%.1f'/>", kLeft, Y(tick), kRight);
-    AddText(kLeft - 7.0, Y(tick) + 4.0, "label end", Text("%.0f", tick));
+    m_Svg << fmt::format("<path class='grid' d='M{:.1f} {:.1f}H{:.1f}'/>", kLeft, Y(tick), kRight);
+    AddText(kLeft - 7.0, Y(tick) + 4.0, "label end", fmt::format("{:.0f}", tick));
   }
   const double middle = kTop + m_Height / 2.0;
-  m_Svg << Text("<text class='title middle' transform='translate(15 %.1f) rotate(-90)'>%s</text>\n", middle,
-                Escaped(title).c_str());
+  m_Svg << fmt::format("<text class='title middle' transform='translate(15 {:.1f}) rotate(-90)'>{}</text>\n", middle,
+                       Escaped(title));
 }
 
 void Chart::AddBand(double fromBuffer, double toBuffer, const std::string& style, const std::string& label) {
@@ -106,8 +112,9 @@ void Chart::AddBand(double fromBuffer, double toBuffer, const std::string& style
   if (width <= 0.0) {
     return;
   }
-  m_Svg << Text("<rect class='%s' x='%.1f' y='%.1f' width='%.1f' height='%.1f'><title>%s</title></rect>\n",
-                style.c_str(), left, kTop, width, m_Height, Escaped(label).c_str());
+  m_Svg << fmt::format(
+      "<rect class='{}' x='{:.1f}' y='{:.1f}' width='{:.1f}' height='{:.1f}'><title>{}</title></rect>\n", style, left,
+      kTop, width, m_Height, Escaped(label));
   if (width > kCharacterWidth * static_cast<double>(label.size())) {
     AddText(left + width / 2.0, kTop + 16.0, "title middle", label);
   }
@@ -116,7 +123,8 @@ void Chart::AddBand(double fromBuffer, double toBuffer, const std::string& style
 void Chart::AddLevel(double fromBuffer, double toBuffer, double decibels, const std::string& style,
                      const std::string& label) {
   if (fromBuffer < m_Buffers.high && toBuffer > m_Buffers.low) {
-    m_Svg << Text("<path class='%s' d='M%.1f %.1fH%.1f'/>\n", style.c_str(), X(fromBuffer), Y(decibels), X(toBuffer));
+    m_Svg << fmt::format("<path class='{}' d='M{:.1f} {:.1f}H{:.1f}'/>\n", style, X(fromBuffer), Y(decibels),
+                         X(toBuffer));
   }
   if (!label.empty()) {
     m_Labels.push_back({Y(decibels) + 4.0, label, style});
@@ -135,10 +143,10 @@ void Chart::AddCurve(const std::vector<CurvePoint>& curve, const std::string& st
     }
     const double x = X(point.buffer);
     const double y = Y(point.decibels);
-    path << Text("%c%.1f %.1f", isOpen ? 'L' : 'M', x, y);
+    path << fmt::format("{}{:.1f} {:.1f}", isOpen ? 'L' : 'M', x, y);
     isOpen = true;
     if (hasDots) {
-      dots << Text("<circle cx='%.1f' cy='%.1f' r='2.4'/>", x, y);
+      dots << fmt::format("<circle cx='{:.1f}' cy='{:.1f}' r='2.4'/>", x, y);
     }
   }
   m_Svg << "<path class='curve " << style << "' data-label='" << Escaped(label) << "' d='" << path.str() << "'/>\n";
@@ -151,11 +159,11 @@ void Chart::AddPair(double first, double second, const std::string& label) {
   const double y = kTop + 12.0;
   const double bottom = kTop + m_Height;
   const bool hasRoomRight = X(second) + kPairLabelWidth < kRight;
-  m_Svg << Text("<g class='pair%s' data-first='%.0f' data-second='%.0f'>", label.empty() ? " further" : "", first,
-                second)
-        << Text("<path class='first' d='M%.1f %.1fV%.1f'/>", X(first), kTop, bottom)
-        << Text("<path class='second' d='M%.1f %.1fV%.1f'/>", X(second), kTop, bottom)
-        << Text("<path class='span' d='M%.1f %.1fH%.1f'/>", X(first), y, X(second));
+  m_Svg << fmt::format("<g class='pair{}' data-first='{:.0f}' data-second='{:.0f}'>", label.empty() ? " further" : "",
+                       first, second)
+        << fmt::format("<path class='first' d='M{:.1f} {:.1f}V{:.1f}'/>", X(first), kTop, bottom)
+        << fmt::format("<path class='second' d='M{:.1f} {:.1f}V{:.1f}'/>", X(second), kTop, bottom)
+        << fmt::format("<path class='span' d='M{:.1f} {:.1f}H{:.1f}'/>", X(first), y, X(second));
   AddText(hasRoomRight ? X(second) + 6.0 : X(first) - 6.0, y + 4.0, hasRoomRight ? "pair" : "pair end", label);
   m_Svg << "</g>\n";
 }
@@ -165,15 +173,15 @@ double Chart::LaneMiddle(std::size_t lane) const {
 }
 
 void Chart::AddLink(Place first, Place second, bool isFaint) {
-  m_Svg << Text("<g class='pair%s' data-first='%.0f' data-second='%.0f'>", isFaint ? " further" : "", first.buffer,
-                second.buffer)
-        << Text("<path class='span' d='M%.1f %.1fL%.1f %.1f'/></g>\n", X(first.buffer), LaneMiddle(first.lane),
-                X(second.buffer), LaneMiddle(second.lane));
+  m_Svg << fmt::format("<g class='pair{}' data-first='{:.0f}' data-second='{:.0f}'>", isFaint ? " further" : "",
+                       first.buffer, second.buffer)
+        << fmt::format("<path class='span' d='M{:.1f} {:.1f}L{:.1f} {:.1f}'/></g>\n", X(first.buffer),
+                       LaneMiddle(first.lane), X(second.buffer), LaneMiddle(second.lane));
 }
 
 void Chart::AddLaneLabel(std::size_t lane, const std::string& style, const std::string& label) {
   const double y = kTop + static_cast<double>(lane) * kLaneHeight;
-  m_Svg << Text("<path class='grid' d='M%.1f %.1fH%.1f'/>", kLeft, y, kRight);
+  m_Svg << fmt::format("<path class='grid' d='M{:.1f} {:.1f}H{:.1f}'/>", kLeft, y, kRight);
   AddText(kRight + kLabelGap, y + kLaneHeight / 2.0 + 4.0, "label " + style, label);
 }
 
@@ -186,8 +194,8 @@ void Chart::AddMarks(std::size_t lane, const std::vector<double>& buffers, Shape
   for (const double buffer : buffers) {
     if (columns.insert(std::lround(X(buffer))).second) {
       const std::string title = BufferText(static_cast<std::int32_t>(buffer));
-      m_Svg << Text("<path data-buffer='%.0f' d='M%.1f %.1f%s'><title>%s</title></path>", buffer, X(buffer), y,
-                    kShapes[static_cast<std::size_t>(shape)], title.c_str());
+      m_Svg << fmt::format("<path data-buffer='{:.0f}' d='M{:.1f} {:.1f}{}'><title>{}</title></path>", buffer,
+                           X(buffer), y, kShapes[static_cast<std::size_t>(shape)], title);
     }
   }
   m_Svg << "</g>\n";
@@ -209,11 +217,12 @@ void Chart::AddMarginLabels() {
 std::string Chart::Finish() {
   AddMarginLabels();
   const double height = kTop + m_Height + kBottomMargin;
-  return Text(
-             "<svg class='chart' id='%s' viewBox='0 0 %.0f %.0f' role='img' data-from='%g' data-to='%g' "
-             "data-low='%g' data-high='%g' data-left='%g' data-right='%g' data-top='%g' data-bottom='%g'>\n",
-             m_Name.c_str(), kWidth, height, m_Buffers.low, m_Buffers.high, m_Decibels.low, m_Decibels.high, kLeft,
-             kRight, kTop, kTop + m_Height) +
+  return fmt::format(
+             "<svg class='chart' id='{}' viewBox='0 0 {:.0f} {:.0f}' role='img' data-from='{:g}' data-to='{:g}' "
+             "data-low='{:g}' data-high='{:g}' data-left='{:g}' data-right='{:g}' data-top='{:g}' "
+             "data-bottom='{:g}'>\n",
+             m_Name, kWidth, height, m_Buffers.low, m_Buffers.high, m_Decibels.low, m_Decibels.high, kLeft, kRight,
+             kTop, kTop + m_Height) +
          m_Svg.str() + "</svg>\n";
 }
 

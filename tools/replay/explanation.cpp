@@ -1,6 +1,8 @@
 // Puts the receiver's decision into words.
 #include "replay/explanation.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cmath>
 #include <iterator>
@@ -14,64 +16,64 @@ namespace {
 constexpr std::size_t kErrorsToTell = 3;
 
 std::string Described(Tone tone) {
-  return Text("%s (%s)", NameOf(tone), OriginOf(tone));
+  return fmt::format("{} ({})", NameOf(tone), OriginOf(tone));
 }
 
 std::string Margins(const RunRecord& run, std::int32_t buffer, Tone tone) {
   const auto block = std::find_if(run.GetBlocks().begin(), run.GetBlocks().end(),
                                   [&](const RecordedBlock& one) { return one.buffer == buffer; });
-  return Text(
-      "%s stood %.1f dB above its ambient mean, where %.1f dB are needed, and %.1f dB above its neighbours, where "
-      "%.1f dB are needed.",
+  return fmt::format(
+      "{} stood {:.1f} dB above its ambient mean, where {:.1f} dB are needed, and {:.1f} dB above its neighbours, "
+      "where "
+      "{:.1f} dB are needed.",
       NameOf(tone), Decibels(block->levels.At(tone) / run.GetAmbient()->At(tone)), Decibels(detector::kToneThreshold),
       Decibels(block->levels.Ratio(tone)), Decibels(detector::kNeighbourThreshold));
 }
 
-// What a tone came to in a recording without a difference.
-std::string Fate(const RunRecord& run, Tone tone) {
+// How far a tone got in a recording without a difference.
+std::string DescribeTone(const RunRecord& run, Tone tone) {
   const ToneFindings found = FindTone(run, tone);
   const double ambient = run.GetAmbient()->At(tone);
   if (ambient == 0.0) {
-    return Text("%s cannot be found: its ambient mean is exactly 0, which is digital silence.",
-                Described(tone).c_str());
+    return fmt::format("{} cannot be found: its ambient mean is exactly 0, which is digital silence.", Described(tone));
   }
   if (found.clean > 0) {
-    return Text("%s was found in %s, first in %s.", Described(tone).c_str(), Counted(found.clean, "block").c_str(),
-                BufferText(found.firstClean).c_str());
+    return fmt::format("{} was found in {}, first in {}.", Described(tone), Counted(found.clean, "block"),
+                       BufferText(found.firstClean));
   }
   if (found.noisy > 0) {
-    return Text(
-        "%s reached its threshold in %s, but %s drowned by its neighbours 17.5 and 18 kHz: at best it stood "
-        "%.1f dB above them, where %.1f dB are needed.",
-        Described(tone).c_str(), Counted(found.reaching, "block").c_str(),
-        found.noisy == found.reaching ? "was" : Text("in %d of them was", found.noisy).c_str(),
+    return fmt::format(
+        "{} reached its threshold in {}, but {} drowned by its neighbours 17.5 and 18 kHz: at best it stood "
+        "{:.1f} dB above them, where {:.1f} dB are needed.",
+        Described(tone), Counted(found.reaching, "block"),
+        found.noisy == found.reaching ? "was" : fmt::format("in {} of them was", found.noisy),
         Decibels(found.bestNoisyRatio), Decibels(detector::kNeighbourThreshold));
   }
   if (found.covered > 0) {
-    return Text("%s reached its threshold in %s, but %s was the stronger one there.", Described(tone).c_str(),
-                Counted(found.covered, "block").c_str(), NameOf(Other(tone)));
+    return fmt::format("{} reached its threshold in {}, but {} was the stronger one there.", Described(tone),
+                       Counted(found.covered, "block"), NameOf(Other(tone)));
   }
   if (!found.strongest) {
-    return Text("%s: the recording ends before tones are looked for.", Described(tone).c_str());
+    return fmt::format("{}: the recording ends before tones are looked for.", Described(tone));
   }
   const bool isOtherThere = Judge(run, *found.strongest, Other(tone)) == Verdict::kClean;
-  const std::string beside = isOtherThere ? Text(" while %s sounded", NameOf(Other(tone))) : "";
+  const std::string beside = isOtherThere ? fmt::format(" while {} sounded", NameOf(Other(tone))) : "";
   const double reached = Decibels(found.strongest->levels.At(tone) / ambient);
-  return Text(
-      "%s never reached its threshold: its strongest block, %s, stood %.1f dB above the ambient mean%s, %.1f dB "
-      "short of the %.1f dB that are needed.",
-      Described(tone).c_str(), BufferText(found.strongest->buffer).c_str(), reached, beside.c_str(),
+  return fmt::format(
+      "{} never reached its threshold: its strongest block, {}, stood {:.1f} dB above the ambient mean{}, {:.1f} dB "
+      "short of the {:.1f} dB that are needed.",
+      Described(tone), BufferText(found.strongest->buffer), reached, beside,
       Decibels(detector::kToneThreshold) - reached, Decibels(detector::kToneThreshold));
 }
 
 std::string DescribeError(const SequenceError& error) {
-  const std::string what = error.IsTooLate()
-                               ? Text("came %d buffers after %s, where at most %d are allowed",
+  const std::string what =
+      error.IsTooLate() ? fmt::format("came {} buffers after {}, where at most {} are allowed",
                                       error.buffer - error.first, NameOf(Other(error.tone)), detector::kPairingSpan)
-                               : Text("was %.1f dB weaker than in the block of the first tone or of the last pair",
+                        : fmt::format("was {:.1f} dB weaker than in the block of the first tone or of the last pair",
                                       Decibels(error.needed / error.level));
-  return Text("Sequence error in %s: %s %s, and was taken as a new first tone.", BufferText(error.buffer).c_str(),
-              NameOf(error.tone), what.c_str());
+  return fmt::format("Sequence error in {}: {} {}, and was taken as a new first tone.", BufferText(error.buffer),
+                     NameOf(error.tone), what);
 }
 
 void AddDisturbances(const RunRecord& run, std::int32_t untilBuffer, std::vector<std::string>& reasons) {
@@ -80,9 +82,8 @@ void AddDisturbances(const RunRecord& run, std::int32_t untilBuffer, std::vector
   };
   const auto noisy = std::count_if(run.GetEvents().begin(), run.GetEvents().end(), isNoisy);
   if (noisy > 0) {
-    reasons.push_back(Text("%s rejected as noisy; from number %d on, one of 19 kHz ends the run.",
-                           (Counted(noisy, "tone") + (noisy == 1 ? " was" : " were")).c_str(),
-                           detector::kNoiseLimit + 1));
+    reasons.push_back(fmt::format("{} {} rejected as noisy; from number {} on, one of 19 kHz ends the run.",
+                                  Counted(noisy, "tone"), noisy == 1 ? "was" : "were", detector::kNoiseLimit + 1));
   }
   std::vector<SequenceError> errors = run.GetSequenceErrors();
   errors.erase(std::remove_if(errors.begin(), errors.end(),
@@ -108,14 +109,15 @@ Explanation ExplainFound(const RunRecord& run, const RecordedEvent& result) {
   Explanation found;
   found.outcome = Outcome::kFound;
   found.headline =
-      Text("The optical output is %.1f ms %s", std::abs(differenceMs), differenceMs > 0.0 ? "late" : "early");
+      fmt::format("The optical output is {:.1f} ms {}", std::abs(differenceMs), differenceMs > 0.0 ? "late" : "early");
   found.reasons = {
-      Text("%s came first, in %s; %s followed in %s: %s of %.2f ms.", Described(first).c_str(),
-           BufferText(result.first).c_str(), Described(Other(first)).c_str(), BufferText(result.buffer).c_str(),
-           Counted(result.buffer - result.first, "buffer").c_str(), detector::kBufferS * 1e3),
-      Text("The difference is %+.1f ms: a television %s the delay of its optical output by it. It is known to within "
-           "one buffer, ±%.1f ms.",
-           differenceMs, differenceMs > 0.0 ? "shortens" : "lengthens", detector::kBufferS * 1e3),
+      fmt::format("{} came first, in {}; {} followed in {}: {} of {:.2f} ms.", Described(first),
+                  BufferText(result.first), Described(Other(first)), BufferText(result.buffer),
+                  Counted(result.buffer - result.first, "buffer"), detector::kBufferS * 1e3),
+      fmt::format(
+          "The difference is {:+.1f} ms: a television {} the delay of its optical output by it. It is known to within "
+          "one buffer, ±{:.1f} ms.",
+          differenceMs, differenceMs > 0.0 ? "shortens" : "lengthens", detector::kBufferS * 1e3),
       Margins(run, result.first, first), Margins(run, result.buffer, Other(first))};
   AddDisturbances(run, result.buffer, found.reasons);
   if (HasLateToneBefore(run, result.buffer)) {
@@ -134,10 +136,10 @@ Explanation ExplainFound(const RunRecord& run, const RecordedEvent& result) {
     }
   }
   if (results > 1) {
-    found.reasons.push_back(Text(
-        "The recording goes on, and so did the receiver: %s followed, the last one %+.1f ms in %s. A run goes by the "
+    found.reasons.push_back(fmt::format(
+        "The recording goes on, and so did the receiver: {} followed, the last one {:+.1f} ms in {}. A run goes by the "
         "first; what comes after it changes nothing there.",
-        Counted(results - 1, "further result").c_str(), last->differenceS * 1e3, BufferText(last->buffer).c_str()));
+        Counted(results - 1, "further result"), last->differenceS * 1e3, BufferText(last->buffer)));
   }
   return found;
 }
@@ -146,10 +148,10 @@ Explanation ExplainAbnormal(const RunRecord& run, const RecordedEvent& abnormal)
   Explanation given;
   given.outcome = Outcome::kAbnormal;
   given.headline = "Given up: abnormal input";
-  given.reasons = {Text("The %s tone in %s was one noisy tone too many: %d are put up with.", NameOf(Tone::k19000Hz),
-                        BufferText(abnormal.buffer).c_str(), detector::kNoiseLimit)};
+  given.reasons = {fmt::format("The {} tone in {} was one noisy tone too many: {} are put up with.",
+                               NameOf(Tone::k19000Hz), BufferText(abnormal.buffer), detector::kNoiseLimit)};
   for (const Tone tone : kTones) {
-    given.reasons.push_back(Fate(run, tone));
+    given.reasons.push_back(DescribeTone(run, tone));
   }
   AddDisturbances(run, abnormal.buffer, given.reasons);
   return given;
@@ -164,15 +166,16 @@ std::string HeadlineWithoutDifference(const RunRecord& run) {
   if (!is17 && !is19) {
     return "No difference: neither tone was found";
   }
-  return Text("No difference: %s was not found", Described(is17 ? Tone::k19000Hz : Tone::k17000Hz).c_str());
+  return fmt::format("No difference: {} was not found", Described(is17 ? Tone::k19000Hz : Tone::k17000Hz));
 }
 
 Explanation ExplainNotFound(const RunRecord& run) {
   Explanation none;
   if (!run.GetAmbient()) {
     none.headline = "No difference: the recording is too short";
-    none.reasons = {Text("It ends before %s, with which the ambient level is known. Tones are looked for from then on.",
-                         BufferText(detector::kAmbientBuffer).c_str())};
+    none.reasons = {
+        fmt::format("It ends before {}, with which the ambient level is known. Tones are looked for from then on.",
+                    BufferText(detector::kAmbientBuffer))};
     return none;
   }
   if (run.IsHearable()) {
@@ -182,7 +185,7 @@ Explanation ExplainNotFound(const RunRecord& run) {
   }
   none.headline = HeadlineWithoutDifference(run);
   for (const Tone tone : kTones) {
-    none.reasons.push_back(Fate(run, tone));
+    none.reasons.push_back(DescribeTone(run, tone));
   }
   AddDisturbances(run, run.GetLastBuffer(), none.reasons);
   return none;

@@ -63,8 +63,9 @@ struct Memory {
   static sf_count_t Length(void* memory) { return static_cast<sf_count_t>(Of(memory).bytes.size()); }
   static sf_count_t Tell(void* memory) { return Of(memory).position; }
   static sf_count_t Seek(sf_count_t offset, int whence, void* memory) {
-    const sf_count_t from = whence == SEEK_SET ? 0 : whence == SEEK_CUR ? Tell(memory) : Length(memory);
-    return Of(memory).position = std::clamp<sf_count_t>(from + offset, 0, Length(memory));
+    const sf_count_t from = whence == SEEK_CUR ? Tell(memory) : Length(memory);
+    const sf_count_t wanted = whence == SEEK_SET ? offset : from + offset;
+    return Of(memory).position = std::clamp<sf_count_t>(wanted, 0, Length(memory));
   }
   static sf_count_t Read(void* target, sf_count_t count, void* memory) {
     const sf_count_t taken = std::min(count, Length(memory) - Tell(memory));

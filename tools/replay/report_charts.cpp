@@ -1,6 +1,8 @@
 // Draws what the receiver measured and reported.
 #include "replay/report_charts.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cmath>
 #include <functional>
@@ -86,7 +88,8 @@ std::vector<RecordedEvent> PairsWithin(const RunRecord& run, const View& view) {
 void AddPairs(Chart& chart, const RunRecord& run, const View& view) {
   const std::vector<RecordedEvent> pairs = PairsWithin(run, view);
   std::for_each(pairs.rbegin(), pairs.rend(), [&](const RecordedEvent& pair) {
-    chart.AddPair(pair.first, pair.buffer, run.IsRunResult(pair) ? Text("%+.1f ms", pair.differenceS * 1e3) : "");
+    chart.AddPair(pair.first, pair.buffer,
+                  run.IsRunResult(pair) ? fmt::format("{:+.1f} ms", pair.differenceS * 1e3) : "");
   });
 }
 
@@ -211,9 +214,10 @@ std::string DrawTones(const RunRecord& run, const View& view) {
       const double level = LevelDbfs(ambient);
       const double threshold = LevelDbfs(detector::kToneThreshold * ambient);
       chart.AddLevel(detector::kIgnoredBuffers, view.buffers.high, level, std::string("ambient ") + StyleOf(tone),
-                     Text("%s ambient %.1f", NameOf(tone), level));
+                     fmt::format("{} ambient {:.1f}", NameOf(tone), level));
       chart.AddLevel(detector::kAmbientBuffer + 1, view.buffers.high, threshold,
-                     std::string("threshold ") + StyleOf(tone), Text("%s threshold %.1f", NameOf(tone), threshold));
+                     std::string("threshold ") + StyleOf(tone),
+                     fmt::format("{} threshold {:.1f}", NameOf(tone), threshold));
     }
   }
   AddPairs(chart, run, view);
@@ -235,9 +239,9 @@ std::string DrawNeighbours(const RunRecord& run, const View& view) {
     const double level17500 = LevelDbfs(run.GetAmbient()->at17500);
     const double level18000 = LevelDbfs(run.GetAmbient()->at18000);
     chart.AddLevel(detector::kIgnoredBuffers, view.buffers.high, level17500, "ambient f175",
-                   Text("17.5 kHz ambient %.1f", level17500));
+                   fmt::format("17.5 kHz ambient {:.1f}", level17500));
     chart.AddLevel(detector::kIgnoredBuffers, view.buffers.high, level18000, "ambient f18",
-                   Text("18 kHz ambient %.1f", level18000));
+                   fmt::format("18 kHz ambient {:.1f}", level18000));
   }
   AddPairs(chart, run, view);
   return chart.Finish();
@@ -260,7 +264,7 @@ std::string DrawRatios(const RunRecord& run, const View& view) {
     chart.AddCurve(curves[tone == Tone::k19000Hz], StyleOf(tone), NameOf(tone));
   }
   chart.AddLevel(detector::kAmbientBuffer + 1, view.buffers.high, threshold, "threshold ratio",
-                 Text("threshold %.1f (5 : 1)", threshold));
+                 fmt::format("threshold {:.1f} (5 : 1)", threshold));
   AddPairs(chart, run, view);
   return chart.Finish();
 }

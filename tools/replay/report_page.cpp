@@ -1,6 +1,8 @@
 // Puts the page together.
 #include "replay/report_page.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <sstream>
 
@@ -27,10 +29,10 @@ std::string MakeFacts(const RunRecord& run, const ReportSubject& subject) {
                                         [=](const RecordedEvent& event) { return (... || (event.kind == kinds)); }));
   };
   return "<dl class='facts'>\n" +
-         Fact("recording", Text("%.2f s", static_cast<double>(subject.bytes) / 2.0 / kVoiceRateHz)) +
+         Fact("recording", fmt::format("{:.2f} s", static_cast<double>(subject.bytes) / 2.0 / kVoiceRateHz)) +
          Fact("buffers", std::to_string(buffers)) + Fact("analysed blocks", std::to_string(run.GetBlocks().size())) +
          Fact("mode", run.IsHearable() ? "hearable" : "detection") +
-         Fact("difference", result ? Text("%+.1f ms", result->differenceS * 1e3) : "none") +
+         Fact("difference", result ? fmt::format("{:+.1f} ms", result->differenceS * 1e3) : "none") +
          Fact("noisy tones", count(EventKind::kNoisy17, EventKind::kNoisy19)) +
          Fact("sequence errors", count(EventKind::kSequence)) + "</dl>\n";
 }
@@ -76,9 +78,9 @@ std::string MakeReportPage(const RunRecord& run, const ReportSubject& subject) {
   html << MakeDecision(run) << MakeFacts(run, subject) << MakeToneTable(run)
        << MakeCharts(run, WholeRecording(run), "The whole recording", true);
   if (const auto view = CloseUp(run)) {
-    html << MakeCharts(run, *view,
-                       Text("Close-up: buffers %.0f to %.0f", std::max(1.0, view->buffers.low), view->buffers.high),
-                       false);
+    html << MakeCharts(
+        run, *view,
+        fmt::format("Close-up: buffers {:.0f} to {:.0f}", std::max(1.0, view->buffers.low), view->buffers.high), false);
   }
   html << MakeEventTable(run) << kPageNotes << "<script>" << kPageScript << "</script>\n</body>\n</html>\n";
   return html.str();

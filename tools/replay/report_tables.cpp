@@ -1,6 +1,8 @@
 // Writes the tables.
 #include "replay/report_tables.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <functional>
 #include <sstream>
@@ -14,7 +16,7 @@ namespace {
 constexpr std::size_t kMostEvents = 200;
 
 std::string LevelText(double magnitude) {
-  return magnitude > 0.0 ? Text("%.1f dBFS", LevelDbfs(magnitude)) : "digital silence";
+  return magnitude > 0.0 ? fmt::format("{:.1f} dBFS", LevelDbfs(magnitude)) : "digital silence";
 }
 
 std::string ThresholdText(double ambient) {
@@ -28,8 +30,8 @@ std::string StrongestText(const RunRecord& run, const ToneFindings& found, Tone 
   const double level = found.strongest->levels.At(tone);
   const double ambient = run.GetAmbient()->At(tone);
   return LevelText(level) + (level > 0.0 && ambient > 0.0
-                                 ? Text(", %.1f dB above ambient, %s", Decibels(level / ambient),
-                                        BufferText(found.strongest->buffer).c_str())
+                                 ? fmt::format(", {:.1f} dB above ambient, {}", Decibels(level / ambient),
+                                               BufferText(found.strongest->buffer))
                                  : "");
 }
 
@@ -52,13 +54,13 @@ std::string WhatHappened(const RunRecord& run, const RecordedEvent& event) {
     case EventKind::kSequence:
       return "sequence error";
     case EventKind::kNoisy17:
-      return Text("17 kHz is noisy, number %d", event.count);
+      return fmt::format("17 kHz is noisy, number {}", event.count);
     case EventKind::kNoisy19:
-      return Text("19 kHz is noisy, number %d", event.count);
+      return fmt::format("19 kHz is noisy, number {}", event.count);
     case EventKind::kResult:
-      return Text("second tone: pair of buffers %d and %d, difference %+.1f ms%s", event.first, event.buffer,
-                  event.differenceS * 1e3,
-                  run.IsRunResult(event) ? "" : "; after the end of a run, where it changes nothing");
+      return fmt::format("second tone: pair of buffers {} and {}, difference {:+.1f} ms{}", event.first, event.buffer,
+                         event.differenceS * 1e3,
+                         run.IsRunResult(event) ? "" : "; after the end of a run, where it changes nothing");
     case EventKind::kAbnormal:
       return "abnormal input";
     case EventKind::kExtend:
@@ -105,8 +107,8 @@ std::string MakeEventTable(const RunRecord& run) {
   html << "<section><h2>Events</h2>\n<table id='events'>\n<tr><th>buffer</th><th>time (s)</th><th>event</th></tr>\n";
   for (std::size_t i = 0; i < shown; ++i) {
     const RecordedEvent& event = events[i];
-    html << Text("<tr><td>%d</td><td>%.3f</td><td>%s</td></tr>\n", event.buffer, event.buffer * detector::kBufferS,
-                 WhatHappened(run, event).c_str());
+    html << fmt::format("<tr><td>{}</td><td>{:.3f}</td><td>{}</td></tr>\n", event.buffer,
+                        event.buffer * detector::kBufferS, WhatHappened(run, event));
   }
   html << "</table>\n";
   if (shown < events.size()) {

@@ -1,25 +1,11 @@
 // Texts of the report.
 #include "replay/text.h"
 
+#include <fmt/format.h>
+
 #include <cmath>
-#include <cstdarg>
-#include <cstdio>
 
 namespace orvex::tools {
-
-std::string Text(const char* format, ...) {
-  va_list arguments;
-  va_start(arguments, format);
-  va_list again;
-  va_copy(again, arguments);
-  const int length = std::vsnprintf(nullptr, 0, format, arguments);
-  va_end(arguments);
-  std::string text(static_cast<std::size_t>(length) + 1, '\0');
-  std::vsnprintf(text.data(), text.size(), format, again);
-  va_end(again);
-  text.pop_back();
-  return text;
-}
 
 std::string Escaped(const std::string& text) {
   std::string escaped;
@@ -56,11 +42,11 @@ const char* OriginOf(Tone tone) {
 }
 
 std::string BufferText(std::int32_t buffer) {
-  return Text("buffer %d (%.3f s)", buffer, buffer * detector::kBufferS);
+  return fmt::format("buffer {} ({:.3f} s)", buffer, buffer * detector::kBufferS);
 }
 
 std::string Counted(std::int64_t count, const char* what) {
-  return Text("%lld %s%s", static_cast<long long>(count), what, count == 1 ? "" : "s");
+  return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s");
 }
 
 double Decibels(double ratio) {

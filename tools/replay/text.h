@@ -8,9 +8,6 @@
 
 namespace orvex::tools {
 
-// As printf() writes it.
-std::string Text(const char* format, ...) __attribute__((format(printf, 1, 2)));
-
 // For HTML and SVG, between tags and within quotes.
 std::string Escaped(const std::string& text);
 

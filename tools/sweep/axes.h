@@ -69,7 +69,6 @@ public:
   AxisValues(const AxisKind& kind, const std::string& text);
 
   std::size_t Rows() const { return m_Values.size(); }
-  bool IsRange() const { return m_Width > 0.0 || m_EitherSign; }
   // `row` of 0 to Rows() - 1. Draws always, so that other axes' draws do not depend on this one.
   double Draw(std::size_t row, std::mt19937_64& random) const;
   // As it was given; a name, where the axis has names.

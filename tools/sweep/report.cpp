@@ -1,8 +1,9 @@
 // A sweep's table and its CSV file.
 #include "sweep/report.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
-#include <cstdio>
 #include <functional>
 #include <string>
 #include <vector>
@@ -13,9 +14,7 @@ namespace {
 using Cells = std::vector<std::string>;
 
 std::string Number(double value, int decimals) {
-  char text[64];
-  std::snprintf(text, sizeof text, "%.*f", decimals, value);
-  return text;
+  return fmt::format("{:.{}f}", value, decimals);
 }
 
 struct Column {
@@ -78,7 +77,10 @@ std::string DrawnValue(const RoomValues& values, Axis axis) {
 }
 
 std::string Outcome(const RoomResult& result) {
-  return result.found ? "found" : result.abnormal ? "abnormal" : "nothing";
+  if (result.found) {
+    return "found";
+  }
+  return result.abnormal ? "abnormal" : "nothing";
 }
 
 }  // namespace
