@@ -1,65 +1,191 @@
 // Two tones make a pair: order, distance, level, results that follow, and what is written of them.
+#include <cmath>
+
 #include "unit/service/receiver_support.h"
 
 namespace {
 
 using namespace orvex::test;
-using testing::Contains;
 using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::Not;
-using testing::SizeIs;
+using testing::ElementsAreArray;
+using testing::EndsWith;
+using testing::StartsWith;
 
 constexpr const char* kSequenceError = "I0 syquence error -> recheck \n";
 constexpr const char* kCompleted = "E0 completed calculation of delay";
 constexpr const char* kEndCallback = "> end of calculation";
 
-// A pair in either order.
-class ReceiverPairing : public ReceiverTest, public testing::WithParamInterface<bool> {
-protected:
-  static bool LowFirst() { return GetParam(); }
-  static int Sign() { return LowFirst() ? 1 : -1; }
-  // The first and the second tone, with some of the other one in it.
-  static Samples First(double amplitude, double other = 0.0) {
-    return LowFirst() ? Tone17(amplitude, other) : Tone19(amplitude, other);
+// Puts the steps of the pairing into words: buffer, tone and, of a pair, the difference in buffers.
+class PairingSteps : public OrvexReceiverObserver {
+public:
+  void OnFirstTone(std::int32_t buffer, Tone tone, double /*needed*/) override { Add(buffer, tone, " is first"); }
+  void OnSequenceError(std::int32_t buffer, Tone tone, std::int32_t /*first*/, double /*needed*/) override {
+    Add(buffer, tone, " is out of sequence");
   }
-  static Samples Second(double amplitude, double other = 0.0) {
-    return LowFirst() ? Tone19(amplitude, other) : Tone17(amplitude, other);
+  void OnPair(std::int32_t buffer, Tone tone, std::int32_t first, double differenceS) override {
+    const double buffers = std::round(differenceS / BufferSeconds(1));
+    EXPECT_DOUBLE_EQ(differenceS, buffers * 768 / 46545.0);
+    Add(buffer, tone, Text(" makes a pair with %d, %+.0f", first, buffers));
   }
-  static std::string FoundFirst(int buffer, const Samples& block) {
-    return LowFirst() ? Found17(buffer, block) : Found19(buffer, block);
-  }
-  static std::string FoundSecond(int buffer, const Samples& block) {
-    return LowFirst() ? Found19(buffer, block) : Found17(buffer, block);
-  }
-  static const char* FirstLine() { return LowFirst() ? kFirst17 : kFirst19; }
-  static const char* FirstLineOfSecond() { return LowFirst() ? kFirst19 : kFirst17; }
-  static std::string ResultLine(int first, int second) {
-    const double seconds = Sign() * BufferSeconds(second - first);
-    return LowFirst() ? Text("I0 @ [RESULT] [%d] - [%d] : %0.4f s\n", first, second, seconds)
-                      : Text("I0 (ruvo)   ====> @ [RESULT] [%d] - [%d] : %0.4f s\n", second, first, seconds);
+
+  Texts steps;
+
+private:
+  void Add(std::int32_t buffer, Tone tone, const std::string& what) {
+    steps.push_back(std::to_string(buffer) + (tone == Tone::k17000Hz ? ": 17 kHz" : ": 19 kHz") + what);
   }
 };
 
-TEST_P(ReceiverPairing, TenBuffersApartMake0165Seconds) {
-  Start();
-  const Samples first = First(100);
-  const Samples second = Second(100);
-  EXPECT_THAT(EventsAt(100, first), ElementsAre(FoundFirst(100, first), FirstLine()));
-  EXPECT_THAT(EventsAt(110, second),
-              ElementsAre(FoundSecond(110, second), ResultLine(100, 110), kCompleted, kEndCallback));
-  EXPECT_THAT(ResultLine(100, 110), LowFirst() ? "I0 @ [RESULT] [100] - [110] : 0.1650 s\n"
-                                               : "I0 (ruvo)   ====> @ [RESULT] [110] - [100] : -0.1650 s\n");
-  EXPECT_EQ(receiver.GetDirection(), Sign());
-  const Texts asked = During([&] { EXPECT_DOUBLE_EQ(receiver.GetAudioTimeDifference(), Sign() * 10 * 768 / 46545.0); });
-  EXPECT_THAT(asked, ElementsAre(LowFirst() ? "I0 diff time = 0.1650\n" : "I0 diff time = -0.1650\n"));
-  EXPECT_EQ(DumpedResults(), Text("[RESULT] [100] - [110] : %s\nresult_set_value : [main: 0], [spdif: 100]\n",
-                                  LowFirst() ? "0.1650" : "-0.1650"));
+class ReceiverPairing : public ReceiverTest {
+protected:
+  ReceiverPairing() { receiver.SetObserver(&pairing); }
+
+  PairingSteps pairing;
+};
+
+// A tone in one buffer; `other` is the amplitude of the other frequency within it.
+struct HeardTone {
+  int buffer;
+  int kilohertz;
+  double amplitude;
+  double other = 0.0;
+
+  Samples Block() const { return kilohertz == 17 ? Tone17(amplitude, other) : Tone19(amplitude, other); }
+};
+
+struct PairingScenario {
+  const char* name;
+  std::vector<HeardTone> tones;
+  Texts steps;
+};
+
+void PrintTo(const PairingScenario& scenario, std::ostream* out) {
+  *out << scenario.name;
 }
 
-TEST_P(ReceiverPairing, TheResultIsWrittenBeforeTheOwnerIsCalled) {
+// Of each rule both orders: 17 kHz first, which makes a positive difference, then 19 kHz first.
+const std::vector<PairingScenario> kScenarios = {
+    {"First17OneBufferApart",
+     {{60, 17, 100}, {61, 19, 100}},
+     {"60: 17 kHz is first", "61: 19 kHz makes a pair with 60, +1"}},
+    {"First17NineteenBuffersApart",
+     {{60, 17, 100}, {79, 19, 100}},
+     {"60: 17 kHz is first", "79: 19 kHz makes a pair with 60, +19"}},
+    {"First17TwentyBuffersApartAndAnotherPairFollows",
+     {{60, 17, 100}, {80, 19, 100}, {99, 17, 100}},
+     {"60: 17 kHz is first", "80: 19 kHz is out of sequence", "80: 19 kHz is first",
+      "99: 17 kHz makes a pair with 80, -19"}},
+    {"First17AsStrongAsItWasWithinTheFirst",
+     {{60, 17, 1000, 400}, {65, 19, 410}},
+     {"60: 17 kHz is first", "65: 19 kHz makes a pair with 60, +5"}},
+    {"First17WeakerThanItWasWithinTheFirst",
+     {{60, 17, 1000, 400}, {65, 19, 390}},
+     {"60: 17 kHz is first", "65: 19 kHz is out of sequence", "65: 19 kHz is first"}},
+    {"First17TheFloorNeverSinks",
+     {{60, 17, 1000, 400}, {85, 19, 100}, {110, 17, 1000, 0}, {115, 19, 390}, {140, 17, 1000, 100}, {145, 19, 410}},
+     {"60: 17 kHz is first", "85: 19 kHz is out of sequence", "85: 19 kHz is first", "110: 17 kHz is out of sequence",
+      "110: 17 kHz is first", "115: 19 kHz is out of sequence", "115: 19 kHz is first",
+      "140: 17 kHz is out of sequence", "140: 17 kHz is first", "145: 19 kHz makes a pair with 140, +5"}},
+    {"First17TheFloorRisesWithEachFirstTone",
+     {{60, 17, 1000, 100}, {85, 19, 100}, {110, 17, 1000, 400}, {115, 19, 390}},
+     {"60: 17 kHz is first", "85: 19 kHz is out of sequence", "85: 19 kHz is first", "110: 17 kHz is out of sequence",
+      "110: 17 kHz is first", "115: 19 kHz is out of sequence", "115: 19 kHz is first"}},
+    {"First17FurtherPairsWhileTheSecondToneIsAsStrong",
+     {{60, 17, 100}, {65, 19, 100}, {66, 19, 100}, {79, 19, 110}, {80, 19, 120}},
+     {"60: 17 kHz is first", "65: 19 kHz makes a pair with 60, +5", "66: 19 kHz makes a pair with 60, +6",
+      "79: 19 kHz makes a pair with 60, +19", "80: 19 kHz is out of sequence", "80: 19 kHz is first"}},
+    {"First17WeakerThanInThePair",
+     {{60, 17, 100}, {65, 19, 100}, {66, 19, 99}},
+     {"60: 17 kHz is first", "65: 19 kHz makes a pair with 60, +5", "66: 19 kHz is out of sequence",
+      "66: 19 kHz is first"}},
+    {"First19OneBufferApart",
+     {{60, 19, 100}, {61, 17, 100}},
+     {"60: 19 kHz is first", "61: 17 kHz makes a pair with 60, -1"}},
+    {"First19NineteenBuffersApart",
+     {{60, 19, 100}, {79, 17, 100}},
+     {"60: 19 kHz is first", "79: 17 kHz makes a pair with 60, -19"}},
+    {"First19TwentyBuffersApartAndAnotherPairFollows",
+     {{60, 19, 100}, {80, 17, 100}, {99, 19, 100}},
+     {"60: 19 kHz is first", "80: 17 kHz is out of sequence", "80: 17 kHz is first",
+      "99: 19 kHz makes a pair with 80, +19"}},
+    {"First19AsStrongAsItWasWithinTheFirst",
+     {{60, 19, 1000, 400}, {65, 17, 410}},
+     {"60: 19 kHz is first", "65: 17 kHz makes a pair with 60, -5"}},
+    {"First19WeakerThanItWasWithinTheFirst",
+     {{60, 19, 1000, 400}, {65, 17, 390}},
+     {"60: 19 kHz is first", "65: 17 kHz is out of sequence", "65: 17 kHz is first"}},
+    {"First19TheFloorNeverSinks",
+     {{60, 19, 1000, 400}, {85, 17, 100}, {110, 19, 1000, 0}, {115, 17, 390}, {140, 19, 1000, 100}, {145, 17, 410}},
+     {"60: 19 kHz is first", "85: 17 kHz is out of sequence", "85: 17 kHz is first", "110: 19 kHz is out of sequence",
+      "110: 19 kHz is first", "115: 17 kHz is out of sequence", "115: 17 kHz is first",
+      "140: 19 kHz is out of sequence", "140: 19 kHz is first", "145: 17 kHz makes a pair with 140, -5"}},
+    {"First19TheFloorRisesWithEachFirstTone",
+     {{60, 19, 1000, 100}, {85, 17, 100}, {110, 19, 1000, 400}, {115, 17, 390}},
+     {"60: 19 kHz is first", "85: 17 kHz is out of sequence", "85: 17 kHz is first", "110: 19 kHz is out of sequence",
+      "110: 19 kHz is first", "115: 17 kHz is out of sequence", "115: 17 kHz is first"}},
+    {"First19FurtherPairsWhileTheSecondToneIsAsStrong",
+     {{60, 19, 100}, {65, 17, 100}, {66, 17, 100}, {79, 17, 110}, {80, 17, 120}},
+     {"60: 19 kHz is first", "65: 17 kHz makes a pair with 60, -5", "66: 17 kHz makes a pair with 60, -6",
+      "79: 17 kHz makes a pair with 60, -19", "80: 17 kHz is out of sequence", "80: 17 kHz is first"}},
+    {"First19WeakerThanInThePair",
+     {{60, 19, 100}, {65, 17, 100}, {66, 17, 99}},
+     {"60: 19 kHz is first", "65: 17 kHz makes a pair with 60, -5", "66: 17 kHz is out of sequence",
+      "66: 17 kHz is first"}},
+};
+
+class ReceiverPairingScenarios : public ReceiverPairing, public testing::WithParamInterface<PairingScenario> {};
+
+TEST_P(ReceiverPairingScenarios, TakeTheseSteps) {
   Start();
-  EventsAt(40, First(100));
+  for (const HeardTone& tone : GetParam().tones) {
+    EventsAt(tone.buffer, tone.Block());
+  }
+  EXPECT_THAT(pairing.steps, ElementsAreArray(GetParam().steps));
+}
+
+INSTANTIATE_TEST_SUITE_P(Receiver, ReceiverPairingScenarios, testing::ValuesIn(kScenarios),
+                         [](const auto& tested) { return std::string(tested.param.name); });
+
+TEST_F(ReceiverPairing, IsLoggedAndWrittenWhen17kHzComesFirst) {
+  const Samples second = Tone19(100);
+  Start();
+  EventsAt(100, Tone17(100));
+  EXPECT_THAT(EventsAt(110, second),
+              ElementsAre(Found19(110, second), "I0 @ [RESULT] [100] - [110] : 0.1650 s\n", kCompleted, kEndCallback));
+  EXPECT_EQ(receiver.GetDirection(), 1);
+  EXPECT_THAT(During([&] { EXPECT_DOUBLE_EQ(receiver.GetAudioTimeDifference(), 10 * 768 / 46545.0); }),
+              ElementsAre("I0 diff time = 0.1650\n"));
+  EXPECT_EQ(DumpedResults(), "[RESULT] [100] - [110] : 0.1650\nresult_set_value : [main: 0], [spdif: 100]\n");
+}
+
+TEST_F(ReceiverPairing, IsLoggedAndWrittenWhen19kHzComesFirst) {
+  const Samples second = Tone17(100);
+  Start();
+  EventsAt(100, Tone19(100));
+  EXPECT_THAT(EventsAt(110, second),
+              ElementsAre(Found17(110, second), "I0 (ruvo)   ====> @ [RESULT] [110] - [100] : -0.1650 s\n", kCompleted,
+                          kEndCallback));
+  EXPECT_EQ(receiver.GetDirection(), -1);
+  EXPECT_THAT(During([&] { EXPECT_DOUBLE_EQ(receiver.GetAudioTimeDifference(), -10 * 768 / 46545.0); }),
+              ElementsAre("I0 diff time = -0.1650\n"));
+  EXPECT_EQ(DumpedResults(), "[RESULT] [100] - [110] : -0.1650\nresult_set_value : [main: 0], [spdif: 100]\n");
+}
+
+TEST_F(ReceiverPairing, OutOfSequenceIsLoggedBeforeTheNewFirstTone) {
+  const Samples late19 = Tone19(100);
+  const Samples late17 = Tone17(100);
+  Start();
+  EventsAt(60, Tone17(100));
+  EXPECT_THAT(EventsAt(80, late19), ElementsAre(Found19(80, late19), kSequenceError, kFirst19));
+  EXPECT_EQ(receiver.GetDirection(), -1);
+  EXPECT_THAT(EventsAt(100, late17), ElementsAre(Found17(100, late17), kSequenceError, kFirst17));
+  EXPECT_EQ(receiver.GetDirection(), 1);
+  EXPECT_EQ(receiver.GetAudioTimeDifference(), 0.0);
+}
+
+TEST_F(ReceiverPairing, TheResultIsWrittenBeforeTheOwnerIsCalled) {
+  Start();
+  EventsAt(40, Tone17(100));
   double seen = 0.0;
   world.onCall = [&](const std::string& text) {
     if (text == "end of calculation") {
@@ -67,140 +193,68 @@ TEST_P(ReceiverPairing, TheResultIsWrittenBeforeTheOwnerIsCalled) {
       CSingleton<CDebugDump>::GetInstance()->Stop();
     }
   };
-  EventsAt(43, Second(100));
-  EXPECT_DOUBLE_EQ(seen, Sign() * 3 * 768 / 46545.0);
-  EXPECT_EQ(DumpFiles::Results(), Text("[RESULT] [40] - [43] : %0.4f\n"
-                                       "result_set_value : [main: 0], [spdif: 100]\n",
-                                       Sign() * BufferSeconds(3)));
+  EventsAt(43, Tone19(100));
+  EXPECT_DOUBLE_EQ(seen, 3 * 768 / 46545.0);
+  EXPECT_THAT(DumpFiles::Results(), StartsWith("[RESULT] [40] - [43] : 0.0495\n"));
 }
 
-TEST_P(ReceiverPairing, TonesUpTo19BuffersApartAreAPair) {
-  for (const int distance : {1, 18, 19}) {
+TEST_F(ReceiverPairing, EachResultIsWrittenAndTheLastOneStaysAfterASequenceError) {
+  Start();
+  EventsAt(60, Tone17(100));
+  EventsAt(65, Tone19(100));
+  EventsAt(79, Tone19(100));
+  EXPECT_THAT(EventsAt(80, Tone19(100)), testing::Contains(kSequenceError));
+  EXPECT_DOUBLE_EQ(receiver.GetAudioTimeDifference(), 19 * 768 / 46545.0);
+  EXPECT_EQ(DumpedResults(),
+            "[RESULT] [60] - [65] : 0.0825\nresult_set_value : [main: 0], [spdif: 100]\n"
+            "[RESULT] [60] - [79] : 0.3135\nresult_set_value : [main: 0], [spdif: 100]\n");
+}
+
+TEST_F(ReceiverPairing, AcrossTheEndOfTheCountIsMeasuredByTheNumbers) {
+  for (const bool lowFirst : {true, false}) {
     Start();
-    EventsAt(60, First(100));
-    EXPECT_THAT(EventsAt(60 + distance, Second(100)), Contains(ResultLine(60, 60 + distance)));
-    EXPECT_DOUBLE_EQ(receiver.GetAudioTimeDifference(), Sign() * distance * 768 / 46545.0);
+    BeQuietUntil(40);
+    LoseBlocksUntil(99999);
+    EventsAt(99999, lowFirst ? Tone17(100) : Tone19(100));
+    while (receiver.GetBufferCount() != 5) {
+      Hear(quiet);
+    }
+    EventsAt(6, lowFirst ? Tone19(100) : Tone17(100));
+    EXPECT_DOUBLE_EQ(receiver.GetAudioTimeDifference(), (lowFirst ? -99993 : 99993) * 768 / 46545.0);
     receiver.StopBTRecoder();
   }
 }
 
-TEST_P(ReceiverPairing, APairAcrossTheEndOfTheCountIsMeasuredByItsNumbers) {
-  Start();
-  BeQuietUntil(40);
-  LoseBlocksUntil(99999);
-  const Samples second = Second(100);
-  EXPECT_THAT(EventsAt(99999, First(100)), Contains(FirstLine()));
-  while (receiver.GetBufferCount() != 5) {
-    Hear(quiet);
+TEST_F(ReceiverPairing, OfAFinishedRecordingTakesAFirstToneButNoSecondOne) {
+  for (const bool lowFirst : {true, false}) {
+    const Samples second = lowFirst ? Tone19(100) : Tone17(100);
+    Start();
+    receiver.SetFinished(true);
+    EventsAt(60, lowFirst ? Tone17(100) : Tone19(100));
+    const Texts first = pairing.steps;
+    EXPECT_THAT(first, ElementsAre(lowFirst ? "60: 17 kHz is first" : "60: 19 kHz is first"));
+    EXPECT_THAT(EventsAt(65, second), ElementsAre(lowFirst ? Found19(65, second) : Found17(65, second)));
+    EventsAt(90, second);
+    EXPECT_EQ(pairing.steps, first);
+    EXPECT_EQ(receiver.GetDirection(), lowFirst ? 1 : -1);
+    EXPECT_EQ(receiver.GetAudioTimeDifference(), 0.0);
+    receiver.SetFinished(false);
+    EXPECT_THAT(EventsAt(91, second), testing::Contains(kSequenceError));
+    receiver.StopBTRecoder();
+    pairing.steps.clear();
   }
-  EXPECT_THAT(EventsAt(6, second), ElementsAre(FoundSecond(6, second), ResultLine(99999, 6), kCompleted, kEndCallback));
-  EXPECT_DOUBLE_EQ(receiver.GetAudioTimeDifference(), Sign() * (6 - 99999) * 768 / 46545.0);
 }
 
-TEST_P(ReceiverPairing, ASecondToneThatComes20BuffersLaterIsANewFirstTone) {
-  Start();
-  EventsAt(100, First(100));
-  const Samples late = Second(100);
-  EXPECT_THAT(EventsAt(120, late), ElementsAre(FoundSecond(120, late), kSequenceError, FirstLineOfSecond()));
-  EXPECT_EQ(receiver.GetDirection(), -Sign());
-  EXPECT_EQ(receiver.GetAudioTimeDifference(), 0.0);
-  // It begins the pair that comes next, the other way round.
-  EXPECT_THAT(EventsAt(139, First(100)), Contains(kCompleted));
-  EXPECT_DOUBLE_EQ(receiver.GetAudioTimeDifference(), -Sign() * 19 * 768 / 46545.0);
-}
-
-TEST_P(ReceiverPairing, ASecondToneMustBeAsStrongAsItWasWithinTheFirst) {
-  Start();
-  EventsAt(60, First(1000, 400));
-  const Samples weak = Second(390);
-  EXPECT_THAT(EventsAt(65, weak), ElementsAre(FoundSecond(65, weak), kSequenceError, FirstLineOfSecond()));
-  receiver.StopBTRecoder();
-  Start();
-  EventsAt(60, First(1000, 400));
-  EXPECT_THAT(EventsAt(65, Second(410)), Contains(ResultLine(60, 65)));
-}
-
-TEST_P(ReceiverPairing, TheFloorForTheSecondToneNeverSinks) {
-  Start();
-  EventsAt(60, First(1000, 400));
-  EventsAt(85, Second(100));   // too late: a first tone
-  EventsAt(110, First(1000));  // too late as well, and with less of the other tone
-  EXPECT_THAT(EventsAt(115, Second(390)), Contains(kSequenceError));
-  EventsAt(140, First(1000, 100));
-  EXPECT_THAT(EventsAt(145, Second(410)), Contains(ResultLine(140, 145)));
-}
-
-TEST_P(ReceiverPairing, TheFloorRisesWithEachFirstTone) {
-  Start();
-  EventsAt(60, First(1000, 100));
-  EventsAt(85, Second(100));
-  EventsAt(110, First(1000, 400));
-  EXPECT_THAT(EventsAt(115, Second(390)), Contains(kSequenceError));
-}
-
-TEST_P(ReceiverPairing, FurtherResultsFollowWhileTheToneIsAtLeastAsStrong) {
-  Start();
-  const Samples second = Second(100);
-  EventsAt(60, First(100));
-  EventsAt(65, second);
-  EXPECT_THAT(EventsAt(66, second), ElementsAre(FoundSecond(66, second), ResultLine(60, 66), kCompleted, kEndCallback));
-  EXPECT_THAT(EventsAt(79, Second(110)), Contains(ResultLine(60, 79)));
-  EXPECT_DOUBLE_EQ(receiver.GetAudioTimeDifference(), Sign() * 19 * 768 / 46545.0);
-  EXPECT_THAT(EventsAt(80, Second(120)), Contains(kSequenceError));
-  // A pair that failed leaves the result of the one before.
-  EXPECT_DOUBLE_EQ(receiver.GetAudioTimeDifference(), Sign() * 19 * 768 / 46545.0);
-  const std::string delays = "result_set_value : [main: 0], [spdif: 100]\n";
-  std::string written;
-  for (const int buffer : {65, 66, 79}) {
-    written += Text("[RESULT] [60] - [%d] : %0.4f\n", buffer, Sign() * BufferSeconds(buffer - 60)) + delays;
-  }
-  EXPECT_EQ(DumpedResults(), written);
-}
-
-TEST_P(ReceiverPairing, AWeakerSecondToneAfterAResultIsASequenceError) {
-  Start();
-  EventsAt(60, First(100));
-  EventsAt(65, Second(100));
-  const Samples weaker = Second(99);
-  EXPECT_THAT(EventsAt(66, weaker), ElementsAre(FoundSecond(66, weaker), kSequenceError, FirstLineOfSecond()));
-}
-
-TEST_P(ReceiverPairing, AFinishedRecordingAcceptsNoSecondTone) {
-  Start();
-  EventsAt(60, First(100));
-  receiver.SetFinished(true);
-  const Samples second = Second(100);
-  EXPECT_THAT(EventsAt(65, second), ElementsAre(FoundSecond(65, second)));
-  EXPECT_THAT(EventsAt(90, second), ElementsAre(FoundSecond(90, second)));
-  EXPECT_EQ(receiver.GetDirection(), Sign());
-  EXPECT_EQ(receiver.GetAudioTimeDifference(), 0.0);
-  receiver.SetFinished(false);
-  EXPECT_THAT(EventsAt(91, second), Contains(kSequenceError));
-}
-
-TEST_P(ReceiverPairing, AFinishedRecordingStillTakesAFirstTone) {
-  Start();
-  receiver.SetFinished(true);
-  const Samples first = First(100);
-  EXPECT_THAT(EventsAt(60, first), ElementsAre(FoundFirst(60, first), FirstLine()));
-}
-
-TEST_P(ReceiverPairing, TheDelaysWrittenAreThoseOfTheStart) {
+TEST_F(ReceiverPairing, TheDelaysWrittenAreThoseOfTheStart) {
   world.delayMs = 230;
   Start();
   world.delayMs = 77;
-  EventsAt(60, First(100));
-  EventsAt(61, Second(100));
-  EXPECT_THAT(DumpedResults(), testing::EndsWith("result_set_value : [main: 0], [spdif: 230]\n"));
+  EventsAt(60, Tone17(100));
+  EventsAt(61, Tone19(100));
+  EXPECT_THAT(DumpedResults(), EndsWith("result_set_value : [main: 0], [spdif: 230]\n"));
 }
 
-INSTANTIATE_TEST_SUITE_P(Order, ReceiverPairing, testing::Bool(), [](const auto& tested) {
-  return std::string(tested.param ? "LowToneFirst" : "HighToneFirst");
-});
-
-class ReceiverWithoutPair : public ReceiverTest {};
-
-TEST_F(ReceiverWithoutPair, NoTonesOrOneToneGiveNoDifference) {
+TEST_F(ReceiverPairing, NeedsTwoTones) {
   Start();
   EventsAt(60, Tone17(100));
   BeQuietUntil(200);
@@ -209,7 +263,7 @@ TEST_F(ReceiverWithoutPair, NoTonesOrOneToneGiveNoDifference) {
   EXPECT_EQ(DumpedResults(), "");
 }
 
-TEST_F(ReceiverWithoutPair, AResultIsFoundWithoutOpenDumpFilesToo) {
+TEST_F(ReceiverPairing, NeedsNoOpenDumpFiles) {
   Start();
   CSingleton<CDebugDump>::GetInstance()->Stop();
   EventsAt(60, Tone17(100));
