@@ -3,8 +3,8 @@
 
 namespace orvex::virtual_tv {
 
-// Holds the main loop back at each wake-up by what the television's faults say. Without the fault nothing changes. Main
-// loop, after its start.
+// Delays each wake-up of the main loop by the time that the television's faults give. Without the fault nothing
+// changes. Main loop, after its start.
 void MakeMainLoopLate();
 
 }  // namespace orvex::virtual_tv

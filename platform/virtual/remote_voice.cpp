@@ -216,7 +216,7 @@ int bt_hid_set_audio_data_receive_cb(VoiceDataCallback callback, void* userData)
 
 int bt_hid_unset_audio_data_receive_cb() {
   const auto answer = Faults::Instance().Next(Fault::kVoiceUnregister);
-  // A refused call too leaves no callback behind.
+  // Whatever the answer, no callback runs on.
   const int result = RemoteVoice::Instance().Unregister();
   return answer.value_or(result);
 }

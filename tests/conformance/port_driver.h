@@ -1,4 +1,4 @@
-// What the conformance suite needs of a port beyond the platform contract: a hand on the television behind it.
+// What the conformance suite needs of a port beyond the platform contract: control of the television behind it.
 //
 // A port's driver derives from PortDriver, overrides what it can do and defines MakePortDriver(). An ability that it
 // does not declare skips the tests that need it.

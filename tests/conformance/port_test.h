@@ -18,8 +18,8 @@ namespace orvex::conformance {
 // After this time of the port a condition is taken never to come true: only a hang takes so long.
 constexpr double kLimitMs = 30000.0;
 
-// An application that plays a script on the main loop and then asks for the end. What runs where the script says
-// nothing is told by functions.
+// An application that plays a script on the main loop and then asks for the end. The functions that a test sets run
+// when the port calls the application.
 class ScriptedApplication : public FwEflApplication {
 public:
   explicit ScriptedApplication(PortDriver& port, const char* identifier = "org.velta.conformance")

@@ -35,15 +35,15 @@ constexpr char kConsentKey[] = "db/menu/tessar/homedatacontrol/defaultdisclaimer
 // Results that calls give instead of doing their work, by the name of the function.
 class Answers {
 public:
-  // The next calls answer these, in this order; the ones after them work.
+  // The next calls give these results, in this order; later calls do their work.
   void Next(const std::string& function, const std::vector<long>& results);
-  // From the call after the ones given by Next() on, every call answers this.
+  // All calls give this result, once those of Next() are used up.
   void Always(const std::string& function, long result) { m_Always[function] = result; }
-  // The call with this number answers this; 1 is the first one of this world. Before Next() and Always().
+  // The call with this number gives this result; 1 is the first call in this world. Comes before Next() and Always().
   void OnCall(const std::string& function, int number, long result) { m_OnCall[function][number] = result; }
   // How often the function was called.
   int Calls(const std::string& function) const;
-  // What this call has to answer; none: it works.
+  // The result that this call is to give; empty: it does its work.
   std::optional<long> Take(const std::string& function);
 
 private:
