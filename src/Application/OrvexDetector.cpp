@@ -1,4 +1,4 @@
-// The arithmetic of one block, in an order that is the same everywhere: the results are compared to the last bit.
+// The arithmetic of one block. Its order of operations is fixed, so that results are the same on every machine.
 #include "Application/OrvexDetector.h"
 
 #include <algorithm>

@@ -13,7 +13,7 @@ constexpr std::int32_t kAmbientBlocks = 30;
 constexpr std::int32_t kAmbientBuffer = kIgnoredBuffers + kAmbientBlocks + 1;  // with it the ambient means are known
 constexpr double kToneThreshold = 50.0;                                        // times the ambient mean
 constexpr double kNeighbourThreshold = 5.0;                                    // times the mean of the neighbours
-constexpr std::int32_t kNoiseLimit = 10;                                       // noisy tones that are put up with
+constexpr std::int32_t kNoiseLimit = 10;                                       // noisy tones that are tolerated
 constexpr std::int32_t kPairingSpan = 19;  // buffers from the first tone to the second
 constexpr double kBufferS = static_cast<double>(kVoiceBlockSamples) / kVoiceRateHz;
 
@@ -31,8 +31,8 @@ struct Levels {
   double At(Tone tone) const { return tone == Tone::k17000Hz ? at17000 : at19000; }
 };
 
-// The magnitudes of one block, and how far each tone stands above the mean of its neighbours, 17500 and 18000 Hz. In
-// digital silence the ratios are no numbers.
+// The magnitudes of one block, and the ratio of each tone to the mean of its neighbours, 17500 and 18000 Hz. In digital
+// silence both ratios are NaN.
 struct ToneMagnitudes : Levels {
   double ratio17 = 0.0;
   double ratio19 = 0.0;

@@ -52,7 +52,7 @@ public:
   // thread; from the end-of-calculation callback it holds for the blocks that follow.
   void SetFinished(bool finished) { m_Finished = finished ? 1 : 0; }
 
-  // Sets who watches this receiver; null, as at the beginning: nobody. Not while recording.
+  // Sets the observer, which must outlive its use; null, the initial value, for none. Not while recording.
   void SetObserver(OrvexReceiverObserver* observer) { m_Observer = observer; }
 
   // Progress: 1 after the ambient phase or a first tone, 2 in the audible setting at buffer 25, 0 before and after

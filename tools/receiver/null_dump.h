@@ -1,4 +1,4 @@
-// A debug dump that leaves no file, for recordings that are on disk already or are thrown away.
+// A debug dump that leaves no file, for recordings that are on disk already or not worth keeping.
 #pragma once
 
 namespace orvex::tools {

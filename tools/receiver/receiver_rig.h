@@ -1,4 +1,4 @@
-// The shipped receiver without a television: recordings go in as fast as they come, observers are told of each step.
+// The shipped receiver without a television: recordings go in as fast as they come, observers see each step.
 #pragma once
 
 #include <cstdint>
@@ -18,8 +18,9 @@ constexpr Tone kTones[] = {Tone::k17000Hz, Tone::k19000Hz};
 // A recording receiver on a port that does nothing. Any number of rigs may live, each used by one thread at a time.
 class ReceiverRig {
 public:
-  // `observers` are told of each step in their order and must outlive the rig. The numbers of buffers go on in a
-  // recording, also where the receiver begins again at 1. `hearable`: the audible setting, which looks for no tone.
+  // Each of the `observers` is called at each step, in this order; they must outlive the rig. The numbers of buffers go
+  // on in a recording, also where the receiver begins again at 1. `hearable`: the audible setting, which looks for no
+  // tone.
   explicit ReceiverRig(const std::vector<OrvexReceiverObserver*>& observers, bool hearable = false);
   ReceiverRig(const ReceiverRig&) = delete;
   ReceiverRig& operator=(const ReceiverRig&) = delete;
@@ -30,7 +31,7 @@ public:
   void Lose();
 
   const OrvexReceiver& GetReceiver() const { return m_Receiver; }
-  // For one who stops and starts it, too.
+  // For callers that stop and start it, too.
   OrvexReceiver& GetReceiver() { return m_Receiver; }
   double GetDifferenceS() { return m_Receiver.GetAudioTimeDifference(); }
   // Number of the last buffer, as the observers get it.

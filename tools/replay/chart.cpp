@@ -201,7 +201,7 @@ void Chart::AddMarks(std::size_t lane, const std::vector<double>& buffers, Shape
   m_Svg << "</g>\n";
 }
 
-// Pushed apart where they would lie on each other.
+// Moves labels up where they would overlap.
 void Chart::AddMarginLabels() {
   std::sort(m_Labels.begin(), m_Labels.end(), [](const MarginLabel& a, const MarginLabel& b) { return a.y < b.y; });
   double lowest = kTop + m_Height + 4.0;

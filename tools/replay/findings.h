@@ -1,4 +1,4 @@
-// What the blocks of a recording meant to the receiver: how each tone fared.
+// How far each block of a recording got with a tone, and what that adds up to.
 #pragma once
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-// A replay as one HTML page that needs nothing beside itself.
+// A replay as one HTML page that loads nothing else.
 #pragma once
 
 #include <cstddef>

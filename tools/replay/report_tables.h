@@ -7,7 +7,7 @@
 
 namespace orvex::tools {
 
-// How each tone fared, from the ambient level to the clean blocks.
+// One column per tone, from its ambient level to the number of its clean blocks.
 std::string MakeToneTable(const RunRecord& run);
 
 // The events in their order; of very many the first ones, and how many there are more.

@@ -1,4 +1,4 @@
-// All that the receiver reported about one recording, kept for looking at it as a whole.
+// Everything that the receiver reported about one recording.
 #pragma once
 
 #include <cstdint>

@@ -64,7 +64,7 @@ std::string ReadToTheEnd(int descriptor) {
   return text;
 }
 
-// What it prints. It does not tell when that cannot be written, and so it writes into a pipe.
+// What gnuplot prints. It does not report that it cannot write a file, and so it writes into a pipe.
 std::string RunGnuplot(const std::string& argument) {
   int pipe[2];
   if (::pipe2(pipe, O_CLOEXEC) != 0) {
@@ -88,7 +88,7 @@ std::string RunGnuplot(const std::string& argument) {
   return output;
 }
 
-// A file that is gone with its object.
+// A file that its destructor deletes.
 class TemporaryFile {
 public:
   TemporaryFile() : m_Path(std::filesystem::temp_directory_path() / "orvex-sweep-XXXXXX") {
@@ -134,7 +134,7 @@ void WriteHistogram(std::ostream& out, std::size_t row, const std::vector<RoomRe
   out << "END\n";
 }
 
-// Begins with a point that is none: gnuplot complains about data without any.
+// Begins with an undefined point: gnuplot refuses data that has none.
 void WriteErrors(std::ostream& out, std::size_t row, const std::vector<RoomResult>& results) {
   out << DataName("errors", row) << " << END\nNaN NaN\n";
   for (const RoomResult& result : results) {
@@ -145,7 +145,7 @@ void WriteErrors(std::ostream& out, std::size_t row, const std::vector<RoomResul
   out << "END\n";
 }
 
-// And a line at 0: to gnuplot a picture without any point is an error.
+// Adds a line at 0: gnuplot refuses a picture without any point.
 void WritePlotOfRows(std::ostream& out, const char* kind, const char* style, const Plan& plan,
                      const SweepResult& result) {
   out << "plot ";

@@ -17,7 +17,7 @@ void DrawFigures(std::ostream& out, const std::string& path, const Plan& plan, c
 // work.
 void CheckFigures(const std::string& path);
 
-// What gnuplot is told; it writes the picture to its standard output.
+// Writes the script for gnuplot, which prints the picture to its standard output.
 void WriteFigureScript(std::ostream& out, const std::string& path, const Plan& plan, const SweepResult& result);
 
 }  // namespace orvex::tools

@@ -1,4 +1,4 @@
-// Rooms are handed out by number and their results kept by number.
+// Hands the rooms out to threads by number and keeps their results by number.
 #include "sweep/sweep.h"
 
 #include <algorithm>

@@ -15,7 +15,7 @@ struct SweepOptions {
   std::size_t rooms = 1000;       // of each row
   unsigned jobs = 1;              // threads
   std::vector<Sound> recordings;  // for the disturbances
-  // Called now and then, from one thread, with the number of rooms that are done.
+  // Called every 200 ms, from one thread, with the number of rooms that are done.
   std::function<void(std::size_t done)> progress = [](std::size_t) {};
   // Asked by every thread before each room: true ends the sweep with the rooms that have begun.
   std::function<bool()> isInterrupted = [] { return false; };

@@ -11,7 +11,7 @@ namespace orvex::tools {
 struct Trial {
   sim::RoomConfig room;             // its optical latency includes the delay of the output
   double startMs = 0.0;             // from the end of the ambient phase to the first frame of the sound
-  double lateMs = 0.0;              // the main loop acts on each event so much later than it comes
+  double lateMs = 0.0;              // delay of the main loop on each event
   bool finishedMark = true;         // the receiver's finished mark is set at the first result
   std::vector<std::int16_t> sound;  // interleaved stereo at 48000 Hz
   std::vector<float> disturbance;   // added to the noise, at the microphone's nominal rate; full scale is 1

@@ -24,15 +24,9 @@ TEST_F(ReceiverDetection, TheAmbienceIsTheMeanOfBlocks0To29AndIsReportedAtBlock3
   Start();
   BeQuietUntil(5);
   // Of 30 blocks the levels are 1, 2, … 30, the sum is 465.
-  int sum = 0;
-  for (std::int16_t block = 0; block < 30; ++block) {
-    const double soFar = sum;
-    const double level = block + 1.0;
-    EXPECT_THAT(EventsAt(block + 5, Click(static_cast<std::int16_t>(block + 1))), IsEmpty());
-    EXPECT_TRUE(world.journal.Has(Text("I0 %d / %f %f %f %f / 1.000000 1.000000 / %f %f %f %f", block, level, level,
-                                       level, level, soFar, soFar, soFar, soFar)));
+  for (std::int16_t level = 1; level <= 30; ++level) {
+    EXPECT_THAT(EventsAt(level + 4, Click(level)), IsEmpty());
     EXPECT_EQ(receiver.GetSoundType(), 0);
-    sum += block + 1;
   }
   EXPECT_THAT(Hear(Click(8000)),
               ElementsAre("I0 m_ReceiveBTAudioDataCB", "I0 buffer: 35",
