@@ -112,6 +112,7 @@ TEST_F(PlayerOverlap, ASoundThatWasNotStoppedIsFollowedByTheNewOneToo) {
   Rest();
   EXPECT_EQ(world.journal.Count("> end callback"), 2);
   EXPECT_EQ(world.poolJobs.size(), 3U);
+  EXPECT_EQ(world.samplesTaken.size(), 3 * SamplesIn(longSound).size()) << "on a device that is open";
   EXPECT_THAT(Rest(), IsEmpty());
 }
 
