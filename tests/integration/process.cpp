@@ -10,46 +10,24 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <array>
 #include <cerrno>
 #include <fstream>
 #include <system_error>
+
+#include "tv/exec_arguments.h"
 
 namespace orvex::integration {
 namespace {
 
 // What would lead a service to another television, another sound device or another watchdog.
-constexpr std::array<const char*, 4> kKeptOut{"ORVEX_", "ALSA_", "NOTIFY_SOCKET=", "WATCHDOG_"};
-
-bool IsKeptOut(const std::string& variable) {
-  for (const char* const prefix : kKeptOut) {
-    if (variable.rfind(prefix, 0) == 0) {
-      return true;
-    }
-  }
-  return false;
-}
+const std::vector<std::string> kKeptOut{"ORVEX_", "ALSA_", "NOTIFY_SOCKET=", "WATCHDOG_"};
 
 std::vector<std::string> EnvironmentOf(const ProcessCommand& command) {
-  std::vector<std::string> variables;
-  for (char** variable = environ; *variable != nullptr; ++variable) {
-    if (!IsKeptOut(*variable)) {
-      variables.emplace_back(*variable);
-    }
-  }
+  std::vector<std::string> variables = tools::EnvironmentWithout(kKeptOut);
   for (const auto& [name, value] : command.environment) {
     variables.push_back(name + "=" + value);
   }
   return variables;
-}
-
-std::vector<char*> Pointers(std::vector<std::string>& texts) {
-  std::vector<char*> pointers;
-  for (std::string& text : texts) {
-    pointers.push_back(text.data());
-  }
-  pointers.push_back(nullptr);
-  return pointers;
 }
 
 class FileActions {
@@ -120,7 +98,7 @@ Process::Process(const ProcessCommand& command) {
   const FileActions actions(command);
   const Attributes attributes(command);
   const int result = posix_spawn(&m_Id, command.program.c_str(), actions.Get(), attributes.Get(),
-                                 Pointers(arguments).data(), Pointers(environment).data());
+                                 tools::NullTerminated(arguments).data(), tools::NullTerminated(environment).data());
   if (result != 0) {
     throw std::system_error(result, std::generic_category(), command.program.string());
   }

@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "tv/errors.h"
+#include "tv/exec_arguments.h"
 #include "tv/file_descriptor.h"
 
 namespace orvex::tools {
@@ -71,28 +72,6 @@ private:
   bool m_IsEndWanted = false;
 };
 
-std::vector<std::string> EnvironmentFor(const std::filesystem::path& television) {
-  const std::string name = "ORVEX_TV=";
-  std::vector<std::string> variables;
-  for (char** variable = environ; *variable != nullptr; ++variable) {
-    if (std::strncmp(*variable, name.c_str(), name.size()) != 0) {
-      variables.emplace_back(*variable);
-    }
-  }
-  variables.push_back(name + television.string());
-  return variables;
-}
-
-std::vector<char*> Pointers(std::vector<std::string>& texts) {
-  std::vector<char*> pointers;
-  pointers.reserve(texts.size() + 1);
-  for (std::string& text : texts) {
-    pointers.push_back(text.data());
-  }
-  pointers.push_back(nullptr);
-  return pointers;
-}
-
 class Service {
 public:
   Service(const ServiceCommand& command, RunSignals& signals, const LineReceiver& onLine)
@@ -115,9 +94,10 @@ public:
 private:
   bool Start() {
     std::vector<std::string> arguments{m_Command.program.string()};
-    std::vector<std::string> environment = EnvironmentFor(m_Command.television);
-    const std::vector<char*> argumentPointers = Pointers(arguments);
-    const std::vector<char*> environmentPointers = Pointers(environment);
+    std::vector<std::string> environment = EnvironmentWithout({"ORVEX_TV="});
+    environment.push_back("ORVEX_TV=" + m_Command.television.string());
+    const std::vector<char*> argumentPointers = NullTerminated(arguments);
+    const std::vector<char*> environmentPointers = NullTerminated(environment);
     Pipe failure;  // closed by a successful exec, else it carries errno
     const pid_t parent = ::getpid();
     m_Process = ::fork();
