@@ -16,10 +16,6 @@ using testing::HasSubstr;
 
 constexpr char kSound[] = "usr/apps/com.norvel.tv.orvex-service/res/sound/LR_test_sample_17_19.wav";
 
-std::function<void(const TestTelevision&)> WithFile(const std::string& name, const std::string& content) {
-  return [=](const TestTelevision& television) { television.WriteFile(name, content); };
-}
-
 struct RoomRow {
   const char* name;
   std::string room;
@@ -41,22 +37,19 @@ TEST(BadInput, ABadRoomIsNamedAndEndsTheRun) {
       {"noise is no sound", R"({"microphone": {"noise_file": "room.json"}})",
        "noise_file \"{s}/room.json\": expected a sound file: {s}"},
   };
-  std::vector<Scenario> scenarios;
+  std::vector<ExpectedRun> runs;
   for (const RoomRow& row : rows) {
-    scenarios.push_back({row.name, WithFile("room.json", row.room), {}, {}});
-  }
-  const std::vector<Observation> observations = Perform(scenarios);
-  for (std::size_t n = 0; n < rows.size(); ++n) {
     Expectation expectation = EndedWith("bt_fail");
-    expectation.hostLines = {std::string("E2 orvex-host: ") + rows[n].complaint +
+    expectation.hostLines = {std::string("E2 orvex-host: ") + row.complaint +
                              "; there is no room, so no remote control is connected"};
-    Check(observations[n], expectation);
+    runs.push_back({{row.name, WithFile("room.json", row.room), {}, {}}, expectation});
   }
+  PerformAndCheck(runs);
 }
 
 struct SoundRow {
   const char* name;
-  std::function<void(const TestTelevision&)> prepare;
+  Preparation prepare;
   std::string buffer;  // bytes that the header promises
 };
 
@@ -85,7 +78,7 @@ void PutSilence(const TestTelevision& television) {
 TEST(BadInput, AnUnfitTestSoundEndsTheRunWithoutADifference) {
   const std::string promised = std::to_string(WholeSound().size() - 44);
   const std::vector<SoundRow> rows{
-      {"missing", [](const TestTelevision&) {}, "0"},
+      {"missing", LeaveAsItIs, "0"},
       {"empty", WithFile(kSound, ""), "0"},
       {"text", WithFile(kSound, "this is no sound but a line of text that is longer than a header is\n"), "0"},
       {"header only", WithFile(kSound, WholeSound().substr(0, 44)), promised},
@@ -93,16 +86,13 @@ TEST(BadInput, AnUnfitTestSoundEndsTheRunWithoutADifference) {
       {"foreign chunk", WithFile(kSound, WithForeignChunk()), "10"},
       {"silence", PutSilence, "38400"},
   };
-  std::vector<Scenario> scenarios;
+  std::vector<ExpectedRun> runs;
   for (const SoundRow& row : rows) {
-    scenarios.push_back({row.name, row.prepare, {}, {{"ORVEX_RESOURCES", "/nonexistent"}}});
-  }
-  const std::vector<Observation> observations = Perform(scenarios);
-  for (std::size_t n = 0; n < rows.size(); ++n) {
     Expectation expectation = EndedWith("diff_fail", 2);
-    expectation.logged = {"I0 buffer length " + rows[n].buffer};
-    Check(observations[n], expectation);
+    expectation.logged = {"I0 buffer length " + row.buffer};
+    runs.push_back({{row.name, row.prepare, {}, {{"ORVEX_RESOURCES", "/nonexistent"}}}, expectation});
   }
+  PerformAndCheck(runs);
 }
 
 // The sound on the television's own file system comes before the build's.
@@ -122,7 +112,7 @@ TEST(BadInput, ATelevisionThatCannotBeMadeIsNamedAndNoRunBegins) {
   television.WriteFile("file", "");
   std::vector<Scenario> scenarios;
   for (const std::string& place : {television.PathOf("file").string() + "/tv", std::string("/proc/nothing/tv")}) {
-    scenarios.push_back({place, [](const TestTelevision&) {}, {}, {{"ORVEX_TV", place}}});
+    scenarios.push_back({place, LeaveAsItIs, {}, {{"ORVEX_TV", place}}});
   }
   for (const Observation& observation : Perform(scenarios)) {
     SCOPED_TRACE(observation.name);
@@ -151,11 +141,10 @@ TEST(BadInput, ABadValueIsNamedAndCountsAsUnread) {
   };
   std::vector<Scenario> scenarios;
   for (const ValueRow& row : rows) {
-    const auto prepare = [row](const TestTelevision& television) {
-      television.SetRoom(RoomWithoutBlocks());
-      television.WriteFile(row.name, row.content);
-    };
-    scenarios.push_back({std::string(row.name) + " " + row.content, prepare, {SignalAt(kIsRecording, SIGTERM)}, {}});
+    scenarios.push_back({std::string(row.name) + " " + row.content,
+                         Both(WithRoom(RoomWithoutBlocks()), WithFile(row.name, row.content)),
+                         {SignalAt(kIsRecording, SIGTERM)},
+                         {}});
   }
   const std::vector<Observation> observations = Perform(scenarios);
   for (std::size_t n = 0; n < observations.size(); ++n) {

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "Application/OrvexEventId.h"
 #include "integration/expectation.h"
 
 namespace orvex::integration {
@@ -14,8 +15,6 @@ const std::string kStart = std::string("EV013 ORVEXENV ") + kStartRecord;
 constexpr char kSecondStart[] = "EV013 ORVEXENV {device=Second|1;source=1;videoinfo=tv|6|60;codec=0}";
 constexpr char kEnd[] = "EV012 ORVEXSET {result=fail;delay=100;du={u};terminate=etc}";
 
-using Preparation = std::function<void(const TestTelevision&)>;
-
 struct Row {
   const char* name;
   Preparation prepare;
@@ -24,8 +23,8 @@ struct Row {
   Lines hostLines;
 };
 
-Preparation WithConsentFile(const std::string& content) {
-  return [content](const TestTelevision& television) { television.WriteFile(kConsent, content); };
+Preparation WithConsent(const std::string& text) {
+  return WithFile(kConsent, text);
 }
 
 void PutFolderInPlaceOfConsent(const TestTelevision& television) {
@@ -39,17 +38,17 @@ Step EndAt(const std::string& line) {
 
 void StartAgainWithAnotherDevice(ServiceRun& run) {
   run.GetTelevision().Set("tv/brand", "Second");
-  InjectAt(kIsRecording, 10000).act(run);
+  InjectAt(kIsRecording, ORVEX_START_SYNC).act(run);
 }
 
 std::vector<Row> Rows() {
   return {
-      {"given", WithConsentFile("1"), {EndAt(kIsRecording)}, {kStart, kEnd}, {}},
-      {"given, by another number", WithConsentFile("-7"), {EndAt(kIsRecording)}, {kStart, kEnd}, {}},
-      {"missing", WithConsentFile("0"), {EndAt(kIsRecording)}, {}, {}},
+      {"given", WithConsent("1"), {EndAt(kIsRecording)}, {kStart, kEnd}, {}},
+      {"given, by another number", WithConsent("-7"), {EndAt(kIsRecording)}, {kStart, kEnd}, {}},
+      {"missing", WithConsent("0"), {EndAt(kIsRecording)}, {}, {}},
       // What was held is sent once, however often the consent is written.
       {"given while two start records are held",
-       WithConsentFile("0"),
+       WithConsent("0"),
        {{kIsRecording, StartAgainWithAnotherDevice},
         SetAt("BT Recoder already started", kConsent, "1"),
         {"add event log sync:1", [](ServiceRun&) {}},
@@ -58,12 +57,12 @@ std::vector<Row> Rows() {
        {kStart, kSecondStart, kEnd},
        {}},
       {"written meanwhile, but not given",
-       WithConsentFile("0"),
+       WithConsent("0"),
        {SetAt(kIsRecording, kConsent, "0"), EndAt("user doesn't agree{s}")},
        {},
        {}},
       {"taken back meanwhile",
-       WithConsentFile("1"),
+       WithConsent("1"),
        {SetAt(kIsRecording, kConsent, "0"), EndAt("user doesn't agree{s}")},
        {kStart},
        {}},
@@ -73,7 +72,7 @@ std::vector<Row> Rows() {
        {},
        {"E2 orvex-host: cannot read {s}/defaultdisclaimeragree: Is a directory"}},
       {"no number",
-       WithConsentFile("yes"),
+       WithConsent("yes"),
        {EndAt(kIsRecording)},
        {},
        {"E2 orvex-host: {s}/defaultdisclaimeragree: \"yes\": expected an integer from -2147483648 to 2147483647"}},
@@ -84,26 +83,19 @@ std::vector<Row> Rows() {
 }
 
 TEST(Consent, RecordsLeaveOnlyWhileTheUserAgrees) {
-  const std::vector<Row> rows = Rows();
-  std::vector<Scenario> scenarios;
-  for (const Row& row : rows) {
-    const auto prepare = [&row](const TestTelevision& television) {
-      television.SetRoom(RoomWithoutBlocks());
-      row.prepare(television);
-    };
-    scenarios.push_back({row.name, prepare, row.steps, WithInjection()});
-  }
-  const std::vector<Observation> observations = Perform(scenarios);
-  for (std::size_t n = 0; n < rows.size(); ++n) {
+  std::vector<ExpectedRun> runs;
+  for (const Row& row : Rows()) {
     Expectation expectation = EndedWith("etc");
-    expectation.records = rows[n].records;
-    expectation.hostLines = rows[n].hostLines;
-    Check(observations[n], expectation);
+    expectation.records = row.records;
+    expectation.hostLines = row.hostLines;
+    runs.push_back(
+        {{row.name, Both(WithRoom(RoomWithoutBlocks()), row.prepare), row.steps, WithInjection()}, expectation});
   }
+  PerformAndCheck(runs);
 }
 
 TEST(Consent, ARunWithoutItCorrectsTheDelayAndTellsNobody) {
-  const Observation observation = Perform({"missing", WithConsentFile("0"), {}, {}});
+  const Observation observation = Perform({"missing", WithConsent("0"), {}, {}});
   Expectation expectation = DifferenceApplied();
   expectation.records = Lines{};
   Check(observation, expectation);

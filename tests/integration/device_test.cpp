@@ -28,16 +28,13 @@ const Row kRecovered[] = {
 };
 
 TEST(Device, ARunGoesOnWithWhatIsLeftAfterAnUnderrunOrASuspension) {
-  std::vector<Scenario> scenarios;
+  std::vector<ExpectedRun> runs;
   for (const Row& row : kRecovered) {
-    scenarios.push_back({row.name, WithFaults(row.faults), {}, {}});
-  }
-  const std::vector<Observation> observations = Perform(scenarios);
-  for (std::size_t n = 0; n < observations.size(); ++n) {
     Expectation expectation = DifferenceApplied();
-    expectation.logged = kRecovered[n].logged;
-    Check(observations[n], expectation);
+    expectation.logged = row.logged;
+    runs.push_back({{row.name, WithFaults(row.faults), {}, {}}, expectation});
   }
+  PerformAndCheck(runs);
 }
 
 // Every further chunk fails at once, and the sound ends early.

@@ -61,7 +61,7 @@ TEST(Dump, WhateverLiesAtItsNamesTheRunIsDoneInItsTimeWithoutADump) {
       if (!obstacle.needsRoot || ::geteuid() == 0) {
         const std::string shell =
             "name=" + std::string(name) + "; file='" + victim.Path() + "'; " + obstacle.shell + " && exec \"$0\"";
-        scenarios.push_back({std::string(obstacle.name) + " at " + name, [](const TestTelevision&) {}, {}, {}, shell});
+        scenarios.push_back({std::string(obstacle.name) + " at " + name, LeaveAsItIs, {}, {}, shell});
       }
     }
   }
@@ -89,7 +89,7 @@ TEST(Dump, AFullDiskEndsTheDumpAndNotTheRun) {
   }
   const std::string look = "code=$?; ls -l /tmp; exit $code";
   const Observation observation =
-      Perform({"full disk", [](const TestTelevision&) {}, {}, {}, confined + "sh -c '\"$0\"; " + look + "' \"$0\""});
+      Perform({"full disk", LeaveAsItIs, {}, {}, confined + "sh -c '\"$0\"; " + look + "' \"$0\""});
   CheckEnding(observation);
   EXPECT_GT(CountOf(observation.lines, "text = {result=pass;{s};terminate=done}"), 0);
   CheckDifferenceApplied(observation);

@@ -9,7 +9,7 @@
 namespace orvex::integration {
 namespace {
 
-std::function<void(const TestTelevision&)> MutedIn(const sim::RoomConfig& room) {
+Preparation MutedIn(const sim::RoomConfig& room) {
   return [room](const TestTelevision& television) {
     television.Set("sound/mute", "1");
     television.Set("sound/volume", "23");

@@ -123,6 +123,18 @@ void Check(const Observation& observation, const Expectation& expectation) {
   CheckResultFile(observation, expectation.savedMs);
 }
 
+std::vector<Observation> PerformAndCheck(const std::vector<ExpectedRun>& runs) {
+  std::vector<Scenario> scenarios;
+  for (const ExpectedRun& run : runs) {
+    scenarios.push_back(run.scenario);
+  }
+  const std::vector<Observation> observations = Perform(scenarios);
+  for (std::size_t n = 0; n < runs.size(); ++n) {
+    Check(observations[n], runs[n].expectation);
+  }
+  return observations;
+}
+
 void CheckEnding(const Observation& observation) {
   EXPECT_EQ("", observation.problem);
   EXPECT_EQ("exit code 0", Describe(observation.ending)) << observation.output;

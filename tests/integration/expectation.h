@@ -38,6 +38,14 @@ Expectation EndedWith(const std::string& terminate, int endRecords = 1);
 // Reports every deviation as a test failure, under the scenario's name.
 void Check(const Observation& observation, const Expectation& expectation);
 
+struct ExpectedRun {
+  Scenario scenario;
+  Expectation expectation;
+};
+
+// Performs the runs, some at a time, and checks each.
+std::vector<Observation> PerformAndCheck(const std::vector<ExpectedRun>& runs);
+
 // The parts of it that hold for every run.
 void CheckEnding(const Observation& observation);   // exit code 0, no sanitizer's report
 void CheckLogForm(const Observation& observation);  // every line: tag, prefix, colour of its level

@@ -35,11 +35,12 @@ Scenario ScenarioOf(const DoneRow& row) {
 }
 
 TEST(Outcome, AMeasuredDifferenceIsTakenOffTheDelay) {
-  std::vector<Scenario> scenarios;
-  std::transform(std::begin(kDone), std::end(kDone), std::back_inserter(scenarios), ScenarioOf);
-  const std::vector<Observation> observations = Perform(scenarios);
+  std::vector<ExpectedRun> runs;
+  for (const DoneRow& row : kDone) {
+    runs.push_back({ScenarioOf(row), DifferenceApplied(row.baseMs)});
+  }
+  const std::vector<Observation> observations = PerformAndCheck(runs);
   for (std::size_t n = 0; n < observations.size(); ++n) {
-    Check(observations[n], DifferenceApplied(kDone[n].baseMs));
     EXPECT_NEAR(kDone[n].differenceMs, MeasuredDifferenceS(observations[n]) * 1000.0, kLargestErrorMs) << kDone[n].name;
   }
   EXPECT_EQ(0, observations[2].delayMs);
@@ -47,7 +48,7 @@ TEST(Outcome, AMeasuredDifferenceIsTakenOffTheDelay) {
 
 // The detector's magnitudes of a block, computed anew from the dump, are those of the log: these are its very bytes.
 TEST(Outcome, TheDumpHoldsWhatTheDetectorHasHeard) {
-  const Observation observation = Perform({"default room", [](const TestTelevision&) {}, {}, {}});
+  const Observation observation = Perform({"default room", LeaveAsItIs, {}, {}});
   CheckEnding(observation);
   CheckBlocks(observation);
   std::size_t compared = 0;
@@ -67,7 +68,7 @@ TEST(Outcome, TheDumpHoldsWhatTheDetectorHasHeard) {
 
 struct FailureRow {
   const char* name;
-  std::function<void(const TestTelevision&)> prepare;
+  Preparation prepare;
   const char* terminate;
   int endRecords;
 };
@@ -96,14 +97,11 @@ TEST(Outcome, ARunWithoutADifferenceLeavesTheDelayAlone) {
       {"receiver refused", WithFaults(R"({"voice.register": -1})"), "bt_fail", 1},
       {"no sound device", WithFaults(R"({"pcm.open": -2})"), "play_fail", 1},
   };
-  std::vector<Scenario> scenarios;
+  std::vector<ExpectedRun> runs;
   for (const FailureRow& row : rows) {
-    scenarios.push_back({row.name, row.prepare, {}, {}});
+    runs.push_back({{row.name, row.prepare, {}, {}}, EndedWith(row.terminate, row.endRecords)});
   }
-  const std::vector<Observation> observations = Perform(scenarios);
-  for (std::size_t n = 0; n < rows.size(); ++n) {
-    Check(observations[n], EndedWith(rows[n].terminate, rows[n].endRecords));
-  }
+  PerformAndCheck(runs);
 }
 
 TEST(Outcome, ARemoteThatIsBusyFourTimesIsAskedAFifthTime) {

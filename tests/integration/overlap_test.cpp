@@ -5,16 +5,11 @@
 
 #include <algorithm>
 
+#include "Application/OrvexEventId.h"
 #include "integration/expectation.h"
 
 namespace orvex::integration {
 namespace {
-
-constexpr int kEndSync = 10001;
-constexpr int kPlay = 10002;
-constexpr int kStop = 10003;
-constexpr int kFinish = 10006;
-constexpr int kExit = 10007;
 
 struct Row {
   const char* name;
@@ -24,10 +19,10 @@ struct Row {
 };
 
 Step StopAt(const std::string& line) {
-  return InjectAt(line, kStop);
+  return InjectAt(line, ORVEX_STOP_INAUDIBLE_SOUND);
 }
 Step PlayAt(const std::string& line) {
-  return InjectAt(line, kPlay);
+  return InjectAt(line, ORVEX_PLAY_INAUDIBLE_SOUND);
 }
 
 const std::vector<Row> kRows = {
@@ -42,7 +37,7 @@ const std::vector<Row> kRows = {
      1,
      "etc"},
     {"the run ends meanwhile",
-     {StopAt(kIsPlaying), PlayAt("cancel_thread"), InjectAt("start Player ", kExit)},
+     {StopAt(kIsPlaying), PlayAt("cancel_thread"), InjectAt("start Player ", ORVEX_EXIT)},
      1,
      "etc"},
     {"a signal ends it meanwhile",
@@ -50,9 +45,9 @@ const std::vector<Row> kRows = {
      1,
      "etc"},
     {"the measurement ends meanwhile",
-     {StopAt(kIsPlaying), PlayAt("cancel_thread"), InjectAt("start Player ", kEndSync),
-      InjectAt("no_diff_detected!!{s}", kFinish), PlayAt("BT Recoder is not started"), StopAt("start Player "),
-      InjectAt("stop Sound Player", kExit)},
+     {StopAt(kIsPlaying), PlayAt("cancel_thread"), InjectAt("start Player ", ORVEX_END_SYNC),
+      InjectAt("no_diff_detected!!{s}", ORVEX_FINISH_BT_RECODING), PlayAt("BT Recoder is not started"),
+      StopAt("start Player "), InjectAt("stop Sound Player", ORVEX_EXIT)},
      1,
      "diff_fail"},
 };

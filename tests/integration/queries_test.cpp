@@ -10,16 +10,12 @@ namespace {
 
 struct Row {
   const char* name;
-  std::function<void(const TestTelevision&)> change;
+  Preparation change;
   const char* record;
 };
 
-std::function<void(const TestTelevision&)> Without(const std::string& name) {
+Preparation Without(const std::string& name) {
   return [name](const TestTelevision& television) { television.Remove(name); };
-}
-
-std::function<void(const TestTelevision&)> With(const std::string& name, const std::string& text) {
-  return [name, text](const TestTelevision& television) { television.Set(name, text); };
 }
 
 void RemoveAll(const TestTelevision& television) {
@@ -42,29 +38,22 @@ std::vector<Row> Rows() {
        "{device=none|-1;source=1;videoinfo=none|0|0;codec=0}"},
       {"no source control", WithFaults(R"({"tv.source_control": -1})"),
        "{device=Example|1;source=0;videoinfo=tv|6|60;codec=0}"},
-      {"brand with the record's own signs", With("tv/brand", "A|B;C}D"),
+      {"brand with the record's own signs", WithValue("tv/brand", "A|B;C}D"),
        "{device=A|B;C}D|1;source=1;videoinfo=tv|6|60;codec=0}"},
-      {"source below 0", With("tv/source", "-3"), "{device=Example|1;source=-3;videoinfo=tv|6|60;codec=0}"},
-      {"codec below 0", With("tv/codec", "-1"), "{device=Example|1;source=1;videoinfo=tv|6|60;codec=4294967295}"},
+      {"source below 0", WithValue("tv/source", "-3"), "{device=Example|1;source=-3;videoinfo=tv|6|60;codec=0}"},
+      {"codec below 0", WithValue("tv/codec", "-1"), "{device=Example|1;source=1;videoinfo=tv|6|60;codec=4294967295}"},
   };
 }
 
 TEST(Queries, AFailedOneLeavesItsDefaultInTheStartRecord) {
-  const std::vector<Row> rows = Rows();
-  std::vector<Scenario> scenarios;
-  for (const Row& row : rows) {
-    const auto prepare = [&row](const TestTelevision& television) {
-      television.SetRoom(RoomWithoutBlocks());
-      row.change(television);
-    };
-    scenarios.push_back({row.name, prepare, {SignalAt(kIsRecording, SIGTERM)}, {}});
-  }
-  const std::vector<Observation> observations = Perform(scenarios);
-  for (std::size_t n = 0; n < rows.size(); ++n) {
+  std::vector<ExpectedRun> runs;
+  for (const Row& row : Rows()) {
     Expectation expectation = EndedWith("etc");
-    expectation.startRecord = rows[n].record;
-    Check(observations[n], expectation);
+    expectation.startRecord = row.record;
+    runs.push_back({{row.name, Both(WithRoom(RoomWithoutBlocks()), row.change), {SignalAt(kIsRecording, SIGTERM)}, {}},
+                    expectation});
   }
+  PerformAndCheck(runs);
 }
 
 // A diagnostic only: the delay itself comes from elsewhere.

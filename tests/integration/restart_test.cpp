@@ -3,21 +3,19 @@
 
 #include <gtest/gtest.h>
 
+#include "Application/OrvexEventId.h"
 #include "integration/expectation.h"
 
 namespace orvex::integration {
 namespace {
 
-constexpr int kStop = 10003;
-constexpr int kRestart = 10005;
-constexpr int kFinish = 10006;
 constexpr char kIsRestarted[] = "BT Recoder already started";
 
 // The delay is changed by hand, then a restart is asked for.
 Step RestartAt(const std::string& line, const std::string& delayMs) {
   return {line, [line, delayMs](ServiceRun& run) {
             run.GetTelevision().Set("delay/spdif", delayMs);
-            InjectAt(line, kRestart).act(run);
+            InjectAt(line, ORVEX_RESTART_BT_RECODING).act(run);
           }};
 }
 
@@ -28,7 +26,7 @@ struct Row {
 };
 
 Scenario ScenarioOf(const Row& row) {
-  Scenario scenario{row.name, [](const TestTelevision&) {}, {}, WithInjection()};
+  Scenario scenario{row.name, LeaveAsItIs, {}, WithInjection()};
   if (row.isLastRefused) {
     scenario.prepare = WithRoom(RoomWithoutBlocks());
   }
@@ -47,29 +45,29 @@ TEST(Restart, IsGrantedTwiceAndOnlyForANewDelayThatIsNotZero) {
       {"unchanged since the first", {"120", "120"}, true},
       {"delay 0", {"0"}, true},
   };
-  std::vector<Scenario> scenarios;
+  std::vector<ExpectedRun> runs;
   for (const Row& row : rows) {
-    scenarios.push_back(ScenarioOf(row));
-  }
-  const std::vector<Observation> observations = Perform(scenarios);
-  for (std::size_t n = 0; n < rows.size(); ++n) {
-    const std::int64_t lastMs = std::stoll(rows[n].delays.back());
-    Expectation expectation = rows[n].isLastRefused ? EndedWith("etc") : DifferenceApplied(lastMs);
+    const std::int64_t lastMs = std::stoll(row.delays.back());
+    Expectation expectation = row.isLastRefused ? EndedWith("etc") : DifferenceApplied(lastMs);
     expectation.savedMs = 100;  // when the recording began
-    if (rows[n].isLastRefused) {
+    if (row.isLastRefused) {
       expectation.delayMs = lastMs;
     }
-    Check(observations[n], expectation);
+    runs.push_back({ScenarioOf(row), expectation});
+  }
+  const std::vector<Observation> observations = PerformAndCheck(runs);
+  for (std::size_t n = 0; n < rows.size(); ++n) {
     EXPECT_EQ(Lines(rows[n].delays.size(), "{}"), observations[n].notes) << rows[n].name;
   }
 }
 
 // The recording is finished by hand, then begun anew: a second pair of files, and a run from its beginning.
 TEST(Restart, AfterAFinishedRecordingBeginsASecondOne) {
-  const Observation observation = Perform({"finished and restarted",
-                                           [](const TestTelevision&) {},
-                                           {InjectAt("buffer: 6", kFinish), RestartAt("Stop bt audio", "120")},
-                                           WithInjection()});
+  const Observation observation =
+      Perform({"finished and restarted",
+               LeaveAsItIs,
+               {InjectAt("buffer: 6", ORVEX_FINISH_BT_RECODING), RestartAt("Stop bt audio", "120")},
+               WithInjection()});
   SCOPED_TRACE(observation.name);
   CheckEnding(observation);
   CheckLogForm(observation);
@@ -81,11 +79,12 @@ TEST(Restart, AfterAFinishedRecordingBeginsASecondOne) {
 }
 
 TEST(Restart, AStoppedSoundIsPlayedOutAndAnUnknownEventIsPassedOver) {
-  const Observation observation = Perform({"stopped",
-                                           WithRoom(RoomWithoutOpticalSound()),
-                                           {InjectAt(kIsPlaying, kStop), InjectAt("cancel_thread", 12345),
-                                            InjectAt("other event", 10008), SignalAt("other event", SIGTERM)},
-                                           WithInjection()});
+  const Observation observation =
+      Perform({"stopped",
+               WithRoom(RoomWithoutOpticalSound()),
+               {InjectAt(kIsPlaying, ORVEX_STOP_INAUDIBLE_SOUND), InjectAt("cancel_thread", 12345),
+                InjectAt("other event", 10008), SignalAt("other event", SIGTERM)},
+               WithInjection()});
   Check(observation, EndedWith("etc"));
 }
 

@@ -85,11 +85,26 @@ std::map<std::string, std::string> WithInjection() {
   return {{"ORVEX_TV_INJECT", "1"}};
 }
 
-std::function<void(const TestTelevision&)> WithFaults(const std::string& json) {
+Preparation WithFaults(const std::string& json) {
   return [json](const TestTelevision& television) { television.SetFaults(json); };
 }
 
-std::function<void(const TestTelevision&)> WithRoom(const sim::RoomConfig& room) {
+Preparation WithValue(const std::string& name, const std::string& text) {
+  return [name, text](const TestTelevision& television) { television.Set(name, text); };
+}
+
+Preparation WithFile(const std::string& name, const std::string& content) {
+  return [name, content](const TestTelevision& television) { television.WriteFile(name, content); };
+}
+
+Preparation Both(const Preparation& first, const Preparation& second) {
+  return [first, second](const TestTelevision& television) {
+    first(television);
+    second(television);
+  };
+}
+
+Preparation WithRoom(const sim::RoomConfig& room) {
   return [room](const TestTelevision& television) { television.SetRoom(room); };
 }
 

@@ -13,6 +13,8 @@
 
 namespace orvex::integration {
 
+using Preparation = std::function<void(const TestTelevision&)>;
+
 struct Step {
   std::string line;  // pattern; waited for behind the line of the step before
   std::function<void(ServiceRun&)> act;
@@ -20,7 +22,7 @@ struct Step {
 
 struct Scenario {
   std::string name;
-  std::function<void(const TestTelevision&)> prepare;
+  Preparation prepare;
   std::vector<Step> steps;
   std::map<std::string, std::string> environment;
   std::string shell = "";  // begins the service, see ServiceRun
@@ -59,14 +61,17 @@ std::map<std::string, std::string> WithInjection();
 // Lines that tell how far a run has come.
 constexpr char kIsConstructed[] = "m_ElapsedTimeStr: {s}";
 constexpr char kIsCreating[] = "Orvex Service Create!";
-constexpr char kIsRecording[] = "Temp file name={s}";
 constexpr char kIsLearningNoise[] = "buffer: 12";
 constexpr char kIsPlaying[] = "m_StartPlay";
 constexpr char kIsHearingTones[] = "  ====> @ g_first index \n";
 
 // Ways to prepare a television.
-std::function<void(const TestTelevision&)> WithFaults(const std::string& json);
-std::function<void(const TestTelevision&)> WithRoom(const sim::RoomConfig& room);
+inline void LeaveAsItIs(const TestTelevision& /*television*/) {}
+Preparation WithValue(const std::string& name, const std::string& text);
+Preparation WithFile(const std::string& name, const std::string& content);
+Preparation WithFaults(const std::string& json);
+Preparation WithRoom(const sim::RoomConfig& room);
+Preparation Both(const Preparation& first, const Preparation& second);
 
 // Rooms.
 sim::RoomConfig RoomWithDifference(double differenceMs, double delayMs);  // with that delay of the optical output

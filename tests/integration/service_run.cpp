@@ -113,11 +113,16 @@ ProcessEnding ServiceRun::WaitForEnd() {
 }
 
 std::string ServiceRun::ReadDump(int number) const {
-  return ReadWholeFile(DumpName("dump", m_Process.GetId(), number));
+  return HasRecording(number) ? ReadWholeFile(DumpName("dump", m_Process.GetId(), number)) : "";
 }
 
 std::string ServiceRun::ReadResult(int number) const {
-  return ReadWholeFile(DumpName("result", m_Process.GetId(), number) + ".csv");
+  return HasRecording(number) ? ReadWholeFile(DumpName("result", m_Process.GetId(), number) + ".csv") : "";
+}
+
+// Other files of such a name are those of an earlier process with the same number.
+bool ServiceRun::HasRecording(int number) const {
+  return CountOf(m_Log.GetLines(), kIsRecording) >= number;
 }
 
 std::string ServiceRun::ReadOutput() const {

@@ -11,6 +11,9 @@
 
 namespace orvex::integration {
 
+// The line with which a recording begins; it names its files.
+constexpr char kIsRecording[] = "Temp file name={s}";
+
 class ServiceRun {
 public:
   // `environment` comes on top of what names the television. `shell`, unless it is empty: what a shell does that begins
@@ -44,6 +47,7 @@ public:
   std::string ReadOutput() const;
 
 private:
+  bool HasRecording(int number) const;
   bool FindBehind(const std::string& text);
   bool WaitForNews(std::chrono::steady_clock::time_point deadline) const;
 

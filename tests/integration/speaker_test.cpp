@@ -1,8 +1,6 @@
 // The speaker's mute and the master volume during a run and afterwards.
 #include <signal.h>
 
-#include <algorithm>
-
 #include <gtest/gtest.h>
 
 #include "integration/expectation.h"
@@ -49,15 +47,16 @@ Scenario ScenarioOf(const Row& row) {
 }
 
 TEST(Speaker, IsAudibleAtVolumeZeroMeanwhileAndAsBeforeAfterwards) {
-  std::vector<Scenario> scenarios;
-  std::transform(std::begin(kRows), std::end(kRows), std::back_inserter(scenarios), ScenarioOf);
-  const std::vector<Observation> observations = Perform(scenarios);
-  for (std::size_t n = 0; n < observations.size(); ++n) {
-    const Row& row = kRows[n];
+  std::vector<ExpectedRun> runs;
+  for (const Row& row : kRows) {
     Expectation expectation = EndedWith("etc");
     expectation.mute = row.muteAfterwards;
     expectation.volume = 40;
-    Check(observations[n], expectation);
+    runs.push_back({ScenarioOf(row), expectation});
+  }
+  const std::vector<Observation> observations = PerformAndCheck(runs);
+  for (std::size_t n = 0; n < observations.size(); ++n) {
+    const Row& row = kRows[n];
     EXPECT_EQ(Lines{"mute " + std::to_string(row.muteMeanwhile) + ", volume " + std::to_string(row.volumeMeanwhile)},
               observations[n].notes)
         << row.name;
@@ -66,13 +65,8 @@ TEST(Speaker, IsAudibleAtVolumeZeroMeanwhileAndAsBeforeAfterwards) {
 
 // The muted speaker is heard by the run, so that it finds the difference.
 TEST(Speaker, AMutedOneIsHeardByTheRunAndMutedAgain) {
-  const Observation observation = Perform({"muted",
-                                           [](const TestTelevision& television) {
-                                             television.Set("sound/mute", "1");
-                                             television.Set("sound/speaker", "1");
-                                           },
-                                           {},
-                                           {}});
+  const Observation observation =
+      Perform({"muted", Both(WithValue("sound/mute", "1"), WithValue("sound/speaker", "1")), {}, {}});
   Expectation expectation = DifferenceApplied();
   expectation.mute = 1;
   Check(observation, expectation);

@@ -9,20 +9,20 @@ namespace {
 TEST(Together, TwoServicesOnTwoTelevisionsDoNotDisturbEachOther) {
   constexpr double kDifferenceMs[] = {90.0, -120.0};
   constexpr int kBaseMs[] = {150, 40};
-  std::vector<Scenario> scenarios;
+  std::vector<ExpectedRun> runs;
   for (const int n : {0, 1}) {
+    const std::string brand = "Television " + std::to_string(n);
     const auto prepare = [=](const TestTelevision& television) {
       television.Set("delay/spdif", std::to_string(kBaseMs[n]));
-      television.Set("tv/brand", "Television " + std::to_string(n));
+      television.Set("tv/brand", brand);
       television.SetRoom(RoomWithDifference(kDifferenceMs[n], kBaseMs[n]));
     };
-    scenarios.push_back({"television " + std::to_string(n), prepare, {}, {}});
-  }
-  const std::vector<Observation> observations = Perform(scenarios);
-  for (const std::size_t n : {0U, 1U}) {
     Expectation expectation = DifferenceApplied(kBaseMs[n]);
-    expectation.startRecord = "{device=Television " + std::to_string(n) + "|1;source=1;videoinfo=tv|6|60;codec=0}";
-    Check(observations[n], expectation);
+    expectation.startRecord = "{device=" + brand + "|1;source=1;videoinfo=tv|6|60;codec=0}";
+    runs.push_back({{brand, prepare, {}, {}}, expectation});
+  }
+  const std::vector<Observation> observations = PerformAndCheck(runs);
+  for (const std::size_t n : {0U, 1U}) {
     EXPECT_NEAR(kDifferenceMs[n], MeasuredDifferenceS(observations[n]) * 1000.0, 17.0);
   }
 }
