@@ -64,6 +64,7 @@ TEST(CorrectedDelay, IsTheBaseLessTheWholeMillisecondsOfTheDifference) {
   EXPECT_EQ(OrvexManager::CorrectedDelay(100, -0.0305), 130U);
   EXPECT_EQ(OrvexManager::CorrectedDelay(100, 0.0305), 70U);
   EXPECT_EQ(OrvexManager::CorrectedDelay(100, 0.0009), 100U);
+  EXPECT_EQ(OrvexManager::CorrectedDelay(2000, 1.9995), 1U);
 }
 
 TEST(CorrectedDelay, IsZeroBelowZeroAndBeyond32Bits) {
