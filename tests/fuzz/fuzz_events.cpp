@@ -46,7 +46,7 @@ public:
     PrepareTelevision();
     Require(m_Run.Start(), "there is an application");
     for (int order = 0; order < kMostOrders && !m_Input.IsAtEnd() && !m_Run.world.HasEnded(); ++order) {
-      Obey(m_Input.Letter());
+      ApplyOrder(m_Input.Letter());
       m_Run.world.AdvanceMs(0);
     }
     static_cast<void>(m_Run.ToEnd());
@@ -62,7 +62,7 @@ private:
     m_Run.world.settings[kConsentKey] = bits >> 3 & 1;
     m_Run.world.volume = bits >> 4;
   }
-  void Obey(char order) {
+  void ApplyOrder(char order) {
     switch (order) {
       case 'w':
         m_Run.world.AdvanceMs(4.0 * m_Input.Byte());

@@ -162,18 +162,18 @@ TEST_F(ReceiverCapture, ARecordingAfterARefusedStopWorks) {
 
 // How a command fares: what the remote answers, and the whole that the journal shows of it. "<ask>" stands for the call
 // and "<busy>" for the line of a failure that is tried again.
-struct Fate {
+struct Answers {
   const char* name;
   std::vector<long> answers;
   int pauses;
   bool accepted;
 };
 
-void PrintTo(const Fate& fate, std::ostream* out) {
-  *out << fate.name;
+void PrintTo(const Answers& row, std::ostream* out) {
+  *out << row.name;
 }
 
-class RemoteAnswers : public ReceiverCapture, public testing::WithParamInterface<Fate> {
+class RemoteAnswers : public ReceiverCapture, public testing::WithParamInterface<Answers> {
 protected:
   // The asking and the failures that are tried again.
   static Texts Asking(const std::string& call, const std::string& busyLine) {
@@ -221,15 +221,16 @@ TEST_P(RemoteAnswers, DecideWhatAStopTells) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Receiver, RemoteAnswers,
-                         testing::Values(Fate{"AtOnce", {0}, 0, true}, Fate{"BusyOnce", {-115, 0}, 1, true},
-                                         Fate{"BusyThreeTimes", {-115, -115, -115, 0}, 3, true},
-                                         Fate{"BusyFourTimes", {-115, -115, -115, -115, 0}, 4, true},
-                                         Fate{"BusyForEver", {-115, -115, -115, -115, -115}, 4, false},
-                                         Fate{"Refused", {-5}, 0, false}, Fate{"NotConnected", {-19}, 0, false},
-                                         Fate{"AlmostInProgress", {-114}, 0, false},
-                                         Fate{"BeyondInProgress", {-116}, 0, false}, Fate{"Positive", {115}, 0, false},
-                                         Fate{"BusyThenRefused", {-115, -115, -5}, 2, false},
-                                         Fate{"BusyThenPositive", {-115, 1}, 1, false}),
+                         testing::Values(Answers{"AtOnce", {0}, 0, true}, Answers{"BusyOnce", {-115, 0}, 1, true},
+                                         Answers{"BusyThreeTimes", {-115, -115, -115, 0}, 3, true},
+                                         Answers{"BusyFourTimes", {-115, -115, -115, -115, 0}, 4, true},
+                                         Answers{"BusyForEver", {-115, -115, -115, -115, -115}, 4, false},
+                                         Answers{"Refused", {-5}, 0, false}, Answers{"NotConnected", {-19}, 0, false},
+                                         Answers{"AlmostInProgress", {-114}, 0, false},
+                                         Answers{"BeyondInProgress", {-116}, 0, false},
+                                         Answers{"Positive", {115}, 0, false},
+                                         Answers{"BusyThenRefused", {-115, -115, -5}, 2, false},
+                                         Answers{"BusyThenPositive", {-115, 1}, 1, false}),
                          [](const auto& tested) { return std::string(tested.param.name); });
 
 }  // namespace
