@@ -33,7 +33,7 @@ void VoiceChannel::Stop() {
 
 // When the next block's last sample has been taken.
 Time VoiceChannel::BlockComplete() const {
-  return m_Room.SampleTime((m_BlockIndex + 1) * kBlockSamples);
+  return m_Room.SampleTime((m_BlockIndex + 1) * kVoiceBlockSamples);
 }
 
 // Draws jitter and loss of the next block: always both, so that changing one does not change the other's sequence.

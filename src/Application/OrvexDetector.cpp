@@ -55,7 +55,7 @@ ToneMagnitudes MeasureBlock(const Block& samples) {
 }
 
 double SecondsOf(std::int32_t buffers) {
-  return buffers * static_cast<double>(kVoiceBlockSamples) / kVoiceRateHz;
+  return buffers * kVoiceBlockSamples / kVoiceRateHz;
 }
 
 }  // namespace orvex::detector

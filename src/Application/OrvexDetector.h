@@ -15,7 +15,7 @@ constexpr double kToneThreshold = 50.0;                                        /
 constexpr double kNeighbourThreshold = 5.0;                                    // times the mean of the neighbours
 constexpr std::int32_t kNoiseLimit = 10;                                       // noisy tones that are tolerated
 constexpr std::int32_t kPairingSpan = 19;  // buffers from the first tone to the second
-constexpr double kBufferS = static_cast<double>(kVoiceBlockSamples) / kVoiceRateHz;
+constexpr double kBufferS = kVoiceBlockSamples / kVoiceRateHz;
 
 using Block = std::array<std::int16_t, kVoiceBlockSamples>;
 

@@ -14,10 +14,9 @@
 
 namespace {
 
-constexpr std::size_t kSamples = kVoiceBlockSamples;
 constexpr std::array<double, 4> kFrequenciesHz{17000.0, 17500.0, 18000.0, 19000.0};
 
-using Samples = std::array<std::int16_t, kSamples>;
+using Samples = std::array<std::int16_t, kVoiceBlockSamples>;
 
 // Where formatted lines go; null while the log is off.
 std::array<char, 512>* logSink = nullptr;
@@ -34,11 +33,11 @@ Samples QuietRoom() {
 }
 
 // The angles, ready to be read: the floor has nothing but their sines and cosines to compute.
-std::array<std::array<double, kSamples>, kFrequenciesHz.size()> Angles() {
+std::array<std::array<double, kVoiceBlockSamples>, kFrequenciesHz.size()> Angles() {
   constexpr double kTwoPi = 6.283185307179586;
-  std::array<std::array<double, kSamples>, kFrequenciesHz.size()> angles{};
+  std::array<std::array<double, kVoiceBlockSamples>, kFrequenciesHz.size()> angles{};
   for (std::size_t tone = 0; tone < kFrequenciesHz.size(); ++tone) {
-    for (std::size_t n = 0; n < kSamples; ++n) {
+    for (std::size_t n = 0; n < kVoiceBlockSamples; ++n) {
       angles[tone][n] = static_cast<double>(n) * kTwoPi * kFrequenciesHz[tone] / kVoiceRateHz;
     }
   }
@@ -52,7 +51,7 @@ void Floor(benchmark::State& state) {
     for (const auto& anglesOfTone : angles) {
       double re = 0.0;
       double im = 0.0;
-      for (std::size_t n = 0; n < kSamples; ++n) {
+      for (std::size_t n = 0; n < kVoiceBlockSamples; ++n) {
         double sine = 0.0;
         double cosine = 0.0;
         sincos(anglesOfTone[n], &sine, &cosine);
@@ -69,8 +68,8 @@ BENCHMARK(Floor);
 void Deliver(benchmark::State& state) {
   constexpr std::int32_t kBeyondAmbient = 40;
   const Samples samples = QuietRoom();
-  std::array<std::uint8_t, 2 * kSamples> bytes{};
-  for (std::size_t n = 0; n < kSamples; ++n) {
+  std::array<std::uint8_t, 2 * kVoiceBlockSamples> bytes{};
+  for (std::size_t n = 0; n < kVoiceBlockSamples; ++n) {
     bytes[2 * n] = static_cast<std::uint8_t>(samples[n] & 0xFF);
     bytes[2 * n + 1] = static_cast<std::uint8_t>(samples[n] >> 8);
   }

@@ -29,7 +29,6 @@ using integration::TestTelevision;
 using Lines = std::vector<LogLine>;
 using Microseconds = std::chrono::microseconds;
 
-constexpr double kBufferMs = kVoiceBlockSamples * 1000.0 / kVoiceRateHz;
 constexpr int kBaseDelayMs = 300;  // more than any difference, so that each can be taken off
 
 double Ms(Microseconds time) {
@@ -119,7 +118,7 @@ double DemandedMs(const sim::RoomConfig& room, double differenceMs) {
   constexpr int kToneBuffers = 2;
   const double airMs = room.tv.distanceM * 1e3 / sim::kSpeedOfSoundMPerS;
   const double firstWayMs = std::min(room.tv.latencyMs, room.optical.latencyMs + kBaseDelayMs) + airMs;
-  return (kAmbientBuffers + kToneBuffers) * kBufferMs + 2 * room.voiceLatencyMs + tools::SoundDesign{}.leadInMs +
+  return (kAmbientBuffers + kToneBuffers) * kVoiceBlockMs + 2 * room.voiceLatencyMs + tools::SoundDesign{}.leadInMs +
          firstWayMs + std::abs(differenceMs);
 }
 

@@ -11,10 +11,6 @@
 
 namespace orvex::conformance {
 
-// Nominal length of a block of 768 samples.
-constexpr double kBlockMs = 768.0 / 46.545;
-constexpr std::size_t kBlockBytes = 1536;
-
 // What one call of the receiver brought.
 struct HeardBlock {
   bool isNull;

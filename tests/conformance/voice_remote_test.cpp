@@ -14,9 +14,9 @@ TEST_F(VoiceRemote, SendsBlocksOf768SamplesNoFasterThanItsRate) {
   std::size_t whole = 0;
   for (std::size_t index = 0; index < kBlocks; ++index) {
     const HeardBlock& block = blocks[index];
-    whole += block.byteCount == kBlockBytes ? 1U : 0U;
-    EXPECT_LE(block.byteCount, kBlockBytes);
-    const double recordedMs = static_cast<double>(index + 1) * kBlockMs * (1.0 - kRateTolerance);
+    whole += block.byteCount == kVoiceBlockBytes ? 1U : 0U;
+    EXPECT_LE(block.byteCount, kVoiceBlockBytes);
+    const double recordedMs = static_cast<double>(index + 1) * kVoiceBlockMs * (1.0 - kRateTolerance);
     EXPECT_GE(block.atMs, startedAtMs + recordedMs) << "block " << index << " before it can have been recorded";
   }
   EXPECT_GE(whole, kBlocks * 9 / 10);
@@ -97,7 +97,7 @@ TEST_F(VoiceRemote, FallsSilentAtTheEndOfItsWindow) {
   constexpr int kWindowMs = 300;
   Port().ShortenVoiceWindow(kWindowMs);
   application.Do(RegisterAndStart()).Until("a block", Heard(1)).After(2.0 * kWindowMs + kLongSilenceMs).Run();
-  EXPECT_LE(static_cast<double>(listener.Count()), kWindowMs / kBlockMs + 1.0);
+  EXPECT_LE(static_cast<double>(listener.Count()), kWindowMs / kVoiceBlockMs + 1.0);
 }
 
 TEST_F(VoiceRemote, GoesOnForAnotherWindowWhenItIsTold) {
@@ -106,7 +106,7 @@ TEST_F(VoiceRemote, GoesOnForAnotherWindowWhenItIsTold) {
   Port().ShortenVoiceWindow(kWindowMs);
   listener.onBlock = [] { EXPECT_EQ(GoOnRecording(), 0); };  // which the delivery thread may
   application.Do(RegisterAndStart())
-      .Until("more blocks than a window holds", Heard(static_cast<std::size_t>(1.5 * kWindowMs / kBlockMs)))
+      .Until("more blocks than a window holds", Heard(static_cast<std::size_t>(1.5 * kWindowMs / kVoiceBlockMs)))
       .Run();
 }
 
@@ -116,10 +116,10 @@ TEST_F(VoiceRemote, MayLoseBlocksAndSaySoButGoesOn) {
   application.Do(RegisterAndStart()).Until("thirty blocks", Heard(30)).Run();
   const std::vector<HeardBlock> blocks = listener.Blocks();
   const auto whole = std::count_if(blocks.begin(), blocks.end(),
-                                   [](const HeardBlock& block) { return block.byteCount == kBlockBytes; });
+                                   [](const HeardBlock& block) { return block.byteCount == kVoiceBlockBytes; });
   EXPECT_GE(whole, 5) << "of " << blocks.size();
   // Whole blocks cannot come faster than they are recorded, the lost ones' time included.
-  EXPECT_GE(blocks.back().atMs, startedAtMs + static_cast<double>(whole) * kBlockMs * 0.95);
+  EXPECT_GE(blocks.back().atMs, startedAtMs + static_cast<double>(whole) * kVoiceBlockMs * 0.95);
 }
 
 }  // namespace

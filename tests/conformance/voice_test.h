@@ -7,7 +7,7 @@
 namespace orvex::conformance {
 
 // In which a remote that still sends would have delivered a dozen blocks.
-constexpr double kLongSilenceMs = 12 * kBlockMs;
+constexpr double kLongSilenceMs = 12 * kVoiceBlockMs;
 
 class VoiceTest : public PortTest {
 protected:

@@ -25,7 +25,6 @@ namespace {
 using namespace orvex::fuzz;
 using namespace orvex::runs;
 
-constexpr double kBlockMs = kVoiceBlockSamples * 1000.0 / kVoiceRateHz;
 constexpr int kMostBlocks = 120;
 constexpr int kMostFaults = 2;
 constexpr int kMostOrders = 60;
@@ -73,7 +72,7 @@ private:
       case 'v': {
         const int kind = m_Input.Byte();
         for (int left = m_Input.Below(40) + 1; left > 0 && m_Blocks < kMostBlocks; --left, ++m_Blocks) {
-          m_Run.world.AdvanceMs(kBlockMs);
+          m_Run.world.AdvanceMs(kVoiceBlockMs);
           static_cast<void>(m_Run.world.Deliver(Block(kind)));
         }
         break;

@@ -13,6 +13,7 @@
 #include "linux/key_state.h"
 #include "linux/number_text.h"
 #include "linux/small_files.h"
+#include "orvex/platform/remote_voice.h"
 #include "orvex/sim/room.h"
 #include "orvex/sim/room_json.h"
 #include "virtual/fault_table.h"
@@ -56,7 +57,7 @@ void HearRoom(const sim::RoomConfig& config) {
   room.StartRecording(sim::Time(0));
   const std::vector<std::int16_t> burst(2 * 960, 20000);
   room.Play(sim::Time(0), burst.data(), 960);
-  std::vector<std::int16_t> heard(768);
+  std::vector<std::int16_t> heard(kVoiceBlockSamples);
   room.Record(heard.data(), heard.size());
 }
 

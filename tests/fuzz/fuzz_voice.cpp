@@ -29,14 +29,13 @@ using orvex::test::BlockReports;
 using orvex::test::DetectorModel;
 using orvex::tools::ReceiverRig;
 
-constexpr std::size_t kBlockSamples = kVoiceBlockSamples;
 constexpr int kMostBlocks = 400;
-using Samples = std::array<double, kBlockSamples>;
+using Samples = std::array<double, kVoiceBlockSamples>;
 using Bytes = std::vector<std::uint8_t>;
 
 struct Wave {
   explicit Wave(double hz) {
-    for (std::size_t n = 0; n < kBlockSamples; ++n) {
+    for (std::size_t n = 0; n < kVoiceBlockSamples; ++n) {
       const double turns = static_cast<double>(n) * hz / kVoiceRateHz;
       cosine[n] = std::cos(2.0 * M_PI * (turns - std::floor(turns)));
       sine[n] = std::sin(2.0 * M_PI * (turns - std::floor(turns)));
@@ -63,7 +62,7 @@ Bytes LittleEndian(const Samples& samples) {
 
 Bytes Mix(const Wave& one, int amplitudeOfOne, const Wave& other, int amplitudeOfOther) {
   Samples samples{};
-  for (std::size_t n = 0; n < kBlockSamples; ++n) {
+  for (std::size_t n = 0; n < kVoiceBlockSamples; ++n) {
     samples[n] = 64.0 * (one.cosine[n] * amplitudeOfOne + other.cosine[n] * amplitudeOfOther);
   }
   return LittleEndian(samples);
@@ -78,7 +77,7 @@ Bytes Click(int amplitude) {
 double Magnitude(const Wave& wave, const Bytes& bytes) {
   double re = 0.0;
   double im = 0.0;
-  for (std::size_t n = 0; n < kBlockSamples && 2 * n + 1 < bytes.size(); ++n) {
+  for (std::size_t n = 0; n < kVoiceBlockSamples && 2 * n + 1 < bytes.size(); ++n) {
     const auto sample = static_cast<std::int16_t>(bytes[2 * n] | bytes[2 * n + 1] << 8);
     re += sample * wave.cosine[n];
     im += sample * wave.sine[n];

@@ -11,6 +11,7 @@
 #include <regex>
 
 #include "integration/expectation.h"
+#include "orvex/platform/remote_voice.h"
 
 namespace orvex::integration {
 namespace {
@@ -96,7 +97,8 @@ TEST(Dump, AFullDiskEndsTheDumpAndNotTheRun) {
   std::smatch size;
   ASSERT_TRUE(std::regex_search(observation.output, size, std::regex(" ([0-9]+) [^\n]*audio_dump_[0-9]+_1\n")));
   EXPECT_LE(std::stol(size[1]), 65536);
-  EXPECT_LT(std::stol(size[1]), CountOf(observation.lines, "buffer: {u}") * 1536) << "the disk was not full";
+  EXPECT_LT(std::stol(size[1]), CountOf(observation.lines, "buffer: {u}") * static_cast<long>(kVoiceBlockBytes))
+      << "the disk was not full";
 }
 
 }  // namespace

@@ -19,8 +19,7 @@ using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
 
-constexpr std::int64_t kBlockBytes = 2 * kVoiceBlockSamples;
-constexpr double kBlockS = static_cast<double>(kVoiceBlockSamples) / kVoiceRateHz;
+constexpr double kBlockS = kVoiceBlockSamples / kVoiceRateHz;
 constexpr int kFirstAnalysed = 5;  // number of the first block that is analysed
 
 // What the fields of `pattern` hold, for each line that it matches.
@@ -162,7 +161,8 @@ void CheckBlocks(const Observation& observation) {
       --blocks;
     }
   }
-  EXPECT_EQ(blocks * kBlockBytes, static_cast<std::int64_t>(observation.dump.size() + observation.secondDump.size()));
+  EXPECT_EQ(static_cast<std::size_t>(blocks) * kVoiceBlockBytes,
+            observation.dump.size() + observation.secondDump.size());
 }
 
 void CheckResultFile(const Observation& observation, std::int64_t savedMs) {

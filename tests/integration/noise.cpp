@@ -5,14 +5,13 @@
 #include <complex>
 #include <cstdint>
 
+#include "orvex/platform/remote_voice.h"
 #include "testsound/wave_file.h"
 
 namespace orvex::integration {
 namespace {
 
 constexpr int kSoundRateHz = 48000;
-constexpr double kMicrophoneRateHz = 46545.0;
-constexpr std::size_t kBlockSamples = 768;
 constexpr double kTwoPi = 6.283185307179586;
 
 std::int16_t SampleAt(const std::string& dump, std::size_t sample) {
@@ -38,9 +37,9 @@ void WriteNoise(const std::string& path, const std::vector<double>& tonesHz, dou
 
 double MagnitudeInDump(const std::string& dump, std::size_t block, double frequencyHz) {
   std::complex<double> sum;
-  for (std::size_t n = 0; n < kBlockSamples; ++n) {
-    const double angle = static_cast<double>(n) * kTwoPi * frequencyHz / kMicrophoneRateHz;
-    sum += static_cast<double>(SampleAt(dump, block * kBlockSamples + n)) * std::polar(1.0, angle);
+  for (std::size_t n = 0; n < kVoiceBlockSamples; ++n) {
+    const double angle = static_cast<double>(n) * kTwoPi * frequencyHz / kVoiceRateHz;
+    sum += static_cast<double>(SampleAt(dump, block * kVoiceBlockSamples + n)) * std::polar(1.0, angle);
   }
   return std::abs(sum);
 }

@@ -6,6 +6,7 @@
 
 #include "integration/expectation.h"
 #include "integration/noise.h"
+#include "orvex/platform/remote_voice.h"
 
 namespace orvex::integration {
 namespace {
@@ -63,7 +64,7 @@ TEST(Outcome, TheDumpHoldsWhatTheDetectorHasHeard) {
       ++compared;
     }
   }
-  EXPECT_EQ(observation.dump.size() / 1536 - 4, compared);
+  EXPECT_EQ(observation.dump.size() / kVoiceBlockBytes - 4, compared);
 }
 
 struct FailureRow {

@@ -13,6 +13,7 @@
 
 #include "integration/test_television.h"
 #include "integration/tool_run.h"
+#include "orvex/platform/remote_voice.h"
 
 namespace orvex::integration {
 namespace {
@@ -57,7 +58,7 @@ protected:
     return RunProgram(ORVEX_REPLAY_PROGRAM, arguments);
   }
 
-  const std::string kSilence = std::string(40 * 1536, '\0');
+  const std::string kSilence = std::string(40 * kVoiceBlockBytes, '\0');
   const std::string m_Recording = PathOf("recording");
 };
 

@@ -9,6 +9,7 @@
 
 #include "integration/test_television.h"
 #include "integration/tool_run.h"
+#include "orvex/platform/remote_voice.h"
 
 namespace orvex::integration {
 namespace {
@@ -56,7 +57,7 @@ TEST(Replay, OfARunsOwnDumpGivesThatRunsResultBitForBit) {
 TEST(Replay, OfSilenceFindsNothing) {
   const TestTelevision folder;
   // 40 blocks, a short one of 100 samples and an odd byte.
-  folder.WriteFile("silence", std::string(40 * 1536 + 201, '\0'));
+  folder.WriteFile("silence", std::string(40 * kVoiceBlockBytes + 201, '\0'));
   const ToolRun replay = RunProgram(ORVEX_REPLAY_PROGRAM, {folder.PathOf("silence").string()});
   EXPECT_EQ("exit code 1", Describe(replay.ending));
   const std::vector<Json::Value> objects = Objects(replay.output);
@@ -69,7 +70,7 @@ TEST(Replay, OfSilenceFindsNothing) {
 // A pipe gives its bytes once only.
 TEST(Replay, ReadsDumpsAndWaveFilesFromStandardInput) {
   const TestTelevision folder;
-  folder.WriteFile("dump", std::string(40 * 1536, '\0'));
+  folder.WriteFile("dump", std::string(40 * kVoiceBlockBytes, '\0'));
   ASSERT_EQ("exit code 0", Describe(RunProgram(ORVEX_TESTSOUND_PROGRAM, {folder.PathOf("wave").string()}).ending));
   std::string wave = folder.ReadFile("wave");
   wave[22] = 1;  // one channel
@@ -87,7 +88,7 @@ TEST(Replay, ReadsDumpsAndWaveFilesFromStandardInput) {
 
 TEST(Replay, WritesAReportBesideItsLinesWithTheSameExitCode) {
   const TestTelevision folder;
-  folder.WriteFile("silence", std::string(40 * 1536, '\0'));
+  folder.WriteFile("silence", std::string(40 * kVoiceBlockBytes, '\0'));
   const std::string silence = folder.PathOf("silence").string();
   const ToolRun plain = RunProgram(ORVEX_REPLAY_PROGRAM, {silence});
   const ToolRun reported = RunProgram(ORVEX_REPLAY_PROGRAM, {"--report", folder.PathOf("a.html").string(), silence});
@@ -99,7 +100,7 @@ TEST(Replay, WritesAReportBesideItsLinesWithTheSameExitCode) {
 
 TEST(Replay, RefusesAReportThatCannotBeWrittenOrOfSeveralFiles) {
   const TestTelevision folder;
-  folder.WriteFile("silence", std::string(1536, '\0'));
+  folder.WriteFile("silence", std::string(kVoiceBlockBytes, '\0'));
   const std::string silence = folder.PathOf("silence").string();
   const ToolRun unwritable = RunProgram(ORVEX_REPLAY_PROGRAM, {"--report", "/nonexistent/a.html", silence});
   EXPECT_EQ("exit code 2", Describe(unwritable.ending));

@@ -8,6 +8,7 @@
 
 #include "integration/test_television.h"
 #include "integration/tool_run.h"
+#include "orvex/platform/remote_voice.h"
 
 namespace orvex::integration {
 namespace {
@@ -25,7 +26,7 @@ struct Prepared {
   std::vector<Command> commands;
 
   Prepared() {
-    television.WriteFile("silence", std::string(40 * 1536, '\0'));
+    television.WriteFile("silence", std::string(40 * kVoiceBlockBytes, '\0'));
     television.WriteFile("sound.wav", "none");
     const std::string directory = television.GetDirectory().string();
     const std::string sound = television.PathOf("new.wav").string();

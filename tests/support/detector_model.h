@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "Application/OrvexReceiverObserver.h"
+#include "orvex/platform/remote_voice.h"
 
 namespace orvex::test {
 
@@ -155,7 +156,7 @@ private:
       Begin(tone, sign, other);
     } else {
       floor = own;
-      seconds = -sign * (buffer - m_First) * 768.0 / 46545.0;
+      seconds = -sign * (buffer - m_First) * kVoiceBlockSamples / kVoiceRateHz;
       Say(Step::kPair, tone, m_First, {seconds});
     }
   }

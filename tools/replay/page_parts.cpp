@@ -125,7 +125,7 @@ for (const section of document.querySelectorAll('.charts')) {
     const texts = charts.flatMap(chart => describe(chart, snapped));
     for (const chart of charts) chart.line.setAttribute('d', `M${snapped} ${chart.at.top}V${chart.at.bottom}`);
     readout.innerHTML =
-        [`buffer <b>${buffer}</b>`, `<b>${(buffer * 768 / 46545).toFixed(3)}</b> s`, ...texts].join(' &middot; ');
+        [`buffer <b>${buffer}</b>`, `<b>${(buffer * bufferS).toFixed(3)}</b> s`, ...texts].join(' &middot; ');
   });
 }
 )";

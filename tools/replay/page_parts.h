@@ -5,7 +5,7 @@ namespace orvex::tools {
 
 extern const char kPageBegin[];  // up to the title
 extern const char kPageStyle[];
-extern const char kPageScript[];  // a cursor that reads the curves
+extern const char kPageScript[];  // a cursor that reads the curves; needs `bufferS`, seconds per buffer
 extern const char kPageNotes[];
 
 extern const char kReadoutHint[];

@@ -87,9 +87,9 @@ Recording ReadWave(const std::string& path, const std::vector<std::uint8_t>& byt
     throw RecordingError(path + ": " + std::to_string(info.channels) + " channels, expected 1");
   }
   Recording recording;
-  if (info.samplerate != kVoiceRateHz) {
+  if (info.samplerate != static_cast<int>(kVoiceRateHz)) {
     recording.warning = path + ": " + std::to_string(info.samplerate) + " Hz, taken as the remote's " +
-                        std::to_string(kVoiceRateHz) + " Hz";
+                        std::to_string(static_cast<int>(kVoiceRateHz)) + " Hz";
   }
   double samples[4096];
   for (sf_count_t count = 0; (count = sf_read_double(file.get(), samples, std::size(samples))) > 0;) {
@@ -111,9 +111,8 @@ Recording ReadRecording(const std::string& path) {
 }
 
 void Feed(const std::vector<std::uint8_t>& bytes, ReceiverRig& rig, const std::function<void(std::size_t)>& progress) {
-  constexpr std::size_t kBlockBytes = 2 * kVoiceBlockSamples;
   for (std::size_t at = 0; at < bytes.size();) {
-    const std::size_t count = std::min(kBlockBytes, bytes.size() - at);
+    const std::size_t count = std::min(kVoiceBlockBytes, bytes.size() - at);
     rig.Deliver(bytes.data() + at, static_cast<std::uint16_t>(count));
     at += count;
     progress(at);

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <sstream>
 
+#include "Application/OrvexDetector.h"
 #include "replay/explanation.h"
 #include "replay/page_parts.h"
 #include "replay/report_charts.h"
@@ -20,8 +21,7 @@ std::string Fact(const std::string& name, const std::string& value) {
 }
 
 std::string MakeFacts(const RunRecord& run, const ReportSubject& subject) {
-  constexpr std::size_t kBlockBytes = 2 * kVoiceBlockSamples;
-  const std::size_t buffers = (subject.bytes + kBlockBytes - 1) / kBlockBytes;
+  const std::size_t buffers = (subject.bytes + kVoiceBlockBytes - 1) / kVoiceBlockBytes;
   const auto result = run.FindRunResult();
   const auto count = [&](auto... kinds) {
     const auto& events = run.GetEvents();
@@ -82,7 +82,8 @@ std::string MakeReportPage(const RunRecord& run, const ReportSubject& subject) {
         run, *view,
         fmt::format("Close-up: buffers {:.0f} to {:.0f}", std::max(1.0, view->buffers.low), view->buffers.high), false);
   }
-  html << MakeEventTable(run) << kPageNotes << "<script>" << kPageScript << "</script>\n</body>\n</html>\n";
+  html << MakeEventTable(run) << kPageNotes << fmt::format("<script>const bufferS = {:.17g};", detector::kBufferS)
+       << kPageScript << "</script>\n</body>\n</html>\n";
   return html.str();
 }
 

@@ -12,9 +12,8 @@
 namespace orvex::tools {
 namespace {
 
-constexpr double kRateHz = kVoiceRateHz;
-constexpr std::size_t kLength = static_cast<std::size_t>(4.0 * kRateHz);
-constexpr double kAmbientEndS = (detector::kAmbientBuffer + 1) * kVoiceBlockSamples / kRateHz;
+constexpr std::size_t kLength = static_cast<std::size_t>(4.0 * kVoiceRateHz);
+constexpr double kAmbientEndS = (detector::kAmbientBuffer + 1) * kVoiceBlockSamples / kVoiceRateHz;
 
 using Random = std::mt19937_64;
 
@@ -33,16 +32,16 @@ float Noise(Random& random) {
 // Calls value(seconds since the beginning) for each sample of a stretch and adds what it gives.
 template <class Value>
 void Add(Sound& sound, double beginS, double lengthS, Value value) {
-  const auto begin = static_cast<std::size_t>(beginS * kRateHz);
-  const std::size_t end = std::min(begin + static_cast<std::size_t>(lengthS * kRateHz), sound.size());
+  const auto begin = static_cast<std::size_t>(beginS * kVoiceRateHz);
+  const std::size_t end = std::min(begin + static_cast<std::size_t>(lengthS * kVoiceRateHz), sound.size());
   for (std::size_t n = begin; n < end; ++n) {
-    sound[n] += static_cast<float>(value(static_cast<double>(n - begin) / kRateHz));
+    sound[n] += static_cast<float>(value(static_cast<double>(n - begin) / kVoiceRateHz));
   }
 }
 
 // A sine that dies away, to a thousandth within `lengthS`: a phasor that turns and shrinks.
 void AddRinging(Sound& sound, double beginS, double lengthS, double frequencyHz, double amplitude) {
-  const auto step = std::polar(std::exp(-6.9 / (lengthS * kRateHz)), 2.0 * M_PI * frequencyHz / kRateHz);
+  const auto step = std::polar(std::exp(-6.9 / (lengthS * kVoiceRateHz)), 2.0 * M_PI * frequencyHz / kVoiceRateHz);
   std::complex<double> phasor = amplitude;
   Add(sound, beginS, lengthS, [&](double) {
     const double re = phasor.real() * step.real() - phasor.imag() * step.imag();
@@ -95,13 +94,13 @@ void AddBothBursts(Sound& sound, Random& random, double beginS) {
 void AddMusic(Sound& sound, Random& random, double beginS) {
   const double beatS = 60.0 / Even(random, 80.0, 160.0);
   const double rootHz = Even(random, 110.0, 220.0);
-  const double lastS = static_cast<double>(sound.size()) / kRateHz;
+  const double lastS = static_cast<double>(sound.size()) / kVoiceRateHz;
   for (double nowS = beginS; nowS < lastS; nowS += beatS) {
     AddRinging(sound, nowS, 0.3, 60.0, 1.0);
     AddNoiseHit(sound, random, nowS + beatS / 2.0, 0.08, 0.3);
     const double chordHz = rootHz * std::pow(2.0, EvenInt(random, 0, 11) / 12.0);
     for (const double step : {1.0, 1.25, 1.5}) {
-      for (int overtone = 1; overtone * chordHz * step < kRateHz / 2.0; overtone = overtone * 3 / 2 + 1) {
+      for (int overtone = 1; overtone * chordHz * step < kVoiceRateHz / 2.0; overtone = overtone * 3 / 2 + 1) {
         AddRinging(sound, nowS, beatS * 2.0, overtone * chordHz * step, 0.4 / overtone);
       }
     }
@@ -149,7 +148,7 @@ Sound MakeDisturbance(const DisturbanceSettings& settings, Random& random) {
     case DisturbanceKind::kNone:
       break;
     case DisturbanceKind::kHiss:
-      Add(sound, lateS, settings.blocks * kVoiceBlockSamples / kRateHz, [&](double) { return Noise(random); });
+      Add(sound, lateS, settings.blocks * kVoiceBlockSamples / kVoiceRateHz, [&](double) { return Noise(random); });
       break;
     case DisturbanceKind::kClaps:
       AddClaps(sound, random, lateS);

@@ -12,7 +12,7 @@ enum class DisturbanceKind { kNone, kHiss, kClaps, kKeys, kWhine, kBurst, kBothB
 // By the kind's number.
 extern const std::vector<std::string> kDisturbanceNames;
 
-// Sampled at the microphone's nominal rate, 46545 Hz; full scale is 1.
+// Sampled at the microphone's nominal rate, kVoiceRateHz; full scale is 1.
 using Sound = std::vector<float>;
 
 struct DisturbanceSettings {

@@ -82,8 +82,7 @@ std::uint64_t Plan::RoomSeed(std::size_t room) const {
 // A tone of amplitude A fills a block with the magnitude A n / 2; that of white noise is Rayleigh distributed with the
 // mean sqrt(pi n) / 2 times its deviation.
 double NoiseDbfs(double toneDb) {
-  constexpr double kSamples = kVoiceBlockSamples;
-  const double toneOverDeviationDb = 20.0 * std::log10(kSamples / std::sqrt(M_PI * kSamples));
+  const double toneOverDeviationDb = 20.0 * std::log10(kVoiceBlockSamples / std::sqrt(M_PI * kVoiceBlockSamples));
   return kReferenceToneDbfs + kReferenceGainDb + toneOverDeviationDb - toneDb;
 }
 

@@ -46,7 +46,7 @@ Sound ReadSound(const std::string& path) {
   }
   Sound samples(static_cast<std::size_t>(info.frames));
   samples.resize(static_cast<std::size_t>(sf_read_float(file.get(), samples.data(), info.frames)));
-  return Convert(samples, static_cast<double>(kVoiceRateHz) / info.samplerate);
+  return Convert(samples, kVoiceRateHz / info.samplerate);
 }
 
 }  // namespace orvex::tools

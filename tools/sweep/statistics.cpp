@@ -43,7 +43,7 @@ Statistics Summarise(const std::vector<RoomResult>& results) {
     statistics.falsePercent += result.isFalse ? percent : 0.0;
     statistics.changedPercent += result.changed ? percent : 0.0;
     statistics.offGridPercent += std::abs(result.errorMs) > kOffGridMs ? percent : 0.0;
-    statistics.worsePercent += std::abs(result.remainingMs) > std::abs(result.beforeMs) + kBufferMs ? percent : 0.0;
+    statistics.worsePercent += std::abs(result.remainingMs) > std::abs(result.beforeMs) + kVoiceBlockMs ? percent : 0.0;
   }
   SummariseErrors(std::move(errors), statistics);
   return statistics;

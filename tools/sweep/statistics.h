@@ -21,11 +21,10 @@ struct RoomResult {
   double endedMs = 0.0;
 };
 
-// One buffer, the detector's grid; what lies further off than that, with a millisecond for the room; what is no
-// measurement of the true difference at all.
-constexpr double kBufferMs = kVoiceBlockSamples * 1000.0 / kVoiceRateHz;
+// How far from the truth a result is off the detector's grid of one buffer, with a millisecond for the room, and from
+// where on it is no measurement of the true difference at all.
 constexpr double kOffGridMs = 17.5;
-constexpr double kFalseMs = 2.0 * kBufferMs;
+constexpr double kFalseMs = 2.0 * kVoiceBlockMs;
 
 // Shares in percent of all rooms; errors in milliseconds over all results, false ones included, 0 when there is none.
 struct Statistics {

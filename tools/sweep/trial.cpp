@@ -79,7 +79,7 @@ private:
     if (!m_Voice.TakeBlock(block)) {
       return;
     }
-    std::array<std::uint8_t, 2 * sim::VoiceChannel::kBlockSamples> bytes;
+    std::array<std::uint8_t, kVoiceBlockBytes> bytes;
     for (std::size_t n = 0; n < block.size(); ++n) {
       const auto bits = static_cast<std::uint16_t>(block[n]);
       bytes[2 * n] = static_cast<std::uint8_t>(bits & 0xFFU);

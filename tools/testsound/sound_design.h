@@ -12,7 +12,7 @@ constexpr double kLeftToneHz = 17000.0;   // television's speaker
 constexpr double kRightToneHz = 19000.0;  // optical output
 
 // Two tones pair up when the second comes no later after the first.
-constexpr double kPairingSpanMs = detector::kPairingSpan * kVoiceBlockSamples * 1000.0 / kVoiceRateHz;
+constexpr double kPairingSpanMs = detector::kPairingSpan * kVoiceBlockMs;
 // The largest difference between the two ways to the microphone that a run is expected to correct.
 constexpr double kLargestDifferenceMs = 280.0;
 // The end of the playback drops what the device has not played yet.

@@ -171,7 +171,7 @@ LogFollower::News LogFollower::OnPair(const std::string& rest) {
     return std::nullopt;
   }
   // As the receiver computes it, rounded at the same steps.
-  m_PairS = (at19 - at17) * kVoiceBlockSamples / double{kVoiceRateHz};
+  m_PairS = (at19 - at17) * kVoiceBlockSamples / kVoiceRateHz;
   return fmt::format("second tone: optical output {:+.1f} ms against the speaker", *m_PairS * 1000.0);
 }
 

@@ -50,7 +50,7 @@ TEST(DetectorSamples, OfAShortBlockEndInSilence) {
 
 TEST(DetectorSamples, OfALongBlockAreItsFirst768) {
   Bytes bytes(2000, 0x7F);
-  std::fill_n(bytes.begin(), 1536, std::uint8_t{0});
+  std::fill_n(bytes.begin(), kVoiceBlockBytes, std::uint8_t{0});
   EXPECT_THAT(BlockOf(bytes), Each(0));
 }
 
@@ -62,7 +62,7 @@ TEST(DetectorMagnitude, OfAClickIsItsHeightAtEveryFrequency) {
 }
 
 TEST(DetectorMagnitude, OfAToneIsHalfItsAmplitudePerSample) {
-  EXPECT_NEAR(768 * 1000.0 / 2.0, MagnitudeAt(17000.0, BlockOf(Tone17(1000))), 1000.0);
+  EXPECT_NEAR(kVoiceBlockSamples * 1000.0 / 2.0, MagnitudeAt(17000.0, BlockOf(Tone17(1000))), 1000.0);
   EXPECT_LT(MagnitudeAt(19000.0, BlockOf(Tone17(1000))), 10000.0);
 }
 

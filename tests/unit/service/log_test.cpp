@@ -8,6 +8,7 @@
 
 #include "Application/OrvexApp.h"
 #include "Util/OrvexLog.h"
+#include "orvex/platform/remote_voice.h"
 #include "support/dump_files.h"
 #include "world/world.h"
 
@@ -100,7 +101,7 @@ TEST(LogMessage, OfEveryClassHasTheSameForm) {
   COrvexApp app;
   world.Create(app);
   world.AdvanceMs(500);
-  ASSERT_TRUE(world.Deliver(std::vector<std::int16_t>(768, 1)));
+  ASSERT_TRUE(world.Deliver(std::vector<std::int16_t>(kVoiceBlockSamples, 1)));
   world.Inject(10001);
   world.AdvanceMs(100);
   world.Inject(10007);

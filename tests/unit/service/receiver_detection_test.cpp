@@ -140,7 +140,7 @@ double DoubleLevel(const Samples& samples, double hz) {
   double re = 0.0;
   double im = 0.0;
   for (int n = 0; n < kVoiceBlockSamples; ++n) {
-    const double angle = n * 6.283185307179586 * hz / 46545.0;
+    const double angle = n * 6.283185307179586 * hz / kVoiceRateHz;
     re += samples[static_cast<std::size_t>(n)] * std::cos(angle);
     im += samples[static_cast<std::size_t>(n)] * std::sin(angle);
   }

@@ -16,7 +16,7 @@ namespace orvex::test {
 
 // Time of `buffers` buffers in seconds.
 inline double BufferSeconds(int buffers) {
-  return buffers * kVoiceBlockSamples / double{kVoiceRateHz};
+  return buffers * kVoiceBlockSamples / kVoiceRateHz;
 }
 
 // Cosines through the whole block, by amplitude, and a first sample that raises every frequency alike.
@@ -81,10 +81,11 @@ struct Levels {
 
 // One frequency, from a table of a whole second of phases, so that no phase is rounded.
 inline long double LevelAt(int hz, const Samples& samples) {
+  constexpr auto kSecond = static_cast<int>(kVoiceRateHz);
   static const std::vector<std::pair<long double, long double>> kCircle = [] {
     std::vector<std::pair<long double, long double>> circle;
-    for (int k = 0; k < kVoiceRateHz; ++k) {
-      const long double angle = 2.0L * std::acos(-1.0L) * k / kVoiceRateHz;
+    for (int k = 0; k < kSecond; ++k) {
+      const long double angle = 2.0L * std::acos(-1.0L) * k / kSecond;
       circle.emplace_back(std::cos(angle), std::sin(angle));
     }
     return circle;
@@ -92,7 +93,7 @@ inline long double LevelAt(int hz, const Samples& samples) {
   long double re = 0.0L;
   long double im = 0.0L;
   for (int n = 0; n < kVoiceBlockSamples && n < static_cast<int>(samples.size()); ++n) {
-    const auto& [cosine, sine] = kCircle[static_cast<std::size_t>(hz * n % kVoiceRateHz)];
+    const auto& [cosine, sine] = kCircle[static_cast<std::size_t>(hz * n % kSecond)];
     re += samples[static_cast<std::size_t>(n)] * cosine;
     im += samples[static_cast<std::size_t>(n)] * sine;
   }

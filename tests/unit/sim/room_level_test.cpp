@@ -51,7 +51,7 @@ TEST(RoomLevelTest, ASteadyToneThroughAReflectionInPhaseIsTheSumOfBoth) {
   Room room(config);
   Samples sound = MakeSilence(24000);
   AddTone(sound, kLeft, 17000.0, -20.0);
-  EXPECT_NEAR(ToneDbfs(PlayAndRecord(room, sound, 20000), 17000.0, 46545.0, 4000, 20000), -20.0 + 3.5218, 0.1);
+  EXPECT_NEAR(ToneDbfs(PlayAndRecord(room, sound, 20000), 17000.0, kRateHz, 4000, 20000), -20.0 + 3.5218, 0.1);
 }
 
 TEST(RoomLevelTest, BothChannelsAddUpAtTheMicrophone) {
@@ -63,8 +63,8 @@ TEST(RoomLevelTest, BothChannelsAddUpAtTheMicrophone) {
   AddTone(sound, kLeft, 17000.0, -6.0);
   AddTone(sound, kRight, 19000.0, -6.0);
   const Samples recording = PlayAndRecord(room, sound, 20000);
-  EXPECT_NEAR(ToneDbfs(recording, 17000.0, 46545.0, 4000, 20000), -18.0, 0.1);
-  EXPECT_NEAR(ToneDbfs(recording, 19000.0, 46545.0, 4000, 20000), -24.0, 0.1);
+  EXPECT_NEAR(ToneDbfs(recording, 17000.0, kRateHz, 4000, 20000), -18.0, 0.1);
+  EXPECT_NEAR(ToneDbfs(recording, 19000.0, kRateHz, 4000, 20000), -24.0, 0.1);
 }
 
 TEST(RoomLevelTest, WhatIsTooLoudIsClippedAtSixteenBits) {

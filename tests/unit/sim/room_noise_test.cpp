@@ -82,7 +82,7 @@ TEST(RoomNoiseTest, ARecordingAtTheMicrophonesRateGoesRoundAsItIs) {
   RoomConfig config = MakeBareRoom();
   config.noiseFileGainDb = -20.0;
   Room room(config);
-  room.SetNoise({0.5F, -0.25F, 0.125F}, 46545.0);
+  room.SetNoise({0.5F, -0.25F, 0.125F}, kRateHz);
   room.StartRecording(0ms);
   EXPECT_EQ(Record(room, 7), (Samples{1638, -819, 410, 1638, -819, 410, 1638}));
 }
@@ -95,13 +95,13 @@ TEST(RoomNoiseTest, ARecordingAtAnotherRateKeepsPitchAndLevel) {
   Room room(MakeBareRoom());
   room.SetNoise(tone, 16000.0);
   room.StartRecording(0ms);
-  EXPECT_NEAR(ToneDbfs(Record(room, 46545), 1000.0, 46545.0, 1000, 46000), 20.0 * std::log10(0.25), 0.1);
+  EXPECT_NEAR(ToneDbfs(Record(room, kSecond), 1000.0, kRateHz, 1000, 46000), 20.0 * std::log10(0.25), 0.1);
 }
 
 TEST(RoomNoiseTest, AnEmptyRecordingEndsTheNoise) {
   Room room(MakeBareRoom());
-  room.SetNoise({0.5F}, 46545.0);
-  room.SetNoise({}, 46545.0);
+  room.SetNoise({0.5F}, kRateHz);
+  room.SetNoise({}, kRateHz);
   room.StartRecording(0ms);
   EXPECT_EQ(Record(room, 3), (Samples{0, 0, 0}));
 }
@@ -111,9 +111,9 @@ TEST(RoomNoiseTest, ABadRecordingIsRefused) {
   EXPECT_THROW(room.SetNoise({0.0F}, 999.0), std::invalid_argument);
   EXPECT_THROW(room.SetNoise({0.0F}, 1000001.0), std::invalid_argument);
   EXPECT_THROW(room.SetNoise({0.0F}, std::nan("")), std::invalid_argument);
-  EXPECT_THROW(room.SetNoise({0.0F, std::nanf("")}, 46545.0), std::invalid_argument);
-  EXPECT_THROW(room.SetNoise({std::numeric_limits<float>::infinity()}, 46545.0), std::invalid_argument);
-  EXPECT_THROW(room.SetNoise({-1001.0F}, 46545.0), std::invalid_argument);
+  EXPECT_THROW(room.SetNoise({0.0F, std::nanf("")}, kRateHz), std::invalid_argument);
+  EXPECT_THROW(room.SetNoise({std::numeric_limits<float>::infinity()}, kRateHz), std::invalid_argument);
+  EXPECT_THROW(room.SetNoise({-1001.0F}, kRateHz), std::invalid_argument);
 }
 
 }  // namespace

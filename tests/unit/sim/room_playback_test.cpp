@@ -44,7 +44,7 @@ TEST(RoomPlaybackTest, PiecesOfPlaybackAndRecordingGiveTheSameSoundAsTheWhole) {
   Samples recording;
   std::size_t played = 0;
   while (recording.size() < kCount) {
-    const std::size_t count = std::min<std::size_t>(768, kCount - recording.size());
+    const std::size_t count = std::min<std::size_t>(kVoiceBlockSamples, kCount - recording.size());
     const Time known = pieces.SampleTime(recording.size() + count) + Room::Lookahead();
     while (played < kFrames && FrameTime(played) <= known) {
       const std::size_t frames = std::min(kPiece, kFrames - played);
@@ -84,7 +84,7 @@ TEST(RoomPlaybackTest, ACutDropsFramesThatAreDueAtOrAfterIt) {
   room.Play(0ms, sound.data(), 48000);
   room.CutPlayback(500ms);
   room.StartRecording(0ms);
-  const Samples recording = Record(room, 46545);
+  const Samples recording = Record(room, kSecond);
   EXPECT_NEAR(ArrivalSample(recording), 23999 / kPlaybackRateHz * kRateHz, 0.05);
   EXPECT_LT(LastSound(recording), 0.55 * kRateHz);
 }
@@ -116,7 +116,7 @@ TEST(RoomPlaybackTest, PlaybackAfterACutIsHeardAgain) {
 }
 
 TEST(RoomPlaybackTest, SoundKnownLookaheadAfterTheLastSampleIsInTimeAtEveryRate) {
-  for (const double rateHz : {20000.0, 46545.0, 96000.0}) {
+  for (const double rateHz : {20000.0, kRateHz, 96000.0}) {
     RoomConfig config = MakeBareRoom();
     config.microphoneRateHz = rateHz;
     config.rateErrorPpm = -100000.0;
@@ -141,7 +141,7 @@ TEST(RoomPlaybackTest, SoundKnownLookaheadAfterTheLastSampleIsInTimeAtEveryRate)
 TEST(RoomPlaybackTest, SoundThatIsPlayedTooLateIsLostButDoesNoHarm) {
   Room room(MakeBareRoom());
   room.StartRecording(0ms);
-  const Samples before = Record(room, 46545);
+  const Samples before = Record(room, kSecond);
   EXPECT_EQ(FirstSound(before), before.size());
   const Samples sound = MakeTwoTones(24000);
   room.Play(0ms, sound.data(), 24000);

@@ -46,21 +46,21 @@ TEST_P(ImpulseTimingTest, BothChannelsArriveWithinATwentiethOfASample) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Rooms, ImpulseTimingTest,
-                         testing::Values(TimingCase{"Bare", 0, 0, 0, 46545, 0, 0ns},
-                                         TimingCase{"OneMetre", 0, 1, 0, 46545, 0, 0ns},
-                                         TimingCase{"TwelveMetres", 0, 12.34, 0, 46545, 0, 0ns},
-                                         TimingCase{"Latency", 80, 0, 0, 46545, 0, 0ns},
-                                         TimingCase{"FractionOfAFrame", 17.0031, 2.5, 0, 46545, 0, 0ns},
-                                         TimingCase{"SpdifDelay", 20, 2, 100, 46545, 0, 0ns},
-                                         TimingCase{"LongestSpdifDelay", 0, 0, 10000, 46545, 0, 0ns},
-                                         TimingCase{"FastClock", 20, 2, 500, 46545, 2000, 0ns},
-                                         TimingCase{"SlowClock", 20, 2, 500, 46545, -2000, 0ns},
-                                         TimingCase{"FarOffClock", 20, 2, 500, 46545, 31000, 0ns},
+                         testing::Values(TimingCase{"Bare", 0, 0, 0, kRateHz, 0, 0ns},
+                                         TimingCase{"OneMetre", 0, 1, 0, kRateHz, 0, 0ns},
+                                         TimingCase{"TwelveMetres", 0, 12.34, 0, kRateHz, 0, 0ns},
+                                         TimingCase{"Latency", 80, 0, 0, kRateHz, 0, 0ns},
+                                         TimingCase{"FractionOfAFrame", 17.0031, 2.5, 0, kRateHz, 0, 0ns},
+                                         TimingCase{"SpdifDelay", 20, 2, 100, kRateHz, 0, 0ns},
+                                         TimingCase{"LongestSpdifDelay", 0, 0, 10000, kRateHz, 0, 0ns},
+                                         TimingCase{"FastClock", 20, 2, 500, kRateHz, 2000, 0ns},
+                                         TimingCase{"SlowClock", 20, 2, 500, kRateHz, -2000, 0ns},
+                                         TimingCase{"FarOffClock", 20, 2, 500, kRateHz, 31000, 0ns},
                                          TimingCase{"PlaybackRate", 20, 2, 50, 48000, 0, 0ns},
                                          TimingCase{"LowestRate", 20, 2, 50, 20000, -100000, 0ns},
                                          TimingCase{"HighestRate", 20, 2, 50, 96000, 100000, 0ns},
-                                         TimingCase{"OddStart", 3, 2, 7, 46545, 15, 123456789ns},
-                                         TimingCase{"AfterHalfAMinute", 3, 2, 7, 46545, 150, 30000000001ns}),
+                                         TimingCase{"OddStart", 3, 2, 7, kRateHz, 15, 123456789ns},
+                                         TimingCase{"AfterHalfAMinute", 3, 2, 7, kRateHz, 150, 30000000001ns}),
                          [](const auto& instance) { return instance.param.name; });
 
 TEST(RoomTimingTest, AReflectionArrivesItsDelayLater) {
@@ -72,8 +72,8 @@ TEST(RoomTimingTest, AReflectionArrivesItsDelayLater) {
     Samples sound = MakeSilence(10);
     AddImpulse(sound, kLeft, 0);
     const Samples recording = PlayAndRecord(room, sound, 20000);
-    const double direct = 10.0e-3 * 46545;
-    const double expected = (10.0 + delayMs) * 1e-3 * 46545;
+    const double direct = 10.0e-3 * kRateHz;
+    const double expected = (10.0 + delayMs) * 1e-3 * kRateHz;
     const auto between = static_cast<std::size_t>((direct + expected) / 2.0);
     EXPECT_NEAR(ArrivalSample(recording, 0, between), direct, 0.1);
     EXPECT_NEAR(ArrivalSample(recording, between, recording.size()), expected, 0.1) << delayMs << " ms";
@@ -86,7 +86,7 @@ TEST(RoomTimingTest, SamplesAreTakenAtTheActualRateFromTheStartOn) {
   Room room(config);
   room.StartRecording(5s);
   EXPECT_EQ(room.SampleTime(0), 5s);
-  EXPECT_EQ(room.SampleTime(46545).count(), 5000000000 + std::llround(1e9 / 1.001));
+  EXPECT_EQ(room.SampleTime(kSecond).count(), 5000000000 + std::llround(1e9 / 1.001));
 }
 
 TEST(RoomTimingTest, ARecordingThatBeginsLaterHearsThePlaybackAtItsOwnTime) {
@@ -97,7 +97,7 @@ TEST(RoomTimingTest, ARecordingThatBeginsLaterHearsThePlaybackAtItsOwnTime) {
   const Samples first = PlayAndRecord(room, sound, 4000);
   EXPECT_EQ(FirstSound(first), first.size());
   room.StartRecording(500ms);
-  EXPECT_NEAR(ArrivalSample(Record(room, 30000)), 0.25 * 46545, 0.05);
+  EXPECT_NEAR(ArrivalSample(Record(room, 30000)), 0.25 * kRateHz, 0.05);
 }
 
 }  // namespace

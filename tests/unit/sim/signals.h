@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "orvex/platform/remote_voice.h"
 #include "orvex/sim/room.h"
 
 namespace orvex::sim::test {
@@ -15,7 +16,8 @@ constexpr std::size_t kLeft = 0;   // the television's speaker
 constexpr std::size_t kRight = 1;  // the optical output
 constexpr double kFullScale = 32768.0;
 constexpr double kPlaybackRateHz = Room::kPlaybackRateHz;
-constexpr double kRateHz = 46545.0;  // the microphone's, unless a test says otherwise
+constexpr double kRateHz = kVoiceRateHz;                     // the microphone's, unless a test says otherwise
+constexpr auto kSecond = static_cast<std::size_t>(kRateHz);  // samples of the microphone
 
 // A room that changes nothing: no delay, no gain, no echo, no tail, no noise.
 RoomConfig MakeBareRoom();

@@ -58,7 +58,7 @@ TEST(TruthTest, IsWhatTheMicrophoneHears) {
     AddImpulse(sound, channel, 0);
     arrival[channel] = ArrivalSample(PlayAndRecord(room, sound, 10000));
   }
-  const double heardMs = (arrival[kRight] - arrival[kLeft]) / 46545.0 * 1e3;
+  const double heardMs = (arrival[kRight] - arrival[kLeft]) / kRateHz * 1e3;
   EXPECT_NEAR(heardMs, MisalignmentMs(config, kDelayMs), 0.003);
 }
 

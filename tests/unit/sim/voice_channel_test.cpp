@@ -16,7 +16,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr double kBlockS = 768.0 / 46545.0;
+constexpr double kBlockS = kVoiceBlockSamples / kVoiceRateHz;
 
 RoomConfig MakeVoiceRoom() {
   RoomConfig config = MakeBareRoom();
@@ -88,7 +88,7 @@ TEST(VoiceChannelTest, TheBlocksCarryTheRoomsSamplesInOrder) {
   remote.RunUntil(1s + 70ms);
   ASSERT_EQ(remote.Times().size(), 4U);
   const Samples block(remote.LastBlock().begin(), remote.LastBlock().end());
-  EXPECT_NEAR(ArrivalSample(block), 0.05 * 46545.0 - 3.0 * 768.0, 0.2);
+  EXPECT_NEAR(ArrivalSample(block), 0.05 * kRateHz - 3.0 * kVoiceBlockSamples, 0.2);
 }
 
 TEST(VoiceChannelTest, JitterDelaysBlocksAndKeepsTheirOrder) {

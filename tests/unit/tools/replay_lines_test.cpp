@@ -42,7 +42,7 @@ TEST(ReplayLines, OfATelevisionFirstPair) {
   EXPECT_THAT(lines[2].getMemberNames(), ElementsAre("buffer", "difference_s", "event", "first", "second"));
   EXPECT_EQ(38, lines[2]["first"].asInt());
   EXPECT_EQ(42, lines[2]["second"].asInt());
-  EXPECT_EQ(4 * 768 / 46545.0, lines[2]["difference_s"].asDouble());
+  EXPECT_EQ(4 * kVoiceBlockSamples / kVoiceRateHz, lines[2]["difference_s"].asDouble());
 }
 
 TEST(ReplayLines, OfAnOpticalFirstPairNameTheTonesInTheOrderOfDetection) {
@@ -50,7 +50,7 @@ TEST(ReplayLines, OfAnOpticalFirstPairNameTheTonesInTheOrderOfDetection) {
   EXPECT_THAT(Events(lines), ElementsAre("ambient@35", "first19@38", "result@42"));
   EXPECT_EQ(38, lines[2]["first"].asInt());
   EXPECT_EQ(42, lines[2]["second"].asInt());
-  EXPECT_EQ(-4 * 768 / 46545.0, lines[2]["difference_s"].asDouble());
+  EXPECT_EQ(-4 * kVoiceBlockSamples / kVoiceRateHz, lines[2]["difference_s"].asDouble());
 }
 
 TEST(ReplayLines, PutASequenceErrorBeforeTheFirstToneThatItLeadsTo) {
@@ -93,8 +93,8 @@ TEST(ReplayLines, EndInASummary) {
   EXPECT_EQ("summary", summary["event"].asString());
   EXPECT_EQ(43, summary["buffers"].asInt());
   EXPECT_EQ(39, summary["blocks"].asInt());
-  EXPECT_EQ(-4 * 768 / 46545.0, summary["difference_s"].asDouble());
-  EXPECT_EQ(-4 * 768 / 46545.0, summary["run_difference_s"].asDouble());
+  EXPECT_EQ(-4 * kVoiceBlockSamples / kVoiceRateHz, summary["difference_s"].asDouble());
+  EXPECT_EQ(-4 * kVoiceBlockSamples / kVoiceRateHz, summary["run_difference_s"].asDouble());
   EXPECT_EQ(-1, summary["direction"].asInt());
   EXPECT_EQ(0, summary["noise_count"].asInt());
 }
@@ -102,13 +102,13 @@ TEST(ReplayLines, EndInASummary) {
 TEST(ReplayLines, EndInTheLastDifferenceAndInTheFirstByWhichARunGoes) {
   const auto lines = ReplayLines(MakeRecording(Ambient() + "7..6.9"));
   EXPECT_THAT(Events(lines), ElementsAre("ambient@35", "first17@36", "result@39", "result@41"));
-  EXPECT_EQ(5 * 768 / 46545.0, lines.back()["difference_s"].asDouble());
-  EXPECT_EQ(3 * 768 / 46545.0, lines.back()["run_difference_s"].asDouble());
+  EXPECT_EQ(5 * kVoiceBlockSamples / kVoiceRateHz, lines.back()["difference_s"].asDouble());
+  EXPECT_EQ(3 * kVoiceBlockSamples / kVoiceRateHz, lines.back()["run_difference_s"].asDouble());
 }
 
 TEST(ReplayLines, HaveNoDifferenceOfARunThatAbnormalInputHasEnded) {
   const auto lines = ReplayLines(MakeRecording(Ambient() + std::string(11, 'y') + "7.9"));
-  EXPECT_EQ(2 * 768 / 46545.0, lines.back()["difference_s"].asDouble());
+  EXPECT_EQ(2 * kVoiceBlockSamples / kVoiceRateHz, lines.back()["difference_s"].asDouble());
   EXPECT_TRUE(lines.back()["run_difference_s"].isNull());
 }
 
@@ -148,10 +148,10 @@ TEST(ReplayLines, HaveNoAmbientMeanOfARecordingThatIsTooShort) {
 double MagnitudeOf(const std::vector<std::uint8_t>& bytes, std::size_t block, double frequencyHz) {
   double re = 0.0;
   double im = 0.0;
-  for (int n = 0; n < 768; ++n) {
-    const std::size_t at = block * kBlockBytes + 2 * static_cast<std::size_t>(n);
+  for (int n = 0; n < kVoiceBlockSamples; ++n) {
+    const std::size_t at = block * kVoiceBlockBytes + 2 * static_cast<std::size_t>(n);
     const auto sample = static_cast<std::int16_t>(bytes[at] | bytes[at + 1] << 8U);
-    const double angle = static_cast<double>(n) * 6.283185307179586 * frequencyHz / 46545.0;
+    const double angle = static_cast<double>(n) * 6.283185307179586 * frequencyHz / kVoiceRateHz;
     re += sample * std::cos(angle);
     im += sample * std::sin(angle);
   }
@@ -188,8 +188,8 @@ TEST(ReplayTrace, HasNoRatiosOfDigitalSilence) {
 TEST(ReplayTrace, TakesAShortLastBlockAsOneThatEndsInSilence) {
   auto whole = MakeRecording(std::string(5, '.') + "7");
   auto silentEnd = whole;
-  std::fill(silentEnd.begin() + 5 * kBlockBytes + 200, silentEnd.end(), std::uint8_t{0});
-  whole.resize(5 * kBlockBytes + 201);  // 100 samples and an odd byte
+  std::fill(silentEnd.begin() + 5 * kVoiceBlockBytes + 200, silentEnd.end(), std::uint8_t{0});
+  whole.resize(5 * kVoiceBlockBytes + 201);  // 100 samples and an odd byte
   const auto lines = ReplayLines(whole, true);
   EXPECT_EQ(ReplayLines(silentEnd, true), lines);
   EXPECT_EQ(6, lines.back()["buffers"].asInt());

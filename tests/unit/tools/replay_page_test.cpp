@@ -31,7 +31,7 @@ std::vector<std::uint8_t> RecordInRoom(const sim::RoomConfig& config) {
   sim::VoiceChannel voice(room);
   voice.Start(sim::Time(0));
   std::vector<std::uint8_t> bytes;
-  while (bytes.size() / 2 < kSeconds * 46545) {
+  while (static_cast<double>(bytes.size() / sizeof(std::int16_t)) < kSeconds * kVoiceRateHz) {
     sim::VoiceChannel::Block block;
     if (voice.TakeBlock(block)) {
       for (const std::int16_t sample : block) {

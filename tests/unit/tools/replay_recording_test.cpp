@@ -6,6 +6,7 @@
 
 #include <cstring>
 
+#include "orvex/platform/remote_voice.h"
 #include "replay/recording.h"
 #include "unit/tools/temporary_folder.h"
 
@@ -15,7 +16,7 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-constexpr int kRateHz = 46545;
+constexpr int kRateHz = static_cast<int>(kVoiceRateHz);
 
 void WriteWave(const std::string& path, int format, int channels, int rateHz, const std::vector<double>& samples) {
   SF_INFO info{};
@@ -75,8 +76,8 @@ TEST(ReplayRecording, TakesWaveFilesOfTheOtherByteOrderAndOfAnyLength) {
 TEST(ReplayRecording, FeedsEveryBlockAndTellsHowFarItIs) {
   ReceiverRig rig({});
   std::vector<std::size_t> told;
-  Feed(std::vector<std::uint8_t>(2 * 1536 + 100), rig, [&](std::size_t done) { told.push_back(done); });
-  EXPECT_THAT(told, ElementsAre(1536, 2 * 1536, 2 * 1536 + 100));
+  Feed(std::vector<std::uint8_t>(2 * kVoiceBlockBytes + 100), rig, [&](std::size_t done) { told.push_back(done); });
+  EXPECT_THAT(told, ElementsAre(kVoiceBlockBytes, 2 * kVoiceBlockBytes, 2 * kVoiceBlockBytes + 100));
   EXPECT_EQ(3, rig.GetReceiver().GetBufferCount());
 }
 

@@ -40,10 +40,10 @@ std::vector<Sine> SinesOf(char block) {
 }  // namespace
 
 void RecordingMaker::Add(const std::vector<Sine>& sines, bool hasNoise) {
-  for (int n = 0; n < 768; ++n) {
+  for (int n = 0; n < kVoiceBlockSamples; ++n) {
     double sample = hasNoise ? static_cast<double>(m_Random() % 17) - 8.0 : 0.0;
     for (const Sine& sine : sines) {
-      sample += sine.amplitude * std::sin(kTwoPi * sine.frequencyHz * n / 46545.0);
+      sample += sine.amplitude * std::sin(kTwoPi * sine.frequencyHz * n / kVoiceRateHz);
     }
     const auto bits = static_cast<std::uint16_t>(std::lrint(sample));
     m_Bytes.push_back(static_cast<std::uint8_t>(bits & 0xFFU));

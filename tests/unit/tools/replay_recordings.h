@@ -8,11 +8,10 @@
 #include <string>
 #include <vector>
 
+#include "orvex/platform/remote_voice.h"
 #include "replay/run_record.h"
 
 namespace orvex::tools {
-
-constexpr std::size_t kBlockBytes = 1536;
 
 // A sine of a block, from its first sample on.
 struct Sine {

@@ -6,6 +6,7 @@
 #include <numeric>
 #include <sstream>
 
+#include "orvex/platform/remote_voice.h"
 #include "orvex/sim/room.h"
 #include "orvex/sim/voice_channel.h"
 #include "receiver/receiver_rig.h"
@@ -30,7 +31,7 @@ TEST(SweepTrial, FindsTheDifferenceOfABareQuietRoomWithinOneBuffer) {
     const RoomResult result = RunOne(
         {{axis::kDifferenceMs, difference}, {axis::kToneDb, "80"}, {axis::kRt60S, "0"}, {axis::kReflections, "0"}});
     ASSERT_TRUE(result.found) << difference;
-    EXPECT_LT(std::abs(result.errorMs), kBufferMs) << difference;
+    EXPECT_LT(std::abs(result.errorMs), kVoiceBlockMs) << difference;
     EXPECT_NEAR(-result.errorMs, result.remainingMs, 1.0) << difference;
   }
 }
@@ -38,15 +39,15 @@ TEST(SweepTrial, FindsTheDifferenceOfABareQuietRoomWithinOneBuffer) {
 TEST(SweepTrial, IsDecidedByTheSecondBurstOfTheFirstPair) {
   const RoomResult result =
       RunOne({{axis::kDifferenceMs, "200"}, {axis::kToneDb, "80"}, {axis::kWayMs, "50"}, {axis::kStartMs, "10"}});
-  const double heardMs = 35 * kBufferMs + 30.0 + 10.0 + 200.0 + 50.0 + 200.0;
+  const double heardMs = 35 * kVoiceBlockMs + 30.0 + 10.0 + 200.0 + 50.0 + 200.0;
   EXPECT_GT(result.decidedMs, heardMs + 30.0);
-  EXPECT_LT(result.decidedMs, heardMs + 30.0 + 2.0 * kBufferMs);
+  EXPECT_LT(result.decidedMs, heardMs + 30.0 + 2.0 * kVoiceBlockMs);
 }
 
 TEST(SweepTrial, EndsWhenTheLastFrameIsWrittenAFullDeviceBufferBeforeTheSoundIsOver) {
   const RoomResult result = RunOne({{axis::kSilent, "yes"}, {axis::kStartMs, "10"}});
   EXPECT_FALSE(result.found);
-  EXPECT_NEAR(35 * kBufferMs + 30.0 + 10.0 + SoundDesign{}.DurationMs() - 102.4, result.endedMs, 0.1);
+  EXPECT_NEAR(35 * kVoiceBlockMs + 30.0 + 10.0 + SoundDesign{}.DurationMs() - 102.4, result.endedMs, 0.1);
   EXPECT_EQ(result.endedMs, result.decidedMs);
 }
 
@@ -102,7 +103,7 @@ TEST(SweepLateness, DelaysTheSoundAndTheReadingOfTheResult) {
   Given given = {{axis::kDifferenceMs, "200"}, {axis::kToneDb, "80"}};
   const double atOnceMs = RunOne(given).decidedMs;
   given[axis::kLateMs] = "300";
-  EXPECT_NEAR(atOnceMs + 2 * 300.0, RunOne(given).decidedMs, kBufferMs);
+  EXPECT_NEAR(atOnceMs + 2 * 300.0, RunOne(given).decidedMs, kVoiceBlockMs);
 }
 
 TEST(SweepLateness, DelaysTheSoundAndTheEndOfThePlayback) {

@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "orvex/platform/remote_voice.h"
 #include "tv/log_follower.h"
 
 namespace orvex::tools {
@@ -56,7 +57,7 @@ TEST(LogFollower, TellsAGoodRunFromItsFirstLineToItsEndRecord) {
              18);
   EXPECT_THAT(run.report.baseMs, Optional(100u));
   EXPECT_THAT(run.report.wantedMs, Optional(18u));
-  EXPECT_THAT(run.report.differenceS, Optional(5 * 768 / 46545.0));
+  EXPECT_THAT(run.report.differenceS, Optional(5 * kVoiceBlockSamples / kVoiceRateHz));
   EXPECT_EQ("done", run.report.terminate);
   EXPECT_EQ("pass", run.report.result);
   EXPECT_EQ("/tmp/audio_dump_7_1", run.report.dumpFile);
@@ -80,7 +81,7 @@ TEST(LogFollower, KnowsTheFilesOfEveryRecording) {
 TEST(LogFollower, GivesAnOpticalOutputThatIsEarlyItsSign) {
   const Followed run = Follow({"@ g_first index (reverse)\n", "(ruvo)   ====> @ [RESULT] [105] - [100] : -0.0825 s\n",
                                "diff time = -0.0825\n"});
-  EXPECT_THAT(run.report.differenceS, Optional(-5 * 768 / 46545.0));
+  EXPECT_THAT(run.report.differenceS, Optional(-5 * kVoiceBlockSamples / kVoiceRateHz));
 }
 
 TEST(LogFollower, SaysWhyARunEnds) {

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <json/reader.h>
 
+#include "orvex/platform/remote_voice.h"
 #include "tv/run_summary.h"
 
 namespace orvex::tools {
@@ -14,7 +15,7 @@ using testing::HasSubstr;
 
 RunSummary GoodRun() {
   RunSummary summary;
-  summary.report = {100u, 18u, 5 * 768 / 46545.0, "done", "pass", "/tmp/dump", "/tmp/result"};
+  summary.report = {100u, 18u, 5 * kVoiceBlockSamples / kVoiceRateHz, "done", "pass", "/tmp/dump", "/tmp/result"};
   summary.ending.exitCode = 0;
   summary.ending.duration = std::chrono::milliseconds(3290);
   summary.misalignmentBeforeMs = 90.0;
@@ -41,7 +42,7 @@ TEST(SummaryJson, SaysEverythingAboutAGoodRun) {
   EXPECT_EQ("pass", json["result"].asString());
   EXPECT_EQ(100, json["base_ms"].asInt());
   EXPECT_EQ(18, json["applied_ms"].asInt());
-  EXPECT_DOUBLE_EQ(5 * 768 / 46545.0, json["difference_s"].asDouble());
+  EXPECT_DOUBLE_EQ(5 * kVoiceBlockSamples / kVoiceRateHz, json["difference_s"].asDouble());
   EXPECT_DOUBLE_EQ(90.0, json["misalignment_before_ms"].asDouble());
   EXPECT_DOUBLE_EQ(8.0, json["misalignment_after_ms"].asDouble());
   EXPECT_EQ(3290, json["duration_ms"].asInt());

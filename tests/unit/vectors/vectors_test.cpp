@@ -18,8 +18,6 @@ namespace {
 
 using Samples = std::vector<std::int16_t>;
 
-constexpr std::size_t kBlockSamples = kVoiceBlockSamples;
-
 std::vector<std::uint8_t> LittleEndian(const Samples& samples) {
   std::vector<std::uint8_t> bytes;
   for (const std::int16_t sample : samples) {
@@ -53,7 +51,7 @@ Json::Value Reference() {
 Samples Noise() {
   Samples samples;
   std::uint32_t state = 1;
-  for (std::size_t n = 0; n < kBlockSamples; ++n) {
+  for (std::size_t n = 0; n < kVoiceBlockSamples; ++n) {
     state = state * 1664525U + 1013904223U;
     samples.push_back(static_cast<std::int16_t>(static_cast<std::int32_t>(state >> 20U) - 2048));
   }
@@ -62,14 +60,14 @@ Samples Noise() {
 
 Samples Square(unsigned int hz, int height) {
   Samples samples;
-  for (unsigned int n = 0; n < kBlockSamples; ++n) {
+  for (unsigned int n = 0; n < kVoiceBlockSamples; ++n) {
     samples.push_back(static_cast<std::int16_t>(2 * (hz * n % 46545) < 46545 ? height : -height));
   }
   return samples;
 }
 
 Samples BlockNamed(const std::string& name) {
-  Samples samples(kBlockSamples, 0);
+  Samples samples(kVoiceBlockSamples, 0);
   if (name == "noise") {
     return Noise();
   }
@@ -80,7 +78,7 @@ Samples BlockNamed(const std::string& name) {
     return Square(19000, 300);
   }
   if (name == "full scale") {
-    for (std::size_t n = 0; n < kBlockSamples; ++n) {
+    for (std::size_t n = 0; n < kVoiceBlockSamples; ++n) {
       samples[n] = n % 2 == 0 ? std::int16_t{32767} : std::int16_t{-32768};
     }
   } else {
@@ -105,9 +103,8 @@ Heard Hear(const Samples& recording) {
   Heard heard;
   ReceiverRig rig({&heard});
   const std::vector<std::uint8_t> bytes = LittleEndian(recording);
-  constexpr std::size_t kBlockBytes = 2 * kBlockSamples;
-  for (std::size_t at = 0; at < bytes.size(); at += kBlockBytes) {
-    rig.Deliver(bytes.data() + at, kBlockBytes);
+  for (std::size_t at = 0; at < bytes.size(); at += kVoiceBlockBytes) {
+    rig.Deliver(bytes.data() + at, kVoiceBlockBytes);
   }
   return heard;
 }
@@ -118,7 +115,7 @@ TEST_P(Magnitudes, AreThoseOfTheReference) {
   const Json::Value expected = Reference()["blocks"][GetParam()];
   const Samples block = BlockNamed(GetParam());
   ASSERT_EQ(expected["digest"].asString(), Digest(block));
-  Samples recording(4 * kBlockSamples, 0);  // blocks that are not analysed
+  Samples recording(4 * kVoiceBlockSamples, 0);  // blocks that are not analysed
   recording.insert(recording.end(), block.begin(), block.end());
   const Heard heard = Hear(recording);
   ASSERT_EQ(1U, heard.levels.size());
@@ -182,7 +179,7 @@ TEST_P(Recordings, AreThoseOfTheReference) {
   const Samples sound = GenerateSound(SoundDesign{});
   room.Play(std::chrono::milliseconds(700), sound.data(), sound.size() / 2);
   room.StartRecording(sim::Time{});
-  Samples recording(100 * kBlockSamples);
+  Samples recording(100 * kVoiceBlockSamples);
   room.Record(recording.data(), recording.size());
   EXPECT_EQ(expected.digest, Digest(recording));
   const Heard heard = Hear(recording);

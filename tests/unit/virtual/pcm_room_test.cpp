@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "orvex/platform/remote_voice.h"
 #include "unit/virtual/pcm_player.h"
 #include "unit/virtual/pcm_television.h"
 #include "unit/virtual/voice_recorder.h"
@@ -15,7 +16,6 @@ namespace {
 
 using namespace std::string_literals;
 
-constexpr double kMicrophoneRateHz = 46545.0;
 constexpr std::size_t kClickFrame = 1000;
 
 // One silent, dry room: latencies are all there is.
@@ -39,7 +39,7 @@ std::size_t LoudestSample(const std::vector<std::int16_t>& samples, std::size_t 
 }
 
 double SamplesIn(MonotonicTime span) {
-  return static_cast<double>(span.count()) * 1e-9 * kMicrophoneRateHz;
+  return static_cast<double>(span.count()) * 1e-9 * kVoiceRateHz;
 }
 
 class PcmRoom : public PcmTelevision {
@@ -82,7 +82,7 @@ protected:
   static void ExpectClickAfter(double waySeconds, const std::vector<std::int16_t>& samples, const Span& recording,
                                const Span& click) {
     const auto loudest = static_cast<double>(LoudestSample(samples, 0, samples.size()));
-    const double way = waySeconds * kMicrophoneRateHz;
+    const double way = waySeconds * kVoiceRateHz;
     EXPECT_GE(loudest, SamplesIn(click.earliest - recording.latest) + way - 1.0);
     EXPECT_LE(loudest, SamplesIn(click.latest - recording.earliest) + way + 1.0);
   }
@@ -100,7 +100,7 @@ TEST_F(PcmRoom, TheOpticalOutputIsLateByItsLatencyAndTheDelayInForce) {
   const Hearing hearing = Listen(Click(true, true));
   const std::size_t speaker = LoudestSample(hearing.samples, 0, hearing.samples.size());
   const std::size_t optical = LoudestSample(hearing.samples, speaker + 1000, hearing.samples.size());
-  EXPECT_NEAR(static_cast<double>(optical - speaker), 0.070 * kMicrophoneRateHz, 1.0);
+  EXPECT_NEAR(static_cast<double>(optical - speaker), 0.070 * kVoiceRateHz, 1.0);
 }
 
 TEST_F(PcmRoom, AMutedSpeakerIsNotHeard) {
@@ -188,7 +188,7 @@ TEST_F(PcmRoom, AnUnreadableValueLeavesTheLastOneInForceAndIsReportedOnce) {
   LivingRoom::Block block;
   for (int index = 0; index < 10; ++index) {
     ASSERT_TRUE(room.TakeBlock(block));
-    EXPECT_EQ(std::count(block.begin(), block.end(), 0), 768);
+    EXPECT_EQ(std::count(block.begin(), block.end(), 0), kVoiceBlockSamples);
   }
 }
 

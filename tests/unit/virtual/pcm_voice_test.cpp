@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <future>
 
+#include "orvex/platform/remote_voice.h"
 #include "orvex/sim/room_json.h"
 #include "orvex/sim/voice_channel.h"
 #include "unit/virtual/pcm_television.h"
@@ -18,7 +19,6 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 
-constexpr double kBlockMs = 768 / 46.545;
 constexpr const char* kNoisyRoom = R"({"microphone": {"noise_dbfs": -40}, "seed": 7})";
 
 MonotonicTime Milliseconds(double count) {
@@ -98,7 +98,7 @@ TEST_F(PcmVoice, ALostBlockIsNotDelivered) {
   const std::string room = R"({"microphone": {"noise_dbfs": -40}, "voice": {"loss_probability": 0.5}, "seed": 7})";
   Echo("room.json", room);
   const auto model = ModelBlocks(room, 10);
-  ASSERT_GT(model.back().due, Milliseconds(12 * kBlockMs));  // some are lost in this room
+  ASSERT_GT(model.back().due, Milliseconds(12 * kVoiceBlockMs));  // some are lost in this room
   VoiceRecorder recorder;
   const MonotonicTime start = Record(recorder);
   ASSERT_TRUE(recorder.WaitForBlocks(10));
@@ -130,7 +130,7 @@ TEST_F(PcmVoice, AStoppedRemoteSendsNothingUntilItIsStartedAgain) {
   ASSERT_EQ(first.Unregister(), 0);  // a block that was being handed over is over now
   const MonotonicTime start = Record(second);
   ASSERT_TRUE(second.WaitForBlocks(1));
-  EXPECT_GE(second.Blocks().front().arrival, start + Milliseconds(kBlockMs + 30.0));
+  EXPECT_GE(second.Blocks().front().arrival, start + Milliseconds(kVoiceBlockMs + 30.0));
 }
 
 TEST_F(PcmVoice, TheRemoteFallsSilentAtTheEndOfItsWindow) {
@@ -141,7 +141,7 @@ TEST_F(PcmVoice, TheRemoteFallsSilentAtTheEndOfItsWindow) {
   const MonotonicTime start = MonotonicNow();
   ASSERT_EQ(StartVoice(), 0);
   ASSERT_TRUE(recorder.WaitForBlocks(7));
-  EXPECT_GE(recorder.Blocks()[6].arrival, start + Milliseconds(kBlockMs + 30.0));
+  EXPECT_GE(recorder.Blocks()[6].arrival, start + Milliseconds(kVoiceBlockMs + 30.0));
 }
 
 TEST_F(PcmVoice, AStartWhileSendingBeginsTheWindowAnew) {

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "orvex/platform/remote_voice.h"
 #include "world/runs/golden_steps.h"
 
 namespace orvex::runs {
@@ -18,7 +19,7 @@ constexpr double kFramesPerMs = 48.0;
 
 std::string Seconds(int buffers) {
   char text[32];
-  std::snprintf(text, sizeof text, "%0.4f", buffers * 768 / 46545.0);
+  std::snprintf(text, sizeof text, "%0.4f", buffers * kVoiceBlockSamples / kVoiceRateHz);
   return text;
 }
 

@@ -1,13 +1,14 @@
 // A run that succeeds unless something fails: a quiet room, a muted speaker beside another output, consent given.
 #pragma once
 
+#include "orvex/platform/remote_voice.h"
 #include "orvex/sim/room_config.h"
 #include "world/runs/service_run.h"
 
 namespace orvex::runs {
 
 // The largest error that a measurement in whole buffers leaves, in ms: one buffer, and the truncation.
-constexpr double kLargestErrorMs = 768 * 1000.0 / 46545.0 + 1.0;
+constexpr double kLargestErrorMs = kVoiceBlockMs + 1.0;
 
 inline void PrepareGoodRun(ServiceRun& run) {
   run.world.muted = true;

@@ -2,6 +2,7 @@
 #include <cstdio>
 #include <limits>
 
+#include "orvex/platform/remote_voice.h"
 #include "world/runs/journal_reading.h"
 #include "world/runs/run_rules.h"
 #include "world/runs/text_pattern.h"
@@ -74,7 +75,7 @@ private:
     }
   }
   void ReadResult(const std::string& text) {
-    const double seconds = m_Buffers * 768.0 / 46545.0;
+    const double seconds = m_Buffers * kVoiceBlockSamples / kVoiceRateHz;
     if (StartsWith(text, "I0 diff time = ")) {
       char expected[64];
       std::snprintf(expected, sizeof expected, "I0 diff time = %0.4f\n", seconds);

@@ -49,7 +49,7 @@ void ScriptedRemote::DelayFrom(int block, double milliseconds) {
 }
 
 double ScriptedRemote::DeliveredAtMs(int block, double startMs) const {
-  return startMs + block * kBlockMs + kLatencyMs + (block >= m_DelayedFrom ? m_DelayMs : 0.0);
+  return startMs + block * kVoiceBlockMs + kLatencyMs + (block >= m_DelayedFrom ? m_DelayMs : 0.0);
 }
 
 void ScriptedRemote::Schedule(world::Time start, int block) {

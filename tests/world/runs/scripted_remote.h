@@ -24,7 +24,6 @@ enum class Heard {
 // while it is told to, up to its last block.
 class ScriptedRemote {
 public:
-  static constexpr double kBlockMs = 768 * 1000.0 / 46545.0;
   static constexpr double kLatencyMs = 30.0;
 
   explicit ScriptedRemote(world::World& world);

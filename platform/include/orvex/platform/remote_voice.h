@@ -4,10 +4,10 @@
 #include <cstddef>
 #include <cstdint>
 
-// Samples of a whole block.
-constexpr int kVoiceBlockSamples = 768;
-// Nominal samples per second.
-constexpr int kVoiceRateHz = 46545;
+constexpr int kVoiceBlockSamples = 768;   // of a whole block
+constexpr double kVoiceRateHz = 46545.0;  // nominal samples per second
+constexpr std::size_t kVoiceBlockBytes = kVoiceBlockSamples * sizeof(std::int16_t);
+constexpr double kVoiceBlockMs = kVoiceBlockSamples * 1000.0 / kVoiceRateHz;  // 16.5, nominally
 
 // One delivered block of microphone audio: signed 16-bit little-endian samples, one channel, nominally kVoiceRateHz per
 // second and kVoiceBlockSamples per block.

@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "orvex/platform/remote_voice.h"
+
 namespace orvex::sim {
 
 // A room that cannot be: the text names the room, the key, the value and what was expected.
@@ -39,7 +41,7 @@ struct RoomConfig {
   bool opticalMuted = false;   // the external device is silent
   double opticalLockMs = 0.0;  // 0 to 10000, what its receiver loses at the start of a stream while it locks
 
-  double microphoneRateHz = 46545.0;        // 20000 to 96000, nominal
+  double microphoneRateHz = kVoiceRateHz;   // 20000 to 96000, nominal
   double rateErrorPpm = 0.0;                // -100000 to 100000; positive: the remote samples faster than nominal
   std::optional<double> noiseDbfs = -70.0;  // -200 to 0, RMS of white noise, 0 dBFS = 32768; none: no noise
   std::string noiseFile;         // path of a recording that adds to the noise, empty: none; see Room::SetNoise()

@@ -10,6 +10,7 @@
 #include <optional>
 #include <random>
 
+#include "orvex/platform/remote_voice.h"
 #include "orvex/sim/room.h"
 #include "orvex/sim/time.h"
 
@@ -17,8 +18,7 @@ namespace orvex::sim {
 
 class VoiceChannel {
 public:
-  static constexpr std::size_t kBlockSamples = 768;
-  using Block = std::array<std::int16_t, kBlockSamples>;
+  using Block = std::array<std::int16_t, kVoiceBlockSamples>;
 
   explicit VoiceChannel(Room& room);  // `room` must outlive this object
 
@@ -29,7 +29,7 @@ public:
   // Nothing is delivered afterwards, blocks under way included.
   void Stop();
 
-  // When the next block is due: (k + 1) * 768 samples after the start for block k, at the microphone's actual rate,
+  // When the next block is due: k + 1 blocks after the start for block k, at the microphone's actual rate,
   // plus latency and jitter, never before the block ahead of it. None: not started, stopped, or the block would be
   // complete only after the voice window or after silentAfterMs. Extend() can bring a delivery back: ask again.
   std::optional<Time> NextDelivery() const;
