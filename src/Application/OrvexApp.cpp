@@ -48,7 +48,7 @@ bool COrvexApp::t_OnCreate() {
 }
 
 void COrvexApp::m_CreateGravet() {
-  if (watchdog_register(m_WatchDogTimeout) == -1) {
+  if (watchdog_register(m_WatchDogTimeout) == kWatchdogFailed) {
     ORVEX_FAILURE("Failed to register Orvex Service in gravet!");
   }
 }
@@ -61,7 +61,7 @@ void COrvexApp::m_CreateWatchDogAlarm() {
 
 bool COrvexApp::m_OnWatchDogCallBack(void* /*data*/) {
   ORVEX_DEBUG("notify systemd...");
-  if (watchdog_notify() == -1) {
+  if (watchdog_notify() == kWatchdogFailed) {
     ORVEX_FAILURE("Failed to notify watchdog");
     return false;
   }

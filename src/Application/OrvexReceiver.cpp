@@ -44,7 +44,7 @@ void OrvexReceiver::StartBTRecoder() {
   }
   m_ResetRecording();
   CSingleton<CAudioControl>::GetInstance()->SaveCurrentStatus();
-  if (bt_hid_set_audio_data_receive_cb(m_ReceiveBTAudioDataCB, this) != 0) {
+  if (bt_hid_set_audio_data_receive_cb(m_ReceiveBTAudioDataCB, this) != kVoiceDone) {
     ORVEX_FAILURE("[ERROR] Fail bt_hid_set_audio_data_receive_cb()");
     return;
   }
@@ -105,7 +105,7 @@ void OrvexReceiver::StopBTRecoder() {
     return;
   }
   m_State = kReady;
-  if (bt_hid_unset_audio_data_receive_cb() != 0) {
+  if (bt_hid_unset_audio_data_receive_cb() != kVoiceDone) {
     ORVEX_FAILURE("[ERROR] Fail bt_hid_unset_audio_data_receive_cb()");
   }
   const int result = m_StopVoice();
@@ -165,7 +165,7 @@ void OrvexReceiver::m_CountBuffer() {
 }
 
 void OrvexReceiver::m_SetBTExtenCount() {
-  if (bt_hid_send_rc_command(nullptr, kExtend.data(), kExtend.size()) == 0) {
+  if (bt_hid_send_rc_command(nullptr, kExtend.data(), kExtend.size()) == kVoiceDone) {
     ORVEX_INFO("[Recorder] Extend bt audio recorder");
     m_Observe(&OrvexReceiverObserver::OnExtend, m_BufferCount);
     return;

@@ -25,7 +25,7 @@ COrvexLogManager::~COrvexLogManager() {
 bool COrvexLogManager::m_IsDefaultDisclaimerAgreed() {
   int agreed = 0;
   const int result = settings_get_int(kConsentKey, &agreed);
-  if (result != 0) {
+  if (result != kSettingsDone) {
     ORVEX_FAILURE("(r=%d) get defaultdisclaimeragree failed", result);
     return false;
   }

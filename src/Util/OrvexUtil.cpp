@@ -31,7 +31,7 @@ void OrvexUtil::GetSourceInfo(std::string& videoKind, std::uint32_t& resolution,
   resolution = 0;
   frequency = 0;
   IAVControl* control = nullptr;
-  if (tv_create_av_control(kProfile, kMainScreen, &control) != 0 || control == nullptr) {
+  if (tv_create_av_control(kProfile, kMainScreen, &control) != kTvDone || control == nullptr) {
     ORVEX_FAILURE("Create Resolution Control failed");
     return;
   }

@@ -3,6 +3,7 @@
 #include "conformance/unreachable_sound.h"
 #include "conformance/voice_listener.h"
 #include "orvex/platform/output_delay.h"
+#include "orvex/platform/remote_voice.h"
 #include "orvex/platform/settings.h"
 
 namespace orvex::conformance {

@@ -18,10 +18,10 @@ protected:
 
   static std::uint32_t DelayMs() {
     std::uint32_t delayMs = kUntouchedMs;
-    EXPECT_EQ(avoc_get_delay(&delayMs, kDelayKindSpdif), 0);
+    EXPECT_EQ(avoc_get_delay(&delayMs, kDelayKindSpdif), kDelayDone);
     return delayMs;
   }
-  static void Set(std::uint32_t delayMs) { EXPECT_EQ(avoc_set_delay(delayMs, kDelayKindSpdif), 0); }
+  static void Set(std::uint32_t delayMs) { EXPECT_EQ(avoc_set_delay(delayMs, kDelayKindSpdif), kDelayDone); }
 
 private:
   std::uint32_t m_BeforeMs = 0;
@@ -88,7 +88,7 @@ TEST_F(OutputDelay, IsTheOneThatTheAudioControlTells) {
     for (const std::uint32_t setMs : {40U, 140U}) {
       Set(setMs);
       std::uint32_t delayMs = kUntouchedMs;
-      EXPECT_EQ(control->getSpdifOutDelay(&delayMs), 0);
+      EXPECT_EQ(control->getSpdifOutDelay(&delayMs), kAudioControlDone);
       EXPECT_EQ(delayMs, DelayMs());
     }
   });
@@ -104,7 +104,7 @@ TEST_F(OutputDelay, HasACodecThatTheAudioControlTells) {
       IAudioControl* const control = IAudioControl::getInstance();
       ASSERT_NE(control, nullptr);
       std::int32_t codec = -1;
-      EXPECT_EQ(control->getSpdifOutCodec(&codec), 0);
+      EXPECT_EQ(control->getSpdifOutCodec(&codec), kAudioControlDone);
       EXPECT_EQ(codec, expected);
     }
   });

@@ -44,8 +44,8 @@ protected:
     settings_unsubscribe(kWatchedKey, &OnChangeForTheOther);
   }
 
-  void Subscribe() { EXPECT_EQ(settings_subscribe(kWatchedKey, &OnChange, &subscriber), 0); }
-  void SubscribeTheOther() { EXPECT_EQ(settings_subscribe(kWatchedKey, &OnChangeForTheOther, &other), 0); }
+  void Subscribe() { EXPECT_EQ(settings_subscribe(kWatchedKey, &OnChange, &subscriber), kSettingsDone); }
+  void SubscribeTheOther() { EXPECT_EQ(settings_subscribe(kWatchedKey, &OnChangeForTheOther, &other), kSettingsDone); }
   std::function<void()> Put(int value) {
     return [this, value] { Port().PutSetting(kWatchedKey, value); };
   }
@@ -118,7 +118,7 @@ TEST_F(SettingsNotification, NeedsNoneOfTheKeysText) {
   application
       .Do([&] {
         std::string key = kWatchedKey;
-        EXPECT_EQ(settings_subscribe(key.c_str(), &OnChange, &subscriber), 0);
+        EXPECT_EQ(settings_subscribe(key.c_str(), &OnChange, &subscriber), kSettingsDone);
         key.assign(key.size(), 'x');
       })
       .Do(Put(5))
@@ -151,7 +151,7 @@ TEST_F(SettingsNotification, IsSubscribedOnceForOneKeyAndCallback) {
       .After(kQuietMs)
       .Run();
   EXPECT_EQ(other.notifications, 0);
-  EXPECT_EQ(settings_unsubscribe(kWatchedKey, &OnChange), 0);
+  EXPECT_EQ(settings_unsubscribe(kWatchedKey, &OnChange), kSettingsDone);
   EXPECT_EQ(settings_unsubscribe(kWatchedKey, &OnChange), kSettingsNotSubscribed);
 }
 
@@ -161,7 +161,7 @@ TEST_F(SettingsNotification, IsUnsubscribedByKeyAndCallback) {
     Subscribe();
     EXPECT_EQ(settings_unsubscribe(kWatchedKey, &OnChangeForTheOther), kSettingsNotSubscribed);
     EXPECT_EQ(settings_unsubscribe("db/conformance/watched2", &OnChange), kSettingsNotSubscribed);
-    EXPECT_EQ(settings_unsubscribe(kWatchedKey, &OnChange), 0);
+    EXPECT_EQ(settings_unsubscribe(kWatchedKey, &OnChange), kSettingsDone);
   });
 }
 
@@ -174,7 +174,7 @@ TEST_F(SettingsNotification, DoesNotComeAfterTheUnsubscriptionThoughItWasUnderWa
       })
       .Do([&] {
         Port().PutSetting(kWatchedKey, 5);
-        EXPECT_EQ(settings_unsubscribe(kWatchedKey, &OnChange), 0);
+        EXPECT_EQ(settings_unsubscribe(kWatchedKey, &OnChange), kSettingsDone);
       })
       .Until("the other's notification", [&] { return other.notifications > 0; })
       .After(kQuietMs)
@@ -184,7 +184,7 @@ TEST_F(SettingsNotification, DoesNotComeAfterTheUnsubscriptionThoughItWasUnderWa
 
 TEST_F(SettingsNotification, MayBeUnsubscribedByItsOwnCallback) {
   ORVEX_NEEDS(kPutSetting);
-  subscriber.onChange = [] { EXPECT_EQ(settings_unsubscribe(kWatchedKey, &OnChange), 0); };
+  subscriber.onChange = [] { EXPECT_EQ(settings_unsubscribe(kWatchedKey, &OnChange), kSettingsDone); };
   application.Do([&] { Subscribe(); })
       .Do(Put(5))
       .Until("the notification", Told(1))

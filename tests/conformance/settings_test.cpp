@@ -16,7 +16,7 @@ protected:
 
   static void ExpectRead(int expected) {
     int value = kUntouched;
-    EXPECT_EQ(settings_get_int(kKey, &value), 0);
+    EXPECT_EQ(settings_get_int(kKey, &value), kSettingsDone);
     EXPECT_EQ(value, expected);
   }
   static void ExpectFailure(int result) {

@@ -1,4 +1,5 @@
 // The sound manager: mute and volume as they were set, the selected output, and how an operation fails.
+#include "orvex/platform/sound_manager.h"
 #include "conformance/port_test.h"
 #include "conformance/unreachable_sound.h"
 
@@ -23,12 +24,12 @@ protected:
 
   static std::int32_t Volume() {
     std::int32_t volume = -1;
-    EXPECT_EQ(sound_manager_get_tv_master_volume(&volume), 0);
+    EXPECT_EQ(sound_manager_get_tv_master_volume(&volume), kSoundDone);
     return volume;
   }
   static bool IsMuted() {
     bool muted = false;
-    EXPECT_EQ(sound_manager_get_device_mute(kTvSpeaker, &muted), 0);
+    EXPECT_EQ(sound_manager_get_device_mute(kTvSpeaker, &muted), kSoundDone);
     return muted;
   }
 
@@ -40,7 +41,7 @@ private:
 TEST_F(SoundManager, MutesAndUnmutesTheSpeaker) {
   OnMainLoop([] {
     for (const bool muted : {true, false, false, true}) {
-      EXPECT_EQ(sound_manager_set_device_mute(kTvSpeaker, muted), 0);
+      EXPECT_EQ(sound_manager_set_device_mute(kTvSpeaker, muted), kSoundDone);
       EXPECT_EQ(IsMuted(), muted);
     }
   });
@@ -49,7 +50,7 @@ TEST_F(SoundManager, MutesAndUnmutesTheSpeaker) {
 TEST_F(SoundManager, SetsEveryVolume) {
   OnMainLoop([] {
     for (std::int32_t volume = 0; volume <= 100; ++volume) {
-      EXPECT_EQ(sound_manager_set_tv_master_volume(volume), 0);
+      EXPECT_EQ(sound_manager_set_tv_master_volume(volume), kSoundDone);
       EXPECT_EQ(Volume(), volume);
     }
   });
@@ -57,18 +58,18 @@ TEST_F(SoundManager, SetsEveryVolume) {
 
 TEST_F(SoundManager, KeepsMuteAndVolumeApart) {
   OnMainLoop([] {
-    EXPECT_EQ(sound_manager_set_device_mute(kTvSpeaker, false), 0);
-    EXPECT_EQ(sound_manager_set_tv_master_volume(0), 0);
+    EXPECT_EQ(sound_manager_set_device_mute(kTvSpeaker, false), kSoundDone);
+    EXPECT_EQ(sound_manager_set_tv_master_volume(0), kSoundDone);
     EXPECT_FALSE(IsMuted());
-    EXPECT_EQ(sound_manager_set_tv_master_volume(30), 0);
-    EXPECT_EQ(sound_manager_set_device_mute(kTvSpeaker, true), 0);
+    EXPECT_EQ(sound_manager_set_tv_master_volume(30), kSoundDone);
+    EXPECT_EQ(sound_manager_set_device_mute(kTvSpeaker, true), kSoundDone);
     EXPECT_EQ(Volume(), 30);
   });
 }
 
 TEST_F(SoundManager, RefusesAVolumeOutOfRangeAndKeepsTheOldOne) {
   OnMainLoop([] {
-    EXPECT_EQ(sound_manager_set_tv_master_volume(42), 0);
+    EXPECT_EQ(sound_manager_set_tv_master_volume(42), kSoundDone);
     for (const std::int32_t volume : {-1, 101, INT32_MIN, INT32_MAX}) {
       EXPECT_EQ(sound_manager_set_tv_master_volume(volume), kSoundOutOfRange) << volume;
       EXPECT_EQ(Volume(), 42) << volume;
@@ -78,7 +79,7 @@ TEST_F(SoundManager, RefusesAVolumeOutOfRangeAndKeepsTheOldOne) {
 
 TEST_F(SoundManager, KnowsNoOtherDevice) {
   OnMainLoop([] {
-    EXPECT_EQ(sound_manager_set_device_mute(kTvSpeaker, false), 0);
+    EXPECT_EQ(sound_manager_set_device_mute(kTvSpeaker, false), kSoundDone);
     EXPECT_EQ(sound_manager_set_device_mute(kNoDevice, true), kSoundOutOfRange);
     EXPECT_FALSE(IsMuted());
     for (const bool before : {true, false}) {
@@ -95,7 +96,7 @@ TEST_F(SoundManager, TellsTheSelectedOutput) {
     for (const std::int32_t selected : {0, 3}) {
       Port().SelectSpeaker(selected);
       std::int32_t selection = -1;
-      EXPECT_EQ(sound_manager_get_speaker_selection(&selection), 0);
+      EXPECT_EQ(sound_manager_get_speaker_selection(&selection), kSoundDone);
       EXPECT_EQ(selection, selected);
     }
   });

@@ -34,19 +34,19 @@ TEST_F(TvService, AnswersWhatTheTelevisionShows) {
       EXPECT_EQ(info->brandName, state.brand);
 
       IAVControl* video = nullptr;
-      ASSERT_EQ(tv_create_av_control(kProfile, kMainPicture, &video), 0);
+      ASSERT_EQ(tv_create_av_control(kProfile, kMainPicture, &video), kTvDone);
       ASSERT_NE(video, nullptr);
       std::int32_t resolution = 0;
       TvResolution record{0};
-      EXPECT_EQ(video->getResolution(&resolution, &record), 0);
+      EXPECT_EQ(video->getResolution(&resolution, &record), kTvDone);
       EXPECT_EQ(resolution, state.resolution);
       EXPECT_EQ(record.frequency, state.frequency);
 
       ISourceControl* sources = nullptr;
-      ASSERT_EQ(tv_create_source_control(kProfile, kMainPicture, &sources), 0);
+      ASSERT_EQ(tv_create_source_control(kProfile, kMainPicture, &sources), kTvDone);
       ASSERT_NE(sources, nullptr);
       ESource source{};
-      EXPECT_EQ(sources->getCurrentSource(&source), 0);
+      EXPECT_EQ(sources->getCurrentSource(&source), kTvDone);
       EXPECT_EQ(static_cast<std::int32_t>(source), state.source);
     }
   });
@@ -73,8 +73,8 @@ TEST_F(TvService, ThatFailsLeavesTargetsUntouchedAlsoOfControlsMadeBefore) {
   OnMainLoop([&] {
     IAVControl* video = nullptr;
     ISourceControl* sources = nullptr;
-    ASSERT_EQ(tv_create_av_control(kProfile, kMainPicture, &video), 0);
-    ASSERT_EQ(tv_create_source_control(kProfile, kMainPicture, &sources), 0);
+    ASSERT_EQ(tv_create_av_control(kProfile, kMainPicture, &video), kTvDone);
+    ASSERT_EQ(tv_create_source_control(kProfile, kMainPicture, &sources), kTvDone);
     Port().Break(Ability::kBreakTvService);
 
     EXPECT_LT(tv_get_hdmi_input_count(), 0);

@@ -14,7 +14,7 @@ VoiceListener::~VoiceListener() {
 
 int VoiceListener::Register() {
   const int result = bt_hid_set_audio_data_receive_cb(&Receive, this);
-  m_IsRegistered = m_IsRegistered || result == 0;
+  m_IsRegistered = m_IsRegistered || result == kVoiceDone;
   return result;
 }
 

@@ -14,11 +14,11 @@ TEST_F(VoiceReceiver, IsTheOnlyOneUntilItIsUnregistered) {
   VoiceListener second(Port());
   OnMainLoop([&] {
     EXPECT_EQ(bt_hid_unset_audio_data_receive_cb(), kVoiceInvalid);
-    EXPECT_EQ(listener.Register(), 0);
+    EXPECT_EQ(listener.Register(), kVoiceDone);
     EXPECT_EQ(second.Register(), kVoiceTaken);
-    EXPECT_EQ(listener.Unregister(), 0);
-    EXPECT_EQ(second.Register(), 0);
-    EXPECT_EQ(second.Unregister(), 0);
+    EXPECT_EQ(listener.Unregister(), kVoiceDone);
+    EXPECT_EQ(second.Register(), kVoiceDone);
+    EXPECT_EQ(second.Unregister(), kVoiceDone);
     EXPECT_EQ(second.Unregister(), kVoiceInvalid);
   });
 }
@@ -27,9 +27,9 @@ TEST_F(VoiceReceiver, StaysTheOneThatWasRegisteredWhenASecondIsRefused) {
   VoiceListener second(Port());
   application
       .Do([&] {
-        EXPECT_EQ(listener.Register(), 0);
+        EXPECT_EQ(listener.Register(), kVoiceDone);
         EXPECT_EQ(second.Register(), kVoiceTaken);
-        EXPECT_EQ(StartVoice(), 0);
+        EXPECT_EQ(StartVoice(), kVoiceDone);
       })
       .Until("a block", Heard(1))
       .Run();
@@ -51,15 +51,15 @@ TEST_F(VoiceReceiver, MayBeRegisteredAndUnregisteredOnAnotherThread) {
       .Until("a block", Heard(1))
       .Do([&] {
         Thread([&] {
-          EXPECT_EQ(StopVoice(), 0);
-          EXPECT_EQ(listener.Unregister(), 0);
+          EXPECT_EQ(StopVoice(), kVoiceDone);
+          EXPECT_EQ(listener.Unregister(), kVoiceDone);
         }).Join();
       })
       .Run();
 }
 
 TEST_F(VoiceReceiver, HearsNothingBeforeAStartCommand) {
-  application.Do([&] { EXPECT_EQ(listener.Register(), 0); }).After(kLongSilenceMs).Run();
+  application.Do([&] { EXPECT_EQ(listener.Register(), kVoiceDone); }).After(kLongSilenceMs).Run();
   EXPECT_EQ(listener.Count(), 0U);
 }
 
@@ -68,7 +68,7 @@ TEST_F(VoiceReceiver, HearsNothingAfterAStopButABlockThatWasUnderWay) {
   application.Do(RegisterAndStart())
       .Until("three blocks", Heard(3))
       .Do([&] {
-        EXPECT_EQ(StopVoice(), 0);
+        EXPECT_EQ(StopVoice(), kVoiceDone);
         countAtStop = listener.Count();
       })
       .After(kLongSilenceMs)
@@ -82,9 +82,9 @@ TEST_F(VoiceReceiver, HearsNothingAfterItWasUnregisteredWhileTheNextOneDoes) {
   application.Do(RegisterAndStart())
       .Until("three blocks", Heard(3))
       .Do([&] {
-        EXPECT_EQ(listener.Unregister(), 0);
+        EXPECT_EQ(listener.Unregister(), kVoiceDone);
         countAtEnd = listener.Count();
-        EXPECT_EQ(next.Register(), 0);
+        EXPECT_EQ(next.Register(), kVoiceDone);
       })
       .Until("three blocks of the next", Heard(next, 3))
       .Run();
@@ -110,7 +110,7 @@ TEST_F(VoiceReceiver, IsUnregisteredOnlyWhenItsCallbackHasReturned) {
   const auto unregister = [&] {
     WaitUntil([&] { return isInCallback.load(); });
     isUnregistering = true;
-    EXPECT_EQ(listener.Unregister(), 0);
+    EXPECT_EQ(listener.Unregister(), kVoiceDone);
     EXPECT_FALSE(isInCallback) << "its callback still runs";
     isUnregistered = true;
   };

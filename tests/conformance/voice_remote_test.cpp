@@ -25,8 +25,8 @@ TEST_F(VoiceRemote, SendsBlocksOf768SamplesNoFasterThanItsRate) {
 TEST_F(VoiceRemote, IsStartedByTheCommandForTheAudibleSettingToo) {
   application
       .Do([&] {
-        EXPECT_EQ(listener.Register(), 0);
-        EXPECT_EQ(SendVoiceCommand(0x04, 0x00), 0);
+        EXPECT_EQ(listener.Register(), kVoiceDone);
+        EXPECT_EQ(SendVoiceCommand(0x04, 0x00), kVoiceDone);
       })
       .Until("a block", Heard(1))
       .Run();
@@ -34,7 +34,7 @@ TEST_F(VoiceRemote, IsStartedByTheCommandForTheAudibleSettingToo) {
 
 TEST_F(VoiceRemote, KnowsNoOtherCommandAndNoOtherLength) {
   OnMainLoop([&] {
-    EXPECT_EQ(listener.Register(), 0);
+    EXPECT_EQ(listener.Register(), kVoiceDone);
     const std::uint8_t start[] = {0x05, 0x00, 0x00};
     EXPECT_EQ(bt_hid_send_rc_command(nullptr, start, 1), kVoiceInvalid);
     EXPECT_EQ(bt_hid_send_rc_command(nullptr, start, 3), kVoiceInvalid);
@@ -47,8 +47,8 @@ TEST_F(VoiceRemote, KnowsNoOtherCommandAndNoOtherLength) {
 
 TEST_F(VoiceRemote, IsStoppedThoughItWasNotSending) {
   OnMainLoop([] {
-    EXPECT_EQ(StopVoice(), 0);
-    EXPECT_EQ(StopVoice(), 0);
+    EXPECT_EQ(StopVoice(), kVoiceDone);
+    EXPECT_EQ(StopVoice(), kVoiceDone);
   });
 }
 
@@ -56,11 +56,11 @@ TEST_F(VoiceRemote, SendsAgainWhenItIsStartedAgain) {
   std::size_t countAtRestart = 0;
   application.Do(RegisterAndStart())
       .Until("two blocks", Heard(2))
-      .Do([&] { EXPECT_EQ(StopVoice(), 0); })
+      .Do([&] { EXPECT_EQ(StopVoice(), kVoiceDone); })
       .After(kLongSilenceMs)
       .Do([&] {
         countAtRestart = listener.Count();
-        EXPECT_EQ(StartVoice(), 0);
+        EXPECT_EQ(StartVoice(), kVoiceDone);
       })
       .Until("two blocks more", [&] { return listener.Count() >= countAtRestart + 2; })
       .Run();
@@ -73,13 +73,13 @@ TEST_P(RefusedStart, SendsNothingAndMayBeTriedAgain) {
   Port().RefuseVoiceStart(GetParam());
   application
       .Do([&] {
-        EXPECT_EQ(listener.Register(), 0);
+        EXPECT_EQ(listener.Register(), kVoiceDone);
         EXPECT_EQ(StartVoice(), GetParam());
       })
       .After(kLongSilenceMs)
       .Do([&] {
         EXPECT_EQ(listener.Count(), 0U);
-        EXPECT_EQ(StartVoice(), 0);
+        EXPECT_EQ(StartVoice(), kVoiceDone);
       })
       .Until("a block", Heard(1))
       .Run();
@@ -104,7 +104,7 @@ TEST_F(VoiceRemote, GoesOnForAnotherWindowWhenItIsTold) {
   ORVEX_NEEDS(kShortenVoiceWindow);
   constexpr int kWindowMs = 1000;
   Port().ShortenVoiceWindow(kWindowMs);
-  listener.onBlock = [] { EXPECT_EQ(GoOnRecording(), 0); };  // which the delivery thread may
+  listener.onBlock = [] { EXPECT_EQ(GoOnRecording(), kVoiceDone); };  // which the delivery thread may
   application.Do(RegisterAndStart())
       .Until("more blocks than a window holds", Heard(static_cast<std::size_t>(1.5 * kWindowMs / kVoiceBlockMs)))
       .Run();

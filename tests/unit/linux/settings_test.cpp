@@ -47,7 +47,7 @@ protected:
     self.m_OnChanged(settings_node_name(node));
   }
 
-  void Subscribe(const char* key) { EXPECT_EQ(settings_subscribe(key, &OnChanged, this), 0) << key; }
+  void Subscribe(const char* key) { EXPECT_EQ(settings_subscribe(key, &OnChanged, this), kSettingsDone) << key; }
 
   // Runs the main loop with `write` in it, until everything that `write` did has been notified: later writes of another
   // key end the loop. Two, because new directories are looked into after the first.
@@ -89,15 +89,17 @@ TEST_F(Settings, ReadAnIntegerOrTellWhyNot) {
     const char* content;
     int result;
     int value;
-  } rows[] = {{"5\n", 0, 5},     {"-2147483648", 0, -2147483648LL}, {" 7 \n", 0, 7},   {"", -2, 77},
-              {"yes\n", -2, 77}, {"2147483648\n", -2, 77},          {"1 2\n", -2, 77}, {"1\n2\n", -2, 77}};
+  } rows[] = {{"5\n", kSettingsDone, 5},         {"-2147483648", kSettingsDone, -2147483648LL},
+              {" 7 \n", kSettingsDone, 7},       {"", kSettingsNoInteger, 77},
+              {"yes\n", kSettingsNoInteger, 77}, {"2147483648\n", kSettingsNoInteger, 77},
+              {"1 2\n", kSettingsNoInteger, 77}, {"1\n2\n", kSettingsNoInteger, 77}};
   for (const auto& row : rows) {
     Echo(FileOf(kFlag), row.content);
     int value = 77;
     testing::internal::CaptureStderr();
     EXPECT_EQ(settings_get_int(kFlag, &value), row.result) << row.content;
     EXPECT_EQ(value, row.value) << row.content;
-    EXPECT_EQ(testing::internal::GetCapturedStderr().empty(), row.result == 0) << row.content;
+    EXPECT_EQ(testing::internal::GetCapturedStderr().empty(), row.result == kSettingsDone) << row.content;
   }
 }
 
@@ -120,33 +122,33 @@ TEST_F(Settings, ReportAProblemOnceAsLongAsItLasts) {
 
 TEST_F(Settings, TellAMissingKeyFromAnUnreadableStore) {
   int value = 77;
-  EXPECT_EQ(settings_get_int("db/nothing", &value), -1);
-  EXPECT_EQ(settings_get_int(nullptr, &value), -1);
-  EXPECT_EQ(settings_get_int("../sound/volume", &value), -1);
+  EXPECT_EQ(settings_get_int("db/nothing", &value), kSettingsNoKey);
+  EXPECT_EQ(settings_get_int(nullptr, &value), kSettingsNoKey);
+  EXPECT_EQ(settings_get_int("../sound/volume", &value), kSettingsNoKey);
   Remove(FileOf(kFlag));
   std::filesystem::create_directory(Folder() / FileOf(kFlag));
-  EXPECT_EQ(settings_get_int(kFlag, &value), -3);
+  EXPECT_EQ(settings_get_int(kFlag, &value), kSettingsUnreadable);
   EXPECT_EQ(value, 77);
-  EXPECT_EQ(settings_get_int(kConsent, &value), 0);
+  EXPECT_EQ(settings_get_int(kConsent, &value), kSettingsDone);
 }
 
 TEST_F(Settings, TakeASubscriptionOncePerKeyAndCallback) {
-  EXPECT_EQ(settings_subscribe(kFlag, &OnChanged, this), 0);
-  EXPECT_EQ(settings_subscribe(kFlag, &OnChanged, nullptr), -1);
-  EXPECT_EQ(settings_subscribe(kConsent, &OnChanged, this), 0);
-  EXPECT_EQ(settings_unsubscribe(kFlag, &OnChanged), 0);
-  EXPECT_EQ(settings_unsubscribe(kFlag, &OnChanged), -1);
-  EXPECT_EQ(settings_unsubscribe(nullptr, &OnChanged), -1);
-  EXPECT_EQ(settings_subscribe(kFlag, &OnChanged, this), 0);
+  EXPECT_EQ(settings_subscribe(kFlag, &OnChanged, this), kSettingsDone);
+  EXPECT_EQ(settings_subscribe(kFlag, &OnChanged, nullptr), kSettingsAlreadySubscribed);
+  EXPECT_EQ(settings_subscribe(kConsent, &OnChanged, this), kSettingsDone);
+  EXPECT_EQ(settings_unsubscribe(kFlag, &OnChanged), kSettingsDone);
+  EXPECT_EQ(settings_unsubscribe(kFlag, &OnChanged), kSettingsNotSubscribed);
+  EXPECT_EQ(settings_unsubscribe(nullptr, &OnChanged), kSettingsNotSubscribed);
+  EXPECT_EQ(settings_subscribe(kFlag, &OnChanged, this), kSettingsDone);
 }
 
 TEST_F(Settings, RefuseASubscriptionThatCannotBeServed) {
   testing::internal::CaptureStderr();
-  EXPECT_EQ(settings_subscribe("db/../../x", &OnChanged, this), -3);
-  EXPECT_EQ(settings_subscribe(nullptr, &OnChanged, this), -3);
-  EXPECT_EQ(settings_subscribe(kFlag, nullptr, this), -3);
+  EXPECT_EQ(settings_subscribe("db/../../x", &OnChanged, this), kSettingsUnreadable);
+  EXPECT_EQ(settings_subscribe(nullptr, &OnChanged, this), kSettingsUnreadable);
+  EXPECT_EQ(settings_subscribe(kFlag, nullptr, this), kSettingsUnreadable);
   Remove("settings");
-  EXPECT_EQ(settings_subscribe(kFlag, &OnChanged, this), -3);
+  EXPECT_EQ(settings_subscribe(kFlag, &OnChanged, this), kSettingsUnreadable);
   EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("cannot watch " + (Folder() / "settings").string()));
 }
 
@@ -194,7 +196,7 @@ TEST_F(Settings, NotifyAKeyThatAppearsLaterInNewDirectories) {
 
 TEST_F(Settings, NotifyAKeyThatAppearsBesideOthers) {
   EXPECT_EQ(CountNotifications("db/fresh", [this] { Echo(FileOf("db/fresh"), "1\n"); }), 1);
-  EXPECT_EQ(settings_unsubscribe("db/fresh", &OnChanged), 0);
+  EXPECT_EQ(settings_unsubscribe("db/fresh", &OnChanged), kSettingsDone);
 }
 
 TEST_F(Settings, NotifyAKeyWhoseDirectoryWasRemovedAndMadeAgain) {
@@ -226,7 +228,7 @@ TEST_F(Settings, AreSilentAboutARemovedKey) {
 TEST_F(Settings, AreSilentAfterTheUnsubscribe) {
   const auto writeAndUnsubscribe = [this] {
     Echo(FileOf(kFlag), "1\n");
-    EXPECT_EQ(settings_unsubscribe(kFlag, &OnChanged), 0);
+    EXPECT_EQ(settings_unsubscribe(kFlag, &OnChanged), kSettingsDone);
   };
   EXPECT_EQ(CountNotifications(kFlag, writeAndUnsubscribe), 0);
 }
@@ -234,7 +236,7 @@ TEST_F(Settings, AreSilentAfterTheUnsubscribe) {
 TEST_F(Settings, MayBeUnsubscribedByTheirOwnCallback) {
   m_OnChanged = [](const std::string& key) {
     if (key == kFlag) {
-      EXPECT_EQ(settings_unsubscribe(kFlag, &OnChanged), 0);
+      EXPECT_EQ(settings_unsubscribe(kFlag, &OnChanged), kSettingsDone);
     }
   };
   const auto writeTwice = [this] {
@@ -248,10 +250,10 @@ TEST_F(Settings, MayBeUnsubscribedByTheCallbackBeforeThem) {
   Subscribe(kFlag);
   static int otherCount = 0;
   const SettingsChangedCallback other = [](const SettingsNode*, void*) { ++otherCount; };
-  EXPECT_EQ(settings_subscribe(kFlag, other, nullptr), 0);
+  EXPECT_EQ(settings_subscribe(kFlag, other, nullptr), kSettingsDone);
   m_OnChanged = [other](const std::string& key) {
     if (key == kFlag) {
-      EXPECT_EQ(settings_unsubscribe(kFlag, other), 0);
+      EXPECT_EQ(settings_unsubscribe(kFlag, other), kSettingsDone);
     }
   };
   RunWith([this] { Echo(FileOf(kFlag), "1\n"); });

@@ -32,19 +32,19 @@ protected:
 
 TEST_F(Watchdog, RefusesANotificationWithoutRegistration) {
   RunUnder("", [] {
-    EXPECT_EQ(watchdog_notify(), -1);
-    EXPECT_EQ(watchdog_register(1), 0);
+    EXPECT_EQ(watchdog_notify(), kWatchdogFailed);
+    EXPECT_EQ(watchdog_register(1), kWatchdogDone);
   });
-  RunUnder("", [] { EXPECT_EQ(watchdog_notify(), -1) << "the registration of another main loop"; });
+  RunUnder("", [] { EXPECT_EQ(watchdog_notify(), kWatchdogFailed) << "the registration of another main loop"; });
 }
 
 TEST_F(Watchdog, RegistersAndNotifiesOverAPath) {
   const std::string name = (Folder() / "notify").string();
   const ManagerSocket manager(name);
   RunUnder(name, [] {
-    EXPECT_EQ(watchdog_register(120), 0);
-    EXPECT_EQ(watchdog_notify(), 0);
-    EXPECT_EQ(watchdog_notify(), 0);
+    EXPECT_EQ(watchdog_register(120), kWatchdogDone);
+    EXPECT_EQ(watchdog_notify(), kWatchdogDone);
+    EXPECT_EQ(watchdog_notify(), kWatchdogDone);
   });
   EXPECT_THAT(manager.Received(), ElementsAre("READY=1\nWATCHDOG_USEC=120000000", "WATCHDOG=1", "WATCHDOG=1"));
 }
@@ -52,7 +52,7 @@ TEST_F(Watchdog, RegistersAndNotifiesOverAPath) {
 TEST_F(Watchdog, RegistersOverAnAbstractName) {
   const std::string name = "@orvex-watchdog-test-" + std::to_string(getpid());
   const ManagerSocket manager(name);
-  RunUnder(name, [] { EXPECT_EQ(watchdog_register(1), 0); });
+  RunUnder(name, [] { EXPECT_EQ(watchdog_register(1), kWatchdogDone); });
   EXPECT_THAT(manager.Received(), ElementsAre("READY=1\nWATCHDOG_USEC=1000000"));
 }
 
@@ -80,8 +80,8 @@ TEST_F(Watchdog, IsTheOnlyOneWhoSends) {
 
 TEST_F(Watchdog, IsSatisfiedWithoutAServiceManager) {
   RunUnder("", [] {
-    EXPECT_EQ(watchdog_register(120), 0);
-    EXPECT_EQ(watchdog_notify(), 0);
+    EXPECT_EQ(watchdog_register(120), kWatchdogDone);
+    EXPECT_EQ(watchdog_notify(), kWatchdogDone);
   });
 }
 
@@ -96,8 +96,8 @@ TEST_F(Watchdog, FailsOnASocketThatCannotBeUsed) {
   for (const auto& row : rows) {
     testing::internal::CaptureStderr();
     RunUnder(row.socket, [] {
-      EXPECT_EQ(watchdog_register(120), -1);
-      EXPECT_EQ(watchdog_notify(), -1);
+      EXPECT_EQ(watchdog_register(120), kWatchdogFailed);
+      EXPECT_EQ(watchdog_notify(), kWatchdogFailed);
     });
     const std::string told = testing::internal::GetCapturedStderr();
     EXPECT_THAT(told, HasSubstr("NOTIFY_SOCKET: \"" + row.socket + "\": "));
@@ -108,8 +108,8 @@ TEST_F(Watchdog, FailsOnASocketThatCannotBeUsed) {
 TEST_F(Watchdog, RefusesATimeoutThatIsNone) {
   RunUnder("", [] {
     testing::internal::CaptureStderr();
-    EXPECT_EQ(watchdog_register(0), -1);
-    EXPECT_EQ(watchdog_register(-1), -1);
+    EXPECT_EQ(watchdog_register(0), kWatchdogFailed);
+    EXPECT_EQ(watchdog_register(-1), kWatchdogFailed);
     EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("watchdog timeout -1: expected at least 1 s"));
   });
 }

@@ -6,6 +6,7 @@
 
 #include <stdexcept>
 
+#include "orvex/platform/watchdog.h"
 #include "support/journal.h"
 
 namespace {
@@ -38,7 +39,7 @@ TEST_F(App, ItsAlarmCallsTheApplicationItself) {
 }
 
 TEST_F(App, ARejectedWatchdogRegistrationIsLoggedAndTheRunGoesOn) {
-  world.answers.Always("watchdog_register", -1);
+  world.answers.Always("watchdog_register", kWatchdogFailed);
   EXPECT_THAT(During(world, [this] { EXPECT_TRUE(app.t_OnCreate()); }),
               IsSupersetOf({"E2 Failed to register Orvex Service in gravet!", "> FwAlarm::Create(60000, forever)",
                             "> SendEvent(10000)", "I0 Orvex Service Create Done"}));
@@ -68,7 +69,7 @@ TEST_F(App, NotifiesTheWatchdogOncePerMinuteForAsLongAsItLives) {
 
 TEST_F(App, EveryFailedNotificationIsLoggedAndTheNextOneStillComes) {
   world.answers.Always("ecore_timer_add", 0);
-  world.answers.Always("watchdog_notify", -1);
+  world.answers.Always("watchdog_notify", kWatchdogFailed);
   world.Create(app);
   world.AdvanceMs(180000);
   EXPECT_EQ(world.journal.Count("> watchdog_notify() = -1"), 3);

@@ -8,6 +8,7 @@
 
 #include "Util/DebugDump.h"
 #include "Util/Singleton.h"
+#include "orvex/platform/output_delay.h"
 #include "support/dump_files.h"
 #include "support/journal.h"
 
@@ -66,13 +67,13 @@ TEST_F(AudioControl, TheAudioControlObjectIsAskedForAfreshEveryTime) {
 }
 
 TEST_F(AudioControl, AFailedDiagnosisShows0) {
-  world.answers.Next("getSpdifOutDelay", {-1});
+  world.answers.Next("getSpdifOutDelay", {kAudioControlFailed});
   EXPECT_EQ(control.GetSpdifOutDelay(), 100U);
   EXPECT_TRUE(world.journal.Has("E0 spdif out delay = 0"));
 }
 
 TEST_F(AudioControl, AFailedReadGives0) {
-  world.answers.Next("avoc_get_delay", {-1, -2});
+  world.answers.Next("avoc_get_delay", {kDelayUnreachable, kDelayUnknownKind});
   EXPECT_EQ(control.GetSpdifOutDelay(), 0U);
   EXPECT_TRUE(world.journal.Has("I0 avoc delay = 0"));
   control.SaveCurrentStatus();
@@ -81,7 +82,7 @@ TEST_F(AudioControl, AFailedReadGives0) {
 
 TEST_F(AudioControl, AFailedReadReplacesTheKeptDelay) {
   control.SaveCurrentStatus();
-  world.answers.Next("avoc_get_delay", {-1});
+  world.answers.Next("avoc_get_delay", {kDelayUnreachable});
   control.SaveCurrentStatus();
   EXPECT_EQ(Report(), "result_set_value : [main: 0], [spdif: 0]\n");
 }
@@ -96,7 +97,7 @@ TEST_F(AudioControl, ADelayIsPutInForceAndNotReadBack) {
 }
 
 TEST_F(AudioControl, AFailedWriteIsNotNoticed) {
-  world.answers.Next("avoc_set_delay", {-1});
+  world.answers.Next("avoc_set_delay", {kDelayUnreachable});
   control.SetSpdifOutDelay(85);
   EXPECT_TRUE(world.journal.Has("I0 after delay = 85"));
   EXPECT_EQ(world.delayMs, 100U);

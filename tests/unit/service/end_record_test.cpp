@@ -3,6 +3,7 @@
 #include <locale>
 #include <string>
 
+#include "orvex/platform/output_delay.h"
 #include "unit/service/manager_support.h"
 
 namespace {
@@ -51,13 +52,13 @@ TEST_F(EndRecord, ShowsTheDelayThatIsInForceNow) {
 
 TEST_F(EndRecord, ShowsNoDelayWhenItCannotBeRead) {
   Handle(ORVEX_START_SYNC);
-  world.answers.Always("avoc_get_delay", -1);
+  world.answers.Always("avoc_get_delay", kDelayUnreachable);
   EXPECT_EQ(EndText(), "{result=fail;delay=0;du=0;terminate=etc}");
 }
 
 TEST_F(EndRecord, TakesTheDelayFromTheDelayServiceAlone) {
   Handle(ORVEX_START_SYNC);
-  world.answers.Always("getSpdifOutDelay", -1);
+  world.answers.Always("getSpdifOutDelay", kAudioControlFailed);
   EXPECT_EQ(EndText(), "{result=fail;delay=100;du=0;terminate=etc}");
   EXPECT_TRUE(world.journal.Has("E0 spdif out delay = 0"));
   world.hasAudioControl = false;

@@ -1,4 +1,6 @@
 // Records that wait for the owner's consent: what a change of the setting sends, what it keeps and what it loses.
+#include "orvex/platform/event_log.h"
+#include "orvex/platform/settings.h"
 #include "unit/service/log_manager_support.h"
 
 namespace {
@@ -29,7 +31,7 @@ TEST_F(KeptRecords, StayWhileTheOwnerDoesNotAgree) {
 
 TEST_F(KeptRecords, StayWhenTheChangedSettingCannotBeRead) {
   Keep({"a"});
-  world.answers.Next("settings_get_int", {-2});
+  world.answers.Next("settings_get_int", {kSettingsNoInteger});
   Write(1);
   EXPECT_TRUE(world.journal.Has("E2 (r=-2) get defaultdisclaimeragree failed"));
   EXPECT_TRUE(world.journal.Has("D0 user doesn't agree default disclaimer!"));
@@ -67,7 +69,7 @@ TEST_F(KeptRecords, AreKeptInAnyNumberAndInOrder) {
 
 TEST_F(KeptRecords, AreLostWhenTheCollectorRefusesThemButTheOthersAreSent) {
   Keep({"a", "b", "c"});
-  world.answers.Next("event_log_add_sync", {1, 0, 1});
+  world.answers.Next("event_log_add_sync", {kEventLogAccepted, kEventLogRefused, kEventLogAccepted});
   Write(1);
   EXPECT_EQ(world.journal.Count("E2 Could not send event log"), 1);
   EXPECT_EQ(world.answers.Calls("event_log_add_sync"), 3);
@@ -103,7 +105,7 @@ TEST_F(KeptRecords, AreLostWhenTheOwnerTakesTheConsentBackWhileTheyAreSent) {
 TEST_F(KeptRecords, ThatMeetASettingWhichCannotBeReadAreLostAlone) {
   Keep({"a", "b", "c"});
   // The notification's own look, then one for each record.
-  world.answers.Next("settings_get_int", {0, 0, -3, 0});
+  world.answers.Next("settings_get_int", {kSettingsDone, kSettingsDone, kSettingsUnreadable, kSettingsDone});
   Write(1);
   Write(1);
   EXPECT_THAT(ValuesSent(), ElementsAre("a", "c"));

@@ -1,6 +1,8 @@
 // A single telemetry record: sent, kept or lost, by the owner's consent and the collector's answer.
 #include <type_traits>
 
+#include "orvex/platform/event_log.h"
+#include "orvex/platform/settings.h"
 #include "unit/service/log_manager_support.h"
 
 namespace {
@@ -22,7 +24,7 @@ TEST_F(LogManager, SubscribesToTheConsentWhenItIsMadeAndCancelsWhenItIsGone) {
 }
 
 TEST_F(LogManager, WorksWithoutItsSubscription) {
-  world.answers.Next("settings_subscribe", {-3});
+  world.answers.Next("settings_subscribe", {kSettingsUnreadable});
   COrvexLogManager another;
   Consent(1);
   EXPECT_EQ(another.AddEventLog(Record("a")), 1);
@@ -41,7 +43,7 @@ TEST_F(LogManager, TakesEveryValueButZeroForConsent) {
 
 TEST_F(LogManager, TakesASettingThatCannotBeReadForNoConsent) {
   Consent(1);
-  for (const int result : {-1, -2, -3, 1, INT32_MIN}) {
+  for (const int result : {kSettingsNoKey, kSettingsNoInteger, kSettingsUnreadable, 1, INT32_MIN}) {
     const std::string text = std::to_string(result);
     world.answers.Next("settings_get_int", {result});
     EXPECT_THAT(During(world, [this] { EXPECT_TRUE(Add("kept")); }),
@@ -91,7 +93,7 @@ TEST_F(LogManager, LosesARecordForWhichThereIsNoCollector) {
 
 TEST_F(LogManager, LosesARecordThatTheCollectorDoesNotAccept) {
   Consent(1);
-  for (const int result : {0, -1, 2, INT32_MIN, INT32_MAX}) {
+  for (const int result : {kEventLogRefused, kEventLogUnreachable, 2, INT32_MIN, INT32_MAX}) {
     world.answers.Next("event_log_add_sync", {result});
     EXPECT_FALSE(Add("lost"));
     EXPECT_EQ(world.journal.Count("I0 add event log sync:" + std::to_string(result)), 1);

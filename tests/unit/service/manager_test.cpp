@@ -1,4 +1,5 @@
 // The run controller: its workers, its callbacks and its clock.
+#include "orvex/platform/remote_voice.h"
 #include "support/wave_file.h"
 #include "unit/service/manager_support.h"
 
@@ -32,7 +33,7 @@ TEST_F(Manager, EverySelectorButTheRecordersStartsThePlayerOnce) {
 }
 
 TEST_F(Manager, StoppingWaitsForARecorderThreadThatStillAsksTheRemote) {
-  world.answers.Next("bt_hid_send_rc_command", {-115, -115});
+  world.answers.Next("bt_hid_send_rc_command", {kVoiceInProgress, kVoiceInProgress});
   manager.m_StartOrvex(ORVEX_WORKER_BT_RECORDER);
   manager.m_StopOrvex(ORVEX_WORKER_BT_RECORDER);
   EXPECT_EQ(world.scheduler.Now(), std::chrono::milliseconds(100));

@@ -1,4 +1,5 @@
 // The remote's microphone goes on and off: commands, order of steps, busy remotes, refusals.
+#include "orvex/platform/remote_voice.h"
 #include "unit/service/receiver_support.h"
 
 namespace {
@@ -98,7 +99,7 @@ TEST_F(ReceiverCapture, AReceiverThatIsDestroyedWhileItRecordsStopsTheRemote) {
 }
 
 TEST_F(ReceiverCapture, AFailedRegistrationSendsNoCommand) {
-  for (const long error : {-16L, -115L, 1L}) {
+  for (const int error : {kVoiceTaken, kVoiceInProgress, 1}) {
     world.answers.Next("bt_hid_set_audio_data_receive_cb", {error});
     EXPECT_THAT(StartOfVoice(), ElementsAre("> bt_hid_set_audio_data_receive_cb() = " + std::to_string(error),
                                             "E2 [ERROR] Fail bt_hid_set_audio_data_receive_cb()"));
@@ -108,7 +109,7 @@ TEST_F(ReceiverCapture, AFailedRegistrationSendsNoCommand) {
 
 TEST_F(ReceiverCapture, AFailedUnregistrationIsToldAndTheVoiceIsStoppedAllTheSame) {
   Start();
-  world.answers.Next("bt_hid_unset_audio_data_receive_cb", {-19});
+  world.answers.Next("bt_hid_unset_audio_data_receive_cb", {kVoiceNoRemote});
   EXPECT_THAT(During([&] { receiver.StopBTRecoder(); }),
               ElementsAre("> bt_hid_unset_audio_data_receive_cb() = -19",
                           "E2 [ERROR] Fail bt_hid_unset_audio_data_receive_cb()",
@@ -116,7 +117,7 @@ TEST_F(ReceiverCapture, AFailedUnregistrationIsToldAndTheVoiceIsStoppedAllTheSam
 }
 
 TEST_F(ReceiverCapture, BlocksThatComeBeforeTheRemoteHasAcceptedAreIgnored) {
-  world.answers.Next("bt_hid_send_rc_command", {-115});
+  world.answers.Next("bt_hid_send_rc_command", {kVoiceInProgress});
   world.scheduler.At(std::chrono::milliseconds(20), Lane::kElsewhere, [&] { EXPECT_TRUE(world.Deliver(quiet)); });
   bool acceptedYet = false;
   world.onCall = [&](const std::string& text) {
@@ -153,7 +154,7 @@ TEST_F(ReceiverCapture, BlocksThatAreUnderWayWhileTheReceiverStopsAreIgnored) {
 
 TEST_F(ReceiverCapture, ARecordingAfterARefusedStopWorks) {
   Start();
-  world.answers.Next("bt_hid_rc_stop_sending_voice", {-5});
+  world.answers.Next("bt_hid_rc_stop_sending_voice", {kVoiceRefused});
   receiver.StopBTRecoder();
   EXPECT_FALSE(receiver.IsRecording());
   Start();
@@ -220,17 +221,25 @@ TEST_P(RemoteAnswers, DecideWhatAStopTells) {
   EXPECT_EQ(ElapsedMs(), 50.0 * GetParam().pauses);
 }
 
-INSTANTIATE_TEST_SUITE_P(Receiver, RemoteAnswers,
-                         testing::Values(Answers{"AtOnce", {0}, 0, true}, Answers{"BusyOnce", {-115, 0}, 1, true},
-                                         Answers{"BusyThreeTimes", {-115, -115, -115, 0}, 3, true},
-                                         Answers{"BusyFourTimes", {-115, -115, -115, -115, 0}, 4, true},
-                                         Answers{"BusyForEver", {-115, -115, -115, -115, -115}, 4, false},
-                                         Answers{"Refused", {-5}, 0, false}, Answers{"NotConnected", {-19}, 0, false},
-                                         Answers{"AlmostInProgress", {-114}, 0, false},
-                                         Answers{"BeyondInProgress", {-116}, 0, false},
-                                         Answers{"Positive", {115}, 0, false},
-                                         Answers{"BusyThenRefused", {-115, -115, -5}, 2, false},
-                                         Answers{"BusyThenPositive", {-115, 1}, 1, false}),
-                         [](const auto& tested) { return std::string(tested.param.name); });
+INSTANTIATE_TEST_SUITE_P(
+    Receiver, RemoteAnswers,
+    testing::Values(Answers{"AtOnce", {kVoiceDone}, 0, true},
+                    Answers{"BusyOnce", {kVoiceInProgress, kVoiceDone}, 1, true},
+                    Answers{
+                        "BusyThreeTimes", {kVoiceInProgress, kVoiceInProgress, kVoiceInProgress, kVoiceDone}, 3, true},
+                    Answers{"BusyFourTimes",
+                            {kVoiceInProgress, kVoiceInProgress, kVoiceInProgress, kVoiceInProgress, kVoiceDone},
+                            4,
+                            true},
+                    Answers{"BusyForEver",
+                            {kVoiceInProgress, kVoiceInProgress, kVoiceInProgress, kVoiceInProgress, kVoiceInProgress},
+                            4,
+                            false},
+                    Answers{"Refused", {kVoiceRefused}, 0, false}, Answers{"NotConnected", {kVoiceNoRemote}, 0, false},
+                    Answers{"AlmostInProgress", {-114}, 0, false}, Answers{"BeyondInProgress", {-116}, 0, false},
+                    Answers{"Positive", {115}, 0, false},
+                    Answers{"BusyThenRefused", {kVoiceInProgress, kVoiceInProgress, kVoiceRefused}, 2, false},
+                    Answers{"BusyThenPositive", {kVoiceInProgress, 1}, 1, false}),
+    [](const auto& tested) { return std::string(tested.param.name); });
 
 }  // namespace

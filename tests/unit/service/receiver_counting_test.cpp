@@ -1,4 +1,5 @@
 // Blocks are counted, kept alive with extend commands, read within their bytes, and dumped as they came.
+#include "orvex/platform/remote_voice.h"
 #include "unit/service/receiver_support.h"
 
 namespace {
@@ -79,7 +80,7 @@ TEST_F(ReceiverCounting, BuffersOfTheSecondRoundThatHaveLowNumbersAreNotAnalysed
 TEST_F(ReceiverCounting, AnExtendCommandThatFailsIsNotRepeatedUntilTheNextIsDue) {
   Start();
   LoseBlocksUntil(251);
-  for (const long error : {-115L, -5L, 1L}) {
+  for (const int error : {kVoiceInProgress, kVoiceRefused, 1}) {
     world.answers.Next("bt_hid_send_rc_command", {error});
     const int buffer = receiver.GetBufferCount() + 1;
     EXPECT_THAT(HearRecord(nullptr), ElementsAre("I0 m_ReceiveBTAudioDataCB",

@@ -99,7 +99,7 @@ TEST_F(ReceiverObserver, HearsNothingOfAnExtendCommandThatFailed) {
   receiver.SetObserver(&reports);
   Start();
   LoseBlocksUntil(251);
-  world.answers.Next("bt_hid_send_rc_command", {-5});
+  world.answers.Next("bt_hid_send_rc_command", {kVoiceRefused});
   HearRecord(nullptr);
   EXPECT_TRUE(reports.reports.empty());
 }

@@ -24,7 +24,7 @@ public:
   }
   void OnPair(std::int32_t buffer, Tone tone, std::int32_t first, double differenceS) override {
     const double buffers = std::round(differenceS / BufferSeconds(1));
-    EXPECT_DOUBLE_EQ(differenceS, buffers * 768 / 46545.0);
+    EXPECT_DOUBLE_EQ(differenceS, buffers * kVoiceBlockSamples / kVoiceRateHz);
     Add(buffer, tone, Text(" makes a pair with %d, %+.0f", first, buffers));
   }
 
@@ -153,8 +153,9 @@ TEST_F(ReceiverPairing, IsLoggedAndWrittenWhen17kHzComesFirst) {
   EXPECT_THAT(EventsAt(110, second),
               ElementsAre(Found19(110, second), "I0 @ [RESULT] [100] - [110] : 0.1650 s\n", kCompleted, kEndCallback));
   EXPECT_EQ(receiver.GetDirection(), 1);
-  EXPECT_THAT(During([&] { EXPECT_DOUBLE_EQ(receiver.GetAudioTimeDifference(), 10 * 768 / 46545.0); }),
-              ElementsAre("I0 diff time = 0.1650\n"));
+  EXPECT_THAT(
+      During([&] { EXPECT_DOUBLE_EQ(receiver.GetAudioTimeDifference(), 10 * kVoiceBlockSamples / kVoiceRateHz); }),
+      ElementsAre("I0 diff time = 0.1650\n"));
   EXPECT_EQ(DumpedResults(), "[RESULT] [100] - [110] : 0.1650\nresult_set_value : [main: 0], [spdif: 100]\n");
 }
 
@@ -166,8 +167,9 @@ TEST_F(ReceiverPairing, IsLoggedAndWrittenWhen19kHzComesFirst) {
               ElementsAre(Found17(110, second), "I0 (ruvo)   ====> @ [RESULT] [110] - [100] : -0.1650 s\n", kCompleted,
                           kEndCallback));
   EXPECT_EQ(receiver.GetDirection(), -1);
-  EXPECT_THAT(During([&] { EXPECT_DOUBLE_EQ(receiver.GetAudioTimeDifference(), -10 * 768 / 46545.0); }),
-              ElementsAre("I0 diff time = -0.1650\n"));
+  EXPECT_THAT(
+      During([&] { EXPECT_DOUBLE_EQ(receiver.GetAudioTimeDifference(), -10 * kVoiceBlockSamples / kVoiceRateHz); }),
+      ElementsAre("I0 diff time = -0.1650\n"));
   EXPECT_EQ(DumpedResults(), "[RESULT] [100] - [110] : -0.1650\nresult_set_value : [main: 0], [spdif: 100]\n");
 }
 
@@ -194,7 +196,7 @@ TEST_F(ReceiverPairing, TheResultIsWrittenBeforeTheOwnerIsCalled) {
     }
   };
   EventsAt(43, Tone19(100));
-  EXPECT_DOUBLE_EQ(seen, 3 * 768 / 46545.0);
+  EXPECT_DOUBLE_EQ(seen, 3 * kVoiceBlockSamples / kVoiceRateHz);
   EXPECT_THAT(DumpFiles::Results(), StartsWith("[RESULT] [40] - [43] : 0.0495\n"));
 }
 
@@ -204,7 +206,7 @@ TEST_F(ReceiverPairing, EachResultIsWrittenAndTheLastOneStaysAfterASequenceError
   EventsAt(65, Tone19(100));
   EventsAt(79, Tone19(100));
   EXPECT_THAT(EventsAt(80, Tone19(100)), testing::Contains(kSequenceError));
-  EXPECT_DOUBLE_EQ(receiver.GetAudioTimeDifference(), 19 * 768 / 46545.0);
+  EXPECT_DOUBLE_EQ(receiver.GetAudioTimeDifference(), 19 * kVoiceBlockSamples / kVoiceRateHz);
   EXPECT_EQ(DumpedResults(),
             "[RESULT] [60] - [65] : 0.0825\nresult_set_value : [main: 0], [spdif: 100]\n"
             "[RESULT] [60] - [79] : 0.3135\nresult_set_value : [main: 0], [spdif: 100]\n");
@@ -220,7 +222,8 @@ TEST_F(ReceiverPairing, AcrossTheEndOfTheCountIsMeasuredByTheNumbers) {
       Hear(quiet);
     }
     EventsAt(6, lowFirst ? Tone19(100) : Tone17(100));
-    EXPECT_DOUBLE_EQ(receiver.GetAudioTimeDifference(), (lowFirst ? -99993 : 99993) * 768 / 46545.0);
+    EXPECT_DOUBLE_EQ(receiver.GetAudioTimeDifference(),
+                     (lowFirst ? -99993 : 99993) * kVoiceBlockSamples / kVoiceRateHz);
     receiver.StopBTRecoder();
   }
 }

@@ -1,4 +1,5 @@
 // A recording begins with nothing of the one before, except for the kind of sound that it listens for.
+#include "orvex/platform/remote_voice.h"
 #include "unit/service/receiver_support.h"
 
 namespace {
@@ -99,7 +100,7 @@ TEST_F(ReceiverRestart, TheLastResultIsForgottenFirstAndEvenWhenTheStartFails) {
     ASSERT_NE(receiver.GetAudioTimeDifference(), 0.0);
     bool forgotten = true;
     world.onCall = [&](const std::string&) { forgotten = forgotten && receiver.GetBufferCount() == 0; };
-    world.answers.Next(failing, {-5});
+    world.answers.Next(failing, {kVoiceNoRemote});
     receiver.StartBTRecoder();
     world.onCall = nullptr;
     EXPECT_TRUE(forgotten);

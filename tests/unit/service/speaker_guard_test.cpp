@@ -1,5 +1,6 @@
 // The speaker guard: what it leaves behind and what it does not touch, whatever the sound manager answers.
 #include "Application/OrvexApp.h"
+#include "orvex/platform/sound_manager.h"
 #include "unit/service/manager_support.h"
 
 namespace {
@@ -78,7 +79,7 @@ TEST_F(SpeakerGuard, SavesAnewWhenItPreparesAgain) {
 }
 
 TEST_F(SpeakerGuard, PutsBackAnyVolumeThatItCouldRead) {
-  world.answers.Always("sound_manager_set_tv_master_volume", 0);  // a television that takes every volume
+  world.answers.Always("sound_manager_set_tv_master_volume", kSoundDone);  // a television that takes every volume
   for (const std::int32_t volume : {0, 1, 100, -2, INT32_MIN, INT32_MAX}) {
     BeMutedAtVolume(volume);
     const std::string text = std::to_string(volume);
@@ -99,7 +100,7 @@ TEST_F(SpeakerGuard, TakesAVolumeOfMinusOneForNothingSaved) {
 
 TEST_F(SpeakerGuard, TakesAMuteThatCannotBeReadForNone) {
   BeMutedAtVolume(15);
-  world.answers.Always("sound_manager_get_device_mute", -1);
+  world.answers.Always("sound_manager_get_device_mute", kSoundUnreachable);
   EXPECT_THAT(During(world, [this] { Prepare(); }),
               ElementsAre("> sound_manager_get_device_mute(0) = -1", "I0 TV speaker mute status.[0]"));
   EXPECT_THAT(Restore(), IsEmpty());
@@ -109,7 +110,7 @@ TEST_F(SpeakerGuard, KeepsTheMuteThatItKnewWhenItCannotBeReadAgain) {
   BeMutedAtVolume(15);
   Prepare();
   world.volume = 20;
-  world.answers.Next("sound_manager_get_device_mute", {-1});
+  world.answers.Next("sound_manager_get_device_mute", {kSoundUnreachable});
   EXPECT_THAT(During(world, [this] { Prepare(); }), Contains("I0 TV speaker mute status.[1]"));
   ExpectSpeaker(false, 0);
   Restore();
@@ -119,7 +120,7 @@ TEST_F(SpeakerGuard, KeepsTheMuteThatItKnewWhenItCannotBeReadAgain) {
 TEST_F(SpeakerGuard, DoesNotPutBackAVolumeThatCouldNotBeRead) {
   BeMutedAtVolume(15);
   world.speaker = 1;
-  world.answers.Always("sound_manager_get_tv_master_volume", -1);
+  world.answers.Always("sound_manager_get_tv_master_volume", kSoundUnreachable);
   EXPECT_THAT(During(world, [this] { Prepare(); }), Contains("I0 TV speaker volume value.[-1]"));
   ExpectSpeaker(false, 0);
   Restore();
@@ -129,7 +130,7 @@ TEST_F(SpeakerGuard, DoesNotPutBackAVolumeThatCouldNotBeRead) {
 TEST_F(SpeakerGuard, LeavesTheSpeakerAudibleWhenTheSelectionCannotBeRead) {
   BeMutedAtVolume(15);
   world.speaker = 1;
-  world.answers.Always("sound_manager_get_speaker_selection", -1);
+  world.answers.Always("sound_manager_get_speaker_selection", kSoundUnreachable);
   Prepare();
   Restore();
   EXPECT_TRUE(world.journal.Has("I0 current speaker [0]"));
@@ -139,8 +140,8 @@ TEST_F(SpeakerGuard, LeavesTheSpeakerAudibleWhenTheSelectionCannotBeRead) {
 TEST_F(SpeakerGuard, TriesEachStepOnceWhenTheSoundManagerRefusesToWrite) {
   BeMutedAtVolume(15);
   world.speaker = 1;
-  world.answers.Always("sound_manager_set_tv_master_volume", -2);
-  world.answers.Always("sound_manager_set_device_mute", -2);
+  world.answers.Always("sound_manager_set_tv_master_volume", kSoundOutOfRange);
+  world.answers.Always("sound_manager_set_device_mute", kSoundOutOfRange);
   world.journal.Clear();
   Prepare();
   EXPECT_THAT(

@@ -1,4 +1,6 @@
 // The start record: the text that it makes of what the television answers.
+#include "orvex/platform/output_delay.h"
+#include "orvex/platform/tv_service.h"
 #include "unit/service/manager_support.h"
 
 namespace {
@@ -22,8 +24,8 @@ protected:
 
 TEST_F(StartRecord, IsMadeOfDefaultsWhenEveryQueryFails) {
   world.brand.reset();
-  world.answers.Always("tv_create_av_control", -1);
-  world.answers.Always("tv_create_source_control", -1);
+  world.answers.Always("tv_create_av_control", kTvFailed);
+  world.answers.Always("tv_create_source_control", kTvFailed);
   world.hasAudioControl = false;
   EXPECT_EQ(StartText(), "{device=none|-1;source=0;videoinfo=none|0|0;codec=0}") << "and is sent like any other";
   for (const char* line : {"I0 activity info is null", "E2 Create Resolution Control failed",
@@ -50,7 +52,7 @@ TEST_F(StartRecord, AsksAnewEachTime) {
 }
 
 TEST_F(StartRecord, TakesNoVideoInformationFromAControlThatCouldNotBeMade) {
-  for (const long result : {-1L, -2L, kHandsOutNothing, kFailsButHandsOut}) {
+  for (const long result : {static_cast<long>(kTvFailed), -2L, kHandsOutNothing, kFailsButHandsOut}) {
     world.answers.Next("tv_create_av_control", {result});
     EXPECT_EQ(StartText(), "{device=acme|3;source=5;videoinfo=none|0|0;codec=2}");
     EXPECT_EQ(world.journal.Count("E2 Create Resolution Control failed"), 1);
@@ -60,7 +62,7 @@ TEST_F(StartRecord, TakesNoVideoInformationFromAControlThatCouldNotBeMade) {
 }
 
 TEST_F(StartRecord, ShowsTheSelectorOfAResolutionThatTheControlDidNotTell) {
-  world.answers.Next("getResolution", {-1});
+  world.answers.Next("getResolution", {kTvFailed});
   EXPECT_EQ(StartText(), "{device=acme|3;source=5;videoinfo=tv|2|0;codec=2}");
   EXPECT_TRUE(world.journal.Has("I0 resolution = 2, frequency = 0"));
   EXPECT_EQ(world.journal.CountStartingWith("E"), 0) << "the answer is not looked at";
@@ -73,7 +75,7 @@ TEST_F(StartRecord, UsesWhateverSourceControlItWasHanded) {
 }
 
 TEST_F(StartRecord, HasNoSourceWithoutAControl) {
-  for (const long result : {-1L, kHandsOutNothing}) {
+  for (const long result : {static_cast<long>(kTvFailed), kHandsOutNothing}) {
     world.answers.Next("tv_create_source_control", {result});
     EXPECT_EQ(StartText(), "{device=acme|3;source=0;videoinfo=tv|7|60;codec=2}");
     EXPECT_EQ(world.journal.Count("E2 Can not get Source Control."), 1);
@@ -83,7 +85,7 @@ TEST_F(StartRecord, HasNoSourceWithoutAControl) {
 }
 
 TEST_F(StartRecord, HasNoSourceWhenTheControlAnswersNegatively) {
-  for (const long result : {-1L, -2L, static_cast<long>(INT32_MIN)}) {
+  for (const int result : {kTvFailed, -2, INT32_MIN}) {
     world.answers.Next("getCurrentSource", {result});
     EXPECT_EQ(StartText(), "{device=acme|3;source=0;videoinfo=tv|7|60;codec=2}");
     EXPECT_EQ(world.journal.Count("E2 Can not Set Source by Source Control."), 1);
@@ -97,7 +99,7 @@ TEST_F(StartRecord, TakesAPositiveAnswerOfTheSourceControlForNoFailure) {
 }
 
 TEST_F(StartRecord, HasNoCodecWhenItCannotBeAskedFor) {
-  world.answers.Next("getSpdifOutCodec", {-1});
+  world.answers.Next("getSpdifOutCodec", {kAudioControlFailed});
   EXPECT_EQ(StartText(), "{device=acme|3;source=5;videoinfo=tv|7|60;codec=0}");
   world.hasAudioControl = false;
   EXPECT_EQ(StartText(), "{device=acme|3;source=5;videoinfo=tv|7|60;codec=0}");

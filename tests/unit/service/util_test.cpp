@@ -4,6 +4,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "orvex/platform/output_delay.h"
+#include "orvex/platform/tv_service.h"
 #include "world/world.h"
 
 namespace {
@@ -43,7 +45,7 @@ TEST_F(TelevisionQuery, OfADeviceThatIsNotThereIsNoneAndMinusOne) {
 }
 
 TEST_F(TelevisionQuery, OfASignalWithoutAControlIsNoneAndZeros) {
-  world.answers.Always("tv_create_av_control", -1);
+  world.answers.Always("tv_create_av_control", kTvFailed);
   OrvexUtil::GetSourceInfo(text, first, second);
   EXPECT_EQ(text, "none");
   EXPECT_EQ(first, 0U);
@@ -51,17 +53,17 @@ TEST_F(TelevisionQuery, OfASignalWithoutAControlIsNoneAndZeros) {
 }
 
 TEST_F(TelevisionQuery, OfASourceThatCannotBeReadIsZero) {
-  world.answers.Next("tv_create_source_control", {-1});
+  world.answers.Next("tv_create_source_control", {kTvFailed});
   OrvexUtil::GetCurrentSource(source);
   EXPECT_EQ(source, 0);
   source = static_cast<ESource>(77);
-  world.answers.Next("getCurrentSource", {-1});
+  world.answers.Next("getCurrentSource", {kTvFailed});
   OrvexUtil::GetCurrentSource(source);
   EXPECT_EQ(source, 0);
 }
 
 TEST_F(TelevisionQuery, OfACodecThatCannotBeReadIsZero) {
-  world.answers.Next("getSpdifOutCodec", {-1});
+  world.answers.Next("getSpdifOutCodec", {kAudioControlFailed});
   OrvexUtil::GetSPDIFOUTCodec(first);
   EXPECT_EQ(first, 0U);
   world.hasAudioControl = false;

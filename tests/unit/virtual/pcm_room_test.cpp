@@ -62,8 +62,8 @@ protected:
     EXPECT_EQ(player.Configure(2 * sound.size()), 0);  // starts when it is told to
     EXPECT_EQ(player.Write(sound), static_cast<snd_pcm_sframes_t>(sound.size() / 2));
     VoiceRecorder recorder;
-    EXPECT_EQ(recorder.Register(), 0);
-    hearing.recording = Timed([] { EXPECT_EQ(StartVoice(), 0); });
+    EXPECT_EQ(recorder.Register(), kVoiceDone);
+    hearing.recording = Timed([] { EXPECT_EQ(StartVoice(), kVoiceDone); });
     hearing.playback = Timed([&] { EXPECT_EQ(snd_pcm_start(player.Pcm()), 0); });
     EXPECT_TRUE(recorder.WaitForBlocks(25));
     recorder.Unregister();
@@ -115,10 +115,10 @@ TEST_F(PcmRoom, AMutedSpeakerIsNotHeard) {
 TEST_F(PcmRoom, AStartWhileSendingKeepsTheRecording) {
   Echo("room.json", kDryRoom);
   VoiceRecorder recorder;
-  ASSERT_EQ(recorder.Register(), 0);
-  const Span start = Timed([] { EXPECT_EQ(StartVoice(), 0); });
+  ASSERT_EQ(recorder.Register(), kVoiceDone);
+  const Span start = Timed([] { EXPECT_EQ(StartVoice(), kVoiceDone); });
   ASSERT_TRUE(recorder.WaitForBlocks(3));
-  ASSERT_EQ(StartVoice(), 0);
+  ASSERT_EQ(StartVoice(), kVoiceDone);
   const MonotonicTime click = MonotonicNow() + std::chrono::milliseconds(50);
   const std::int16_t frame[] = {30000, 0};
   LivingRoom::Instance().Play(click, frame, 1);
@@ -135,8 +135,8 @@ TEST_F(PcmRoom, FramesThatADropCutsOffAreNotHeard) {
   auto sound = PcmPlayer::Silence(4800);  // 100 ms with a click at its end
   sound[2 * 4799] = 30000;
   VoiceRecorder recorder;
-  ASSERT_EQ(recorder.Register(), 0);
-  ASSERT_EQ(StartVoice(), 0);
+  ASSERT_EQ(recorder.Register(), kVoiceDone);
+  ASSERT_EQ(StartVoice(), kVoiceDone);
   const MonotonicTime start = MonotonicNow();
   ASSERT_EQ(player.Write(sound), 4800);
   ASSERT_EQ(snd_pcm_drop(player.Pcm()), 0);

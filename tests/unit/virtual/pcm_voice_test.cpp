@@ -73,16 +73,16 @@ TEST_F(PcmVoice, ListedAnswersComeFirstAndOncePerCall) {
   SetFaults(R"({"voice.register": [-19], "voice.start": [-115, -5], "voice.extend": [-5],
                            "voice.stop": [-115], "voice.unregister": [-19]})");
   VoiceRecorder recorder;
-  EXPECT_EQ(recorder.Register(), -19);
-  EXPECT_EQ(recorder.Register(), 0);
-  EXPECT_EQ(StartVoice(), -115);
-  EXPECT_EQ(SendVoiceCommand(0x04, 0x00), -5);
-  EXPECT_EQ(StartVoice(), 0);
-  EXPECT_EQ(ExtendVoice(), -5);
-  EXPECT_EQ(ExtendVoice(), 0);
-  EXPECT_EQ(bt_hid_rc_stop_sending_voice(nullptr), -115);
-  EXPECT_EQ(bt_hid_rc_stop_sending_voice(nullptr), 0);
-  EXPECT_EQ(recorder.Unregister(), -19);
+  EXPECT_EQ(recorder.Register(), kVoiceNoRemote);
+  EXPECT_EQ(recorder.Register(), kVoiceDone);
+  EXPECT_EQ(StartVoice(), kVoiceInProgress);
+  EXPECT_EQ(SendVoiceCommand(0x04, 0x00), kVoiceRefused);
+  EXPECT_EQ(StartVoice(), kVoiceDone);
+  EXPECT_EQ(ExtendVoice(), kVoiceRefused);
+  EXPECT_EQ(ExtendVoice(), kVoiceDone);
+  EXPECT_EQ(bt_hid_rc_stop_sending_voice(nullptr), kVoiceInProgress);
+  EXPECT_EQ(bt_hid_rc_stop_sending_voice(nullptr), kVoiceDone);
+  EXPECT_EQ(recorder.Unregister(), kVoiceNoRemote);
   EXPECT_EQ(recorder.Unregister(), kVoiceInvalid);  // a refused call too has ended the registration
 }
 
@@ -126,8 +126,8 @@ TEST_F(PcmVoice, AStoppedRemoteSendsNothingUntilItIsStartedAgain) {
   VoiceRecorder second;
   Record(first);
   ASSERT_TRUE(first.WaitForBlocks(2));
-  ASSERT_EQ(bt_hid_rc_stop_sending_voice(nullptr), 0);
-  ASSERT_EQ(first.Unregister(), 0);  // a block that was being handed over is over now
+  ASSERT_EQ(bt_hid_rc_stop_sending_voice(nullptr), kVoiceDone);
+  ASSERT_EQ(first.Unregister(), kVoiceDone);  // a block that was being handed over is over now
   const MonotonicTime start = Record(second);
   ASSERT_TRUE(second.WaitForBlocks(1));
   EXPECT_GE(second.Blocks().front().arrival, start + Milliseconds(kVoiceBlockMs + 30.0));
@@ -139,7 +139,7 @@ TEST_F(PcmVoice, TheRemoteFallsSilentAtTheEndOfItsWindow) {
   Record(recorder);
   ASSERT_TRUE(recorder.WaitForBlocks(6));  // 99 ms
   const MonotonicTime start = MonotonicNow();
-  ASSERT_EQ(StartVoice(), 0);
+  ASSERT_EQ(StartVoice(), kVoiceDone);
   ASSERT_TRUE(recorder.WaitForBlocks(7));
   EXPECT_GE(recorder.Blocks()[6].arrival, start + Milliseconds(kVoiceBlockMs + 30.0));
 }
@@ -149,7 +149,7 @@ TEST_F(PcmVoice, AStartWhileSendingBeginsTheWindowAnew) {
   VoiceRecorder recorder;
   Record(recorder);
   ASSERT_TRUE(recorder.WaitForBlocks(20));
-  ASSERT_EQ(StartVoice(), 0);
+  ASSERT_EQ(StartVoice(), kVoiceDone);
   EXPECT_TRUE(recorder.WaitForBlocks(70));  // the first window holds 60
 }
 

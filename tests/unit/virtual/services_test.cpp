@@ -21,14 +21,14 @@ TEST_F(TelevisionServices, ReadAndWriteTheSoundManagersFiles) {
   Echo("sound/speaker", "-4\n");
   bool muted = false;
   std::int32_t number = 0;
-  EXPECT_EQ(sound_manager_get_device_mute(0, &muted), 0);
+  EXPECT_EQ(sound_manager_get_device_mute(0, &muted), kSoundDone);
   EXPECT_TRUE(muted);
-  EXPECT_EQ(sound_manager_get_tv_master_volume(&number), 0);
+  EXPECT_EQ(sound_manager_get_tv_master_volume(&number), kSoundDone);
   EXPECT_EQ(number, 33);
-  EXPECT_EQ(sound_manager_get_speaker_selection(&number), 0);
+  EXPECT_EQ(sound_manager_get_speaker_selection(&number), kSoundDone);
   EXPECT_EQ(number, -4);
-  EXPECT_EQ(sound_manager_set_device_mute(0, false), 0);
-  EXPECT_EQ(sound_manager_set_tv_master_volume(100), 0);
+  EXPECT_EQ(sound_manager_set_device_mute(0, false), kSoundDone);
+  EXPECT_EQ(sound_manager_set_tv_master_volume(100), kSoundDone);
   EXPECT_EQ(Content("sound/mute"), "0\n");
   EXPECT_EQ(Content("sound/volume"), "100\n");
 }
@@ -56,14 +56,14 @@ TEST_F(TelevisionServices, SayOnceThatAValueCannotBeReadUntilItCan) {
 
 TEST_F(TelevisionServices, ReadAndWriteTheDelayOfTheOpticalOutput) {
   std::uint32_t delayMs = 0;
-  EXPECT_EQ(avoc_get_delay(&delayMs, kDelayKindSpdif), 0);
+  EXPECT_EQ(avoc_get_delay(&delayMs, kDelayKindSpdif), kDelayDone);
   EXPECT_EQ(delayMs, 100U);
-  EXPECT_EQ(avoc_set_delay(4294967295U, kDelayKindSpdif), 0);
+  EXPECT_EQ(avoc_set_delay(4294967295U, kDelayKindSpdif), kDelayDone);
   EXPECT_EQ(Content("delay/spdif"), "4294967295\n");
   EXPECT_EQ(IAudioControl::getInstance()->getSpdifOutDelay(&delayMs), 0);
   EXPECT_EQ(delayMs, 4294967295U);
-  EXPECT_EQ(avoc_get_delay(&delayMs, 2), -2);
-  EXPECT_EQ(avoc_set_delay(1, 2), -2);
+  EXPECT_EQ(avoc_get_delay(&delayMs, 2), kDelayUnknownKind);
+  EXPECT_EQ(avoc_set_delay(1, 2), kDelayUnknownKind);
   EXPECT_EQ(Content("delay/spdif"), "4294967295\n");
 }
 
@@ -165,9 +165,9 @@ TEST_F(TelevisionServices, GiveAnInjectedAnswerOnceAndLeaveTargetsUntouched) {
 
 TEST_F(TelevisionServices, WriteNothingWhenTheAnswerIsInjected) {
   SetFaults(R"({"sound.set_mute": -1, "sound.set_volume": -1, "delay.set": -1})");
-  EXPECT_EQ(sound_manager_set_device_mute(0, true), -1);
-  EXPECT_EQ(sound_manager_set_tv_master_volume(99), -1);
-  EXPECT_EQ(avoc_set_delay(99, kDelayKindSpdif), -1);
+  EXPECT_EQ(sound_manager_set_device_mute(0, true), kSoundUnreachable);
+  EXPECT_EQ(sound_manager_set_tv_master_volume(99), kSoundUnreachable);
+  EXPECT_EQ(avoc_set_delay(99, kDelayKindSpdif), kDelayUnreachable);
   EXPECT_EQ(Content("sound/mute") + Content("sound/volume") + Content("delay/spdif"), "0\n15\n100\n");
 }
 
@@ -175,7 +175,7 @@ TEST_F(TelevisionServices, FailToWriteWhereNothingCanBeWritten) {
   Remove("delay");
   Echo("delay", "a file in the way");
   testing::internal::CaptureStderr();
-  EXPECT_EQ(avoc_set_delay(99, kDelayKindSpdif), -1);
+  EXPECT_EQ(avoc_set_delay(99, kDelayKindSpdif), kDelayUnreachable);
   EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr((Folder() / "delay").string()));
 }
 

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <set>
 
+#include "orvex/platform/watchdog.h"
 #include "orvex/sim/truth.h"
 #include "world/runs/faults.h"
 #include "world/runs/good_room.h"
@@ -110,7 +111,7 @@ TEST(FaultMatrixBesides, ATelevisionWithoutEventsLetsTheProcessLiveUntilItIsTold
 
 TEST(FaultMatrixBesides, AWatchdogThatTakesNoNotificationIsNotifiedAgain) {
   ServiceRun run;
-  run.world.answers.Always("watchdog_notify", -1);
+  run.world.answers.Always("watchdog_notify", kWatchdogFailed);
   run.world.answers.Always("ecore_timer_add", 0);  // no time limit
   ASSERT_TRUE(run.Start());
   run.world.AdvanceMs(121'000);

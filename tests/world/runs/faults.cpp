@@ -1,6 +1,14 @@
 // What can fail around the service.
 #include "world/runs/faults.h"
 
+#include "orvex/platform/event_log.h"
+#include "orvex/platform/output_delay.h"
+#include "orvex/platform/remote_voice.h"
+#include "orvex/platform/settings.h"
+#include "orvex/platform/sound_manager.h"
+#include "orvex/platform/tv_service.h"
+#include "orvex/platform/watchdog.h"
+
 namespace orvex::runs {
 
 namespace {
@@ -20,34 +28,34 @@ const std::vector<FailingOperation>& FailingOperations() {
       // Events: to start, to record, to play, to end the sync, to exit. The last one is replaced by the time limit.
       {"SendEvent", {0}, {{1, "etc"}, {2, "etc"}, {3, "etc"}, {4, "etc"}}},
       {"FwAlarm::Create", {0}},
-      {"watchdog_register", {-1}},
-      {"settings_get_int", {-1, -2, -3}},
-      {"settings_subscribe", {-1, -3}},
-      {"settings_unsubscribe", {-1}},
+      {"watchdog_register", {kWatchdogFailed}},
+      {"settings_get_int", {kSettingsNoKey, kSettingsNoInteger, kSettingsUnreadable}},
+      {"settings_subscribe", {kSettingsAlreadySubscribed, kSettingsUnreadable}},
+      {"settings_unsubscribe", {kSettingsNotSubscribed}},
       // A speaker that stays muted is not heard.
-      {"sound_manager_get_device_mute", {-1, -2}, kSilent},
-      {"sound_manager_set_device_mute", {-1, -2}, kSilent},
-      {"sound_manager_get_tv_master_volume", {-1, -2}},
-      {"sound_manager_set_tv_master_volume", {-1, -2}},
-      {"sound_manager_get_speaker_selection", {-1, -2}},
-      {"avoc_get_delay", {-1, -2}},
-      {"avoc_set_delay", {-1, -2}},
+      {"sound_manager_get_device_mute", {kSoundUnreachable, kSoundOutOfRange}, kSilent},
+      {"sound_manager_set_device_mute", {kSoundUnreachable, kSoundOutOfRange}, kSilent},
+      {"sound_manager_get_tv_master_volume", {kSoundUnreachable, kSoundOutOfRange}},
+      {"sound_manager_set_tv_master_volume", {kSoundUnreachable, kSoundOutOfRange}},
+      {"sound_manager_get_speaker_selection", {kSoundUnreachable, kSoundOutOfRange}},
+      {"avoc_get_delay", {kDelayUnreachable, kDelayUnknownKind}},
+      {"avoc_set_delay", {kDelayUnreachable, kDelayUnknownKind}},
       {"IAudioControl::getInstance", {0}},
-      {"getSpdifOutDelay", {-1}},
-      {"getSpdifOutCodec", {-1}},
+      {"getSpdifOutDelay", {kAudioControlFailed}},
+      {"getSpdifOutCodec", {kAudioControlFailed}},
       {"tv_get_hdmi_input_count", {-1, 0}},
       {"tv_get_activity_info_by_source", {0}},
-      {"tv_create_av_control", {-1, 1}},
-      {"getResolution", {-1}},
-      {"tv_create_source_control", {-1, 1}},
-      {"getCurrentSource", {-1}},
+      {"tv_create_av_control", {kTvFailed, 1}},
+      {"getResolution", {kTvFailed}},
+      {"tv_create_source_control", {kTvFailed, 1}},
+      {"getCurrentSource", {kTvFailed}},
       {"event_log_get_instance", {0}},
-      {"event_log_add_sync", {0, -1}},
-      {"bt_hid_set_audio_data_receive_cb", {-16, -19}, kNoRemote},
-      {"bt_hid_unset_audio_data_receive_cb", {-22, -19}},
-      {"bt_hid_send_rc_command", {-115}, {{kForEver, "bt_fail"}}},
-      {"bt_hid_send_rc_command", {-5, -19, -22}, kNoRemote},
-      {"bt_hid_rc_stop_sending_voice", {-115, -5, -19}},
+      {"event_log_add_sync", {kEventLogRefused, kEventLogUnreachable}},
+      {"bt_hid_set_audio_data_receive_cb", {kVoiceTaken, kVoiceNoRemote}, kNoRemote},
+      {"bt_hid_unset_audio_data_receive_cb", {kVoiceInvalid, kVoiceNoRemote}},
+      {"bt_hid_send_rc_command", {kVoiceInProgress}, {{kForEver, "bt_fail"}}},
+      {"bt_hid_send_rc_command", {kVoiceRefused, kVoiceNoRemote, kVoiceInvalid}, kNoRemote},
+      {"bt_hid_rc_stop_sending_voice", {kVoiceInProgress, kVoiceRefused, kVoiceNoRemote}},
       {"snd_pcm_open", {-2, -16, -19}, {{1, "play_fail"}, {kForEver, "play_fail"}}},
       {"snd_pcm_hw_params_any", {-22}, kSilent},
       {"snd_pcm_hw_params_set_access", {-22}, kSilent},

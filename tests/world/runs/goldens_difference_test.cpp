@@ -1,4 +1,5 @@
 // Runs that end by themselves, line by line: a difference found and applied, and none found.
+#include "orvex/platform/remote_voice.h"
 #include "world/runs/golden_run.h"
 
 namespace {
@@ -76,7 +77,7 @@ TEST_F(GoldenDifference, IsMissingWhenTheSoundEndsWithoutAPair) {
 
 TEST_F(GoldenDifference, IsAppliedOnlyWhenARemoteThatIsSlowToStopHasStopped) {
   remote.HearThreeBuffersLate();
-  run.world.answers.Next("bt_hid_rc_stop_sending_voice", {-115, -115, -115});
+  run.world.answers.Next("bt_hid_rc_stop_sending_voice", {kVoiceInProgress, kVoiceInProgress, kVoiceInProgress});
   RunToEnd();
   golden.UntilPlaying();
   ExpectThreeBuffersLate();

@@ -1,4 +1,5 @@
 // Runs that cannot go on, line by line: the remote, the device, a thread or the input fails.
+#include "orvex/platform/remote_voice.h"
 #include "world/runs/golden_run.h"
 
 namespace {
@@ -29,7 +30,7 @@ E2 pthread_create FAIL 1st!!
 };
 
 TEST_F(GoldenFailure, ARemoteThatRefusesIsAskedOnce) {
-  run.world.answers.Always("bt_hid_send_rc_command", -5);
+  run.world.answers.Always("bt_hid_send_rc_command", kVoiceRefused);
   RunToEnd();
   ExpectUntilTheRecorderAsks();
   golden.Add(R"(
@@ -41,7 +42,7 @@ E2 Fail to start bt audio [ret = -5]
 }
 
 TEST_F(GoldenFailure, ARemoteThatIsBusyIsAskedFiveTimes) {
-  run.world.answers.Always("bt_hid_send_rc_command", -115);
+  run.world.answers.Always("bt_hid_send_rc_command", kVoiceInProgress);
   RunToEnd();
   ExpectUntilTheRecorderAsks();
   golden.Add("> bt_hid_set_audio_data_receive_cb() = 0");
@@ -61,7 +62,7 @@ E2 Fail to start bt audio [ret = -115]
 }
 
 TEST_F(GoldenFailure, ARefusedReceiverAsksTheRemoteNothing) {
-  run.world.answers.Always("bt_hid_set_audio_data_receive_cb", -19);
+  run.world.answers.Always("bt_hid_set_audio_data_receive_cb", kVoiceNoRemote);
   RunToEnd();
   ExpectUntilTheRecorderAsks();
   golden.Add(R"(

@@ -15,6 +15,7 @@
 #include <random>
 #include <set>
 
+#include "orvex/platform/remote_voice.h"
 #include "support/wave_file.h"
 #include "world/runs/environment.h"
 #include "world/runs/good_room.h"
@@ -122,24 +123,25 @@ TEST_P(Schedules, WithOnePreemptionAndADrawnShareOfThoseWithTwoKeepAllRules) {
             << " with two\n";
 }
 
-INSTANTIATE_TEST_SUITE_P(Of, Schedules,
-                         testing::Values(Kind{"Found",
-                                              [](ServiceRun&, ScriptedRemote& remote) {
-                                                remote.Hear(50, Heard::k17kHz);
-                                                remote.Hear(53, Heard::k19kHz);
-                                                remote.Hear(54, Heard::kWeak19kHz);
-                                                remote.Hear(55, Heard::k17kHz);
-                                              },
-                                              {1, 4, 5, 34, 35, 36, 50, 53, 54, 55}},
-                                         Kind{"Nothing", [](ServiceRun&, ScriptedRemote&) {}, {1, 5, 35, 36, 58}},
-                                         Kind{"BusyRemote",
-                                              [](ServiceRun& run, ScriptedRemote& remote) {
-                                                run.world.answers.Next("bt_hid_send_rc_command", {-115, -115});
-                                                run.world.answers.Next("bt_hid_rc_stop_sending_voice", {-115});
-                                                remote.Hear(50, Heard::k19kHz);
-                                                remote.Hear(52, Heard::k17kHz);
-                                              },
-                                              {1, 35, 52, 53}}),
-                         [](const auto& row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(
+    Of, Schedules,
+    testing::Values(Kind{"Found",
+                         [](ServiceRun&, ScriptedRemote& remote) {
+                           remote.Hear(50, Heard::k17kHz);
+                           remote.Hear(53, Heard::k19kHz);
+                           remote.Hear(54, Heard::kWeak19kHz);
+                           remote.Hear(55, Heard::k17kHz);
+                         },
+                         {1, 4, 5, 34, 35, 36, 50, 53, 54, 55}},
+                    Kind{"Nothing", [](ServiceRun&, ScriptedRemote&) {}, {1, 5, 35, 36, 58}},
+                    Kind{"BusyRemote",
+                         [](ServiceRun& run, ScriptedRemote& remote) {
+                           run.world.answers.Next("bt_hid_send_rc_command", {kVoiceInProgress, kVoiceInProgress});
+                           run.world.answers.Next("bt_hid_rc_stop_sending_voice", {kVoiceInProgress});
+                           remote.Hear(50, Heard::k19kHz);
+                           remote.Hear(52, Heard::k17kHz);
+                         },
+                         {1, 35, 52, 53}}),
+    [](const auto& row) { return std::string(row.param.name); });
 
 }  // namespace

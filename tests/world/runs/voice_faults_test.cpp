@@ -2,6 +2,7 @@
 // off.
 #include <gmock/gmock.h>
 
+#include "orvex/platform/remote_voice.h"
 #include "support/voice_blocks.h"
 #include "world/runs/expected_end.h"
 #include "world/runs/good_room.h"
@@ -147,7 +148,7 @@ TEST_F(VoiceBlocks, BeyondAHundredThousandAreCountedFromOneAgain) {
 
 TEST_F(VoiceBlocks, GoOnWhenTheRemoteRefusesToBeExtended) {
   remote.EndAfter(0);
-  run.world.answers.OnCall("bt_hid_send_rc_command", 2, -115);
+  run.world.answers.OnCall("bt_hid_send_rc_command", 2, kVoiceInProgress);
   run.world.scheduler.At(std::chrono::milliseconds(100), Lane::kElsewhere, [this] {
     for (int block = 1; block <= 501; ++block) {
       run.world.Deliver(nullptr);
