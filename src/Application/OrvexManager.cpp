@@ -6,7 +6,6 @@
 
 #include <string>
 
-#include "Application/OrvexApp.h"
 #include "Util/OrvexLog.h"
 
 namespace {
@@ -21,7 +20,7 @@ constexpr char kTestSoundPath[] = "/usr/apps/com.norvel.tv.orvex-service/res/sou
 OrvexManager::OrvexManager()
     : m_Receiver({m_OnEndCalculationDiffCallback, m_OnEndAmientNoiseCallback, m_OnAbnomalStatusCallback, this}) {}
 
-void OrvexManager::Create(COrvexApp* app) {
+void OrvexManager::Create(FwEflApplication* app) {
   ORVEX_INFO("Create");
   m_pApp = app;
   m_pRunningTimer = ecore_timer_add(kRunningTimeLimitS, m_OnRunningTimeEndTimerCallback, this);
@@ -142,7 +141,7 @@ Eina_Bool OrvexManager::m_OnRunningTimeEndTimerCallback(void* data) {
   ORVEX_INFO("");
   auto* pThis = static_cast<OrvexManager*>(data);
   if (pThis != nullptr) {
-    // The answer ends the timer; nobody must delete it again.
+    // The return value deletes the timer; Destroy() must not delete it again.
     pThis->m_pRunningTimer = nullptr;
     pThis->m_SendOrvexEvent(ORVEX_EXIT);
   }

@@ -15,8 +15,6 @@
 #include "orvex/platform/application.h"
 #include "orvex/platform/settings.h"
 
-class COrvexApp;
-
 // What m_StartOrvex() starts and, as a bit mask, what m_StopOrvex() stops.
 enum OrvexWorker : int {
   ORVEX_WORKER_BT_RECORDER = 1,
@@ -35,8 +33,8 @@ public:
   OrvexManager& operator=(const OrvexManager&) = delete;
 
   // Starts the run: the running-time limit of 10.0 s, the speaker guard, the first event. `app` receives the events.
-  void Create(COrvexApp* app);
-  // Ends it: reports the outcome, stops what still runs, gives the speaker back.
+  void Create(FwEflApplication* app);
+  // Ends it: reports the outcome, stops what still runs, restores the speaker.
   void Destroy();
   // Does what an event asks for.
   void OnEvent(const FwEvent& event);
@@ -95,7 +93,7 @@ private:
   void m_StopSoundPlayer();
   static void* m_StartBTRecorderThread(void* data);
 
-  COrvexApp* m_pApp = nullptr;
+  FwEflApplication* m_pApp = nullptr;
   OrvexReceiver m_Receiver;
   OrvexSoundPlayer m_SoundPlayer;
   pthread_t m_BTRecorderThread{};
