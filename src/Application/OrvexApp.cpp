@@ -1,4 +1,4 @@
-// The application object.
+// Registers with the watchdog, makes its alarm and passes events on to the run controller.
 #include "Application/OrvexApp.h"
 
 #include <new>

@@ -1,4 +1,4 @@
-// The application object: lifecycle, watchdog, and the way of events to the run controller.
+// The application object: lifecycle, watchdog and messages. It owns the run controller, which gets the events.
 #pragma once
 
 #include <cstdint>

@@ -95,7 +95,7 @@ std::uint32_t OrvexManager::CorrectedDelay(std::uint32_t baseMs, double diffSeco
   return isDelay ? static_cast<std::uint32_t>(delayMs) : 0;
 }
 
-// A recorder that still runs is not stopped: its start then answers that it has started already.
+// A recorder that still runs is not stopped: the next start finds it running and leaves it alone.
 void OrvexManager::m_NeedToRetrySync() {
   ORVEX_INFO("check retry");
   ++m_RetryCount;

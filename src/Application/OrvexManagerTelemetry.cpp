@@ -16,7 +16,7 @@ std::string Text(Number number) {
   return boost::lexical_cast<std::string>(number);
 }
 
-// The event's code is its category, its word is its name.
+// `category` is the event's code, such as EV012; `event` is its name.
 FwMessage Record(const char* category, const char* event, const std::string& text) {
   FwMessage message;
   message.body["category_name"] = category;

@@ -1,4 +1,4 @@
-// Plays the test sound once per request.
+// Reads the sound file, writes it to the device and keeps to one worker at a time.
 #include "Application/OrvexSoundPlayer.h"
 
 #include <cstdlib>
@@ -87,8 +87,8 @@ void OrvexSoundPlayer::StopWave() {
     return;
   }
   ORVEX_INFO("cancel_thread");
-  // After a normal end the pool has taken the handle back: given to it once more, it would end whatever thread has the
-  // worker's place by then. There is nothing left to be cancelled, which null says.
+  // After a normal end the pool has taken the handle back, and cancelling it would write to memory that the pool uses
+  // for something else by then. Null cancels nothing.
   static_cast<void>(ecore_thread_cancel(m_Worker == Worker::kRunning ? m_PlayerThread : nullptr));
   m_PlayerThread = nullptr;
 }

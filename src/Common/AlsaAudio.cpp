@@ -1,4 +1,4 @@
-// The playback device through which the test sound leaves the television.
+// Configures the device, writes in chunks and recovers from underruns and suspends.
 #include "Common/AlsaAudio.h"
 
 #include <unistd.h>
@@ -137,7 +137,7 @@ void AlsaAudio::Play(const std::uint8_t* data, std::uint32_t length) {
     std::memcpy(chunk.get(), data + playOffset, playSize);
     left -= playSize;
     ORVEX_DEBUG("playSize = %d", static_cast<int>(playSize));
-    // Ahead of the write: a chunk that fails is skipped, not tried again.
+    // The position moves before the write, so that a chunk that fails is skipped and not tried again.
     playOffset += playSize;
     m_Play(chunk.get(), playSize);
   } while (length > playOffset);

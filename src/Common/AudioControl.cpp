@@ -1,4 +1,4 @@
-// Reads and writes the delay of the optical output.
+// Calls the delay service and logs beside it what the audio control object reports.
 #include "Common/AudioControl.h"
 
 #include <boost/format.hpp>

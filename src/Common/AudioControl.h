@@ -1,4 +1,4 @@
-// The one place that reads and writes the delay of the optical (S/PDIF) output.
+// Reads and writes the delay of the optical (S/PDIF) output. Nothing else in the service does.
 #pragma once
 
 #include <atomic>

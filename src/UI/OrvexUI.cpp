@@ -1,4 +1,4 @@
-// Five lines of text that describe a run.
+// Forms each line and logs it.
 #include "UI/OrvexUI.h"
 
 #include <boost/format.hpp>
@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::int32_t kNotSet = -1;
 
-// As printf's %u, which Boost.Format leaves to the type of its argument.
+// As printf's %u. Boost.Format goes by the type of its argument, so %u alone would print a negative number.
 std::string Unsigned(std::int32_t value) {
   return (boost::format("%u") % static_cast<std::uint32_t>(value)).str();
 }

@@ -1,4 +1,4 @@
-// The process-wide debug dump.
+// Passes everything on to the writer, and logs that there is none.
 #include "Util/DebugDump.h"
 
 #include <new>

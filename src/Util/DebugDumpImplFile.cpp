@@ -1,4 +1,4 @@
-// Debug dump into two files of /tmp per recording.
+// Opens a pair of files in /tmp, where every user may write, and writes them.
 #include "Util/DebugDumpImplFile.h"
 
 #include <fcntl.h>
@@ -9,13 +9,14 @@
 
 namespace {
 
-// A file that nobody else made or can reach by another name.
+// True for a regular file of this user that has no second name.
 bool IsPrivate(int fd) {
   struct stat state {};
   return fstat(fd, &state) == 0 && S_ISREG(state.st_mode) && state.st_nlink == 1 && state.st_uid == geteuid();
 }
 
-// As fopen(name, "wb+"), but everybody may write to /tmp: what lies there in the way is neither waited for nor changed.
+// As fopen(name, "wb+"), but safe in a folder of all users: a pipe of that name is not waited for, and nothing but a
+// file of this user is changed.
 // Null on failure.
 std::FILE* OpenPrivately(const std::string& name) {
   constexpr mode_t kOwnerOnly = S_IRUSR | S_IWUSR;

@@ -1,4 +1,4 @@
-// The one door through which telemetry leaves.
+// Asks for consent before each record, sends what may be sent and keeps the rest in a queue.
 #include "Util/OrvexLogManager.h"
 
 #include <string>
@@ -84,8 +84,8 @@ void COrvexLogManager::m_ProcessDefaultDsiclaimerAgreementChanged(COrvexLogManag
   }
 }
 
-// Consent is asked for again with each message, and may be gone by then: what is put back into the queue meanwhile is
-// lost with the rest.
+// Consent is asked for again with each message. When the user has withdrawn it meanwhile, AddEventLog() puts the
+// message back into the queue, and it is lost when the queue is emptied.
 void COrvexLogManager::m_SendPendingEvents() {
   const std::size_t kept = m_PendingEvents.size();
   for (std::size_t i = 0; i < kept; ++i) {

@@ -1,4 +1,4 @@
-// The one door through which telemetry leaves: open only while the user agrees to it.
+// Sends the telemetry records, and only while the user agrees to it.
 #pragma once
 
 #include <vector>

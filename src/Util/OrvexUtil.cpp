@@ -1,4 +1,4 @@
-// What the television says of itself, for the telemetry.
+// Asks the service layer and the audio control, and logs what they answer.
 #include "Util/OrvexUtil.h"
 
 #include "Util/OrvexLog.h"

@@ -1,4 +1,4 @@
-// What the television says of itself, for the telemetry: device, video signal, source and codec.
+// Queries the television for the telemetry: device, video signal, source and codec.
 #pragma once
 
 #include <cstdint>
