@@ -16,16 +16,17 @@
 #include "orvex/platform/remote_voice.h"
 #include "orvex/sim/room_config.h"
 #include "testsound/sound_design.h"
+#include "world/runs/text_pattern.h"
 
 namespace orvex::bench {
 namespace {
 
 using integration::LogLine;
-using integration::MatchesPattern;
 using integration::Process;
 using integration::ProcessEnding;
 using integration::ServiceRun;
 using integration::TestTelevision;
+using runs::TextPattern;
 using Lines = std::vector<LogLine>;
 using Microseconds = std::chrono::microseconds;
 
@@ -47,7 +48,8 @@ void RequireSuccess(const ProcessEnding& ending, const std::string& program) {
 
 template <typename Iterator>
 Iterator Find(Iterator begin, Iterator end, const std::string& pattern) {
-  return std::find_if(begin, end, [&](const LogLine& line) { return MatchesPattern(line.text, pattern); });
+  const TextPattern expected(pattern);
+  return std::find_if(begin, end, [&](const LogLine& line) { return expected.Matches(line.text); });
 }
 
 // Nobody reads along while it runs: on a busy machine that would be measured, too.
@@ -58,7 +60,7 @@ ProcessCost MeasureServiceTimes(const TestTelevision& television) {
   RequireSuccess(ending, ORVEX_SERVICE_PROGRAM);
   ProcessCost cost;
   cost.processorMs = ending.processorSeconds * 1e3;
-  cost.firstEventMs = Ms(Find(run.GetLines().begin(), run.GetLines().end(), "pEvent.type *")->time - begin);
+  cost.firstEventMs = Ms(Find(run.GetLines().begin(), run.GetLines().end(), "pEvent.type {d}")->time - begin);
   return cost;
 }
 
@@ -144,8 +146,8 @@ std::optional<RunTimes> MeasureRun(std::uint64_t seed) {
 
   const Lines& lines = run.GetLines();
   const auto recording = Find(lines.begin(), lines.end(), "Start bt audio recorder");
-  const auto result = Find(recording, lines.end(), "*@ [RESULT]*");
-  const auto written = Find(result, lines.end(), "after delay = *");
+  const auto result = Find(recording, lines.end(), "{s}@ [RESULT]{s}");
+  const auto written = Find(result, lines.end(), "after delay = {s}");
   // The line with which the receiver begins its work on a block.
   const auto delivery = Find(std::make_reverse_iterator(result), lines.rend(), "m_ReceiveBTAudioDataCB");
   if (written == lines.end() || delivery == lines.rend()) {
