@@ -16,7 +16,8 @@
 namespace orvex::integration {
 namespace {
 
-// What a shell leaves at "$name"; "$1" is a file of the test's.
+// What a shell leaves at "$name", where an earlier process of the same number may have left a debug file; "$file" is a
+// file of the test's.
 struct Obstacle {
   const char* name;
   const char* shell;
@@ -60,8 +61,8 @@ TEST(Dump, WhateverLiesAtItsNamesTheRunIsDoneInItsTimeWithoutADump) {
   for (const Obstacle& obstacle : kObstacles) {
     for (const char* const name : kNames) {
       if (!obstacle.needsRoot || ::geteuid() == 0) {
-        const std::string shell =
-            "name=" + std::string(name) + "; file='" + victim.Path() + "'; " + obstacle.shell + " && exec \"$0\"";
+        const std::string shell = "name=" + std::string(name) + "; file='" + victim.Path() + "'; rm -rf \"$name\" && " +
+                                  obstacle.shell + " && exec \"$0\"";
         scenarios.push_back({std::string(obstacle.name) + " at " + name, LeaveAsItIs, {}, {}, shell});
       }
     }
