@@ -8,7 +8,7 @@ pkg_check_modules(ecore_file REQUIRED IMPORTED_TARGET ecore-file)
 pkg_check_modules(jsoncpp REQUIRED IMPORTED_TARGET jsoncpp)
 
 file(GLOB pieceSources CONFIGURE_DEPENDS ${CMAKE_CURRENT_LIST_DIR}/*.cpp)
-set(fileSources compact_json.cpp json_object.cpp number_text.cpp printable_text.cpp small_files.cpp utc_time.cpp)
+set(fileSources json_text.cpp number_text.cpp printable_text.cpp small_files.cpp utc_time.cpp)
 list(TRANSFORM fileSources PREPEND ${CMAKE_CURRENT_LIST_DIR}/)
 list(REMOVE_ITEM pieceSources ${fileSources})
 

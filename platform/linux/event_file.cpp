@@ -12,7 +12,7 @@
 #include <cstring>
 #include <memory>
 
-#include "linux/compact_json.h"
+#include "linux/json_text.h"
 #include "linux/port.h"
 #include "linux/printable_text.h"
 #include "linux/small_files.h"

@@ -4,8 +4,7 @@
 #include <algorithm>
 #include <stdexcept>
 
-#include "linux/compact_json.h"
-#include "linux/json_object.h"
+#include "linux/json_text.h"
 
 namespace orvex::port {
 namespace {

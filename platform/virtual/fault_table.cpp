@@ -6,8 +6,7 @@
 #include <stdexcept>
 #include <string_view>
 
-#include "linux/compact_json.h"
-#include "virtual/television_json.h"
+#include "linux/json_text.h"
 
 namespace orvex::virtual_tv {
 namespace {
@@ -122,7 +121,7 @@ void TakeMember(FaultTable& table, const std::string& key, const Json::Value& va
 }  // namespace
 
 FaultTable ParseFaults(const std::string& text) {
-  const Json::Value root = ParseJsonObject(text, "a JSON object");
+  const Json::Value root = port::ParseJsonObject(text, "a JSON object");
   FaultTable table;
   for (const std::string& key : root.getMemberNames()) {
     TakeMember(table, key, root[key]);

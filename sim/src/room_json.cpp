@@ -2,14 +2,13 @@
 #include "orvex/sim/room_json.h"
 
 #include <algorithm>
-#include <memory>
 #include <set>
 #include <utility>
 
-#include <json/reader.h>
 #include <json/value.h>
 #include <json/writer.h>
 
+#include "linux/json_text.h"
 #include "sim/src/room_fields.h"
 
 namespace orvex::sim {
@@ -17,35 +16,17 @@ namespace {
 
 constexpr std::size_t kMaxQuoted = 60;  // characters of a bad value that an error repeats
 
-std::string OneLine(std::string text) {
-  std::replace(text.begin(), text.end(), '\n', ' ');
-  return text;
-}
-
 std::string Quote(const Json::Value& value) {
-  Json::StreamWriterBuilder builder;
-  builder["indentation"] = "";
-  const std::string text = Json::writeString(builder, value);
+  const std::string text = port::CompactJson(value);
   return text.size() <= kMaxQuoted ? text : text.substr(0, kMaxQuoted) + "...";
 }
 
 Json::Value ParseObject(const std::string& text, const std::string& nameForErrors) {
-  if (const std::size_t zero = text.find('\0'); zero != std::string::npos) {  // the parser would stop there
-    throw RoomError(nameForErrors + ": no valid JSON, expected one object: byte " + std::to_string(zero) + " is 0");
-  }
-  Json::CharReaderBuilder builder;
-  Json::CharReaderBuilder::strictMode(&builder.settings_);
-  const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
   Json::Value root;
-  std::string errors;
-  bool valid = false;
   try {
-    valid = reader->parse(text.data(), text.data() + text.size(), &root, &errors);
-  } catch (const Json::Exception& exception) {  // nested too deeply
-    errors = exception.what();
-  }
-  if (!valid) {
-    throw RoomError(nameForErrors + ": no valid JSON, expected one object: " + OneLine(errors));
+    root = port::ParseJson(text);
+  } catch (const port::JsonError& error) {
+    throw RoomError(nameForErrors + ": no valid JSON, expected one object: " + error.what());
   }
   if (!root.isObject()) {
     throw RoomError(nameForErrors + ": the text is " + Quote(root) + ", expected a JSON object");

@@ -2,13 +2,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <json/reader.h>
-
-#include <memory>
 #include <sstream>
 
 #include "integration/test_television.h"
 #include "integration/tool_run.h"
+#include "linux/json_text.h"
 #include "orvex/platform/remote_voice.h"
 
 namespace orvex::integration {
@@ -20,11 +18,8 @@ using testing::HasSubstr;
 std::vector<Json::Value> Objects(const std::string& output) {
   std::vector<Json::Value> objects;
   std::istringstream lines(output);
-  const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
   for (std::string line; std::getline(lines, line);) {
-    Json::Value object;
-    EXPECT_TRUE(reader->parse(line.data(), line.data() + line.size(), &object, nullptr)) << line;
-    objects.push_back(object);
+    objects.push_back(port::ParseJson(line));
   }
   return objects;
 }

@@ -3,11 +3,11 @@
 #include <memory>
 #include <stdexcept>
 
+#include "linux/json_text.h"
 #include "tv/commands.h"
 #include "tv/errors.h"
 #include "tv/message_client.h"
 #include "tv/television_option.h"
-#include "virtual/television_json.h"
 
 namespace orvex::tools {
 namespace {
@@ -20,7 +20,7 @@ struct SendArguments {
 
 void CheckMessage(const std::string& message) {
   try {
-    static_cast<void>(virtual_tv::ParseJsonObject(message, "a message like {\"type\": \"...\", \"body\": {...}}"));
+    static_cast<void>(port::ParseJsonObject(message, "a message like {\"type\": \"...\", \"body\": {...}}"));
   } catch (const std::runtime_error& problem) {
     throw UsageError("\"" + message + "\": " + problem.what());
   }
@@ -29,7 +29,7 @@ void CheckMessage(const std::string& message) {
 // {"error": ...}: the television did not take the message.
 bool IsError(const std::string& reply) {
   try {
-    return virtual_tv::ParseJsonObject(reply, "a reply").isMember("error");
+    return port::ParseJsonObject(reply, "a reply").isMember("error");
   } catch (const std::runtime_error&) {
     return false;
   }

@@ -1,11 +1,10 @@
 // Has Chromium run a script in the page that writes what it sees into the document.
 #include "unit/tools/browser.h"
 
-#include <json/reader.h>
-
 #include <cstdlib>
-#include <memory>
 #include <stdexcept>
+
+#include "linux/json_text.h"
 
 namespace orvex::tools {
 namespace {
@@ -110,17 +109,13 @@ Json::Value LookAt(const std::string& page, int width, int pointAt, const Tempor
   }
   const std::string dom = folder.Read("dom");
   const std::string tag = "<pre id=\"seen\">";
-  const std::size_t begin = dom.find(tag);
-  const std::size_t end = dom.find("</pre>", begin);
-  if (begin == std::string::npos || end == std::string::npos) {
+  const std::size_t tagBegin = dom.find(tag);
+  const std::size_t end = dom.find("</pre>", tagBegin);
+  if (tagBegin == std::string::npos || end == std::string::npos) {
     throw std::runtime_error("the script did not run: " + folder.Read("errors"));
   }
-  Json::Value seen;
-  const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
-  if (!reader->parse(dom.data() + begin + tag.size(), dom.data() + end, &seen, nullptr)) {
-    throw std::runtime_error("no JSON: " + dom.substr(begin, end - begin));
-  }
-  return seen;
+  const std::size_t begin = tagBegin + tag.size();
+  return port::ParseJson(dom.substr(begin, end - begin));
 }
 
 }  // namespace orvex::tools

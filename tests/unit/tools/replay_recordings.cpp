@@ -1,13 +1,12 @@
 // Makes recordings and replays them.
 #include "unit/tools/replay_recordings.h"
 
-#include <json/reader.h>
-
 #include <algorithm>
 #include <cmath>
 #include <memory>
 #include <sstream>
 
+#include "linux/json_text.h"
 #include "replay/recording.h"
 #include "replay/report_lines.h"
 
@@ -71,12 +70,8 @@ std::vector<Json::Value> ReplayLines(const std::vector<std::uint8_t>& bytes, boo
   Feed(bytes, rig);
   lines.WriteSummary(rig, run);
   std::vector<Json::Value> objects;
-  const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
   for (std::string line; std::getline(text, line);) {
-    objects.emplace_back();
-    if (!reader->parse(line.data(), line.data() + line.size(), &objects.back(), nullptr)) {
-      throw std::runtime_error("no JSON: " + line);
-    }
+    objects.push_back(port::ParseJson(line));
   }
   return objects;
 }

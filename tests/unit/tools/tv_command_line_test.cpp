@@ -5,14 +5,13 @@
 #include <unistd.h>
 
 #include <filesystem>
-#include <memory>
 #include <string>
 #include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <json/reader.h>
 
+#include "linux/json_text.h"
 #include "tv/command_line.h"
 #include "unit/tools/temporary_folder.h"
 
@@ -147,9 +146,7 @@ TEST_F(CommandLine, PrintsOneObjectOfARunWithTheRecordsOfThisRunOnly) {
       "echo 60 >$ORVEX_TV/delay/spdif; echo '{\"event\":\"ORVEXSET\"}' >>$ORVEX_TV/events.jsonl\n");
   const Outcome run = Call({"run", "--json", "--tv", m_Tv.c_str(), "--service", service.c_str()});
   EXPECT_EQ(0, run.exitCode) << run.error;
-  Json::Value json;
-  const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
-  ASSERT_TRUE(reader->parse(run.out.data(), run.out.data() + run.out.size(), &json, nullptr)) << run.out;
+  const Json::Value json = port::ParseJson(run.out);
   EXPECT_EQ("aligned", json["verdict"].asString());
   EXPECT_EQ("done", json["terminate"].asString());
   EXPECT_DOUBLE_EQ(40.0, json["misalignment_before_ms"].asDouble());

@@ -1,10 +1,8 @@
 // What is printed of a run.
-#include <memory>
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <json/reader.h>
 
+#include "linux/json_text.h"
 #include "orvex/platform/remote_voice.h"
 #include "tv/run_summary.h"
 
@@ -28,11 +26,7 @@ RunSummary GoodRun() {
 }
 
 Json::Value Parsed(const RunSummary& summary) {
-  const std::string text = SummaryJson(summary);
-  Json::Value value;
-  const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
-  EXPECT_TRUE(reader->parse(text.data(), text.data() + text.size(), &value, nullptr)) << text;
-  return value;
+  return port::ParseJson(SummaryJson(summary));
 }
 
 TEST(SummaryJson, SaysEverythingAboutAGoodRun) {
