@@ -1,4 +1,4 @@
-// How far a long command is, on stderr.
+// A terminal gets one line that is rewritten twice a second, anything else a line every 10 s.
 #include "progress/progress.h"
 
 #include <unistd.h>

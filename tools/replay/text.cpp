@@ -1,4 +1,4 @@
-// Texts of the report.
+// Escapes for HTML and names of what the report speaks of.
 #include "replay/text.h"
 
 #include <fmt/format.h>

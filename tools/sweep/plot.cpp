@@ -1,4 +1,5 @@
-// Figures of a sweep, drawn by gnuplot.
+// Gives gnuplot a script and data in temporary files. gnuplot prints the figure into a pipe, as it does not report that
+// it cannot write a file.
 #include "sweep/plot.h"
 
 #include <fcntl.h>

@@ -1,4 +1,4 @@
-// A sweep's table and its CSV file.
+// The table and the CSV file share their columns: a name and a function of the statistics each.
 #include "sweep/report.h"
 
 #include <fmt/format.h>

@@ -1,4 +1,4 @@
-// The figures of one table row.
+// Errors are summarised over the rooms with a result only, percentages are of all rooms.
 #include "sweep/statistics.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// Measurements on one channel of a sound: where its bursts are, what they consist of, what is audible of them.
+// Filters are windowed sinc functions; single frequencies are measured by Goertzel's recursion.
 #include "testsound/analysis.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// Says whether a test sound is fit for a run, and why not.
+// Measures both channels and compares them with the design and with the limits below.
 #include "testsound/checker.h"
 
 #include <algorithm>

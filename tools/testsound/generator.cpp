@@ -1,4 +1,4 @@
-// Makes the samples of a test sound from its design.
+// Refuses a design that cannot be made, then writes one burst per channel into every pair's place.
 #include "testsound/generator.h"
 
 #include <algorithm>

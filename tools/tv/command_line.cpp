@@ -1,4 +1,4 @@
-// The command line of orvex-tv: which subcommands there are, and which exit code an error leads to.
+// Each subcommand adds itself to the parser and throws what goes wrong; messages and exit codes are made here.
 #include "tv/command_line.h"
 
 #include <cstdio>
@@ -19,7 +19,7 @@ int ExitCodeOf(const virtual_tv::TelevisionError& error) {
   return usage ? kExitUsage : kExitFailed;
 }
 
-int Complain(const std::exception& error, int exitCode) {
+int ReportError(const std::exception& error, int exitCode) {
   std::fprintf(stderr, "orvex-tv: %s\n", error.what());
   return exitCode;
 }
@@ -44,13 +44,13 @@ int RunCommandLine(int argc, const char* const* argv) {
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? kExitGood : kExitUsage;
   } catch (const UsageError& error) {
-    return Complain(error, kExitUsage);
+    return ReportError(error, kExitUsage);
   } catch (const sim::RoomError& error) {
-    return Complain(error, kExitUsage);
+    return ReportError(error, kExitUsage);
   } catch (const virtual_tv::TelevisionError& error) {
-    return Complain(error, ExitCodeOf(error));
+    return ReportError(error, ExitCodeOf(error));
   } catch (const std::exception& error) {
-    return Complain(error, kExitFailed);
+    return ReportError(error, kExitFailed);
   }
 }
 

@@ -1,4 +1,4 @@
-// The records that a virtual television's event-log collector has accepted.
+// Reads the collector's file without blocking; a line that is no record is reported and skipped.
 #include "tv/event_records.h"
 
 #include <fcntl.h>

@@ -11,6 +11,7 @@
 #include "orvex/platform/watchdog.h"
 #include "support/manager_socket.h"
 #include "unit/linux/loop_application.h"
+#include "unit/linux/setting_texts.h"
 #include "unit/virtual/television.h"
 
 namespace orvex::virtual_tv {
@@ -43,22 +44,7 @@ TEST_F(TelevisionLog, IsTheRecordRawOnStderrAndOneLineWithItsTimeInAFile) {
 class TelevisionSettings : public TelevisionTest {};
 
 TEST_F(TelevisionSettings, ReadAnIntegerOrTellWhyNot) {
-  const struct {
-    const char* content;
-    int result;
-    int value;
-  } rows[] = {{"5\n", kSettingsDone, 5},         {"-2147483648", kSettingsDone, -2147483648LL},
-              {" 7 \n", kSettingsDone, 7},       {"", kSettingsNoInteger, 77},
-              {"yes\n", kSettingsNoInteger, 77}, {"2147483648\n", kSettingsNoInteger, 77},
-              {"1 2\n", kSettingsNoInteger, 77}, {"1\n2\n", kSettingsNoInteger, 77}};
-  for (const auto& row : rows) {
-    Echo(FileOf(kFlag), row.content);
-    int value = 77;
-    testing::internal::CaptureStderr();
-    EXPECT_EQ(settings_get_int(kFlag, &value), row.result) << row.content;
-    EXPECT_EQ(value, row.value) << row.content;
-    EXPECT_EQ(testing::internal::GetCapturedStderr().empty(), row.result == kSettingsDone) << row.content;
-  }
+  port::ExpectIntegersOrReasons(kFlag, [this](const std::string& text) { Echo(FileOf(kFlag), text); });
 }
 
 TEST_F(TelevisionSettings, TellAMissingKeyFromAnUnreadableStore) {
