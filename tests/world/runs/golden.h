@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <map>
 #include <string>
 #include <vector>
@@ -26,7 +27,7 @@ public:
   Golden& At(double milliseconds);
   Golden& On(const std::string& thread);
   Golden& Set(const std::string& name, const std::string& value);
-  Golden& Set(const std::string& name, long value) { return Set(name, std::to_string(value)); }
+  Golden& Set(const std::string& name, std::int64_t value) { return Set(name, std::to_string(value)); }
   Golden& Add(const std::string& fragment);
   double Now() const { return m_Ms; }
 

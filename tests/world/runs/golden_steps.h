@@ -1,6 +1,7 @@
 // The steps of a run as fragments of a golden journal. Every scenario names the steps in the order in which they come.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <string>
 
@@ -39,7 +40,7 @@ public:
   };
   struct EndRecord {
     std::string result = "fail";
-    long delayMs = 100;
+    std::int64_t delayMs = 100;
     std::string terminate = "etc";
     Consent consent = Consent::kMissing;
   };
