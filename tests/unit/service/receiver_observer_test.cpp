@@ -81,10 +81,13 @@ TEST_F(ReceiverObserver, IsToldOfAStepBetweenItsLineAndTheCallToTheOwner) {
 }
 
 TEST_F(ReceiverObserver, IsToldOfANoisyToneAndOfAbnormalInput) {
+  const Samples noisy17 = Block({100.0, 0.0, 60.0, 0.0, 0.0, 0.0});
   const Samples noisy19 = Block({0.0, 0.0, 60.0, 100.0, 0.0, 0.0});
   receiver.SetObserver(&observer);
   Start();
-  for (int buffer = 36; buffer < 46; ++buffer) {
+  EXPECT_THAT(AroundSteps(36, noisy17),
+              ElementsAre(testing::StartsWith("I0 noise is high / "), "> noisy tone observed", "end"));
+  for (int buffer = 37; buffer < 46; ++buffer) {
     EXPECT_THAT(AroundSteps(buffer, noisy19),
                 ElementsAre(testing::StartsWith("I0 noise value is too high/"), "> noisy tone observed", "end"));
   }
