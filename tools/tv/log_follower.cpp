@@ -1,4 +1,4 @@
-// Understands a run from the service's log lines.
+// Strips colours and the prefix of a line; what is left is compared with the texts that the service logs.
 #include "tv/log_follower.h"
 
 #include <cmath>

@@ -1,4 +1,4 @@
-// Sends a message to a service that runs on a virtual television.
+// One connection per message: a JSON line goes out, a line comes back, both before one deadline.
 #include "tv/message_client.h"
 
 #include <poll.h>

@@ -1,4 +1,4 @@
-// The acoustic world as options of the command line.
+// Most options are rows of a table: a name, a unit, a text and what the value does to a room.
 #include "tv/room_options.h"
 
 #include <algorithm>

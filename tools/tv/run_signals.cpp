@@ -1,4 +1,4 @@
-// The signals that ask a run to end, held back until what it began is cleaned up.
+// A signalfd takes the signals; the mask of before is put back when the run is over.
 #include "tv/run_signals.h"
 
 #include <sys/signalfd.h>

@@ -1,4 +1,4 @@
-// What a run came to, as text and as JSON.
+// What is not known is null in JSON and "unknown" in the text.
 #include "tv/run_summary.h"
 
 #include <fmt/core.h>

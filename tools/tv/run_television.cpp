@@ -1,4 +1,4 @@
-// The virtual television that a run takes place on: a directory that is made, filled and, if temporary, removed.
+// A temporary directory is removed at the end. In one that a person names, only what is missing is made.
 #include "tv/run_television.h"
 
 #include <stdlib.h>

@@ -1,4 +1,4 @@
-// Runs the service as a process of its own and hands its lines over.
+// Waits for output, signals and the time limit in one poll(); longer lines than 1 MiB are cut in two.
 #include "tv/service_process.h"
 
 #include <fcntl.h>

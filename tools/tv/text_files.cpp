@@ -1,4 +1,4 @@
-// Input files that a person names.
+// A small file at most; where it cannot be read, the error names it as wrong usage.
 #include "tv/text_files.h"
 
 #include <system_error>

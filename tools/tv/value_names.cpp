@@ -1,4 +1,4 @@
-// Names of a virtual television's values as a person may write them.
+// A name is taken when it is one part of exactly one value's path.
 #include "tv/value_names.h"
 
 #include <algorithm>

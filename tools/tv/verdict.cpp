@@ -1,4 +1,4 @@
-// Judges a run by what it left: are the two outputs together, and if not, why.
+// Compares the misalignment that remains with the one before and with what a delay can do.
 #include "tv/verdict.h"
 
 #include <cmath>
