@@ -16,8 +16,7 @@
 namespace orvex::integration {
 namespace {
 
-// What a shell leaves at "$name", where an earlier process of the same number may have left a debug file; "$file" is a
-// file of the test's.
+// What a shell leaves at "$name"; "$file" is a file of the test's.
 struct Obstacle {
   const char* name;
   const char* shell;
@@ -33,6 +32,7 @@ constexpr Obstacle kObstacles[] = {
     {"file of another user", "cp \"$file\" \"$name\" && chmod 666 \"$name\" && chown 12345 \"$name\"", true},
 };
 
+// An earlier process of the same number may have left debug files there.
 constexpr const char* kNames[] = {"/tmp/audio_dump_$$_1", "/tmp/audio_result_$$_1.csv"};
 
 class Victim {
@@ -61,8 +61,8 @@ TEST(Dump, WhateverLiesAtItsNamesTheRunIsDoneInItsTimeWithoutADump) {
   for (const Obstacle& obstacle : kObstacles) {
     for (const char* const name : kNames) {
       if (!obstacle.needsRoot || ::geteuid() == 0) {
-        const std::string shell = "name=" + std::string(name) + "; file='" + victim.Path() + "'; rm -rf \"$name\" && " +
-                                  obstacle.shell + " && exec \"$0\"";
+        const std::string shell = "rm -rf " + std::string(kNames[0]) + " " + kNames[1] + "; name=" + name + "; file='" +
+                                  victim.Path() + "'; " + obstacle.shell + " && exec \"$0\"";
         scenarios.push_back({std::string(obstacle.name) + " at " + name, LeaveAsItIs, {}, {}, shell});
       }
     }
