@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <functional>
 #include <string>
 
@@ -29,6 +30,18 @@ inline void ExpectIntegersOrReasons(const char* key, const std::function<void(co
     EXPECT_EQ(value, row.value) << row.content;
     EXPECT_EQ(testing::internal::GetCapturedStderr().empty(), row.result == kSettingsDone) << row.content;
   }
+}
+
+// `file` is that of `key`, in a folder that can be read. Leaves a folder in its place.
+inline void ExpectMissingOrUnreadable(const char* key, const std::filesystem::path& file) {
+  int value = 77;
+  EXPECT_EQ(settings_get_int("db/nothing", &value), kSettingsNoKey);
+  EXPECT_EQ(settings_get_int(nullptr, &value), kSettingsNoKey);
+  EXPECT_EQ(settings_get_int("../sound/volume", &value), kSettingsNoKey);
+  std::filesystem::remove(file);
+  std::filesystem::create_directory(file);
+  EXPECT_EQ(settings_get_int(key, &value), kSettingsUnreadable);
+  EXPECT_EQ(value, 77);
 }
 
 }  // namespace orvex::port

@@ -48,14 +48,7 @@ TEST_F(TelevisionSettings, ReadAnIntegerOrTellWhyNot) {
 }
 
 TEST_F(TelevisionSettings, TellAMissingKeyFromAnUnreadableStore) {
-  int value = 77;
-  EXPECT_EQ(settings_get_int("db/nothing", &value), kSettingsNoKey);
-  EXPECT_EQ(settings_get_int(nullptr, &value), kSettingsNoKey);
-  EXPECT_EQ(settings_get_int("../sound/volume", &value), kSettingsNoKey);
-  Remove(FileOf(kFlag));
-  std::filesystem::create_directory(Folder() / FileOf(kFlag));
-  EXPECT_EQ(settings_get_int(kFlag, &value), kSettingsUnreadable);
-  EXPECT_EQ(value, 77);
+  port::ExpectMissingOrUnreadable(kFlag, Folder() / FileOf(kFlag));
 }
 
 TEST_F(TelevisionSettings, AnswerAsInjected) {
