@@ -1,4 +1,5 @@
-// Draws a chart.
+// Appends each part to the SVG text when it is added. Only the labels in the right margin wait for Finish(), which
+// moves them apart.
 #include "replay/chart.h"
 
 #include <fmt/format.h>
@@ -12,7 +13,7 @@
 namespace orvex::tools {
 namespace {
 
-// In units of the picture, which is as wide as the page.
+// In the units of the SVG's view box. The page scales the chart to its own width.
 constexpr double kWidth = 1200.0;
 constexpr double kLeft = 58.0;
 constexpr double kRight = 1020.0;
@@ -20,12 +21,12 @@ constexpr double kTop = 34.0;
 constexpr double kBottomMargin = 36.0;
 constexpr double kLabelHeight = 14.0;
 constexpr double kLabelGap = 10.0;
-constexpr double kTitleGap = 30.0;  // leaves room for half a number
+constexpr double kTitleGap = 30.0;  // leaves room for half of the last tick's number
 constexpr double kPairLabelWidth = 90.0;
 constexpr double kCharacterWidth = 7.0;
-constexpr double kDotSpacing = 7.0;  // between blocks, from which on they are drawn as dots
+constexpr double kDotSpacing = 7.0;  // blocks at least this far apart are drawn as dots, too
 
-// 1, 2 or 5 times a power of ten: about `count` of them fit.
+// The smallest step of 1, 2 or 5 times a power of ten of which at most `count` fit into `length`.
 double TickStep(double length, double count) {
   const double rough = length / count;
   const double power = std::pow(10.0, std::floor(std::log10(rough)));
@@ -37,7 +38,7 @@ double TickStep(double length, double count) {
   return 10.0 * power;
 }
 
-// As many as tell ticks apart.
+// The number of decimal places with which the labels of adjacent ticks differ.
 int DecimalsOf(double step) {
   if (step < 0.1) {
     return 2;

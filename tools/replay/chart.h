@@ -17,23 +17,24 @@ struct Span {
   double Length() const { return high - low; }
 };
 
-// Class names choose colours and strokes; the page's style sheet has them. Everything that is added later lies above.
+// `style` is a class name of the page's style sheet, which sets colours and strokes. Each part is drawn above those
+// that were added before it.
 class Chart {
 public:
-  // `height`: of the plot. A chart of lanes has no vertical axis: `decibels` is not used then.
+  // `height` is that of the plot, without axes and labels. A chart of lanes needs no AddDecibelAxis().
   Chart(const std::string& name, Span buffers, double height);
   void AddDecibelAxis(Span decibels, const std::string& title);
 
-  // The label is shown as far as the band is wide enough, and under the pointer.
+  // The label is written into the band if it fits, and is always the band's tooltip.
   void AddBand(double fromBuffer, double toBuffer, const std::string& style, const std::string& label);
   // A horizontal line from one buffer to another; a label, when there is one, stands in the right margin.
   void AddLevel(double fromBuffer, double toBuffer, double decibels, const std::string& style,
                 const std::string& label);
-  // With dots, if blocks are far enough apart. `label` is for the cursor.
+  // Blocks that are far enough apart are drawn as dots, too. The cursor's readout names the curve by `label`.
   void AddCurve(const std::vector<CurvePoint>& curve, const std::string& style, const std::string& label);
-  // Two tones that were paired, across the chart. A pair without a label is drawn faintly.
+  // Marks the two tones of a pair over the whole height of the plot. A pair without a label is drawn faintly.
   void AddPair(double first, double second, const std::string& label);
-  // The same between the lanes of both tones.
+  // In a chart of lanes, a pair is a line that links its two tones.
   struct Place {
     std::size_t lane;
     double buffer;
@@ -42,11 +43,11 @@ public:
 
   static constexpr double kLaneHeight = 22.0;
   void AddLaneLabel(std::size_t lane, const std::string& style, const std::string& label);
-  // Marks at the same column of a lane are drawn once.
+  // Of several marks in the same column only the first is drawn.
   enum class Shape { kTick, kDot, kCross, kDiamond };
   void AddMarks(std::size_t lane, const std::vector<double>& buffers, Shape shape, const std::string& style);
 
-  // The element. Nothing can be added afterwards.
+  // Returns the SVG element. Nothing can be added afterwards.
   std::string Finish();
 
 private:

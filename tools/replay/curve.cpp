@@ -1,4 +1,4 @@
-// Thins curves.
+// Keeps the two extremes of each column in the order in which they come.
 #include "replay/curve.h"
 
 #include <algorithm>

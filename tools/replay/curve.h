@@ -1,4 +1,4 @@
-// Curves that have more blocks than a picture has columns.
+// Thins curves that have more points than a chart has columns.
 #pragma once
 
 #include <cstddef>
@@ -8,11 +8,12 @@ namespace orvex::tools {
 
 struct CurvePoint {
   double buffer = 0.0;
-  double decibels = 0.0;  // no number: a gap
+  double decibels = 0.0;  // NaN: a gap in the curve
 };
 
-// The curve as it is when it has at most two points per column. Otherwise each column keeps its lowest and its highest
-// point where they are, and so no peak is lost. Gaps are left out of a column that has points.
+// Returns the curve unchanged if it has at most two points per column. Otherwise keeps the lowest and the highest point
+// of each column, at their own buffers, so that no peak is lost. A gap remains only in a column without any other
+// point.
 std::vector<CurvePoint> Thin(const std::vector<CurvePoint>& curve, std::size_t columns);
 
 }  // namespace orvex::tools

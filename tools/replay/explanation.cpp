@@ -1,4 +1,4 @@
-// Puts the receiver's decision into words.
+// Takes the reasons from the recorded events and from the levels of the blocks that decided.
 #include "replay/explanation.h"
 
 #include <fmt/format.h>
@@ -24,13 +24,12 @@ std::string Margins(const RunRecord& run, std::int32_t buffer, Tone tone) {
                                   [&](const RecordedBlock& one) { return one.buffer == buffer; });
   return fmt::format(
       "{} stood {:.1f} dB above its ambient mean, where {:.1f} dB are needed, and {:.1f} dB above its neighbours, "
-      "where "
-      "{:.1f} dB are needed.",
+      "where {:.1f} dB are needed.",
       NameOf(tone), Decibels(block->levels.At(tone) / run.GetAmbient()->At(tone)), Decibels(detector::kToneThreshold),
       Decibels(block->levels.Ratio(tone)), Decibels(detector::kNeighbourThreshold));
 }
 
-// How far a tone got in a recording without a difference.
+// Says whether a tone was found in a recording that gave no difference, or else how close it came.
 std::string DescribeTone(const RunRecord& run, Tone tone) {
   const ToneFindings found = FindTone(run, tone);
   const double ambient = run.GetAmbient()->At(tone);
@@ -148,7 +147,7 @@ Explanation ExplainAbnormal(const RunRecord& run, const RecordedEvent& abnormal)
   Explanation given;
   given.outcome = Outcome::kAbnormal;
   given.headline = "Given up: abnormal input";
-  given.reasons = {fmt::format("The {} tone in {} was one noisy tone too many: {} are put up with.",
+  given.reasons = {fmt::format("The {} tone in {} was one noisy tone too many: a run tolerates {}.",
                                NameOf(Tone::k19000Hz), BufferText(abnormal.buffer), detector::kNoiseLimit)};
   for (const Tone tone : kTones) {
     given.reasons.push_back(DescribeTone(run, tone));

@@ -8,7 +8,7 @@
 
 namespace orvex::tools {
 
-// Doubtful: found, but perhaps of tones that do not belong together.
+// kDoubtful: a difference was found, but its two tones may belong to different bursts of the test sound.
 enum class Outcome { kFound, kDoubtful, kNotFound, kAbnormal };
 
 struct Explanation {
@@ -17,7 +17,8 @@ struct Explanation {
   std::vector<std::string> reasons;  // sentences
 };
 
-// As a television acts: its run ends with the first difference or the first abnormal input.
+// Explains what a television does with the recording: its run ends with the first difference or the first abnormal
+// input.
 Explanation Explain(const RunRecord& run);
 
 }  // namespace orvex::tools

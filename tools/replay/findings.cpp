@@ -1,4 +1,5 @@
-// Judges each block as the receiver does.
+// Repeats the receiver's comparisons, in which a tone of 17 kHz may equal its threshold but one of 19 kHz must exceed
+// it.
 #include "replay/findings.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// How far each block of a recording got with a tone, and what that adds up to.
+// Says of each block of a recording whether it holds a tone, or why not, and counts that over the recording.
 #pragma once
 
 #include <cstdint>
@@ -8,13 +8,13 @@
 
 namespace orvex::tools {
 
-// How far a block gets with a tone. Each step is reached only behind the ones above it.
+// The first of the receiver's conditions that a block does not meet, in the order in which they are checked.
 enum class Verdict {
   kNotLookedAt,  // before the ambient means are known, or in the hearable mode
   kWeak,         // below the threshold
   kCovered,      // the other tone is at least as strong
   kNoisy,        // the neighbour frequencies are too strong
-  kClean,        // a tone
+  kClean,        // none: the block holds the tone
 };
 
 Verdict Judge(const RunRecord& run, const RecordedBlock& block, Tone tone);

@@ -3,7 +3,7 @@
 
 namespace orvex::tools {
 
-// The page loads nothing, and the browser is told to see to it.
+// The Content-Security-Policy makes the browser refuse to load anything from outside the page.
 const char kPageBegin[] = R"(<!DOCTYPE html>
 <html lang="en">
 <head>
@@ -82,7 +82,8 @@ svg text.pair { fill: var(--good); font-weight: 600; font-size: 14px; paint-orde
 @media print { .readout { display: none; } body { padding: 0; } }
 )";
 
-// What it shows is taken from the curves themselves. Of a thinned curve that is the nearest point that was kept.
+// The cursor computes levels back from the points of the drawn curves. On a thinned curve it shows the nearest point
+// that was kept.
 const char kPageScript[] = R"(
 'use strict';
 for (const section of document.querySelectorAll('.charts')) {

@@ -1,4 +1,5 @@
-// Reads debug dumps and WAV files.
+// Reads the whole input into memory first, as a pipe gives its bytes only once, and tells a WAV file by its first
+// bytes.
 #include "replay/recording.h"
 
 #include <sndfile.h>
@@ -26,7 +27,7 @@ struct SoundFileCloser {
   void operator()(SNDFILE* file) const { sf_close(file); }
 };
 
-// Little-endian, big-endian, or longer than 4 GiB.
+// RIFF is little-endian, RIFX big-endian; RF64 may be longer than 4 GiB.
 bool IsWave(const std::vector<std::uint8_t>& bytes) {
   if (bytes.size() < 12) {
     return false;
@@ -54,7 +55,7 @@ std::int16_t ToSixteenBits(double sample) {
   return static_cast<std::int16_t>(std::lrint(std::clamp(sample * 32768.0, -32768.0, 32767.0)));
 }
 
-// What libsndfile reads from: a pipe gives its bytes only once.
+// Lets libsndfile read bytes that are in memory.
 struct Memory {
   const std::vector<std::uint8_t>& bytes;
   sf_count_t position = 0;

@@ -18,8 +18,8 @@ public:
   using std::runtime_error::runtime_error;
 };
 
-// The bytes of the recording's samples as the remote delivers them. A WAV file of another sample format is converted;
-// its rate is taken as the remote's whatever it says, and a rate that is not the remote's is told in `warning`.
+// The bytes of the recording's samples as the remote delivers them. Samples of another format are converted. The rate
+// of a WAV file is always taken to be the remote's; `warning` says so if the file names another one.
 struct Recording {
   std::vector<std::uint8_t> bytes;
   std::string warning;
@@ -28,8 +28,8 @@ struct Recording {
 // "-" is standard input. Throws RecordingError.
 Recording ReadRecording(const std::string& path);
 
-// Delivers the bytes in whole blocks; the last one may be short. `progress` gets after each block how many
-// bytes there were.
+// Delivers the bytes in whole blocks; the last one may be short. After each block, `progress` is called with the
+// number of bytes delivered so far.
 void Feed(
     const std::vector<std::uint8_t>& bytes, ReceiverRig& rig,
     const std::function<void(std::size_t)>& progress = [](std::size_t) {});

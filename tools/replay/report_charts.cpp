@@ -1,4 +1,4 @@
-// Draws what the receiver measured and reported.
+// Chooses the range of each axis, the buffers of the close-up, and what each chart shows.
 #include "replay/report_charts.h"
 
 #include <fmt/format.h>
@@ -14,11 +14,11 @@
 namespace orvex::tools {
 namespace {
 
-constexpr double kShortestAxis = 40.0;  // buffers
-constexpr double kCloseUp = 80.0;
-constexpr double kWorthACloseUp = 130.0;
-constexpr double kLeastDecibels = 40.0;
-constexpr double kDeepest = 20.0;  // below the ambient mean: the nulls of noise go deep and mean nothing
+constexpr double kShortestAxisBuffers = 40.0;
+constexpr double kCloseUpBuffers = 80.0;
+constexpr double kWorthACloseUpBuffers = 130.0;  // a shorter recording has no close-up
+constexpr double kShortestAxisDb = 40.0;
+constexpr double kBelowAmbientDb = 20.0;  // an axis goes no further below the ambient mean: deeper dips mean nothing
 
 const char* StyleOf(Tone tone) {
   return tone == Tone::k17000Hz ? "f17" : "f19";
@@ -37,7 +37,7 @@ std::vector<CurvePoint> MakeCurve(const RunRecord& run, const View& view, const 
   return curve;
 }
 
-// Around all finite values.
+// The range of an axis that shows all finite values that it was given.
 class DecibelRange {
 public:
   void Take(double decibels) {
@@ -49,13 +49,13 @@ public:
   void Take(const std::vector<CurvePoint>& curve) {
     std::for_each(curve.begin(), curve.end(), [this](const CurvePoint& point) { Take(point.decibels); });
   }
-  // Whole tens. Nothing is to be seen below `lowest`.
+  // The range, widened to whole tens. Values below `lowest` do not widen it.
   Span Round(double lowest) const {
     if (m_Low > m_High) {
       return {-120.0, -80.0};
     }
     const double low = std::floor((std::max(m_Low, lowest) - 1.0) / 10.0) * 10.0;
-    return {low, std::max(std::ceil((m_High + 1.0) / 10.0) * 10.0, low + kLeastDecibels)};
+    return {low, std::max(std::ceil((m_High + 1.0) / 10.0) * 10.0, low + kShortestAxisDb)};
   }
 
 private:
@@ -63,10 +63,10 @@ private:
   double m_High = -std::numeric_limits<double>::infinity();
 };
 
-// Of a picture of two frequencies.
+// The lowest level that a chart of two frequencies shows.
 double LowestLevel(const RunRecord& run, double Levels::*one, double Levels::*other) {
   const auto& ambient = run.GetAmbient();
-  return ambient ? LevelDbfs(std::min((*ambient).*one, (*ambient).*other)) - kDeepest : -INFINITY;
+  return ambient ? LevelDbfs(std::min((*ambient).*one, (*ambient).*other)) - kBelowAmbientDb : -INFINITY;
 }
 
 void AddPhases(Chart& chart) {
@@ -84,7 +84,7 @@ std::vector<RecordedEvent> PairsWithin(const RunRecord& run, const View& view) {
   return pairs;
 }
 
-// The run's own pair lies above the others.
+// Draws the pairs in reverse order, so that the run's own pair, the first, lies above the others.
 void AddPairs(Chart& chart, const RunRecord& run, const View& view) {
   const std::vector<RecordedEvent> pairs = PairsWithin(run, view);
   std::for_each(pairs.rbegin(), pairs.rend(), [&](const RecordedEvent& pair) {
@@ -120,7 +120,8 @@ std::vector<double> Within(const View& view, std::vector<double> buffers) {
   return buffers;
 }
 
-// Where to look when no pair was found: the first thing that happened, or else the block that came nearest to it.
+// The middle of the close-up when no pair was found: the first event of the most telling kind there is, or else the
+// block that came closest to a tone; 0 when there is neither.
 std::int32_t MostTellingBuffer(const RunRecord& run) {
   for (const EventKind kind :
        {EventKind::kSequence, EventKind::kFirst17, EventKind::kFirst19, EventKind::kNoisy19, EventKind::kNoisy17}) {
@@ -144,18 +145,18 @@ std::int32_t MostTellingBuffer(const RunRecord& run) {
 }  // namespace
 
 View WholeRecording(const RunRecord& run) {
-  return {"whole", {0.0, std::max(run.GetLastBuffer() + 1.0, kShortestAxis)}};
+  return {"whole", {0.0, std::max(run.GetLastBuffer() + 1.0, kShortestAxisBuffers)}};
 }
 
 std::optional<View> CloseUp(const RunRecord& run) {
   const double end = WholeRecording(run).buffers.high;
   const auto result = run.FindRunResult();
   const std::int32_t middle = result ? (result->first + result->buffer) / 2 : MostTellingBuffer(run);
-  if (end < kWorthACloseUp || middle == 0) {
+  if (end < kWorthACloseUpBuffers || middle == 0) {
     return std::nullopt;
   }
-  const double low = std::clamp(middle - kCloseUp / 2.0, 0.0, end - kCloseUp);
-  return View{"close", {low, low + kCloseUp}};
+  const double low = std::clamp(middle - kCloseUpBuffers / 2.0, 0.0, end - kCloseUpBuffers);
+  return View{"close", {low, low + kCloseUpBuffers}};
 }
 
 std::string DrawEvents(const RunRecord& run, const View& view) {

@@ -1,4 +1,4 @@
-// The pictures of a report.
+// The charts of a report, as SVG elements.
 #pragma once
 
 #include <optional>
@@ -16,7 +16,7 @@ struct View {
 };
 
 View WholeRecording(const RunRecord& run);
-// Around the pair or what comes nearest to one; none when the whole recording shows every block well enough.
+// The part around the pair, or around what came closest to one. None if the recording is short or has no such part.
 std::optional<View> CloseUp(const RunRecord& run);
 
 std::string DrawEvents(const RunRecord& run, const View& view);

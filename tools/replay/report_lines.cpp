@@ -1,4 +1,4 @@
-// What the receiver reports about a recording, as JSON objects.
+// Chooses the members of each object. A member without a value, such as a difference that was not found, is null.
 #include "replay/report_lines.h"
 
 #include <optional>

@@ -1,4 +1,4 @@
-// Puts the page together.
+// Assembles the page from its parts: the decision comes first, the notes on how to read the charts last.
 #include "replay/report_page.h"
 
 #include <fmt/format.h>

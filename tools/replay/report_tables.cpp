@@ -1,4 +1,4 @@
-// Writes the tables.
+// Says what stands in each row: what was found of a tone, and what each event means.
 #include "replay/report_tables.h"
 
 #include <fmt/format.h>

@@ -1,4 +1,4 @@
-// Keeps what the receiver reports.
+// Also works out from the reports which magnitude a second tone had to reach at each time.
 #include "replay/run_record.h"
 
 #include <algorithm>
@@ -28,7 +28,7 @@ void RunRecord::OnNoisyTone(std::int32_t buffer, Tone tone, std::int32_t count) 
   Add(tone == Tone::k17000Hz ? EventKind::kNoisy17 : EventKind::kNoisy19, buffer).count = count;
 }
 
-// A tone that follows has to be at least as strong as the one that has made the pair.
+// From here on a second tone has to be at least as strong as the one that completed this pair.
 void RunRecord::OnPair(std::int32_t buffer, Tone tone, std::int32_t first, double differenceS) {
   RecordedEvent& result = Add(EventKind::kResult, buffer);
   result.first = first;

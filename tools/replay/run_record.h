@@ -34,13 +34,13 @@ struct SequenceError {
   std::int32_t first = 0;  // buffer of the first tone
   Tone tone = Tone::k17000Hz;
   double level = 0.0;
-  double needed = 0.0;  // what a second tone had to reach, beside the threshold
+  double needed = 0.0;  // magnitude that a second tone had to reach, in addition to the threshold
 
-  // Otherwise it was too weak.
+  // False: it was too weak.
   bool IsTooLate() const { return buffer - first > detector::kPairingSpan; }
 };
 
-// From the first tone on, or from a result on: what the next second tone has to reach, beside the threshold.
+// The magnitude that a second tone has to reach, in addition to the threshold, from a first tone or a pair on.
 struct Floor {
   Tone tone = Tone::k17000Hz;
   std::int32_t from = 0;  // buffers
@@ -68,8 +68,8 @@ public:
   const std::vector<SequenceError>& GetSequenceErrors() const { return m_SequenceErrors; }
   const std::vector<Floor>& GetFloors() const { return m_Floors; }
   std::optional<RecordedEvent> FindFirst(EventKind kind) const;
-  // The result that a run of the service goes by: the first one, unless abnormal input has ended the run before. What
-  // comes after it changes nothing in a run.
+  // The result that a run of the service applies: the first one, unless abnormal input ended the run before it. What
+  // comes later has no effect on the run.
   std::optional<RecordedEvent> FindRunResult() const;
   bool IsRunResult(const RecordedEvent& result) const;
   // Number of the last analysed buffer; 0 when there is none.

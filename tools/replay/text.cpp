@@ -1,4 +1,4 @@
-// Escapes for HTML and names of what the report speaks of.
+// A sine at full scale has a magnitude of half its amplitude times the number of samples: that is 0 dBFS.
 #include "replay/text.h"
 
 #include <fmt/format.h>

@@ -1,4 +1,4 @@
-// Texts of the report.
+// Names, numbers with their units and escaped texts for the report.
 #pragma once
 
 #include <cstdint>
@@ -8,7 +8,7 @@
 
 namespace orvex::tools {
 
-// For HTML and SVG, between tags and within quotes.
+// Escapes a text for HTML and SVG, between tags as well as within quotes.
 std::string Escaped(const std::string& text);
 
 // "17 kHz", "19 kHz".

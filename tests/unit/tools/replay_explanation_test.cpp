@@ -113,8 +113,9 @@ TEST(ReplayExplanation, OfAbnormalInput) {
   const Explanation abnormal = Of(Ambient() + std::string(12, 'y') + "7.9");
   EXPECT_EQ(Outcome::kAbnormal, abnormal.outcome);
   EXPECT_EQ("Given up: abnormal input", abnormal.headline);
-  EXPECT_THAT(abnormal.reasons[0], StartsWith("The 19 kHz tone in buffer 46 (0.759 s) was one noisy tone too many"));
-  // A difference that comes first has ended the run before.
+  EXPECT_EQ("The 19 kHz tone in buffer 46 (0.759 s) was one noisy tone too many: a run tolerates 10.",
+            abnormal.reasons[0]);
+  // Here the difference ends the run before the noisy tones come.
   EXPECT_EQ(Outcome::kFound, Of(Ambient() + "7.9" + std::string(12, 'y')).outcome);
 }
 
