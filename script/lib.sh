@@ -1,4 +1,4 @@
-# What the scripts share. Sourced; leaves the caller in the project's top folder.
+# Functions that the scripts share. A script that sources this file is then in the project's top folder.
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 # Prints the comment at the head of the calling script, and ends it, when its first argument asks for help.
@@ -13,12 +13,12 @@ help_if_asked() {
 
 say() { printf '%s\n' "$*" >&2; }
 
-# configure BUILD_DIR [cmake arguments]: quiet unless it fails.
+# configure BUILD_DIR [cmake arguments]: runs CMake and prints nothing unless it fails.
 configure() {
   local folder=$1 log
   shift
   if command -v ccache >/dev/null; then
-    # Sloppiness: otherwise it leaves precompiled headers alone.
+    # Without this sloppiness ccache caches nothing that uses precompiled headers.
     set -- "-DCMAKE_CXX_COMPILER_LAUNCHER=env;CCACHE_SLOPPINESS=pch_defines,time_macros;ccache" "$@"
   fi
   mkdir -p "$folder"
