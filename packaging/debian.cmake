@@ -33,8 +33,9 @@ of files in a simulated living room, and commands to run a calibration on it,
 to make and check the test sound, to replay recordings and to measure the
 accuracy over thousands of rooms.")
 orvex_package(dev devel "platform contract and conformance suite of Orvex"
-"What a port of Orvex to another television is made and checked with: the
-headers of the platform contract, its promises as tests, and a CMake package.")
+"Everything needed to make and check a port of Orvex to another television:
+the headers of the platform contract, its promises as tests, and a CMake
+package.")
 
 set(exact "(= ${PROJECT_VERSION})")
 set(CPACK_DEBIAN_SERVICE_PACKAGE_DEPENDS "orvex-host-tools ${exact}")
