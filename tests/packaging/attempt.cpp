@@ -1,4 +1,4 @@
-// Attempts what a confined program must not do, and prints what it could do. Exit code 0: nothing.
+// Attempts what a confined program must not be able to do, and prints what succeeded. Exit code 0: nothing did.
 #include <fcntl.h>
 #include <sched.h>
 #include <sys/mman.h>
@@ -34,7 +34,7 @@ bool CanWrite(const char* folder) {
   return access(folder, W_OK) == 0;
 }
 
-// On nothing, so that it does no harm where it is allowed.
+// Mounts on a folder that does not exist, so that it does no harm where mounting is allowed: the error is ENOENT then.
 bool CanMount() {
   return mount("none", "/orvex-nowhere", "tmpfs", 0, nullptr) == 0 || errno == ENOENT;
 }

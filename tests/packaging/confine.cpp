@@ -1,5 +1,5 @@
 // orvex_confine CALLS PROGRAM [ARGUMENTS]: runs a program with system calls restricted as the unit restricts them. The
-// file CALLS names the calls that stay, one per line; every other one fails as EPERM.
+// file CALLS names the calls that stay allowed, one per line; every other one fails with EPERM.
 #include <sched.h>
 #include <seccomp.h>
 #include <sys/mman.h>
@@ -46,7 +46,7 @@ void RefuseByArguments() {
       Refuse(filter, SCMP_SYS(unshare), EPERM, SCMP_A0(SCMP_CMP_MASKED_EQ, bit, bit));
     }
   }
-  // Its flags cannot be seen; the C library takes clone() then.
+  // A filter cannot see the flags of clone3(), which are in memory. After ENOSYS the C library uses clone().
   Require(seccomp_rule_add(filter, SCMP_ACT_ERRNO(ENOSYS), SCMP_SYS(clone3), 0), "clone3");
   Load(filter);
 }
