@@ -1,4 +1,5 @@
-// The detector once more, in another shape: what the receiver has to report of each block, given its magnitudes.
+// A second implementation of the detector, for comparison: what the receiver has to report about each block, given the
+// block's magnitudes.
 #pragma once
 
 #include <optional>
@@ -39,7 +40,7 @@ inline std::ostream& operator<<(std::ostream& out, const Report& report) {
   return out;
 }
 
-// Keeps what the receiver tells of one block.
+// Collects what the receiver reports about one block.
 class BlockReports : public OrvexReceiverObserver {
 public:
   void Clear() {
@@ -74,14 +75,14 @@ public:
   }
 
   std::optional<ToneMagnitudes> magnitudes;  // none: the block was not analysed
-  Levels ambient;                            // sums or means when it came
+  Levels ambient;                            // sums or means before this block
   std::vector<Report> reports;
 };
 
-// One recording.
+// The state of a receiver during one recording.
 class DetectorModel {
 public:
-  // As the receiver's getters.
+  // What the receiver's getters have to answer.
   int buffer = 0;
   int analysed = 0;
   int direction = 0;
@@ -92,11 +93,11 @@ public:
   bool hearable = false;
   bool finished = false;
 
-  // A block begins, be it lost. True: its samples, if it has any, are analysed.
+  // Counts a block, which may be a lost one. Returns whether its samples, if it has any, are analysed.
   bool Count() {
     m_Reports.clear();
     if (buffer > 0 && buffer % 250 == 0) {
-      Say(Step::kExtend);
+      AddReport(Step::kExtend);
     }
     return ++buffer >= 5;
   }
@@ -106,72 +107,76 @@ public:
     }
     if (!hearable && analysed > 30) {
       if (m_Ambient[k17000] > 0 && block.at17000 >= 50 * m_Ambient[k17000] && block.at17000 > block.at19000) {
-        Find(detector::Tone::k17000Hz, block.at17000, block.at19000, block.ratio17);
+        HandleTone(detector::Tone::k17000Hz, block.at17000, block.at19000, block.ratio17);
       }
       if (m_Ambient[k19000] > 0 && block.at19000 > 50 * m_Ambient[k19000] && block.at19000 > block.at17000) {
-        Find(detector::Tone::k19000Hz, block.at19000, block.at17000, block.ratio19);
+        HandleTone(detector::Tone::k19000Hz, block.at19000, block.at17000, block.ratio19);
       }
     }
     LearnAmbient(BlockReports::ValuesOf(block));
     ++analysed;
   }
-  // Of the last block, in their order.
+  // What the receiver has to report about the last block, in order.
   const std::vector<Report>& Reports() const { return m_Reports; }
-  // Sums of the magnitudes so far, from block 30 on their means: of 17000, 17500, 18000 and 19000 Hz.
+  // Levels at 17000, 17500, 18000 and 19000 Hz: the sums so far, and from block 30 on the means.
   const std::vector<double>& Ambient() const { return m_Ambient; }
 
 private:
   enum Place { k17000 = 0, k19000 = 3 };
 
-  void Say(Step step, detector::Tone tone = {}, int number = 0, std::vector<double> values = {}) {
+  void AddReport(Step step, detector::Tone tone = {}, int number = 0, std::vector<double> values = {}) {
     m_Reports.push_back({step, buffer, tone, number, std::move(values)});
   }
 
   void LearnAmbient(const std::vector<double>& block) {
     for (std::size_t i = 0; i < block.size(); ++i) {
-      m_Ambient[i] = analysed < 30 ? m_Ambient[i] + block[i] : analysed == 30 ? m_Ambient[i] / 30 : m_Ambient[i];
+      if (analysed < 30) {
+        m_Ambient[i] += block[i];
+      } else if (analysed == 30) {
+        m_Ambient[i] /= 30;
+      }
     }
     if (analysed == 30) {
       progress = 1;
-      Say(Step::kAmbientKnown, {}, 0, m_Ambient);
+      AddReport(Step::kAmbientKnown, {}, 0, m_Ambient);
     }
   }
 
   // `own` is the magnitude of the tone that stands out, `other` that of the other tone.
-  void Find(detector::Tone tone, double own, double other, double ratio) {
+  void HandleTone(detector::Tone tone, double own, double other, double ratio) {
     const int sign = tone == detector::Tone::k17000Hz ? 1 : -1;
     double& floor = sign > 0 ? m_Floor17 : m_Floor19;
     if (ratio < 5) {
-      Say(Step::kNoisyTone, tone, ++noisy);
+      AddReport(Step::kNoisyTone, tone, ++noisy);
       progress = noisy > 10 ? 0 : progress;
       if (noisy > 10 && sign < 0) {
-        Say(Step::kAbnormalInput);
+        AddReport(Step::kAbnormalInput);
       }
     } else if (direction == 0) {
-      Begin(tone, sign, other);
+      TakeFirstTone(tone, sign, other);
     } else if (direction == sign || finished) {
       return;
     } else if (buffer - m_First > 19 || own < floor) {
-      Say(Step::kSequenceError, tone, m_First, {floor});
-      Begin(tone, sign, other);
+      AddReport(Step::kSequenceError, tone, m_First, {floor});
+      TakeFirstTone(tone, sign, other);
     } else {
       floor = own;
       seconds = -sign * (buffer - m_First) * kVoiceBlockSamples / kVoiceRateHz;
-      Say(Step::kPair, tone, m_First, {seconds});
+      AddReport(Step::kPair, tone, m_First, {seconds});
     }
   }
-  // What there is of the other tone already is the least that its own block has to bring.
-  void Begin(detector::Tone tone, int sign, double other) {
+  // The other tone must later be at least as strong as it is within this block already.
+  void TakeFirstTone(detector::Tone tone, int sign, double other) {
     m_First = buffer;
     direction = sign;
     progress = 1;
     double& floor = sign > 0 ? m_Floor19 : m_Floor17;
     floor = other > floor ? other : floor;
-    Say(Step::kFirstTone, tone, 0, {floor});
+    AddReport(Step::kFirstTone, tone, 0, {floor});
   }
 
   std::vector<double> m_Ambient = std::vector<double>(4, 0.0);
-  double m_Floor17 = 0.0;  // that a second tone has to reach
+  double m_Floor17 = 0.0;  // magnitudes that a second tone has to reach
   double m_Floor19 = 0.0;
   int m_First = 0;
   std::vector<Report> m_Reports;

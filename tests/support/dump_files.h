@@ -40,8 +40,8 @@ inline int OpenDescriptorsOf(const std::string& name) {
   return count;
 }
 
-// The files of this process' recordings. This object deletes them, whatever lies under their names: at its beginning
-// what an earlier process of the same number has left, at its end those of its own time.
+// The files of this process's recordings. The constructor deletes what an earlier process with the same process
+// number has left under their names, and the destructor what lies there by then.
 class DumpFiles {
 public:
   DumpFiles() { DeleteAll(); }

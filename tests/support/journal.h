@@ -1,4 +1,4 @@
-// What the journal of a world gained, and parts of it.
+// The texts that a world's journal gains during an action, and functions that pick some of them.
 #pragma once
 
 #include <algorithm>
@@ -12,7 +12,7 @@ namespace orvex::test {
 
 using Texts = std::vector<std::string>;
 
-// Every "0x…" reads "<address>".
+// Replaces every "0x…" by "<address>".
 inline std::string WithoutAddresses(const std::string& text) {
   std::string result;
   for (std::size_t i = 0; i < text.size(); ++i) {
@@ -29,7 +29,7 @@ inline std::string WithoutAddresses(const std::string& text) {
   return result;
 }
 
-// The texts that the journal gains during `action`, without addresses. What was in the journal before is forgotten.
+// The texts that the journal gains during `action`, without addresses. The journal is cleared before.
 template <class Action>
 Texts During(world::World& world, Action action) {
   world.journal.Clear();
@@ -64,7 +64,7 @@ inline Texts LastOf(const Texts& texts, std::size_t count) {
   return {texts.end() - static_cast<std::ptrdiff_t>(std::min(count, texts.size())), texts.end()};
 }
 
-// Functions that logged a line of this text, in order: the empty lines differ in nothing else.
+// The functions that logged a line of this text, in order. Only by them can empty lines be told apart.
 inline Texts FunctionsThatLogged(const world::Journal& journal, const std::string& text) {
   Texts functions;
   for (const world::Entry& entry : journal.Entries()) {

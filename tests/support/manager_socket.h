@@ -15,7 +15,7 @@
 
 namespace orvex::test {
 
-// The service manager's end: a datagram socket of the given name, "@" for an abstract one.
+// The service manager's end: a datagram socket of the given name, an abstract one if the name begins with "@".
 class ManagerSocket {
 public:
   explicit ManagerSocket(const std::string& name) : m_Fd(socket(AF_UNIX, SOCK_DGRAM | SOCK_NONBLOCK, 0)) {

@@ -1,4 +1,4 @@
-// WAV files for the sound player, in bytes and in a file of their own.
+// WAV files for the sound player, as bytes and as temporary files.
 #pragma once
 
 #include <unistd.h>
@@ -35,7 +35,8 @@ inline Bytes ChunkHeader(const std::string& identifier, std::uint32_t size) {
   return Joined({Bytes(identifier.begin(), identifier.end()), LittleEndian(size, 4)});
 }
 
-// "RIFF", size, "WAVE" and a format chunk that says `formatSize`: the plain 16 bytes and what `extension` adds.
+// "RIFF", size, "WAVE" and a format chunk of the plain 16 bytes and `extension`; `formatSize` is the size in its
+// header.
 inline Bytes WaveBeginning(std::uint32_t formatSize = 16, const Bytes& extension = {}) {
   const Bytes wave = {'W', 'A', 'V', 'E'};
   const Bytes format = Joined({LittleEndian(1, 2), LittleEndian(2, 2), LittleEndian(48000, 4), LittleEndian(192000, 4),
@@ -47,7 +48,7 @@ inline Bytes WaveOf(const Bytes& sound) {
   return Joined({WaveBeginning(), ChunkHeader("data", static_cast<std::uint32_t>(sound.size())), sound});
 }
 
-// A file that is there for as long as this object lives, or until Remove().
+// A file that exists until Remove() or the destructor deletes it.
 class TemporaryFile {
 public:
   explicit TemporaryFile(const Bytes& content) {
