@@ -1,7 +1,7 @@
-// bare_player FILE.wav: what a program costs that initialises Ecore, plays FILE on "hw:0,8" from its first job and
-// ends.
+// bare_player FILE.wav: the program that the service's costs are compared with. It initialises Ecore, plays FILE on
+// "hw:0,8" from its first job, and ends.
 //
-// Prints the time of that job and its peak memory: microseconds since the epoch, KiB.
+// Prints the time at which that job began, in microseconds since the epoch, and the peak memory in KiB.
 #include <Ecore.h>
 #include <alsa/asoundlib.h>
 

@@ -1,4 +1,4 @@
-// One block of the remote's audio through the receiver's callback, against the arithmetic that it cannot do without.
+// Compares the receiver's callback for one block of the remote's audio with the arithmetic that it cannot do without.
 #include <benchmark/benchmark.h>
 
 #include <array>
@@ -32,7 +32,7 @@ Samples QuietRoom() {
   return samples;
 }
 
-// The angles, ready to be read: the floor has nothing but their sines and cosines to compute.
+// The angles, computed in advance: Floor() is left with their sines and cosines and the multiply-adds.
 std::array<std::array<double, kVoiceBlockSamples>, kFrequenciesHz.size()> Angles() {
   constexpr double kTwoPi = 6.283185307179586;
   std::array<std::array<double, kVoiceBlockSamples>, kFrequenciesHz.size()> angles{};
@@ -84,7 +84,7 @@ void Deliver(benchmark::State& state) {
     OrvexReceiver::m_ReceiveBTAudioDataCB(&record, &receiver);
   }
   if (receiver.GetSoundType() != 1 || receiver.GetDirection() != 0) {
-    state.SkipWithError("not what a quiet room gives: an ambient level and no tone");
+    state.SkipWithError("expected what a quiet room gives: an ambient level and no tone");
   }
 }
 

@@ -1,4 +1,5 @@
-// From sending on another thread to the handler on the main loop: an event of the framework, and Ecore's own call.
+// Measures the time from sending on another thread to the handler on the main loop, for an event of the framework and
+// for Ecore's own asynchronous call.
 #include <Ecore.h>
 #include <benchmark/benchmark.h>
 #include <semaphore.h>
@@ -16,7 +17,7 @@ using Clock = std::chrono::steady_clock;
 constexpr std::int32_t kMeasured = 1;
 constexpr std::int32_t kEnd = 2;
 
-// Taken by the handler, then handed to the sender.
+// The time at which the handler was called, handed over to the sending thread.
 struct Arrival {
   Arrival() { sem_init(&isThere, 0, 0); }
   ~Arrival() { sem_destroy(&isThere); }
@@ -38,13 +39,13 @@ struct Arrival {
 };
 Arrival arrival;
 
-// One at a time: the main loop sleeps when the next one is sent.
+// Sends one event at a time, so that the main loop sleeps when it is sent.
 template <typename Send>
 void Measure(benchmark::State& state, const Send& send) {
   for ([[maybe_unused]] const auto iteration : state) {
     const Clock::time_point sent = Clock::now();
     if (!send()) {
-      state.SkipWithError("it was not taken");
+      state.SkipWithError("the event was not accepted");
       return;
     }
     state.SetIterationTime(std::chrono::duration<double>(arrival.Wait() - sent).count());

@@ -1,6 +1,7 @@
 // orvex_run_bench COSTS RUNS: what whole runs cost and how long they take, as one JSON object with every single figure.
 //
-// COSTS runs of the service and of the bare program, one at a time, then RUNS runs for their times, several at a time.
+// Measures the costs of COSTS runs of the service and of the bare program, one at a time, then the times of RUNS runs
+// of the service, several at a time.
 #include <json/value.h>
 #include <json/writer.h>
 

@@ -30,7 +30,7 @@ using runs::TextPattern;
 using Lines = std::vector<LogLine>;
 using Microseconds = std::chrono::microseconds;
 
-constexpr int kBaseDelayMs = 300;  // more than any difference, so that each can be taken off
+constexpr int kBaseDelayMs = 300;  // more than any difference, so that each can be subtracted
 
 double Ms(Microseconds time) {
   return std::chrono::duration<double, std::milli>(time).count();
@@ -52,7 +52,7 @@ Iterator Find(Iterator begin, Iterator end, const std::string& pattern) {
   return std::find_if(begin, end, [&](const LogLine& line) { return expected.Matches(line.text); });
 }
 
-// Nobody reads along while it runs: on a busy machine that would be measured, too.
+// Reads the log only when the service has ended: on a busy machine, reading meanwhile would be measured, too.
 ProcessCost MeasureServiceTimes(const TestTelevision& television) {
   const Microseconds begin = Now();
   ServiceRun run(television, {});
@@ -66,16 +66,16 @@ ProcessCost MeasureServiceTimes(const TestTelevision& television) {
 
 double MeasureServiceMemoryKib(const TestTelevision& television) {
   ServiceRun run(television, {});
-  // What comes behind this line is waiting for the end of the sound.
+  // After this line the service only waits for the end of the sound.
   if (!run.WaitFor("ORVEX_EXIT")) {
-    throw std::runtime_error("the service did not come to its last event");
+    throw std::runtime_error("the service did not reach its last event");
   }
   const long peakKib = run.ReadPeakMemoryKib();
   RequireSuccess(run.WaitForEnd(), ORVEX_SERVICE_PROGRAM);
   return static_cast<double>(peakKib);
 }
 
-// The service has left its ALSA configuration on this television.
+// Uses the ALSA configuration that a run of the service has left on this television.
 ProcessCost MeasureBare(const TestTelevision& television) {
   const auto output = television.PathOf("bare.output");
   const Microseconds begin = Now();
@@ -113,8 +113,9 @@ sim::RoomConfig RoomOf(std::uint64_t seed, double differenceMs) {
   return room;
 }
 
-// The recording up to the end of the ambient phase, its last block's way, the sound up to the first pair, the way of
-// the tone that comes first, the difference, a buffer for each tone to be collected in, the last block's way.
+// The least time from the start of the recording to a result, in this order: the ambient phase, the transmission of
+// its last block, the sound's lead-in, the way of the tone that comes first, the difference, a buffer for each tone
+// to be collected in, and the transmission of the last block.
 double DemandedMs(const sim::RoomConfig& room, double differenceMs) {
   constexpr int kAmbientBuffers = 35;
   constexpr int kToneBuffers = 2;
