@@ -1,4 +1,4 @@
-// Takes an input apart from its front. Behind its end everything is 0.
+// Reads an input from its front to its end. Beyond the end every byte is 0.
 #pragma once
 
 #include <algorithm>
@@ -21,8 +21,8 @@ public:
   const auto& Pick(const List& list) {
     return list[static_cast<std::size_t>(Below(std::size(list)))];
   }
-  // An order: a small letter stands for itself, every other byte for one of 32 letters and marks, so that a list of
-  // orders can be read in a seed and every input is one.
+  // The letter of a command. A lower-case letter stands for itself, every other byte for one of 32 letters and marks:
+  // seeds are readable lists of commands, and every input is such a list.
   char Letter() { return static_cast<char>('`' + Byte() % 32); }
   // At most `count` bytes, as many as are left.
   std::vector<std::uint8_t> Bytes(std::size_t count) {

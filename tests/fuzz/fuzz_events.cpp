@@ -1,7 +1,8 @@
-// What happens to a run, in any order and at any time: events, settings, messages, voice, failures and ends. The rules
-// that every run keeps are checked when it is over.
+// Sends a run events, settings, messages and voice, lets operations fail and ends it, in any order and at any time.
+// When the run is over, checks the rules that every run has to keep.
 //
-// An input is a byte for the television, then a list of orders, a letter and its arguments, one byte each:
+// An input is a byte for the state of the television, then a list of commands: a letter and its arguments, one byte
+// each.
 //   w N    N * 4 ms pass
 //   e N    event 10000 + N % 9
 //   v K N  N % 40 + 1 blocks of the remote, 16.5 ms each, of kind K: click, 17 kHz, 19 kHz, noisy 19 kHz, loud 17 kHz
@@ -27,7 +28,7 @@ using namespace orvex::runs;
 
 constexpr int kMostBlocks = 120;
 constexpr int kMostFaults = 2;
-constexpr int kMostOrders = 60;
+constexpr int kMostCommands = 60;
 
 const std::vector<std::int16_t>& Block(int kind) {
   static const std::vector<std::int16_t> kBlocks[] = {orvex::test::Ambient(), orvex::test::Tone(17000, 5000),
@@ -36,7 +37,7 @@ const std::vector<std::int16_t>& Block(int kind) {
   return kBlocks[static_cast<std::size_t>(kind) % std::size(kBlocks)];
 }
 
-// A run of which the input is the author.
+// A run to which happens what the input says.
 class FuzzedRun {
 public:
   FuzzedRun(ByteReader& input, const std::string& soundFile) : m_Input(input), m_Run(soundFile) {}
@@ -44,8 +45,8 @@ public:
   void Perform() {
     PrepareTelevision();
     Require(m_Run.Start(), "there is an application");
-    for (int order = 0; order < kMostOrders && !m_Input.IsAtEnd() && !m_Run.world.HasEnded(); ++order) {
-      ApplyOrder(m_Input.Letter());
+    for (int count = 0; count < kMostCommands && !m_Input.IsAtEnd() && !m_Run.world.HasEnded(); ++count) {
+      ApplyCommand(m_Input.Letter());
       m_Run.world.AdvanceMs(0);
     }
     static_cast<void>(m_Run.ToEnd());
@@ -61,8 +62,8 @@ private:
     m_Run.world.settings[kConsentKey] = bits >> 3 & 1;
     m_Run.world.volume = bits >> 4;
   }
-  void ApplyOrder(char order) {
-    switch (order) {
+  void ApplyCommand(char command) {
+    switch (command) {
       case 'w':
         m_Run.world.AdvanceMs(4.0 * m_Input.Byte());
         break;
@@ -125,7 +126,7 @@ private:
     const long result = m_Input.Pick(operation.results);
     const int call = m_Input.Byte();
     const std::string name = operation.name;
-    // Without its events, or without its time limit, nothing has to end a run.
+    // A run whose events or whose time limit are missing need not end; those never fail here.
     if (name == "SendEvent" || name == "ecore_timer_add" || m_Faults++ >= kMostFaults) {
       return;
     }

@@ -1,8 +1,9 @@
-// Bytes through a connection of the message socket, over its parser, to the service's message handler: each line gets
-// one answer, however the stream is cut.
+// Sends bytes through a connection of the message socket and its parser to the service's message handler, and checks
+// that each line gets one answer, however the bytes are split.
 //
-// The first byte says in pieces of how many bytes the rest arrives, but for very long ones; its highest bit allows
-// events to be injected. A byte 1 stands for 16384 blanks, which no JSON minds: a few make a line that is too long.
+// The first byte says in pieces of how many bytes the rest arrives, unless the rest is very long; its highest bit
+// allows events to be injected. A byte of value 1 stands for 16384 blanks, which JSON ignores: a few of them make a
+// line that is too long.
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -44,7 +45,7 @@ public:
     Require(send(m_Fd, bytes.data(), bytes.size(), MSG_NOSIGNAL) == static_cast<ssize_t>(bytes.size()), "room to send");
     Serve();
   }
-  // What was answered to everything.
+  // Ends the client's stream and returns all answers.
   std::string End() {
     Require(shutdown(m_Fd, SHUT_WR) == 0, "an end to send");
     for (int turn = 0; turn < 3 && m_Client != nullptr; ++turn) {
@@ -86,7 +87,7 @@ bool IsError(const std::string& answer) {
   return !root.empty();
 }
 
-// At most six times the blanks.
+// The input with blanks in place of its bytes of value 1; of at most six, so that the text does not become too long.
 std::string WithBlanks(const std::string& input) {
   constexpr std::size_t kBlanks = 16384;
   constexpr std::size_t kMostBytes = 5 * kBlanks;

@@ -1,5 +1,6 @@
-// The texts of a virtual television, read by the parsers of its files. The first line's first letter says which file it
-// is: "room", "faults", "number" (the next line holds name and text), "writes" (writers of one settings key).
+// Gives texts to the parsers of a virtual television's files. The first letter of the first line says which file it is:
+// "room", "faults", "number" (the next line is the name of the value, the rest its text), or "writes" (writes to one
+// settings key).
 #include <unistd.h>
 
 #include <algorithm>
@@ -48,8 +49,8 @@ const std::filesystem::path& Directory() {
   return folder.Path();
 }
 
-// Rooms whose tails take long to compute are not heard.
-void HearRoom(const sim::RoomConfig& config) {
+// Leaves out rooms whose reverberation takes long to compute.
+void SimulateRoom(const sim::RoomConfig& config) {
   if (config.tv.rt60S > 0.3 || config.optical.rt60S > 0.3 || !config.noiseFile.empty()) {
     return;
   }
@@ -67,7 +68,7 @@ void ReadRoom(const std::string& text) {
     sim::CheckRoom(room, "room.json");
     Require(sim::ParseRoom(sim::RoomToJson(room), "room.json") == room, "the room read back is the room written");
     Require(std::isfinite(sim::ActualMicrophoneRateHz(room)), "a room has a microphone");
-    HearRoom(room);
+    SimulateRoom(room);
   } catch (const sim::RoomError& error) {
     Require(std::string(error.what()).rfind("room.json: ", 0) == 0, "an error names the file");
   }
@@ -114,8 +115,9 @@ void WriteValue(const std::string& name, const std::string& text) {
   }
 }
 
-// Writers of one key, as the settings store sees them: 'r' by rename, 'o' into the file, 'd' deletes it; 'c' and 'l'
-// look as at a creation and at a closing.
+// Changes the file of one key in every way that the settings store may see: 'r' renames another file to it, 'o'
+// writes into it, 'd' deletes it. 'c' and 'l' look for a change as after the file was created and as after it was
+// closed.
 void WatchKey(ByteReader& input) {
   const std::filesystem::path file = Directory() / "settings/key";
   std::filesystem::remove(file);

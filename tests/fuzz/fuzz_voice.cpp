@@ -1,7 +1,7 @@
-// Voice blocks through the shipped receiver: its magnitudes are those of the samples, and what it reports follows from
-// them.
+// Delivers voice blocks to the shipped receiver, and checks that its magnitudes are those of the samples and that its
+// reports follow from the magnitudes.
 //
-// An input is a list of orders, a letter and its arguments, one byte each; 400 blocks are the most.
+// An input is a list of commands: a letter and its arguments, one byte each. At most 400 blocks are delivered.
 //   a N        N % 64 + 1 blocks of the same faint click
 //   o N        N % 64 + 1 lost blocks
 //   l A, h A   a block of 17 kHz, of 19 kHz; amplitudes are 64 A
@@ -85,7 +85,7 @@ double Magnitude(const Wave& wave, const Bytes& bytes) {
   return std::hypot(re, im);
 }
 
-// The magnitudes of one block; those of blocks that come again and again are known.
+// Checks the magnitudes of blocks; computes those of a block that repeats the one before only once.
 class Levels {
 public:
   void RequireOf(const ToneMagnitudes& measured, const Bytes& bytes) {
@@ -181,21 +181,32 @@ private:
   bool m_Hearable = false;
 };
 
-void HearTones(char order, ByteReader& input, Recording& recording) {
-  const int one = input.Byte();
-  const int other = order == 'l' || order == 'h' ? 0 : input.Byte();
-  const Wave& wave = order == 'h' || order == 'y' ? k19000 : k17000;
-  const Wave& beside = order == 'n' ? k18000 : order == 'y' ? k17500 : k19000;
-  recording.Hear(Mix(wave, one, beside, other));
+// The frequency that a command adds to its tone.
+const Wave& AddedWave(char command) {
+  switch (command) {
+    case 'n':
+      return k18000;
+    case 'y':
+      return k17500;
+    default:
+      return k19000;
+  }
 }
 
-void FollowOrder(char order, ByteReader& input, Recording& recording) {
-  switch (order) {
+void HearTones(char command, ByteReader& input, Recording& recording) {
+  const int one = input.Byte();
+  const int other = command == 'l' || command == 'h' ? 0 : input.Byte();
+  const Wave& wave = command == 'h' || command == 'y' ? k19000 : k17000;
+  recording.Hear(Mix(wave, one, AddedWave(command), other));
+}
+
+void ApplyCommand(char command, ByteReader& input, Recording& recording) {
+  switch (command) {
     case 'a':
     case 'o': {
       const Bytes ambience = Click(4);
       for (int left = input.Below(64) + 1; left > 0 && !recording.IsFull(); --left) {
-        order == 'a' ? recording.Hear(ambience) : recording.Lose();
+        command == 'a' ? recording.Hear(ambience) : recording.Lose();
       }
       break;
     }
@@ -204,7 +215,7 @@ void FollowOrder(char order, ByteReader& input, Recording& recording) {
     case 'm':
     case 'n':
     case 'y':
-      HearTones(order, input, recording);
+      HearTones(command, input, recording);
       break;
     case 'c':
       recording.Hear(Click(128 * input.Byte()));
@@ -242,8 +253,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   ByteReader input(data, size);
   Recording recording;
   while (!input.IsAtEnd() && !recording.IsFull()) {
-    const char order = input.Letter();
-    FollowOrder(order, input, recording);
+    const char command = input.Letter();
+    ApplyCommand(command, input, recording);
   }
   return 0;
 }

@@ -1,5 +1,5 @@
-// Bytes as the test sound's WAV file, through the shipped player: it plays just what the file holds, and takes no
-// memory for what a header only promises.
+// Gives bytes to the shipped player as the test sound's WAV file, and checks that it plays exactly what the file
+// holds and takes no memory for data that a header promises but the file lacks.
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -17,7 +17,7 @@ using orvex::world::World;
 
 constexpr std::size_t kFormatEnd = 36;  // RIFF header and plain format chunk
 constexpr std::size_t kDataHeader = 8;
-// More is refused, as a small television does: the address sanitizer itself takes an eighth of every block.
+// A larger allocation fails, as on a small television: the address sanitizer takes another eighth of every block.
 constexpr std::int64_t kMostMemory = 64 << 20;
 constexpr double kLongestPlayMs = 1500;
 
@@ -36,7 +36,7 @@ private:
   int m_Fd;
 };
 
-// What there is to be played. The headers are trusted: only the two sizes count, and what is missing is 0.
+// What the player has to play. Of the headers only the two sizes count, which are trusted; missing bytes are 0.
 struct Sound {
   Sound(const std::uint8_t* bytes, std::size_t count) {
     if (count < kFormatEnd) {
@@ -60,7 +60,7 @@ struct Sound {
     const auto byte = [&](std::size_t at) { return at < held.size() ? held[at] : 0U; };
     return static_cast<std::int16_t>(byte(2 * index) | byte(2 * index + 1) << 8U);
   }
-  // That are played: whole frames.
+  // The number of samples that are played: those of whole frames, none of a sound for which there is no memory.
   std::size_t Samples() const { return length <= kMostMemory ? static_cast<std::size_t>(length / 4 * 2) : 0; }
 
   std::int64_t length = 0;         // bytes
@@ -108,7 +108,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     player.StopWave();
     world.scheduler.UnwindAll();
   }
-  // Of a sound that goes on for longer.
+  // Frees what the player still holds of a sound that is longer than the test.
   while (!world.openBlocks.empty()) {
     std::free(*world.openBlocks.begin());
   }

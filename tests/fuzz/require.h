@@ -1,4 +1,4 @@
-// What a fuzz target asserts: a run that breaks it ends the process, and libFuzzer keeps the input.
+// Assertions of the fuzz targets. One that does not hold ends the process, and libFuzzer keeps the input.
 #pragma once
 
 #include <cstdlib>
