@@ -13,7 +13,7 @@
 namespace orvex::tools {
 namespace {
 
-// The value, or what is said instead.
+// The value, or the message with which it is refused.
 std::string Parse(const std::string& text, const CLI::Validator& validator) {
   CLI::App app;
   std::optional<std::uint64_t> value;

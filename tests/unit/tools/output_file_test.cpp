@@ -1,4 +1,4 @@
-// Files that a tool writes: what is refused before anything is written, and what takes the place of what was there.
+// Files that a tool writes: which names it refuses before it writes anything, and when it replaces an existing file.
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -86,7 +86,7 @@ TEST_F(OutputFileTest, KeepsWhatIsThereWhenTheWorkFails) {
   EXPECT_EQ(1, FileCount());
 }
 
-// In a process of its own, which may write files of 100 bytes only.
+// Runs in a process of its own, as it limits the size of the files that the process may write to 100 bytes.
 int FailToFill(const std::string& path) {
   std::signal(SIGXFSZ, SIG_IGN);
   const rlimit limit{100, 100};
@@ -149,12 +149,12 @@ TEST_F(OutputFileTest, RefusesOneOfTheOtherFilesByWhateverName) {
     EXPECT_EQ(name + ": the same file as " + m_Old + ", expected another one", Refusal(name, {"/nonexistent", m_Old}));
     EXPECT_EQ(m_Old + ": the same file as " + name + ", expected another one", Refusal(m_Old, {name}));
   }
-  // Neither is there yet.
+  // Two names of the same file, which does not exist yet.
   EXPECT_THAT(Refusal(m_Folder / "new", {folder + "/new"}), HasSubstr("the same file as"));
   EXPECT_EQ("accepted", Refusal(m_Folder / "new", {m_Old, "-", m_Folder / "other"}));
 }
 
-// In a process of its own: what stands in place of `stream` is one of the files.
+// Runs in a process of its own, as it redirects one of the standard streams to the file.
 int RefusedBeside(int stream, const std::string& path) {
   ::dup2(::open(path.c_str(), O_RDWR), stream);
   try {
@@ -166,7 +166,7 @@ int RefusedBeside(int stream, const std::string& path) {
   }
 }
 
-TEST_F(OutputFileTest, RefusesWhatAStandardStreamIsLedTo) {
+TEST_F(OutputFileTest, RefusesTheFileToWhichAStandardStreamIsRedirected) {
   EXPECT_EXIT(std::_Exit(RefusedBeside(STDIN_FILENO, m_Old)), testing::ExitedWithCode(1), "the same file as -,");
   EXPECT_EXIT(std::_Exit(RefusedBeside(STDOUT_FILENO, m_Old)), testing::ExitedWithCode(1),
               "standard output goes there");

@@ -48,37 +48,37 @@ void Close() {
   ::close(STDOUT_FILENO);
 }
 
-// In a process of its own, as main() would.
-[[noreturn]] void End(void (*prepare)(), int (*work)()) {
+// Runs the work as main() does, in a process of its own, as it ends that.
+[[noreturn]] void RunAndExit(void (*prepare)(), int (*work)()) {
   prepare();
   std::_Exit(RunWithStandardOutput("tool", kFailure, work));
 }
 
 TEST(StandardOutput, ThatCannotBeWrittenIsAnErrorWithItsCause) {
-  EXPECT_EXIT(End(UseFullDevice, PrintLittle), ExitedWithCode(kFailure),
+  EXPECT_EXIT(RunAndExit(UseFullDevice, PrintLittle), ExitedWithCode(kFailure),
               "^tool: standard output: cannot be written: No space left on device\n$");
-  EXPECT_EXIT(End(UsePipeWithoutReader, PrintLittle), ExitedWithCode(kFailure),
+  EXPECT_EXIT(RunAndExit(UsePipeWithoutReader, PrintLittle), ExitedWithCode(kFailure),
               "^tool: standard output: cannot be written: Broken pipe\n$");
-  EXPECT_EXIT(End(Close, PrintLittle), ExitedWithCode(kFailure),
+  EXPECT_EXIT(RunAndExit(Close, PrintLittle), ExitedWithCode(kFailure),
               "^tool: standard output: cannot be written: Bad file descriptor\n$");
 }
 
-// Then it has failed before the end, and the cause is not known any more.
+// The output fails before the work ends in this case, so that its cause is no longer known at the end.
 TEST(StandardOutput, ThatCannotBeWrittenIsAnErrorAlsoWhenMoreWasPrintedThanItsBufferHolds) {
   for (void (*const prepare)() : {UseFullDevice, UsePipeWithoutReader, Close}) {
-    EXPECT_EXIT(End(prepare, PrintMuch), ExitedWithCode(kFailure), "^tool: standard output: cannot be written");
+    EXPECT_EXIT(RunAndExit(prepare, PrintMuch), ExitedWithCode(kFailure), "^tool: standard output: cannot be written");
   }
 }
 
 TEST(StandardOutput, LeavesTheExitCodeAsItIsWhenNothingIsLost) {
   const auto nothing = [] {};
-  EXPECT_EXIT(End(nothing, PrintLittle), ExitedWithCode(0), "^$");
-  EXPECT_EXIT(End(nothing, [] { return 1; }), ExitedWithCode(1), "^$");
-  EXPECT_EXIT(End(UseFullDevice, [] { return 0; }), ExitedWithCode(0), "^$");  // nothing was printed
+  EXPECT_EXIT(RunAndExit(nothing, PrintLittle), ExitedWithCode(0), "^$");
+  EXPECT_EXIT(RunAndExit(nothing, [] { return 1; }), ExitedWithCode(1), "^$");
+  EXPECT_EXIT(RunAndExit(UseFullDevice, [] { return 0; }), ExitedWithCode(0), "^$");  // nothing was printed
 }
 
 TEST(StandardOutput, ThatCannotBeWrittenLeavesAWorseExitCode) {
-  EXPECT_EXIT(End(UseFullDevice, [] { return PrintLittle() + 7; }), ExitedWithCode(7), "cannot be written");
+  EXPECT_EXIT(RunAndExit(UseFullDevice, [] { return PrintLittle() + 7; }), ExitedWithCode(7), "cannot be written");
 }
 
 TEST(StandardOutput, ThatIsClosedIsNotReplacedByAFileThatIsOpened) {
@@ -86,13 +86,15 @@ TEST(StandardOutput, ThatIsClosedIsNotReplacedByAFileThatIsOpened) {
   const std::string path = folder / "file";
   static const char* name;
   name = path.c_str();
-  EXPECT_EXIT(End(Close, [] { return ::open(name, O_WRONLY | O_CREAT, 0600) > STDERR_FILENO ? PrintLittle() : 99; }),
-              ExitedWithCode(kFailure), "cannot be written");
+  EXPECT_EXIT(
+      RunAndExit(Close, [] { return ::open(name, O_WRONLY | O_CREAT, 0600) > STDERR_FILENO ? PrintLittle() : 99; }),
+      ExitedWithCode(kFailure), "cannot be written");
   EXPECT_EQ("", folder.Read("file"));
 }
 
-TEST(StandardOutput, LeavesTheDefaultToWhatTheToolStarts) {
-  EXPECT_EXIT(End([] {}, [] { return std::system("kill -PIPE $$") == SIGPIPE ? 5 : 0; }), ExitedWithCode(5), "^$");
+TEST(StandardOutput, LeavesSigpipeAtItsDefaultInProgramsThatTheToolStarts) {
+  EXPECT_EXIT(RunAndExit([] {}, [] { return std::system("kill -PIPE $$") == SIGPIPE ? 5 : 0; }), ExitedWithCode(5),
+              "^$");
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// A recording as the report sees it, held against what the receiver itself reported about it.
+// Compares what the report finds in a recording with what the receiver itself reported about it.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -83,8 +83,8 @@ TEST(ReplayFindings, AgreeWithTheReceiverAboutBlocksOfAllKinds) {
   }
 }
 
-// The receiver counts each noisy tone, and so its limits show in tones that are noisy and weak, and in strong ones that
-// are hardly noisy.
+// The receiver reports each noisy tone, which shows where its limits are: that of the level in noisy tones of rising
+// strength, that of the noise in strong tones with a rising neighbour.
 TEST(ReplayFindings, AgreeWithTheReceiverAroundItsThresholds) {
   constexpr int kBlocks = 200;
   for (const double frequencyHz : {17000.0, 19000.0}) {
@@ -141,7 +141,7 @@ TEST(ReplayRecord, TellsALateSecondToneFromAWeakOne) {
   EXPECT_EQ(Tone::k19000Hz, late[0].tone);
   EXPECT_TRUE(late[0].IsTooLate());
 
-  // With the first tone came 19 kHz at two thirds of its level, more than the second tone has.
+  // The first tone's block also has 19 kHz at two thirds of its level, which is more than the second tone has.
   const auto weak = ReplayRecord(MakeRecording(Ambient() + "b" + std::string(18, '.') + "6")).GetSequenceErrors();
   ASSERT_EQ(1u, weak.size());
   EXPECT_EQ(55, weak[0].buffer);
@@ -161,7 +161,7 @@ TEST(ReplayRecord, RaisesWhatASecondToneMustReachWithEachPair) {
   EXPECT_EQ(41, floors[1].to);
   EXPECT_EQ(run.GetBlocks()[39 - 5].levels.at19000, floors[1].level);
   EXPECT_EQ(run.GetBlocks()[41 - 5].levels.at19000, floors[2].level);
-  // The weaker one is a new first tone.
+  // The last tone, which is weaker, becomes a new first tone.
   EXPECT_EQ(Tone::k17000Hz, floors[3].tone);
   ASSERT_EQ(1u, run.GetSequenceErrors().size());
   EXPECT_EQ(44, run.GetSequenceErrors()[0].buffer);

@@ -202,7 +202,7 @@ TEST(ReplayLines, FindNoToneInTheHearableMode) {
   EXPECT_TRUE(lines.back()["difference_s"].isNull());
 }
 
-// Blocks that the remote has lost count as buffers, and are soon received.
+// Blocks that the remote has lost count as buffers, and the receiver is quickly done with them.
 void Lose(std::int32_t blocks, ReceiverRig& rig) {
   for (std::int32_t block = 0; block < blocks; ++block) {
     rig.Lose();

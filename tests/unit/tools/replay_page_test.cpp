@@ -23,7 +23,7 @@ using testing::StartsWith;
 
 constexpr int kSeconds = 4;
 
-// What the remote hears of the test sound, which begins 0.7 s after the recording.
+// What the remote records of the test sound, which begins 0.7 s after the recording.
 std::vector<std::uint8_t> RecordInRoom(const sim::RoomConfig& config) {
   sim::Room room(config);
   const std::vector<std::int16_t> sound = GenerateSound({});
@@ -48,7 +48,7 @@ std::string PageOf(const std::vector<std::uint8_t>& bytes, const std::string& fi
 }
 
 // What holds for the page of every recording.
-void ExpectSound(const Json::Value& seen) {
+void ExpectFlawlessPage(const Json::Value& seen) {
   EXPECT_EQ(Json::Value(Json::arrayValue), seen["errors"]);
   EXPECT_EQ(0, seen["resources"].asInt());
   EXPECT_LE(seen["overflow"].asInt(), 0);
@@ -78,7 +78,7 @@ class ReplayPageInABrowser : public testing::Test {
 protected:
   void SetUp() override {
     if (!HasBrowser()) {
-      GTEST_SKIP() << "chromium is not installed, so nobody looks at the page; the Debian package chromium has it";
+      GTEST_SKIP() << "chromium is not installed, so the page is not shown; the Debian package chromium has it";
     }
   }
   const TemporaryFolder m_Folder;
@@ -92,7 +92,7 @@ TEST_F(ReplayPageInABrowser, ShowsThePairOfAGoodRun) {
   const auto result = run.FindFirst(EventKind::kResult);
   ASSERT_TRUE(result);
   const Json::Value seen = LookAt(PageOf(bytes), 1280, result->first, m_Folder);
-  ExpectSound(seen);
+  ExpectFlawlessPage(seen);
   EXPECT_EQ("The optical output is 99.0 ms late", seen["headline"].asString());
   EXPECT_EQ("+99.0 ms", seen["facts"]["difference"].asString());
   for (const char* const chart : {"whole-tones", "whole-ratios", "whole-neighbours"}) {
@@ -124,7 +124,7 @@ TEST_F(ReplayPageInABrowser, ShowsWhyASilentOutputGaveNoDifference) {
   const auto bytes = RecordInRoom(room);
   const RunRecord run = ReplayRecord(bytes);
   const Json::Value seen = LookAt(PageOf(bytes), 1000, 60, m_Folder);
-  ExpectSound(seen);
+  ExpectFlawlessPage(seen);
   EXPECT_EQ("No difference: 19 kHz (optical output) was not found", seen["headline"].asString());
   EXPECT_THAT(seen["reasons"][1].asString(), HasSubstr("19 kHz (optical output) never reached its threshold"));
   const Json::Value& tones = seen["charts"]["whole-tones"];
@@ -141,7 +141,7 @@ TEST_F(ReplayPageInABrowser, ShowsNoisyTonesSequenceErrorsAndAbnormalInput) {
   const std::string far(19, '.');
   const auto bytes = MakeRecording(Ambient() + "7" + far + "9.x.." + std::string(10, 'y') + "....");
   const Json::Value seen = LookAt(PageOf(bytes), 1600, 56, m_Folder);
-  ExpectSound(seen);
+  ExpectFlawlessPage(seen);
   EXPECT_EQ("Given up: abnormal input", seen["headline"].asString());
   EXPECT_EQ("11", seen["facts"]["noisy tones"].asString());
   EXPECT_EQ("1", seen["facts"]["sequence errors"].asString());
@@ -159,7 +159,7 @@ TEST_F(ReplayPageInABrowser, ShowsANoisyRoom) {
   room.noiseDbfs = -25.0;
   const auto bytes = RecordInRoom(room);
   const Json::Value seen = LookAt(PageOf(bytes), 1280, 60, m_Folder);
-  ExpectSound(seen);
+  ExpectFlawlessPage(seen);
   EXPECT_EQ("No difference: neither tone was found", seen["headline"].asString());
   EXPECT_THAT(seen["reasons"][0].asString(), HasSubstr("17 kHz (television's speaker) never reached its threshold"));
   EXPECT_EQ(2, seen["charts"]["whole-tones"]["thresholds"].asInt());
@@ -171,7 +171,7 @@ TEST_F(ReplayPageInABrowser, StaysSmallForALongRecordingAndKeepsItsPeak) {
   const std::string page = PageOf(bytes);
   EXPECT_LT(page.size(), 250000u);
   const Json::Value seen = LookAt(page, 1280, 60, m_Folder);
-  ExpectSound(seen);
+  ExpectFlawlessPage(seen);
   const Json::Value& curve = seen["charts"]["whole-tones"]["curves"][0];
   EXPECT_LE(curve["points"].asUInt(), 2000u);
   EXPECT_GE(curve["points"].asUInt(), 1000u);

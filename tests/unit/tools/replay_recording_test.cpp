@@ -35,7 +35,7 @@ std::vector<std::int16_t> SamplesOf(const Recording& recording) {
   return samples;
 }
 
-// What is thrown at the reader of the file.
+// The message of the error that reading the file throws; empty when it throws none.
 std::string ErrorOf(const std::string& path) {
   try {
     ReadRecording(path);

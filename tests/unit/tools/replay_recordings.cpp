@@ -1,4 +1,4 @@
-// Makes recordings and replays them.
+// Maps the characters to sines, and feeds recordings to a receiver as orvex-replay does.
 #include "unit/tools/replay_recordings.h"
 
 #include <algorithm>

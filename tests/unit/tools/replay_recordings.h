@@ -19,7 +19,7 @@ struct Sine {
   double amplitude;
 };
 
-// Blocks over the same faint noise.
+// Collects blocks of sines over faint noise, which is the same in every recording.
 class RecordingMaker {
 public:
   void Add(const std::vector<Sine>& sines, bool hasNoise = true);
@@ -35,7 +35,7 @@ private:
   std::vector<std::uint8_t> m_Bytes;
 };
 
-// The blocks alone.
+// A recording of these blocks.
 std::vector<std::uint8_t> MakeRecording(const std::string& blocks);
 
 // The 35 buffers after which the receiver looks for tones.
@@ -43,10 +43,10 @@ inline std::string Ambient() {
   return std::string(35, '.');
 }
 
-// The lines that orvex-replay prints for them.
+// The lines that orvex-replay prints for a recording.
 std::vector<Json::Value> ReplayLines(const std::vector<std::uint8_t>& bytes, bool trace = false, bool hearable = false);
 
-// What the receiver reported about them.
+// What the receiver reports about a recording.
 RunRecord ReplayRecord(const std::vector<std::uint8_t>& bytes, bool hearable = false);
 
 }  // namespace orvex::tools

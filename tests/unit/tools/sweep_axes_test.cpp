@@ -1,4 +1,4 @@
-// How the axes of a sweep are read, and which rooms come of them.
+// How the axes of a sweep are read, and which rooms are drawn from them.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -16,7 +16,7 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::ThrowsMessage;
 
-// The virtual living room's come 4 to 11 ms late, 12 to 15 dB weaker than the direct sound.
+// The virtual living room's reflections come 4 to 11 ms late, 12 to 15 dB weaker than the direct sound.
 MATCHER(IsLikeTheLivingRooms, "") {
   return arg.delayMs >= 4.0 && arg.delayMs <= 11.0 && arg.gainDb >= -15.0 && arg.gainDb <= -12.0;
 }

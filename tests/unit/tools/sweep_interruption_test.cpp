@@ -1,4 +1,4 @@
-// A sweep that is interrupted: what it leaves, and which signals do that.
+// A sweep that is interrupted: which results it returns, and which signals interrupt it.
 #include <csignal>
 
 #include <gmock/gmock.h>
@@ -26,7 +26,7 @@ const Plan& TwoRowsOfRooms() {
   return plan;
 }
 
-// Interrupted when so many rooms have begun, on three threads.
+// Runs a sweep on three threads that is interrupted when `begun` rooms have begun.
 SweepResult SweepUntil(int begun) {
   std::atomic<int> left{begun};
   SweepOptions options;
@@ -80,7 +80,7 @@ TEST(Interruption, ComesByAnySignalThatAsksForTheEnd) {
   }
 }
 
-TEST(Interruption, LeavesASignalIgnoredThatWasSo) {
+TEST(Interruption, LeavesAnIgnoredSignalIgnored) {
   std::signal(SIGHUP, SIG_IGN);
   {
     const Interruption interruption;

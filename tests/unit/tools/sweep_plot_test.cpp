@@ -72,7 +72,7 @@ protected:
     }
   }
 
-  // What is drawn, and below it what stands on standard output.
+  // The picture, followed by what was printed on standard output.
   static std::string Draw(const std::string& path, const SweepResult& result) {
     std::ostringstream picture;
     DrawFigures(picture, path, Plan({{axis::kToneDb, "46,40"}}, 1), result);

@@ -1,4 +1,4 @@
-// The figures of a table row against figures found by hand.
+// Compares the figures of a table row with figures that were calculated by hand.
 #include <gtest/gtest.h>
 
 #include <cmath>

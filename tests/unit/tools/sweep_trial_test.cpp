@@ -75,7 +75,8 @@ TEST(SweepTrial, CallsEveryResultFalseWhenTheTestSoundIsNotHeard) {
   EXPECT_TRUE(result.isFalse);
 }
 
-// Rooms whose run applied another result than its first; each main loop is late by its own up to 200 ms.
+// The number of rooms whose run applied another result than its first. The main loop of each room is late by a time
+// of up to 200 ms, drawn for that room.
 int CountChanged(const char* finishedMark, std::size_t rooms) {
   const Plan plan({{axis::kDifferenceMs, "+-20:60"},
                    {axis::kToneDb, "60"},
@@ -148,7 +149,7 @@ public:
   std::vector<HeardBlock> blocks;
 };
 
-// The blocks of a room in which both tones sound without end from 1 s on, one after the other.
+// The analysed blocks of a room, in order. From 1 s on both tones sound until the end.
 std::vector<HeardBlock> Listen(const RoomValues& values, std::uint64_t seed) {
   sim::Room room(MakeTrial(values, seed).room);
   SoundDesign endless;
@@ -174,7 +175,7 @@ std::vector<HeardBlock> Listen(const RoomValues& values, std::uint64_t seed) {
   return observer.blocks;
 }
 
-constexpr std::size_t kFullBlock = 74;  // of those analysed; a good second after the tones have begun
+constexpr std::size_t kFullBlock = 74;  // index among the analysed blocks; the tones have begun before and fill it
 
 TEST(SweepNoise, LiesBelowAFullBlockOfTheToneByTheAxisValue) {
   constexpr int kRooms = 12;

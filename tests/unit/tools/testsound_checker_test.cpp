@@ -85,7 +85,7 @@ void Silence(Samples& samples, std::size_t side, double fromMs, double toMs) {
   }
 }
 
-// The right channel `ms` later.
+// Delays the right channel by `ms`.
 void DelayRight(Samples& samples, std::size_t ms) {
   const std::size_t shift = 2 * 48 * ms;
   for (std::size_t n = samples.size() - 1; n > shift; n -= 2) {

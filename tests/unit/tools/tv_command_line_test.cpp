@@ -40,7 +40,7 @@ Outcome Call(std::vector<const char*> arguments) {
 
 class CommandLine : public testing::Test {
 protected:
-  // A service of `lines` shell commands.
+  // Writes a service that is a shell script of these lines; returns its path.
   std::string Service(const std::string& lines) const {
     const std::string path = m_Folder.Write("service", "#!/bin/sh\n" + lines);
     std::filesystem::permissions(path, std::filesystem::perms::owner_all);
@@ -85,7 +85,7 @@ TEST_F(CommandLine, ListsEveryValueWithItsMeaning) {
   EXPECT_THAT(list.out, testing::ContainsRegex("sound/volume +\\(unreadable\\)"));
 }
 
-TEST_F(CommandLine, PrintsRecordsAndComplainsAboutTheOthers) {
+TEST_F(CommandLine, PrintsRecordsAndNamesTheLinesThatAreNone) {
   Call({"set", "--tv", m_Tv.c_str(), "delay", "77"});
   m_Folder.Write("tv/events.jsonl", "{\"event\":\"ORVEXENV\"}\n{\"eve");
   const Outcome events = Call({"events", "--tv", m_Tv.c_str()});
@@ -208,7 +208,7 @@ protected:
   }
   void TearDown() override { ::unsetenv("TMPDIR"); }
 
-  // Ends in order when it is told to.
+  // A service that names its debug files, then runs `lines`; it exits with 0 on SIGTERM.
   std::string ServiceWithDebugFiles(const std::string& lines) const {
     return Service("trap 'exit 0' TERM\necho 'A.cpp: f(1) > Temp file name=[" + m_Folder / "dump" + "][" +
                    m_Folder / "result.csv" + "]'\n" + lines);
@@ -251,23 +251,23 @@ TEST_F(InterruptedRun, DoesNotBeginWhenTheSignalCameBefore) {
   EXPECT_FALSE(HasTelevision());
 }
 
-TEST_F(InterruptedRun, KeepsTheDebugFilesOfARunThatIsNot) {
+TEST_F(InterruptedRun, KeepsTheDebugFilesOfARunThatIsNotInterrupted) {
   const std::string service = ServiceWithDebugFiles("");
   EXPECT_EQ(1, Call({"run", "--service", service.c_str()}).exitCode);
   EXPECT_TRUE(HasDebugFiles());
   EXPECT_FALSE(HasTelevision());
 }
 
-// Leads standard output to `fd` while it lives.
-class LedOutput {
+// Redirects standard output to `fd` until it is destroyed.
+class RedirectedOutput {
 public:
-  explicit LedOutput(int fd) : m_Before(::dup(STDOUT_FILENO)) { ::dup2(fd, STDOUT_FILENO); }
-  ~LedOutput() {
+  explicit RedirectedOutput(int fd) : m_Before(::dup(STDOUT_FILENO)) { ::dup2(fd, STDOUT_FILENO); }
+  ~RedirectedOutput() {
     ::dup2(m_Before, STDOUT_FILENO);
     ::close(m_Before);
   }
-  LedOutput(const LedOutput&) = delete;
-  LedOutput& operator=(const LedOutput&) = delete;
+  RedirectedOutput(const RedirectedOutput&) = delete;
+  RedirectedOutput& operator=(const RedirectedOutput&) = delete;
 
 private:
   int m_Before;
@@ -279,7 +279,7 @@ TEST_F(InterruptedRun, EndsInOrderWhenItsOutputCannotBeWritten) {
   testing::internal::CaptureStderr();
   int exitCode = 0;
   {
-    const LedOutput output(full);
+    const RedirectedOutput output(full);
     const char* const arguments[] = {"orvex-tv", "run", "--service", service.c_str()};
     exitCode = RunCommandLine(4, arguments);
   }

@@ -36,7 +36,7 @@ public:
     EXPECT_EQ(0, ::listen(m_Socket.Get(), 1));
   }
 
-  // Hears a client up to its first line end and answers, or hangs up when `reply` is empty.
+  // Reads from a client up to its first line end and answers, or closes the connection when `reply` is empty.
   std::string Answer(const std::string& reply) const {
     const FileDescriptor client(::accept(m_Socket.Get(), nullptr, nullptr));
     std::string received;
@@ -67,7 +67,7 @@ std::string Refusal(const std::string& path, const std::string& line, std::chron
   }
 }
 
-TEST(ExchangeMessage, SendsOneLineAndAnswersTheReply) {
+TEST(ExchangeMessage, SendsOneLineAndReturnsTheReply) {
   const TemporaryFolder folder;
   const Listener listener(folder / "messages.sock");
   std::string received;
@@ -83,7 +83,7 @@ TEST(ExchangeMessage, SaysThatAServiceHungUpOrNeverAnswered) {
   const Listener listener(path);
   EXPECT_THAT(Refusal<CommandError>(path, "{}", std::chrono::milliseconds(1)), HasSubstr("not answered in time"));
   std::thread service([&] {
-    listener.Answer("");  // the client of before
+    listener.Answer("");  // the client that did not wait
     listener.Answer("");
   });
   EXPECT_THAT(Refusal<CommandError>(path, "{}", kGenerous), HasSubstr("closed the connection without an answer"));

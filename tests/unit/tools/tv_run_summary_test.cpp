@@ -1,4 +1,4 @@
-// What is printed of a run.
+// What orvex-tv prints about a run, as JSON and as text.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -119,7 +119,7 @@ TEST(RunService, PassesASecondSignalOnAndRemembersTheFirst) {
   EXPECT_EQ(SIGINT, signals.Interruption());
 }
 
-TEST(RunService, EndsTheServiceInOrderWhenItsReceiverHasHadEnough) {
+TEST(RunService, EndsTheServiceInOrderWhenTheReceiverOfItsLinesWantsNoMore) {
   const Script script("trap 'echo told; exit 7' TERM\necho ready\nwhile :; do sleep 0.01; done\n");
   RunSignals signals;
   std::vector<std::string> lines;

@@ -100,7 +100,7 @@ TEST(RunTelevision, FindsANoiseFileBesideTheRoomFileThatNamesIt) {
   EXPECT_EQ(folder / "fan.wav", RoomOf(RunTelevision(Options("--room " + file))).noiseFile);
 }
 
-TEST(RunTelevision, RefusesRoomsThatCannotBe) {
+TEST(RunTelevision, RefusesImpossibleAndUnreadableRooms) {
   const TemporaryFolder folder;
   const std::string broken = folder.Write("broken.json", R"({"seed": "many"})");
   EXPECT_THROW(RunTelevision(Options("--room " + broken)), sim::RoomError);

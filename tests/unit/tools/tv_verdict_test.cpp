@@ -24,7 +24,7 @@ RunSummary RunWith(std::optional<std::uint32_t> wantedMs, std::optional<std::int
   return run;
 }
 
-// The same numbers whatever else happened: what comes first decides.
+// A run with the numbers of an aligned one; how it ended decides before the numbers do.
 RunSummary AlignedRunThatEndedAs(const char* terminate) {
   RunSummary run = RunWith(67, 67, 40.0, 7.0);
   run.report.terminate = terminate;
@@ -68,7 +68,7 @@ struct VerdictCase {
   const char* words;
 };
 
-// Ordered by verdict. Where the border of another one is meant, it stands behind the row.
+// Ordered by verdict. The comment behind a row names another verdict on whose border the row lies.
 TEST(Verdict, JudgesWhatARunLeaves) {
   constexpr auto kUnknown = std::nullopt;
   const VerdictCase cases[] = {
