@@ -1,4 +1,4 @@
-// Closing the sound device: one that is not open, one whose drop or close fails, and with the object's end.
+// Closing the sound device: one that is not open, one whose drop or close fails, and by the destructor.
 #include <cerrno>
 #include <memory>
 
@@ -30,7 +30,7 @@ TEST_F(AlsaDestroy, ComesWithTheObjectsEndWhetherTheDeviceIsOpenOrNot) {
   EXPECT_THAT(During(world, [&] { closed.reset(); }), ElementsAreArray(ClosedDeviceIsLeft()));
 }
 
-// What the device answers to drop and close, and the lines of that.
+// What the device answers to drop and close, and the lines that Destroy() leaves then.
 struct Failure {
   long drop;
   long close;

@@ -1,4 +1,4 @@
-// What a write that fails costs: the rest of a chunk, a pause, or all that follows.
+// A write that fails: whether the player loses the rest of the chunk, waits, or writes nothing more.
 #include <cerrno>
 
 #include "unit/service/sound_support.h"
@@ -113,7 +113,7 @@ TEST_F(AlsaErrors, AnUnderrunThatCannotBeRecoveredDropsAndPreparesAnew) {
                                   SecondChunkAfterPrepare()})));
 }
 
-// An error without a remedy of its own.
+// An error that gets no treatment of its own.
 struct OtherError {
   long error;
   const char* text;
@@ -147,7 +147,7 @@ TEST_F(AlsaErrors, ADropThatFailsDoesNotEndThePlay) {
                                                SecondChunk()})));
 }
 
-// A device that is gone is not at rest: nothing prepares it, and every chunk is tried anew.
+// Only a device in the state SETUP is prepared, which one that is gone is not; each chunk is still written to it once.
 TEST_F(AlsaErrors, ADeviceThatIsGoneIsTriedOncePerChunk) {
   world.answers.Next("snd_pcm_writei", {12, -ENODEV});
   const Texts gone = {"cnt:-19, why:No such device", "E2 write error: drop...", "> snd_pcm_drop() = -19"};

@@ -1,4 +1,4 @@
-// Opening the sound device: how it is left, and what happens when it refuses or is open already.
+// Opening the sound device: the state in which it is left, and what happens when it refuses or is open already.
 #include <cerrno>
 
 #include "unit/service/sound_support.h"
@@ -65,7 +65,7 @@ TEST_F(AlsaOpen, AfterADestroyConfiguresAfresh) {
   EXPECT_TRUE(opened);
 }
 
-// The configuration leaves the device prepared: one that did not drop is written to as it stands.
+// The configuration leaves the device prepared. When the drop fails it stays so, and a play does not prepare it again.
 TEST_F(AlsaOpen, GoesOnWhenTheDropFails) {
   world.answers.Next("snd_pcm_drop", {-EIO});
   EXPECT_THAT(From(Open(), "I0 InitSwParam ok"), ElementsAre("I0 InitSwParam ok", "> snd_pcm_drop() = -5",

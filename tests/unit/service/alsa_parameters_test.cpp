@@ -26,7 +26,7 @@ const Texts kSoftwareSteps = {"snd_pcm_sw_params_current", "snd_pcm_sw_params_se
                               "snd_pcm_sw_params_set_start_threshold", "snd_pcm_sw_params_set_stop_threshold",
                               "snd_pcm_sw_params"};
 
-// A step that answers something else than 0; how many frames of buffer were read back before.
+// A step that does not answer 0, and the buffer size in frames that was read back before it.
 struct Step {
   const char* function;
   long answer;
@@ -41,7 +41,7 @@ std::string NameOfStep(const testing::TestParamInfo<Step>& info) {
   return std::string(info.param.function) + (info.param.answer > 0 ? "_positive" : "_negative");
 }
 
-// Names of the functions that begin with `beginning`, as they were called.
+// The names of the called functions that begin with `beginning`, in the order of the calls.
 Texts CallsOf(const Texts& lines, const std::string& beginning) {
   Texts names;
   for (const std::string& line : lines) {
@@ -62,7 +62,7 @@ Texts SoftwareLines(int availMin, int start, int stop) {
           "> snd_pcm_sw_params_set_stop_threshold(" + std::to_string(stop) + ") = 0"};
 }
 
-// On the device as it is on the television.
+// With the television's device in place of the small one.
 class AlsaParameters : public AlsaTest, public testing::WithParamInterface<Step> {
 protected:
   AlsaParameters() { world.pcmLimits = {}; }
@@ -183,7 +183,7 @@ struct Sizes {
   int bufferInUse, periodInUse;
 };
 
-// The log tells what the device said, the thresholds what is used.
+// The log shows the sizes that the device reported, the thresholds those that are used.
 TEST_F(AlsaParameters, HaveDefaultsForSizesThatTheDeviceDoesNotReport) {
   for (const Sizes& sizes : {Sizes{0, 0, 8192, 2048}, Sizes{0, 1000, 8192, 1000}, Sizes{4001, 0, 4001, 2048},
                              Sizes{1, 1, 1, 1}, Sizes{96000, 24000, 96000, 24000}}) {
@@ -212,7 +212,7 @@ TEST_F(AlsaParameters, ThatAreNotReportedPlayInDefaultChunks) {
                                  ChunkIsWritten(16384)})));
 }
 
-// Sizes outlive a Destroy; the chunk size does not.
+// Destroy() keeps the buffer and period sizes and clears the chunk size.
 TEST_F(AlsaParameters, OfAnEarlierOpenAreUsedWhenTheNextCannotReadThemBack) {
   Open();
   audio.Destroy();

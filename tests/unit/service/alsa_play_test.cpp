@@ -66,7 +66,7 @@ TEST_F(AlsaPlay, OnAClosedDeviceIsRefused) {
   EXPECT_THAT(Play(Sound(128)), ElementsAreArray(refused)) << "closed again";
 }
 
-// 2^27 frames are 2^32 bytes of chunk, which a size does not hold.
+// A period of 2^27 frames makes a chunk of 2^32 bytes, a size that does not fit into 32 bits.
 TEST_F(AlsaPlay, WithAPeriodTooLongForAChunkIsRefused) {
   world.pcmLimits = {333, 83, 16, 1UL << 27U};
   audio.Open();

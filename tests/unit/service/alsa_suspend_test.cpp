@@ -1,4 +1,4 @@
-// A device that is suspended while it is written to: how long it is waited for, and when it is given up.
+// A device that is suspended while it is written to: how long the player waits for it, and when it gives up.
 #include <cerrno>
 
 #include "unit/service/sound_support.h"

@@ -54,7 +54,7 @@ TEST_F(App, AnotherNegativeRegistrationResultIsNoRejection) {
 }
 
 TEST_F(App, NotifiesTheWatchdogOncePerMinuteForAsLongAsItLives) {
-  // Nothing reaches the main loop that would end the run: the timer of 10 s is the first thing to fail here.
+  // Without the timer of 10 s nothing ends the run.
   world.answers.Always("ecore_timer_add", 0);
   world.Create(app);
   world.AdvanceMs(59999);

@@ -33,13 +33,13 @@ constexpr const char* kNotFound = "E2 [ERROR] File not found!";
 class DebugDumpFile : public testing::Test {
 protected:
   ~DebugDumpFile() override {
-    // Only the world knows a pair that the writer has left open.
+    // Closes the pairs that the writer has left open; only the world still knows them.
     while (!world.openFiles.empty()) {
       std::fclose(*world.openFiles.begin());
     }
     fs::remove(elsewhere);
   }
-  // Both writers answer that nothing is open.
+  // Both overloads of DebugDump() log that no file is open.
   void ExpectClosed() {
     EXPECT_THAT(During(world, [&] { writer.DebugDump(std::string("text")); }), ElementsAre(kNull));
     EXPECT_THAT(During(world, [&] { writer.DebugDump("data", 4); }), ElementsAre(kNull));
@@ -186,7 +186,7 @@ TEST_F(DebugDumpFile, AFileThatOthersCouldReadIsEmptiedAndClosedToThem) {
   }
 }
 
-// Its last lines may be on their way from another thread.
+// Another thread may still be writing the last lines of the first recording.
 TEST_F(DebugDumpFile, ARecordingThatBeginsWhileAnotherIsOpenLeavesThatOneOpen) {
   writer.Start();
   writer.DebugDump(std::string("first"));
@@ -218,7 +218,7 @@ TEST_F(DebugDumpFile, ARecordingWithoutARawFileWritesItsResultsToTheOneThatIsOpe
   EXPECT_FALSE(fs::exists(ResultName(2)));
 }
 
-// Something that somebody left in /tmp under one of the two names. It must be as it was afterwards.
+// Something that somebody left in /tmp under one of the two names. The service must not change it.
 struct Obstacle {
   const char* name;
   void (*place)(const std::string& name, const std::string& elsewhere);

@@ -1,4 +1,4 @@
-// What the detector computes of one block.
+// What the detector computes from one block: samples, magnitudes and ratios.
 #include "Application/OrvexDetector.h"
 
 #include <gmock/gmock.h>

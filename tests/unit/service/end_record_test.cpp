@@ -17,7 +17,7 @@ using testing::IsEmpty;
 constexpr std::int64_t kMs = 1000;  // microseconds
 constexpr std::int64_t kMsClockTurn = std::int64_t{1} << 32;
 constexpr std::int64_t kSomeDayUs = 1'700'000'000'000'000;
-// The millisecond clock turns over here, some time in 2023.
+// The 32-bit clock of milliseconds wraps around at this time in 2023.
 constexpr std::int64_t kTurnUs = 396 * kMsClockTurn * kMs;
 
 class EndRecord : public ManagerTest {

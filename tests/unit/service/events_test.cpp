@@ -1,5 +1,5 @@
-// What events make the controller do that no run of the application shows, and the delay that follows from a
-// difference.
+// How the controller reacts to events where no test of the whole application shows it, and the delay that it derives
+// from a difference.
 #include "unit/service/manager_support.h"
 
 namespace {

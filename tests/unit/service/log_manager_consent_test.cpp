@@ -104,7 +104,7 @@ TEST_F(KeptRecords, AreLostWhenTheOwnerTakesTheConsentBackWhileTheyAreSent) {
 
 TEST_F(KeptRecords, ThatMeetASettingWhichCannotBeReadAreLostAlone) {
   Keep({"a", "b", "c"});
-  // The notification's own look, then one for each record.
+  // The notification reads the setting once, then each record does.
   world.answers.Next("settings_get_int", {kSettingsDone, kSettingsDone, kSettingsUnreadable, kSettingsDone});
   Write(1);
   Write(1);

@@ -1,4 +1,5 @@
-// A run controller that stands alone: its events reach nobody, so that a process can run more than once.
+// A run controller without an application: nobody receives the events that it sends, so that a test can do several
+// runs.
 #pragma once
 
 #include <gmock/gmock.h>
@@ -21,7 +22,7 @@ namespace orvex::test {
 // The owner agrees to telemetry, and the delay in force is 100 ms.
 class ManagerTest : public testing::Test {
 protected:
-  // The singletons announce themselves once per process: not in a test's journal.
+  // Creates the singletons here, as each logs a line once per process, which must not stand in a test's journal.
   ManagerTest() {
     CSingleton<CAudioControl>::GetInstance();
     CSingleton<CDebugDump>::GetInstance();

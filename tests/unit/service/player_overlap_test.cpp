@@ -13,7 +13,7 @@ using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::IsEmpty;
 
-// Two seconds of sound, stopped after 0.3 of them: its worker writes on.
+// A sound of 2 s that was stopped after 0.3 s; its worker goes on writing.
 class PlayerOverlap : public PlayerTest {
 protected:
   PlayerOverlap() {
@@ -24,7 +24,7 @@ protected:
     StopWave();
   }
 
-  // Since the stop.
+  // Both count from the stop on.
   int Opened() const { return world.journal.CountStartingWith("> snd_pcm_open("); }
   int Closed() const { return world.journal.CountStartingWith("> snd_pcm_close("); }
 

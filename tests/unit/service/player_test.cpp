@@ -16,7 +16,7 @@ using testing::IsEmpty;
 
 using Player = PlayerTest;
 
-// What the owner and the device see of the samples.
+// Notes whether the player holds samples when it calls its owner and when it closes the device.
 class PlayerSamples : public Player {
 protected:
   PlayerSamples() {
@@ -119,7 +119,7 @@ TEST_F(Player, WhoseWorkerIsCalledWithoutAPlayerRefuses) {
               ElementsAre("I0 m_CancelPlayCB", "E2 Assertion failed"));
 }
 
-// The worker's body runs twice before its end function: what the file holds by then is not played.
+// The worker's body runs twice before its end function. The second time it does not read the file, which has changed.
 TEST_F(Player, ThatHoldsSamplesPlaysThemAgainWithoutLoading) {
   PlayWave();
   Rest();

@@ -81,7 +81,7 @@ INSTANTIATE_TEST_SUITE_P(
         SoundFile{"FormatOf40Bytes", Joined({WaveBeginning(40, Bytes(24, 9)), ChunkHeader("data", 256), Sound(256)}),
                   256, Sound(256)},
         SoundFile{"FormatOf14Bytes", ShortFormat(Sound(256)), 256, Sound(256)},
-        // The data header is looked for behind the format chunk's own header: rate 48000 is taken as the size.
+        // The player looks for the data header right behind the format chunk's header and takes the rate for the size.
         SoundFile{"FormatOf0Bytes", Joined({WaveBeginning(0), ChunkHeader("data", 256), Sound(256)}), 48000,
                   Padded(Part(Joined({WaveBeginning(0), ChunkHeader("data", 256), Sound(256)}), 28, 300), 48000)},
         SoundFile{"StrangeFormat", StrangeFormat(Sound(256)), 256, Sound(256)},
@@ -144,7 +144,7 @@ TEST_F(Player, WithAFolderForAFilePlaysNothingAndEndsNormally) {
   EXPECT_THAT(Rest(), ElementsAreArray(NothingIsPlayed()));
 }
 
-// Headers that cannot be read keep what the last file said.
+// When the player cannot read the headers, it keeps the size of the last file.
 TEST_F(Player, WhoseFileIsGoneTheSecondTimePlaysSilenceOfTheFirstLength) {
   PlayWave();
   Rest();

@@ -1,4 +1,4 @@
-// The remote's microphone goes on and off: commands, order of steps, busy remotes, refusals.
+// Switching the remote's microphone on and off: commands, order of steps, busy remotes, refusals.
 #include "orvex/platform/remote_voice.h"
 #include "unit/service/receiver_support.h"
 
@@ -161,8 +161,7 @@ TEST_F(ReceiverCapture, ARecordingAfterARefusedStopWorks) {
   EXPECT_THAT(Hear(quiet), ElementsAre("I0 m_ReceiveBTAudioDataCB", "I0 buffer: 1"));
 }
 
-// How a command fares: what the remote answers, and the whole that the journal shows of it. "<ask>" stands for the call
-// and "<busy>" for the line of a failure that is tried again.
+// The remote's answers to a command and its repetitions, the number of pauses between them, and whether it accepts.
 struct Answers {
   const char* name;
   std::vector<long> answers;
@@ -176,8 +175,8 @@ void PrintTo(const Answers& row, std::ostream* out) {
 
 class RemoteAnswers : public ReceiverCapture, public testing::WithParamInterface<Answers> {
 protected:
-  // The asking and the failures that are tried again.
-  static Texts Asking(const std::string& call, const std::string& busyLine) {
+  // The calls, and the lines of the failures after which the receiver tries again.
+  static Texts Attempts(const std::string& call, const std::string& busyLine) {
     Texts texts;
     for (const long answer : GetParam().answers) {
       const bool last = texts.size() == 3 * static_cast<std::size_t>(GetParam().pauses);
@@ -195,7 +194,7 @@ protected:
 
 TEST_P(RemoteAnswers, DecideWhetherTheMicrophoneGoesOn) {
   world.answers.Next("bt_hid_send_rc_command", GetParam().answers);
-  Texts expected = Asking("bt_hid_send_rc_command(null, 05 00, 2)", "Fail bt_hid_send_rc_command");
+  Texts expected = Attempts("bt_hid_send_rc_command(null, 05 00, 2)", "Fail bt_hid_send_rc_command");
   expected.insert(expected.begin(), "> bt_hid_set_audio_data_receive_cb() = 0");
   Texts seen = StartOfVoice();
   if (GetParam().accepted) {
@@ -212,7 +211,7 @@ TEST_P(RemoteAnswers, DecideWhetherTheMicrophoneGoesOn) {
 TEST_P(RemoteAnswers, DecideWhatAStopTells) {
   Start();
   world.answers.Next("bt_hid_rc_stop_sending_voice", GetParam().answers);
-  Texts expected = Asking("bt_hid_rc_stop_sending_voice(null)", "Fail bt_hid_rc_stop_sending_voice()");
+  Texts expected = Attempts("bt_hid_rc_stop_sending_voice(null)", "Fail bt_hid_rc_stop_sending_voice()");
   expected.insert(expected.begin(), "> bt_hid_unset_audio_data_receive_cb() = 0");
   expected.push_back(GetParam().accepted ? "E0 Stop bt audio"
                                          : "E2 Fail to stop bt audio [ret = " + LastAnswer() + "]");

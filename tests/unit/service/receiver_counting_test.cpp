@@ -45,7 +45,7 @@ TEST_F(ReceiverCounting, AThousandBlocksLeaveADumpOfTheirSize) {
   EXPECT_EQ(DumpedAudio().size(), 1000U * 1536U);
 }
 
-// Of the journal of one lost block: with the extend command before the number, or without.
+// The journal of one lost block, with or without the extend command before the block's number.
 Texts LostBlock(int buffer, bool extended) {
   Texts texts{"I0 m_ReceiveBTAudioDataCB"};
   if (extended) {
@@ -95,7 +95,7 @@ TEST_F(ReceiverCounting, AnExtendCommandThatFailsIsNotRepeatedUntilTheNextIsDue)
   EXPECT_EQ(HearRecord(nullptr), LostBlock(1001, true));
 }
 
-TEST_F(ReceiverCounting, WithoutAReceiverABlockIsOnlyComplainedAbout) {
+TEST_F(ReceiverCounting, WithoutAReceiverABlockIsOnlyLoggedAsAnError) {
   const std::vector<std::uint8_t> bytes = LittleEndian(quiet);
   const VoiceData record{static_cast<std::uint16_t>(bytes.size()), bytes.data()};
   for (const VoiceData* given : {&record, static_cast<const VoiceData*>(nullptr)}) {

@@ -155,7 +155,7 @@ double MeanOf30(double level) {
   return sum / 30.0;
 }
 
-// An ambience of which the 50-fold is 50 times as strong, to the last bit. `sound` with a phase that makes it so.
+// Looks for a phase of `sound` with which 50 times the samples have exactly 50 times the mean level of 30 such blocks.
 std::optional<Samples> ExactAmbience(ToneMix sound, double hz) {
   for (int step = 0; step < 1000; ++step) {
     sound.phase = step * 0.005;
@@ -207,11 +207,13 @@ TEST_F(ReceiverDetection, ALevelOfExactly50TimesTheAmbienceIsNotEnoughFor19kHz) 
 TEST_F(ReceiverDetection, WithoutCallbacksABlockIsTreatedAllTheSame) {
   OrvexReceiver alone{OrvexReceiverCallbacks{}};
   alone.StartBTRecoder();
-  const Samples noisy = Block({0.0, 0.0, 200.0, 200.0, 0.0, 0.0});
+  std::vector<Samples> blocks(35, quiet);
+  blocks.push_back(Tone17(100));
+  blocks.push_back(Tone19(100));
+  blocks.resize(55, Block({0.0, 0.0, 200.0, 200.0, 0.0, 0.0}));  // noisy
   for (int buffer = 1; buffer <= 55; ++buffer) {
     world.journal.Clear();
-    ASSERT_TRUE(
-        world.Deliver(buffer < 36 ? quiet : (buffer == 36 ? Tone17(100) : (buffer == 37 ? Tone19(100) : noisy))));
+    ASSERT_TRUE(world.Deliver(blocks[static_cast<std::size_t>(buffer - 1)]));
     ASSERT_EQ(world.journal.Has("E0 completed ambient noise"), buffer == 35);
     ASSERT_EQ(world.journal.Has("E0 completed calculation of delay"), buffer == 37);
     ASSERT_EQ(world.journal.Has("E2 by abnormal input"), buffer >= 48);

@@ -23,7 +23,7 @@ protected:
   std::string Noise17(int count) const {
     return Text("I0 noise is high / %Lf / %d", LevelsOf(noisy17).Ratio17(), count);
   }
-  // Of a 19 kHz tone, too, the ratio of 17 kHz is told.
+  // The line about a 19 kHz tone has the ratio of 17 kHz, too.
   std::string Noise19(int count) const {
     return Text("I0 noise value is too high/ %Lf / %d", LevelsOf(noisy19).Ratio17(), count);
   }
@@ -106,7 +106,7 @@ TEST_F(ReceiverNoise, ACleanToneAfterAbnormalInputBeginsAPair) {
   }
 }
 
-// A tone with so much of its neighbours that the ratio is close to 5.0, on the side that is asked for.
+// A tone whose ratio to its neighbours is just at or above 5.0 if `clean`, else just below.
 Samples ToneNearTheLimit(bool of17kHz, bool clean) {
   for (double neighbour = 300.0; neighbour < 500.0; neighbour += 0.1) {
     Samples tone =

@@ -1,4 +1,4 @@
-// The observer is told of each step when it has been logged, and before the owner is called back.
+// The receiver tells its observer of each step after it has logged the step and before it calls its owner back.
 #include "support/detector_model.h"
 #include "unit/service/receiver_support.h"
 

@@ -83,13 +83,13 @@ protected:
   // What the dump has to hold.
   std::string audio;
   std::string results;
-  // How often the model saw what a random recording is to bring about.
+  // How often the model took these steps: random recordings that seldom lead to them would test little.
   int pairs = 0;
   int sequenceErrors = 0;
   int abnormal = 0;
 };
 
-// The order of the arithmetic decides the last digits.
+// Compares within a tolerance, as the last digits depend on the order of the arithmetic.
 void RandomRecordings::CompareMagnitudes(const VoiceData& record) const {
   Samples samples;
   for (std::size_t at = 0; at + 1 < record.byteCount && samples.size() < kVoiceBlockSamples; at += 2) {

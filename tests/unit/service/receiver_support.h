@@ -26,7 +26,7 @@ protected:
   }
   ~ReceiverTest() override { CSingleton<CDebugDump>::GetInstance()->Stop(); }
 
-  // What the journal shows of something that happens.
+  // The texts that the journal gains during `action`.
   template <class Action>
   Texts During(Action action) {
     return test::During(world, action);

@@ -98,7 +98,7 @@ protected:
   bool opened = false;  // the answer of Open()
 };
 
-// A play of two chunks of 32 frames on an open device: what the first meets, and what that means for the second.
+// Plays two chunks of 32 frames on an open device. Tests have the first one fail and expect the lines of the second.
 class TwoChunks : public AlsaTest {
 protected:
   TwoChunks() { audio.Open(); }

@@ -1,4 +1,4 @@
-// The speaker guard: what it leaves behind and what it does not touch, whatever the sound manager answers.
+// The speaker guard: what it restores and what it leaves alone, whatever the sound manager answers.
 #include "Application/OrvexApp.h"
 #include "orvex/platform/sound_manager.h"
 #include "unit/service/manager_support.h"
@@ -154,7 +154,7 @@ TEST_F(SpeakerGuard, TriesEachStepOnceWhenTheSoundManagerRefusesToWrite) {
   EXPECT_THAT(Restore(), IsEmpty());
 }
 
-// In the application, beside another output that is selected.
+// The application on a muted television, whose selected output is another than its speaker.
 class MutedTelevision : public testing::Test {
 protected:
   MutedTelevision() {
