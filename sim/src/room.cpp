@@ -1,8 +1,9 @@
 // Puts playback, paths, rate conversion and noise together.
 //
-// Sound is taken up lazily, when a recording comes near it, so that a later cut can still drop it. A piece is converted
-// dry to the microphone's rate and only then laid out on its path's taps: conversion costs nothing during the tail,
-// and the order makes no difference, as both are linear and do not change in time.
+// Frames are rendered late, when a recording reaches them, so that CutPlayback() can still drop them. A piece of sound
+// is converted to the microphone's rate first, without echoes, and then added once for each tap of its path: echoes and
+// tail need no conversion of their own. The order does not change the result, as both steps are linear and
+// time-invariant.
 #include "orvex/sim/room.h"
 
 #include <algorithm>
@@ -48,9 +49,9 @@ public:
 
 private:
   double FirstFramePosition(const Stretch& stretch) const;
-  void TakeUp(Stretch& stretch, std::int64_t end);
-  void Render(const Stretch& stretch, std::size_t first, std::size_t last);
-  void LayDry(const Stretch& stretch, std::size_t first, std::size_t last, double position);
+  void RenderUntil(Stretch& stretch, std::int64_t end);
+  void RenderFrames(const Stretch& stretch, std::size_t first, std::size_t last);
+  void FillDryBuffer(const Stretch& stretch, std::size_t first, std::size_t last, double position);
   void ForgetBefore(Time time);
 
   const double m_RateHz;
@@ -98,7 +99,7 @@ void Room::Impl::Record(std::int16_t* samples, std::size_t count) {
   }
   const std::int64_t end = m_NextSample + static_cast<std::int64_t>(count);
   for (Stretch& stretch : m_Playback.GetStretches()) {
-    TakeUp(stretch, end);
+    RenderUntil(stretch, end);
   }
   m_Mix.resize(count);
   m_Line.Take(m_Mix.data(), count);
@@ -117,8 +118,9 @@ double Room::Impl::FirstFramePosition(const Stretch& stretch) const {
   return (sinceStartS + stretch.delayS + m_Responses[stretch.channel].directDelayS) * m_RateHz;
 }
 
-// Takes up the frames that are heard before sample `end`. A reflection's kernel can reach ahead of the direct sound.
-void Room::Impl::TakeUp(Stretch& stretch, std::int64_t end) {
+// Renders the frames that are heard before sample `end`: kKernelHalf samples earlier, because the kernel of an early
+// reflection can begin before the direct sound.
+void Room::Impl::RenderUntil(Stretch& stretch, std::int64_t end) {
   if (stretch.used == stretch.samples.size()) {
     return;
   }
@@ -127,23 +129,24 @@ void Room::Impl::TakeUp(Stretch& stretch, std::int64_t end) {
   const auto size = static_cast<double>(stretch.samples.size());
   const auto last = static_cast<std::size_t>(std::min(heard, size));
   if (last > stretch.used) {
-    Render(stretch, stretch.used, last);
+    RenderFrames(stretch, stretch.used, last);
     stretch.used = last;
   }
 }
 
-void Room::Impl::Render(const Stretch& stretch, std::size_t first, std::size_t last) {
+void Room::Impl::RenderFrames(const Stretch& stretch, std::size_t first, std::size_t last) {
   const double position = FirstFramePosition(stretch) + static_cast<double>(first) / m_FramesPerSample;
   const double origin = std::floor(position) - static_cast<double>(m_Reach);
-  LayDry(stretch, first, last, (position - origin) * m_FramesPerSample);
+  FillDryBuffer(stretch, first, last, (position - origin) * m_FramesPerSample);
   const std::vector<float>& heard = m_Converter.Convert(m_Dry);
   for (const ImpulseResponse::Tap& tap : m_Responses[stretch.channel].taps) {
     m_Line.Add(static_cast<std::int64_t>(origin) + tap.offset, heard, tap.gain);
   }
 }
 
-// Lays the frames into m_Dry, the first at `position`, which need not be a whole number, with room for the filters.
-void Room::Impl::LayDry(const Stretch& stretch, std::size_t first, std::size_t last, double position) {
+// Writes the frames into m_Dry, the first at `position`, which need not be a whole number, and leaves room for the
+// filters at both ends.
+void Room::Impl::FillDryBuffer(const Stretch& stretch, std::size_t first, std::size_t last, double position) {
   const auto whole = static_cast<std::size_t>(position);
   const FractionalKernel kernel = MakeFractionalKernel(position - static_cast<double>(whole));
   m_Dry.assign(whole + (last - first) + kKernelHalf + m_Converter.GetReach(), 0.0F);
