@@ -1,4 +1,4 @@
-// The windowed sinc of a fractional delay: a Kaiser window that keeps its errors some 80 dB down.
+// A Kaiser window, which keeps the kernel's errors some 80 dB down.
 #include "sim/src/fractional_kernel.h"
 
 #include <cmath>
@@ -10,8 +10,8 @@ namespace {
 constexpr double kPi = 3.14159265358979323846;
 constexpr double kKaiserBeta = 8.0;
 
-// Modified Bessel function of the first kind and order 0, by its power series. The library's writes a global variable,
-// and rooms are computed on several threads.
+// Modified Bessel function of the first kind and order 0, by its power series. std::cyl_bessel_i() can write a global
+// variable (signgam), and rooms are computed on several threads.
 double BesselI0(double x) {
   double sum = 1.0;
   double term = 1.0;

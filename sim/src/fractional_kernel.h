@@ -5,7 +5,7 @@
 
 namespace orvex::sim {
 
-// Samples that the kernel reaches to each side. Flat to 0.89 of half the sampling rate.
+// How many samples the kernel reaches to each side. With 24 its response is flat up to 0.89 of half the sampling rate.
 constexpr int kKernelHalf = 24;
 using FractionalKernel = std::array<float, 2 * kKernelHalf>;
 

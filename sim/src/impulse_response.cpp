@@ -1,4 +1,5 @@
-// Builds the taps of a path.
+// A reflection may lie between two samples, so it is spread over a kernel; a tap of the tail is moved to the nearest
+// one.
 #include "sim/src/impulse_response.h"
 
 #include <algorithm>
@@ -25,7 +26,8 @@ void AddReflection(const Reflection& reflection, double directGain, double rateH
   }
 }
 
-// One tap at a random place of each cell of the grid, with a random sign, normalised as a whole.
+// Divides the tail into cells of 1 / kTailTapsPerS and puts one tap of random sign at a random place in each; then
+// scales all of them to the tail's energy.
 void AddTail(const PathConfig& path, double directGain, double rateHz, std::mt19937_64& random,
              ImpulseResponse& response) {
   std::uniform_real_distribution<double> place(0.0, 1.0);

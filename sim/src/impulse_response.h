@@ -11,12 +11,12 @@ namespace orvex::sim {
 
 struct ImpulseResponse {
   struct Tap {
-    std::int64_t offset;  // microphone samples after the direct sound; a reflection's first weights lie before it
+    std::int64_t offset;  // microphone samples after the direct sound; can be negative in an early reflection
     float gain;
   };
 
-  double directDelayS = 0.0;    // latency and way through the air
-  std::vector<Tap> taps;        // by rising offset within the direct sound, each reflection and the tail
+  double directDelayS = 0.0;    // latency and travel time through the air
+  std::vector<Tap> taps;        // direct sound, reflections, tail; offsets rise within each of them
   std::int64_t lastOffset = 0;  // the highest offset
 };
 

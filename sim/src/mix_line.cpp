@@ -1,4 +1,4 @@
-// The sum of everything that arrives at the microphone. Add() is the models' innermost loop.
+// Add() is the models' innermost loop, written so that the compiler can vectorise it.
 #include "sim/src/mix_line.h"
 
 #include <algorithm>
@@ -6,7 +6,7 @@
 namespace orvex::sim {
 namespace {
 
-// Discarded samples stay until there are so many that moving the rest costs little per sample.
+// Taken samples stay in front until there are this many: moving the rest then costs little per sample.
 constexpr std::size_t kCompactFrom = 65536;
 
 void AddScaled(float* __restrict__ target, const float* __restrict__ source, std::size_t count, float gain) {

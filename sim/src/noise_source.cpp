@@ -1,4 +1,4 @@
-// White noise from a seeded generator, and the recording's loop.
+// Converts the recording to the microphone's rate once, when it is set; repeating it is then an addition per sample.
 #include "sim/src/noise_source.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// The microphone's noise: white, and a recording that goes round.
+// The microphone's noise: white noise, and a recording that is repeated without end.
 #pragma once
 
 #include <cstddef>

@@ -1,4 +1,5 @@
-// Splits the played frames into stretches of sound, each with the state that was in force when it was played.
+// Stores the played frames as stretches of sound, each with the S/PDIF delay that was in force when it was played. What
+// a muted channel or a locking receiver drops is not stored.
 #include "sim/src/playback.h"
 
 #include <algorithm>
@@ -12,7 +13,7 @@
 namespace orvex::sim {
 namespace {
 
-// A shorter silence does not end a stretch: two stretches cost more than carrying it along.
+// A shorter silence does not end a stretch: two stretches cost more than its zeros.
 constexpr std::size_t kSilenceFrames = 256;
 constexpr double kNsPerS = 1e9;
 

@@ -14,7 +14,7 @@ namespace orvex::sim {
 
 enum Channel : std::size_t { kTvChannel = 0, kOpticalChannel = 1, kChannelCount = 2 };
 
-// A run of sound on one channel, between stretches of silence.
+// Sound on one channel between two longer silences.
 struct Stretch {
   Channel channel = kTvChannel;
   Time start{};                       // when the first frame leaves the device
@@ -49,8 +49,9 @@ private:
   std::vector<Stretch> m_Stretches;
 };
 
-// The time that `frames` frames take at the playback rate, and the number of frames that begin within `time`.
+// How long `frames` frames last at the playback rate.
 Time DurationOfFrames(std::size_t frames);
+// How many frames begin before `time`, when the first begins at 0.
 std::size_t FramesBefore(Time time);
 
 }  // namespace orvex::sim

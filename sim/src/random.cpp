@@ -1,4 +1,4 @@
-// Makes one random stream from the room's seed and the stream's use.
+// std::seed_seq mixes seed and use, so that neighbouring seeds give unrelated numbers.
 #include "sim/src/random.h"
 
 namespace orvex::sim {

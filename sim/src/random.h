@@ -1,4 +1,4 @@
-// The seeded sources of chance: one stream per use, so that one use does not disturb another.
+// Seeded random generators: one for each use, so that what one use draws does not change the numbers of another.
 #pragma once
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-// Calls libsamplerate. The medium quality is the cheapest whose filter leaves 19 kHz untouched at the remote's rate.
+// The medium quality is libsamplerate's cheapest whose filter leaves 19 kHz unchanged at the remote's rate.
 #include "sim/src/rate_converter.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// From the playback rate to the microphone's, by libsamplerate.
+// Converts sound from one sampling rate to another, by libsamplerate.
 #pragma once
 
 #include <cstddef>
@@ -15,8 +15,8 @@ public:
 
   // How far the filter reaches to each side, in input samples.
   std::size_t GetReach() const { return m_Reach; }
-  // Converts a piece with silence around it; output 0 lies at the time of input 0. The result holds until the next
-  // call.
+  // Converts a piece of sound as if silence lay before and after it; output 0 lies at the time of input 0. The result
+  // is valid until the next call.
   const std::vector<float>& Convert(const std::vector<float>& input);
 
 private:

@@ -1,4 +1,4 @@
-// The table of a room's values. The ranges stand in room_config.h, too.
+// The comments of room_config.h tell callers the same ranges: change both.
 #include "sim/src/room_fields.h"
 
 #include <sstream>

@@ -11,7 +11,7 @@
 
 namespace orvex::sim {
 
-// A value of the room that the table was made for, by its kind.
+// Points to the value within the room from which the table was made.
 using RoomFieldTarget =
     std::variant<double*, std::optional<double>*, bool*, std::string*, std::uint64_t*, std::vector<Reflection>*>;
 
@@ -35,11 +35,11 @@ std::string NameOf(const RoomField& field);
 // "a number from 0 to 1000"
 std::string RangeOf(const RoomField& field);
 
-// The text of every error about one value.
+// An error about one value, in the form that all of them have.
 RoomError MakeValueError(const std::string& nameForErrors, const std::string& name, const std::string& value,
                          const std::string& expected);
 
-// `value` lies in the field's range; false for what is no number.
+// Whether `value` lies in the field's range; false for NaN.
 bool IsInRange(const RoomField& field, double value);
 
 }  // namespace orvex::sim

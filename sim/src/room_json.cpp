@@ -1,4 +1,4 @@
-// Reads and writes rooms by way of the table of their values.
+// Reads and writes a room value by value, as the table of room_fields.h lists them.
 #include "orvex/sim/room_json.h"
 
 #include <algorithm>
@@ -34,7 +34,7 @@ Json::Value ParseObject(const std::string& text, const std::string& nameForError
   return root;
 }
 
-// Puts one JSON value into a field, by the field's kind.
+// Stores one JSON value in a field, if it has the field's type and range.
 class FieldReader {
 public:
   FieldReader(const RoomField& field, std::string name, const Json::Value& value, const std::string& nameForErrors)
@@ -130,7 +130,7 @@ void FieldReader::operator()(std::vector<Reflection>* target) const {
   }
 }
 
-// Puts one field's value into JSON.
+// Converts one field's value to JSON.
 struct FieldWriter {
   Json::Value operator()(const double* value) const { return *value; }
   Json::Value operator()(const std::optional<double>* value) const {

@@ -7,7 +7,7 @@
 
 namespace orvex::sim {
 
-// Below 0, or no number, counts as 0.
+// Negative or NaN counts as 0.
 inline double LimitSpdifDelayMs(double delayMs) {
   return delayMs > 0.0 ? std::min(delayMs, Room::kMaxSpdifDelayMs) : 0.0;
 }

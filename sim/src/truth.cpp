@@ -1,4 +1,4 @@
-// The arithmetic of the real misalignment.
+// Only the direct sounds count; echoes and reverberation do not.
 #include "orvex/sim/truth.h"
 
 #include "sim/src/spdif_delay.h"

@@ -1,4 +1,4 @@
-// Schedules the voice channel's blocks: completion, window, latency, jitter and loss.
+// Schedules one block at a time: the next is scheduled when the one before it is taken.
 #include "orvex/sim/voice_channel.h"
 
 #include <algorithm>
@@ -36,7 +36,8 @@ Time VoiceChannel::BlockComplete() const {
   return m_Room.SampleTime((m_BlockIndex + 1) * kVoiceBlockSamples);
 }
 
-// Draws jitter and loss of the next block: always both, so that changing one does not change the other's sequence.
+// Draws jitter and loss of the next block. It always draws both, so that a change of one setting does not change the
+// numbers drawn for the other.
 void VoiceChannel::ScheduleBlock() {
   const RoomConfig& config = m_Room.GetConfig();
   std::uniform_real_distribution<double> even(0.0, 1.0);

@@ -1,5 +1,5 @@
 // What a simulated television, its room and its remote control are like. Plain values with a working default: a quiet
-// living room in which the optical output is 40 ms late while its delay is 100 ms.
+// living room in which the optical output, with a delay of 100 ms, is 40 ms late.
 #pragma once
 
 #include <cstddef>
@@ -13,7 +13,7 @@
 
 namespace orvex::sim {
 
-// A room that cannot be: the text names the room, the key, the value and what was expected.
+// Thrown for an invalid room. The text names the room, the key, the value and what was expected.
 class RoomError : public std::runtime_error {
 public:
   using std::runtime_error::runtime_error;
@@ -25,10 +25,10 @@ struct Reflection {
   double gainDb = 0.0;   // -200 to 40
 };
 
-// The way of one channel from the playback device to the microphone.
+// The path of one channel from the playback device to the microphone.
 struct PathConfig {
-  double latencyMs = 0.0;               // 0 to 10000, everything but the way through the air
-  double gainDb = -20.0;                // -200 to 40, of the direct sound, the way through the air included
+  double latencyMs = 0.0;               // 0 to 10000, without the travel time through the air
+  double gainDb = -20.0;                // -200 to 40, of the direct sound, attenuation by distance included
   double distanceM = 2.0;               // 0 to 1000, adds delay only, at kSpeedOfSoundMPerS
   std::vector<Reflection> reflections;  // at most 64
   double rt60S = 0.3;                   // 0 to 10, time in which the tail falls by 60 dB; 0: no tail
@@ -39,7 +39,7 @@ struct RoomConfig {
   PathConfig tv;               // left channel: the television's speaker
   PathConfig optical;          // right channel: S/PDIF output and external device, whose own latency is `latencyMs`
   bool opticalMuted = false;   // the external device is silent
-  double opticalLockMs = 0.0;  // 0 to 10000, what its receiver loses at the start of a stream while it locks
+  double opticalLockMs = 0.0;  // 0 to 10000, how much of a stream's start its receiver loses while it locks
 
   double microphoneRateHz = kVoiceRateHz;   // 20000 to 96000, nominal
   double rateErrorPpm = 0.0;                // -100000 to 100000; positive: the remote samples faster than nominal
@@ -48,11 +48,11 @@ struct RoomConfig {
   double noiseFileGainDb = 0.0;  // -200 to 40
 
   double voiceLatencyMs = 30.0;       // 0 to 10000, from a block's last sample to its delivery
-  double voiceJitterMs = 0.0;         // 0 to 10000, each block is late by up to this, evenly distributed
+  double voiceJitterMs = 0.0;         // 0 to 10000, each block is late by up to this, uniformly distributed
   double voiceLossProbability = 0.0;  // 0 to 1, of a block
-  double voiceWindowMs = 6000.0;      // 1 to 1000000, the remote falls silent so long after its last start or extend
-  std::optional<double>
-      silentAfterMs;  // 0 to 1000000, the remote falls silent after so much sending; none: it does not
+  double voiceWindowMs = 6000.0;      // 1 to 1000000, the remote falls silent this long after its last start or extend
+  // 0 to 1000000, the remote falls silent this long after its start, extended or not; none: it does not.
+  std::optional<double> silentAfterMs;
 
   std::uint64_t seed = 1;  // of noise, tails, jitter and loss
 
@@ -62,7 +62,7 @@ struct RoomConfig {
 constexpr double kSpeedOfSoundMPerS = 343.0;
 constexpr std::size_t kMaxReflections = 64;
 
-// Throws RoomError, naming `nameForErrors`, when a value is outside the range given above or is no number.
+// Throws RoomError, naming `nameForErrors`, when a value is NaN or outside the range given above.
 void CheckRoom(const RoomConfig& config, const std::string& nameForErrors);
 
 // The rate at which the microphone samples, its error included.

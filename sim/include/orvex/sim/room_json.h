@@ -1,7 +1,7 @@
-// A room as a JSON text, the form in which a virtual television keeps it.
+// A room as a JSON text, the form in which a virtual television stores it.
 //
-//     { "tv": { "latency_ms": 80, "gain_db": -20, "distance_m": 2, "reflections": [ { "delay_ms": 7, "gain_db": -12 }
-//     ],
+//     { "tv": { "latency_ms": 80, "gain_db": -20, "distance_m": 2,
+//               "reflections": [ { "delay_ms": 7, "gain_db": -12 } ],
 //               "rt60_s": 0.3, "direct_to_reverberant_db": 10 },
 //       "optical": { the same keys, and "muted": false, "lock_ms": 0 },
 //       "microphone": { "rate_hz": 46545, "rate_error_ppm": 0, "noise_dbfs": -70 or "none",
@@ -10,8 +10,7 @@
 //                  "silent_after_ms": "none" or a number },
 //       "seed": 1 }
 //
-// Every key may be missing, its default then stands; "reflections" replaces the default list as a whole. Ranges and
-// meaning: room_config.h.
+// A missing key has its default; "reflections" replaces the default list as a whole. Ranges and meaning: room_config.h.
 #pragma once
 
 #include <string>
@@ -20,8 +19,8 @@
 
 namespace orvex::sim {
 
-// Throws RoomError, which names `nameForErrors` (the file), the key, the value and what was expected: text that is no
-// JSON object, an unknown or repeated key, a value of the wrong kind or out of its range.
+// Throws RoomError when the text is not one JSON object, a key is unknown or repeated, or a value has the wrong type or
+// is out of its range. The error names `nameForErrors` (the file), the key, the value and what was expected.
 RoomConfig ParseRoom(const std::string& text, const std::string& nameForErrors);
 
 // All keys, indented, with a line end; ParseRoom() gives the same room back.

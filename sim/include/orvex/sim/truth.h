@@ -5,10 +5,10 @@
 
 namespace orvex::sim {
 
-// Arrival of the optical path's direct sound minus that of the television's speaker, at the microphone, in
-// milliseconds, with `spdifDelayMs` in force, which the output limits as Room::SetSpdifDelayMs() does. Positive: the
-// optical output is late. Putting the delay `spdifDelayMs - MisalignmentMs()` in force makes it 0, as long as both
-// delays are within 0 to Room::kMaxSpdifDelayMs.
+// When the optical path's direct sound arrives at the microphone, minus when that of the television's speaker does, in
+// milliseconds. Positive: the optical output is late. `spdifDelayMs` is the delay in force, clamped as
+// Room::SetSpdifDelayMs() clamps it. With a delay of `spdifDelayMs - MisalignmentMs()` the misalignment is 0, as long
+// as both delays are within 0 to Room::kMaxSpdifDelayMs.
 double MisalignmentMs(const RoomConfig& config, double spdifDelayMs);
 
 }  // namespace orvex::sim

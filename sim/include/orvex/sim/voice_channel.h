@@ -1,7 +1,7 @@
 // The remote control's voice channel as a schedule: when which block of microphone samples is delivered.
 //
-// The caller asks for the next delivery's time, waits for it in whatever time it lives, and takes the block. Same rules
-// for threads as Room.
+// The caller asks for the time of the next delivery, waits for it, in real or in virtual time, and takes the block. The
+// rules for threads are those of Room.
 #pragma once
 
 #include <array>
@@ -22,20 +22,21 @@ public:
 
   explicit VoiceChannel(Room& room);  // `room` must outlive this object
 
-  // Starts a recording whose first sample is taken at `now`. While one is going on, it is given up for the new one.
+  // Starts a recording whose first sample is taken at `now`, and abandons one that is in progress.
   void Start(Time now);
-  // "Go on recording": the voice window begins anew at `now`. Without effect when the remote has fallen silent already.
+  // Tells the remote to go on recording: its voice window begins anew at `now`. Has no effect when the window has
+  // passed already.
   void Extend(Time now);
-  // Nothing is delivered afterwards, blocks under way included.
+  // Nothing is delivered afterwards, not even blocks that were recorded before.
   void Stop();
 
   // When the next block is due: k + 1 blocks after the start for block k, at the microphone's actual rate,
-  // plus latency and jitter, never before the block ahead of it. None: not started, stopped, or the block would be
-  // complete only after the voice window or after silentAfterMs. Extend() can bring a delivery back: ask again.
+  // plus latency and jitter, but never before the block ahead of it. None: not started, stopped, or the block would be
+  // complete only after the voice window or after silentAfterMs. Ask again after Extend(), which may change the answer.
   std::optional<Time> NextDelivery() const;
   // Takes the block that NextDelivery() announced; the room's playback must be known up to that time, or at least to
-  // Room::Lookahead() after the block's last sample. False: the block was lost on the way, `block` is untouched, the
-  // recording goes on behind it. Throws std::logic_error when no delivery is due.
+  // Room::Lookahead() after the block's last sample. Returns false when the block was lost on the way: `block` is
+  // unchanged, and the recording continues with the next one. Throws std::logic_error when no delivery is due.
   bool TakeBlock(Block& block);
 
 private:
