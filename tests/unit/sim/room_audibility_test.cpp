@@ -1,4 +1,4 @@
-// Which channel is heard: the television's mute, the muted device, the receiver's lock and the S/PDIF delay.
+// Which channel is heard when: the television's mute, the muted device, the receiver's lock and the S/PDIF delay.
 #include <limits>
 
 #include <gtest/gtest.h>
@@ -10,7 +10,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr double kSilentDbfs = -90.0;  // below any trace of a tone
+constexpr double kSilentDbfs = -90.0;  // a tone below this counts as not heard
 
 Samples MakeTones(std::size_t frames) {
   Samples sound = MakeSilence(frames);
@@ -19,12 +19,12 @@ Samples MakeTones(std::size_t frames) {
   return sound;
 }
 
-double Left(const Samples& recording, double fromS, double toS) {
+double LeftDbfs(const Samples& recording, double fromS, double toS) {
   return ToneDbfs(recording, 17000.0, kRateHz, static_cast<std::size_t>(fromS * kRateHz),
                   static_cast<std::size_t>(toS * kRateHz));
 }
 
-double Right(const Samples& recording, double fromS, double toS) {
+double RightDbfs(const Samples& recording, double fromS, double toS) {
   return ToneDbfs(recording, 19000.0, kRateHz, static_cast<std::size_t>(fromS * kRateHz),
                   static_cast<std::size_t>(toS * kRateHz));
 }
@@ -33,8 +33,8 @@ TEST(RoomAudibilityTest, TheTelevisionsMuteSilencesTheLeftChannelOnly) {
   Room room(MakeBareRoom());
   room.SetTvMuted(true);
   const Samples recording = PlayAndRecord(room, MakeTones(24000), 23000);
-  EXPECT_LT(Left(recording, 0.1, 0.4), kSilentDbfs);
-  EXPECT_NEAR(Right(recording, 0.1, 0.4), -12.0, 0.1);
+  EXPECT_LT(LeftDbfs(recording, 0.1, 0.4), kSilentDbfs);
+  EXPECT_NEAR(RightDbfs(recording, 0.1, 0.4), -12.0, 0.1);
 }
 
 TEST(RoomAudibilityTest, TheMuteHoldsForFramesThatArePlayedWhileItIsOn) {
@@ -47,9 +47,9 @@ TEST(RoomAudibilityTest, TheMuteHoldsForFramesThatArePlayedWhileItIsOn) {
   room.Play(400ms, sound.data(), 9600);
   room.StartRecording(0ms);
   const Samples recording = Record(room, 30000);
-  EXPECT_NEAR(Left(recording, 0.05, 0.15), -12.0, 0.1);
-  EXPECT_LT(Left(recording, 0.25, 0.35), kSilentDbfs);
-  EXPECT_NEAR(Left(recording, 0.45, 0.55), -12.0, 0.1);
+  EXPECT_NEAR(LeftDbfs(recording, 0.05, 0.15), -12.0, 0.1);
+  EXPECT_LT(LeftDbfs(recording, 0.25, 0.35), kSilentDbfs);
+  EXPECT_NEAR(LeftDbfs(recording, 0.45, 0.55), -12.0, 0.1);
 }
 
 TEST(RoomAudibilityTest, AMutedExternalDeviceSilencesTheRightChannelOnly) {
@@ -57,8 +57,8 @@ TEST(RoomAudibilityTest, AMutedExternalDeviceSilencesTheRightChannelOnly) {
   config.opticalMuted = true;
   Room room(config);
   const Samples recording = PlayAndRecord(room, MakeTones(24000), 23000);
-  EXPECT_NEAR(Left(recording, 0.1, 0.4), -12.0, 0.1);
-  EXPECT_LT(Right(recording, 0.1, 0.4), kSilentDbfs);
+  EXPECT_NEAR(LeftDbfs(recording, 0.1, 0.4), -12.0, 0.1);
+  EXPECT_LT(RightDbfs(recording, 0.1, 0.4), kSilentDbfs);
 }
 
 TEST(RoomAudibilityTest, TheSpdifDelayMovesTheRightChannelOnly) {
@@ -114,9 +114,9 @@ TEST_F(OpticalLockTest, LosesTheStreamsBeginningOnTheOpticalPathOnly) {
 
   Room room(MakeLockingRoom());
   const Samples both = PlayAndRecord(room, MakeTones(24000), 23000);
-  EXPECT_NEAR(Left(both, 0.02, 0.13), -12.0, 0.1);
-  EXPECT_LT(Right(both, 0.02, 0.13), kSilentDbfs);
-  EXPECT_NEAR(Right(both, 0.2, 0.4), -12.0, 0.1);
+  EXPECT_NEAR(LeftDbfs(both, 0.02, 0.13), -12.0, 0.1);
+  EXPECT_LT(RightDbfs(both, 0.02, 0.13), kSilentDbfs);
+  EXPECT_NEAR(RightDbfs(both, 0.2, 0.4), -12.0, 0.1);
 }
 
 TEST_F(OpticalLockTest, SilentFramesLetTheReceiverLock) {
@@ -124,7 +124,7 @@ TEST_F(OpticalLockTest, SilentFramesLetTheReceiverLock) {
   m_Room.Play(0ms, silence.data(), 9600);
   const Samples tones = MakeTones(9600);
   m_Room.Play(200ms, tones.data(), 9600);
-  EXPECT_NEAR(Right(Record(m_Room, 20000), 0.21, 0.39), -12.0, 0.1);
+  EXPECT_NEAR(RightDbfs(Record(m_Room, 20000), 0.21, 0.39), -12.0, 0.1);
 }
 
 TEST_F(OpticalLockTest, ASplitStreamLocksOnce) {
@@ -133,9 +133,9 @@ TEST_F(OpticalLockTest, ASplitStreamLocksOnce) {
     m_Room.Play(i * 100ms, tones.data(), 4800);
   }
   const Samples recording = Record(m_Room, 20000);
-  EXPECT_LT(Right(recording, 0.02, 0.13), kSilentDbfs);
-  EXPECT_NEAR(Right(recording, 0.21, 0.29), -12.0, 0.1);
-  EXPECT_NEAR(Right(recording, 0.31, 0.39), -12.0, 0.1);
+  EXPECT_LT(RightDbfs(recording, 0.02, 0.13), kSilentDbfs);
+  EXPECT_NEAR(RightDbfs(recording, 0.21, 0.29), -12.0, 0.1);
+  EXPECT_NEAR(RightDbfs(recording, 0.31, 0.39), -12.0, 0.1);
 }
 
 TEST_F(OpticalLockTest, OnlyALongPauseMakesItLockAgain) {
@@ -144,9 +144,9 @@ TEST_F(OpticalLockTest, OnlyALongPauseMakesItLockAgain) {
   m_Room.Play(350ms, tones.data(), 14400);  // 50 ms of pause
   m_Room.Play(701ms, tones.data(), 14400);  // 51 ms
   const Samples recording = Record(m_Room, 50000);
-  EXPECT_NEAR(Right(recording, 0.37, 0.48), -12.0, 0.1);
-  EXPECT_LT(Right(recording, 0.73, 0.83), kSilentDbfs);
-  EXPECT_NEAR(Right(recording, 0.88, 0.98), -12.0, 0.1);
+  EXPECT_NEAR(RightDbfs(recording, 0.37, 0.48), -12.0, 0.1);
+  EXPECT_LT(RightDbfs(recording, 0.73, 0.83), kSilentDbfs);
+  EXPECT_NEAR(RightDbfs(recording, 0.88, 0.98), -12.0, 0.1);
 }
 
 TEST_F(OpticalLockTest, AStoppedDeviceEndsTheStream) {
@@ -155,8 +155,8 @@ TEST_F(OpticalLockTest, AStoppedDeviceEndsTheStream) {
   m_Room.CutPlayback(200ms);
   m_Room.Play(300ms, tones.data(), 14400);
   const Samples recording = Record(m_Room, 30000);
-  EXPECT_LT(Right(recording, 0.32, 0.43), kSilentDbfs);
-  EXPECT_NEAR(Left(recording, 0.32, 0.43), -12.0, 0.1);
+  EXPECT_LT(RightDbfs(recording, 0.32, 0.43), kSilentDbfs);
+  EXPECT_NEAR(LeftDbfs(recording, 0.32, 0.43), -12.0, 0.1);
 }
 
 }  // namespace
