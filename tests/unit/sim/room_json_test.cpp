@@ -1,4 +1,4 @@
-// Rooms as JSON: round trip, defaults, and errors that say what is wrong where.
+// Rooms as JSON: round trip, defaults, and errors that name the bad value and its key.
 #include "orvex/sim/room_json.h"
 
 #include <cmath>
@@ -102,13 +102,13 @@ INSTANTIATE_TEST_SUITE_P(
         ErrorCase{"TooLarge", R"({"optical": {"distance_m": 1e300}})", "optical.distance_m", "1.0000000000000001e+300",
                   kDistance},
         ErrorCase{"NoNumber", R"({"tv": {"distance_m": "2"}})", "tv.distance_m", "\"2\"", kDistance},
-        ErrorCase{"TruthForNumber", R"({"tv": {"distance_m": true}})", "tv.distance_m", "true", kDistance},
+        ErrorCase{"BooleanForNumber", R"({"tv": {"distance_m": true}})", "tv.distance_m", "true", kDistance},
         ErrorCase{"NullForNumber", R"({"tv": {"distance_m": null}})", "tv.distance_m", "null", kDistance},
         ErrorCase{"NegativeRange", R"({"tv": {"gain_db": 41}})", "tv.gain_db", "41", "a number from -200 to 40"},
         ErrorCase{"LargeRange", R"({"voice": {"window_ms": 0}})", "voice.window_ms", "0", "a number from 1 to 1000000"},
         ErrorCase{"NotNone", R"({"microphone": {"noise_dbfs": "nothing"}})", "microphone.noise_dbfs", "\"nothing\"",
                   "a number from -200 to 0 or \"none\""},
-        ErrorCase{"NoTruth", R"({"optical": {"muted": 1}})", "optical.muted", "1", "true or false"},
+        ErrorCase{"NoBoolean", R"({"optical": {"muted": 1}})", "optical.muted", "1", "true or false"},
         ErrorCase{"NoString", R"({"microphone": {"noise_file": 3}})", "microphone.noise_file", "3", "a string"},
         ErrorCase{"NegativeSeed", R"({"seed": -1})", "seed", "-1", kSeed},
         ErrorCase{"SeedTooLarge", R"({"seed": 18446744073709551616})", "seed", "1.8446744073709552e+19", kSeed},
@@ -137,7 +137,7 @@ TEST(RoomJsonTest, TooManyReflectionsAreRefused) {
               AllOf(HasSubstr("tv.reflections"), HasSubstr("at most 64")));
 }
 
-TEST(RoomJsonTest, WhatIsNoJsonObjectIsRefusedWithItsPlace) {
+TEST(RoomJsonTest, TextThatIsNoJsonObjectIsRefusedWithLineAndColumn) {
   EXPECT_THAT(ErrorOf("{\n \"tv\": { \"distance_m\": }\n}"),
               AllOf(HasSubstr("living/room.json: no valid JSON, expected one object: "), HasSubstr("Line 2, Column")));
   for (const char* text : {"", "{", "{} {}", "{\"seed\": NaN}", "{\"seed\": 1, \"seed\": 2}", "{\"seed\": 1,}",
@@ -152,7 +152,7 @@ TEST(RoomJsonTest, ALongValueIsCutInTheError) {
   EXPECT_LT(ErrorOf("{\"seed\": \"" + std::string(10000, 'x') + "\"}").size(), 200U);
 }
 
-TEST(RoomConfigTest, ValuesThatNoTextCanHoldAreRefusedToo) {
+TEST(RoomConfigTest, ValuesThatJsonCannotHoldAreRefusedToo) {
   RoomConfig config;
   config.tv.gainDb = std::nan("");
   EXPECT_THROW(CheckRoom(config, "room"), RoomError);

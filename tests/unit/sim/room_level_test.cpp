@@ -85,7 +85,7 @@ TEST(RoomLevelTest, WhatIsTooLoudIsClippedAtSixteenBits) {
   EXPECT_NEAR(low, 0.436 * 9309, 40);
 }
 
-// 22500 Hz would come back as 17500 Hz.
+// Without an anti-aliasing filter, 22500 Hz would be recorded as 17500 Hz.
 TEST(RoomLevelTest, WhatLiesAboveHalfTheMicrophonesRateDoesNotFoldBack) {
   RoomConfig config = MakeBareRoom();
   config.microphoneRateHz = 40000.0;

@@ -55,7 +55,7 @@ TEST(RoomNoiseTest, IsNormallyDistributed) {
   EXPECT_NEAR(beyondTwo / static_cast<double>(noise.size()), 0.0455, 0.004);
 }
 
-TEST(RoomNoiseTest, WithoutNoiseSilenceIsDigital) {
+TEST(RoomNoiseTest, WithoutNoiseEverySampleIsZero) {
   const Samples silence = RecordNoise(MakeBareRoom());
   EXPECT_EQ(FirstSound(silence), silence.size());
 }
@@ -78,7 +78,7 @@ TEST(RoomNoiseTest, EveryRecordingOfARoomHasNoiseOfItsOwn) {
   EXPECT_NE(first, Record(room, 1000));
 }
 
-TEST(RoomNoiseTest, ARecordingAtTheMicrophonesRateGoesRoundAsItIs) {
+TEST(RoomNoiseTest, ARecordingAtTheMicrophonesRateIsRepeatedUnchanged) {
   RoomConfig config = MakeBareRoom();
   config.noiseFileGainDb = -20.0;
   Room room(config);

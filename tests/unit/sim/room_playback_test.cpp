@@ -1,4 +1,4 @@
-// How playback is handed over does not matter: in which pieces, how far ahead, and with what cut away again.
+// The recording depends neither on the pieces in which frames are played nor on how early; what was cut is not heard.
 #include <algorithm>
 #include <cmath>
 #include <stdexcept>
@@ -16,7 +16,7 @@ Time FrameTime(std::size_t frame) {
   return Time(std::llround(static_cast<double>(frame) * 1e9 / kPlaybackRateHz));
 }
 
-// A room with everything but noise: that alone would hide a difference.
+// A room with everything but noise, which would hide differences between recordings.
 RoomConfig MakeEchoingRoom() {
   RoomConfig config;
   config.noiseDbfs.reset();
@@ -55,7 +55,7 @@ TEST(RoomPlaybackTest, PiecesOfPlaybackAndRecordingGiveTheSameSoundAsTheWhole) {
     recording.insert(recording.end(), block.begin(), block.end());
   }
   ASSERT_GT(RmsDbfs(expected), -40.0);
-  // Times are whole nanoseconds, so that a piece may lie a little beside the whole.
+  // Times are rounded to nanoseconds, so a piece may be shifted by a fraction of a nanosecond.
   EXPECT_LE(MaxDifference(recording, expected), 3);
 }
 
@@ -115,7 +115,7 @@ TEST(RoomPlaybackTest, PlaybackAfterACutIsHeardAgain) {
   EXPECT_NEAR(ToneDbfs(recording, 17000.0, kRateHz, 15000, 25000), -12.0, 0.1);
 }
 
-TEST(RoomPlaybackTest, SoundKnownLookaheadAfterTheLastSampleIsInTimeAtEveryRate) {
+TEST(RoomPlaybackTest, SoundDueLookaheadAfterTheLastSampleIsInTimeAtEveryRate) {
   for (const double rateHz : {20000.0, kRateHz, 96000.0}) {
     RoomConfig config = MakeBareRoom();
     config.microphoneRateHz = rateHz;
@@ -186,7 +186,7 @@ TEST(RoomPlaybackTest, RecordingBeforeItsStartIsRefused) {
   EXPECT_THROW(room.Record(samples.data(), 1), std::logic_error);
 }
 
-TEST(RoomPlaybackTest, ARoomThatCannotBeIsRefused) {
+TEST(RoomPlaybackTest, AnInvalidRoomIsRefused) {
   RoomConfig config;
   config.tv.distanceM = -1.0;
   EXPECT_THROW(Room{config}, RoomError);

@@ -1,4 +1,4 @@
-// The tail decays as fast and is as strong as the room says.
+// The tail has the decay time and the level that the room's configuration gives it.
 #include <cmath>
 
 #include <gtest/gtest.h>
@@ -31,7 +31,7 @@ Samples RecordImpulse(const RoomConfig& config, std::size_t channel, double seco
   return PlayAndRecord(room, sound, static_cast<std::size_t>(seconds * kRateHz));
 }
 
-// The time in which the energy that is still to come falls by `db`.
+// How long the energy that is still to come takes to fall from `fromDb` to `toDb`, relative to that of the whole tail.
 double DecayS(const Samples& recording, double fromDb, double toDb) {
   const double total = Energy(recording, kTailBegin, recording.size());
   double rest = total;

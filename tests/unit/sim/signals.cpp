@@ -1,4 +1,4 @@
-// Sounds and measurements for the models' tests.
+// Levels of tones are measured through a Hann window.
 #include "unit/sim/signals.h"
 
 #include <algorithm>
@@ -61,7 +61,8 @@ Samples Record(Room& room, std::size_t count) {
   return samples;
 }
 
-// The peak, refined by the phase of a low frequency about it: a band-limited impulse is symmetric about its arrival.
+// Finds the peak, and refines its position by the phase of a low frequency relative to it: a band-limited impulse is
+// symmetric about its arrival.
 double ArrivalSample(const Samples& recording, std::size_t first, std::size_t last) {
   constexpr double kAngle = 0.1;  // radian per sample
   const auto begin = recording.begin() + static_cast<std::ptrdiff_t>(first);

@@ -25,7 +25,7 @@ TEST(TruthTest, CountsTheWayThroughTheAir) {
   EXPECT_DOUBLE_EQ(MisalignmentMs(config, 0.0), -10.0);
 }
 
-TEST(TruthTest, TheDelayThatTakesItAwayBringsBothOutputsInStep) {
+TEST(TruthTest, SubtractingItFromTheDelayAlignsBothOutputs) {
   const RoomConfig config;
   const double delayMs = 100.0 - MisalignmentMs(config, 100.0);
   EXPECT_GE(delayMs, 0.0);
@@ -36,7 +36,7 @@ TEST(TruthTest, TheDefaultRoomHasSomethingToCorrect) {
   EXPECT_NEAR(MisalignmentMs(RoomConfig(), 100.0), 40.0, 1e-9);
 }
 
-TEST(TruthTest, KnowsTheLimitsOfTheOutputsDelay) {
+TEST(TruthTest, ClampsTheDelayAsTheOutputDoes) {
   const RoomConfig config = MakeBareRoom();
   EXPECT_DOUBLE_EQ(MisalignmentMs(config, 10000.0), 10000.0);
   EXPECT_DOUBLE_EQ(MisalignmentMs(config, 4294967295.0), 10000.0);

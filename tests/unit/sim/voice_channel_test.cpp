@@ -110,11 +110,11 @@ TEST(VoiceChannelTest, JitterDelaysBlocksAndKeepsTheirOrder) {
     most = std::max(most, late);
   }
   EXPECT_GT(most, 0.035);
-  // Without the order the mean would be 20 ms; waiting for the block ahead can only add to it.
+  // If blocks could overtake each other, the mean would be 20 ms; waiting for the block ahead can only add to it.
   EXPECT_NEAR(sum / static_cast<double>(remote.Times().size()), 0.023, 0.004);
 }
 
-TEST(VoiceChannelTest, LosesBlocksWithTheGivenProbabilityAndGoesOnBehindThem) {
+TEST(VoiceChannelTest, LosesBlocksWithTheGivenProbabilityAndGoesOnAfterThem) {
   for (const double probability : {0.0, 0.1, 0.5, 1.0}) {
     RoomConfig config = MakeVoiceRoom();
     config.voiceLossProbability = probability;
@@ -133,7 +133,7 @@ TEST(VoiceChannelTest, LosesBlocksWithTheGivenProbabilityAndGoesOnBehindThem) {
   }
 }
 
-TEST(VoiceChannelTest, ALostBlockLeavesTheCallersSamplesAndPassesTheTime) {
+TEST(VoiceChannelTest, ALostBlockLeavesTheCallersSamplesAndTakesItsTime) {
   RoomConfig config = MakeVoiceRoom();
   config.voiceLossProbability = 1.0;
   config.noiseDbfs = -20.0;
