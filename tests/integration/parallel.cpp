@@ -9,8 +9,8 @@
 namespace orvex::integration {
 
 void InParallel(std::size_t count, const std::function<void(std::size_t)>& work) {
-  // More at a time would make the machine the subject of the test. An emulator starts a program from a copy of itself, in
-  // which a lock of another thread stays locked for ever: there, no other thread is.
+  // More at a time would make the machine the subject of the test. An emulator starts a program from a copy of itself,
+  // in which a lock of another thread stays locked for ever: there, no other thread is.
   constexpr std::size_t kAtATime = ORVEX_IS_EMULATED ? 1 : 4;
   std::atomic<std::size_t> next{0};
   const auto share = [&] {

@@ -1,4 +1,5 @@
-// Something happens at each step of a run: right after each line of its journal.
+// Something happens at each step of a run: right after each line of its journal, or after each fourth with sanitizers
+// and under emulation.
 #include <gmock/gmock.h>
 
 #include <optional>
@@ -93,8 +94,9 @@ private:
 };
 
 TEST_P(Moments, KeepAllRules) {
-  for (const std::size_t step : Steps()) {
-    ExpectRunWith(step);
+  const std::vector<std::size_t> steps = Steps();
+  for (std::size_t i = 0; i < steps.size(); i += ORVEX_MOMENT_EVERY) {
+    ExpectRunWith(steps[i]);
   }
 }
 

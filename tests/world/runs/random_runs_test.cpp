@@ -16,7 +16,7 @@ namespace {
 using namespace orvex::runs;
 using testing::IsEmpty;
 
-constexpr std::uint64_t kRuns = 300;
+constexpr std::uint64_t kRuns = ORVEX_WORLD_RUNS;
 constexpr std::uint64_t kFirstSeed = 1;
 
 TEST(RandomRuns, KeepAllRules) {
