@@ -152,6 +152,18 @@ TEST_F(DebugDumpFile, WithoutAResultFileNoAudioIsKept) {
   EXPECT_EQ(ContentOf(AudioName(1)), "");
 }
 
+TEST_F(DebugDumpFile, AFileMayGetTheNumberOfAClosedStandardInput) {
+  const int input = dup(STDIN_FILENO);
+  close(STDIN_FILENO);
+  writer.Start();
+  const std::string data = "data";
+  writer.DebugDump(data.data(), data.size());
+  writer.Stop();
+  dup2(input, STDIN_FILENO);
+  close(input);
+  EXPECT_EQ(ContentOf(AudioName(1)), data);
+}
+
 TEST_F(DebugDumpFile, AFileThatFindsNoMemoryIsNotLeftOpen) {
   world.answers.Next("fdopen", {0});
   EXPECT_THAT(During(world, [&] { writer.Start(); }),

@@ -66,7 +66,7 @@ TEST_F(ReceiverObserver, IsToldOfABlockWhenItsMagnitudesAreLogged) {
 TEST_F(ReceiverObserver, IsToldOfAStepBetweenItsLineAndTheCallToTheOwner) {
   receiver.SetObserver(&observer);
   Start();
-  EXPECT_THAT(AroundSteps(35, quiet),
+  EXPECT_THAT(AroundSteps(orvex::detector::kAmbientBuffer, quiet),
               ElementsAre("E0 completed ambient noise", "> ambient observed", "> end of ambient noise"));
   EXPECT_THAT(AroundSteps(40, Tone17(100)), ElementsAre(kFirst17, "> first tone observed", "end"));
   EXPECT_THAT(AroundSteps(45, Tone19(100)), ElementsAre("I0 @ [RESULT] [40] - [45] : 0.0825 s\n", "> pair observed",
