@@ -5,6 +5,7 @@ if(BUILD_TESTING)
   find_package(GTest REQUIRED)
 endif()
 find_package(Boost 1.74 REQUIRED)
+find_package(Eigen3 3.4 REQUIRED NO_MODULE)
 
 foreach(pair ecore:ecore ecore_file:ecore-file alsa:alsa jsoncpp:jsoncpp samplerate:samplerate sndfile:sndfile
              cli11:CLI11 fmt:fmt)

@@ -111,6 +111,15 @@ Recording ReadRecording(const std::string& path) {
   return IsWave(recording.bytes) ? ReadWave(path, recording.bytes) : recording;
 }
 
+std::vector<std::int16_t> SamplesOf(const Recording& recording) {
+  std::vector<std::int16_t> samples(recording.bytes.size() / sizeof(std::int16_t));
+  for (std::size_t n = 0; n < samples.size(); ++n) {
+    const unsigned bits = recording.bytes[2 * n] | static_cast<unsigned>(recording.bytes[2 * n + 1]) << 8U;
+    samples[n] = static_cast<std::int16_t>(bits);
+  }
+  return samples;
+}
+
 void Feed(const std::vector<std::uint8_t>& bytes, ReceiverRig& rig, const std::function<void(std::size_t)>& progress) {
   for (std::size_t at = 0; at < bytes.size();) {
     const std::size_t count = std::min(kVoiceBlockBytes, bytes.size() - at);

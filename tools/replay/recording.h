@@ -28,6 +28,8 @@ struct Recording {
 // "-" is standard input. Throws RecordingError.
 Recording ReadRecording(const std::string& path);
 
+std::vector<std::int16_t> SamplesOf(const Recording& recording);
+
 // Delivers the bytes in whole blocks; the last one may be short. After each block, `progress` is called with the
 // number of bytes delivered so far.
 void Feed(

@@ -53,6 +53,26 @@ void ReportLines::OnPair(std::int32_t buffer, Tone /*tone*/, std::int32_t first,
   Write("result", buffer, members);
 }
 
+void ReportLines::WriteFine(const fine::Reading& reading) {
+  const auto levelOf = [](const std::optional<fine::Arrival>& arrival) {
+    return arrival ? Json::Value(arrival->levelDb) : Json::Value();
+  };
+  Json::Value object;
+  object["event"] = "fine";
+  object["difference_s"] = reading.differenceS ? Json::Value(*reading.differenceS) : Json::Value();
+  object["interval_s"] = Json::Value();
+  if (reading.differenceS) {
+    object["interval_s"].append(reading.intervalS.low);
+    object["interval_s"].append(reading.intervalS.high);
+  }
+  object["pairs"] = reading.pairs;
+  object["rate_ppm"] = reading.ratePpm ? Json::Value(*reading.ratePpm) : Json::Value();
+  object["level_17_db"] = levelOf(reading.arrivals[0]);
+  object["level_19_db"] = levelOf(reading.arrivals[1]);
+  object["reason"] = reading.reason.empty() ? Json::Value() : Json::Value(reading.reason);
+  WriteObject(std::move(object));
+}
+
 void ReportLines::WriteSummary(ReceiverRig& rig, const RunRecord& run) {
   const OrvexReceiver& receiver = rig.GetReceiver();
   const double differenceS = rig.GetDifferenceS();

@@ -8,6 +8,7 @@
 #include <ostream>
 #include <string>
 
+#include "fine/fine_reading.h"
 #include "receiver/receiver_rig.h"
 #include "replay/run_record.h"
 
@@ -29,8 +30,9 @@ public:
   void OnAbnormalInput(std::int32_t buffer) override { Write("abnormal", buffer); }
   void OnExtend(std::int32_t buffer) override { Write("extend", buffer); }
 
-  // The last line. `run`: all that `rig` has reported.
+  // `run`: all that `rig` has reported.
   void WriteSummary(ReceiverRig& rig, const RunRecord& run);
+  void WriteFine(const fine::Reading& reading);
 
 private:
   void Write(const char* event, std::int32_t buffer, Json::Value members = Json::objectValue);

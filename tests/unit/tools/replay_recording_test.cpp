@@ -29,12 +29,6 @@ void WriteWave(const std::string& path, int format, int channels, int rateHz, co
   sf_close(file);
 }
 
-std::vector<std::int16_t> SamplesOf(const Recording& recording) {
-  std::vector<std::int16_t> samples(recording.bytes.size() / 2);
-  std::memcpy(samples.data(), recording.bytes.data(), 2 * samples.size());
-  return samples;
-}
-
 // The message of the error that reading the file throws; empty when it throws none.
 std::string ErrorOf(const std::string& path) {
   try {

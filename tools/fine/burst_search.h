@@ -1,0 +1,29 @@
+// Where in a recording the test sound's bursts are, to some milliseconds.
+#pragma once
+
+#include <array>
+#include <complex>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "fine/base_band.h"
+#include "testsound/sound_design.h"
+
+namespace orvex::fine {
+
+// The positions, in samples, at which the bursts of one tone seem to begin, in the order of the pairs; none: the burst
+// lies outside the recording, or is not heard.
+struct ToneBursts {
+  std::vector<std::optional<std::int64_t>> positions;
+  double noisePower = 0.0;  // of the base band between the bursts, at least that of rounding to whole samples
+
+  bool AreNone() const;
+};
+
+// The two tones as far apart as a run can measure, at the place in the recording where most is heard of all their
+// bursts. Bursts are as far apart as in the sound, less whole blocks that the remote has lost. A tone of which nothing
+// is heard has no positions. Pure.
+std::array<ToneBursts, 2> FindBursts(const Samples& samples, const tools::SoundDesign& sound);
+
+}  // namespace orvex::fine

@@ -1,0 +1,339 @@
+// The steps of a reading, and the reasons for which it ends without a difference.
+#include "fine/fine_reading.h"
+
+#include <fmt/core.h>
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+#include "fine/burst_alignment.h"
+#include "fine/burst_search.h"
+
+namespace orvex::fine {
+namespace {
+
+constexpr std::array<double, 2> kTonesHz = {tools::kLeftToneHz, tools::kRightToneHz};
+
+// Before the first burst the noise is measured: so long, so long at least, and so long before the onset. More than so
+// many times the noise of the quieter part of the recording is a disturbance.
+constexpr double kNoiseS = 0.5;
+constexpr double kLeastNoiseS = 0.1;
+constexpr double kBeforeSoundS = 5e-3;
+constexpr double kDisturbed = 2.0;
+
+// Below these there is no reading.
+constexpr double kLeastPeakToNoise = 10.0;
+constexpr double kLeastLikeness = 0.5;
+constexpr double kLeastOnsetS = 2e-3;
+constexpr double kLargestDeviationS = 5e-4;
+// Onsets further from the middle of what the model searches are searched again around the place found, but not more
+// often.
+constexpr double kNearTheMiddleS = 1e-3;
+constexpr int kLargestMoves = 2;
+// Pairs agree when they are this close to one another, in samples; a lost block is 768.
+constexpr double kAgreement = 100.0;
+
+// The interval is this much wider than the distribution of the onsets says, and a little wider yet: the model's room is
+// simpler than a real one.
+constexpr double kWidening = 0.95;
+constexpr double kFloorS = 1e-5;
+constexpr double kDeviationsOf95Percent = 1.96;
+
+// The error of a rate that was read off a single burst.
+constexpr double kRateDeviationOfOne = 3e-4;
+constexpr double kLargestRateError = 2.5e-3;
+
+// The magnitude of a block that a tone of amplitude A fills is A / 2 per sample, the mean magnitude of white noise of
+// deviation s is s sqrt(pi / 4) per root of samples.
+double LevelDb(double amplitude, double noisePower) {
+  const double noise = std::sqrt(noisePower / FilteredNoisePower());
+  const double block = static_cast<double>(kVoiceBlockSamples);
+  return 20.0 * std::log10(amplitude * std::sqrt(block) / (noise * std::sqrt(tools::kPi) / 2.0));
+}
+
+// What is known of one tone.
+struct Tone {
+  double hz = 0.0;
+  const BaseBand* band = nullptr;
+  ToneBursts found;
+  AlignedBursts aligned;
+
+  std::string Name() const { return fmt::format("{:.0f} kHz", hz * 1e-3); }
+  const AlignedBurst* Burst(std::size_t pair) const {
+    for (const AlignedBurst& burst : aligned.bursts) {
+      if (burst.pair == pair) {
+        return &burst;
+      }
+    }
+    return nullptr;
+  }
+};
+
+// The largest group of pairs whose tones are equally far apart.
+std::vector<std::size_t> AgreeingPairs(const std::array<Tone, 2>& tones, int pairs) {
+  std::vector<std::size_t> both;
+  std::vector<double> distances;
+  for (std::size_t pair = 0; pair < static_cast<std::size_t>(pairs); ++pair) {
+    const AlignedBurst* const first = tones[0].Burst(pair);
+    const AlignedBurst* const second = tones[1].Burst(pair);
+    if (first != nullptr && second != nullptr) {
+      both.push_back(pair);
+      distances.push_back(second->position - first->position);
+    }
+  }
+  std::vector<std::size_t> largest;
+  for (const double distance : distances) {
+    std::vector<std::size_t> group;
+    for (std::size_t n = 0; n < both.size(); ++n) {
+      if (std::abs(distances[n] - distance) < kAgreement) {
+        group.push_back(both[n]);
+      }
+    }
+    if (group.size() > largest.size()) {
+      largest = group;
+    }
+  }
+  return largest;
+}
+
+// How much faster than its nominal rate the remote samples, by the distances of the bursts of each tone, whole lost
+// blocks added; none: no tone has two bursts in use.
+std::optional<double> RateError(const std::array<Tone, 2>& tones, const tools::SoundDesign& sound) {
+  const double spacing = sound.spacingMs * 1e-3 * kVoiceRateHz;
+  const double block = static_cast<double>(kVoiceBlockSamples);
+  double products = 0.0;
+  double squares = 0.0;
+  for (const Tone& tone : tones) {
+    const std::vector<AlignedBurst>& bursts = tone.aligned.bursts;
+    std::vector<double> expected;
+    std::vector<double> measured;
+    for (const AlignedBurst& burst : bursts) {
+      expected.push_back(static_cast<double>(burst.pair) * spacing);
+      const double missing = expected.back() - expected.front() - (burst.position - bursts.front().position);
+      measured.push_back(burst.position + block * std::round(missing / block));
+    }
+    double expectedMean = 0.0;
+    double measuredMean = 0.0;
+    for (std::size_t n = 0; n < expected.size(); ++n) {
+      expectedMean += expected[n] / static_cast<double>(expected.size());
+      measuredMean += measured[n] / static_cast<double>(expected.size());
+    }
+    for (std::size_t n = 0; n < expected.size(); ++n) {
+      products += (expected[n] - expectedMean) * (measured[n] - measuredMean);
+      squares += (expected[n] - expectedMean) * (expected[n] - expectedMean);
+    }
+  }
+  return squares > 0.0 ? std::optional<double>(products / squares - 1.0) : std::nullopt;
+}
+
+// The same by the frequency of the tone within one burst.
+double RateErrorOfOne(const Samples& samples, const Tone& tone, std::int64_t usableEnd,
+                      const tools::SoundDesign& sound) {
+  const auto from = static_cast<std::int64_t>(tone.aligned.onset + (sound.rampMs + 0.5) * 1e-3 * kVoiceRateHz);
+  const auto to = std::min(
+      usableEnd,
+      static_cast<std::int64_t>(tone.aligned.onset + (sound.burstMs - sound.rampMs - 0.5) * 1e-3 * kVoiceRateHz));
+  const std::int64_t third = (to - from) / 3;
+  if (third < 20) {
+    return 0.0;
+  }
+  const auto values = tone.band->Values(samples, from, static_cast<std::size_t>(to - from), 1);
+  std::complex<double> turn = 0.0;
+  for (std::size_t n = 0; n + static_cast<std::size_t>(third) < values.size(); ++n) {
+    turn += std::conj(values[n]) * values[n + static_cast<std::size_t>(third)];
+  }
+  const double cyclesPerSample = std::arg(turn) / (2.0 * tools::kPi * static_cast<double>(third));
+  const double error = -cyclesPerSample * kVoiceRateHz / tone.hz;
+  return std::abs(error) < kLargestRateError ? error : 0.0;
+}
+
+class OneReading {
+public:
+  OneReading(const Samples& samples, const tools::SoundDesign& sound, const OnsetModel& model)
+      : m_Samples(samples),
+        m_Sound(sound),
+        m_Model(model),
+        m_UsableEnd(static_cast<std::int64_t>(samples.count) - kFilterHalf) {}
+
+  Reading Read(const FilteredBurst& shape, const std::array<BaseBand, 2>& bands) {
+    const std::array<ToneBursts, 2> found = FindBursts(m_Samples, m_Sound);
+    for (std::size_t n = 0; n < m_Tones.size(); ++n) {
+      m_Tones[n] = {kTonesHz[n], &bands[n], found[n], Align(m_Samples, bands[n], shape, found[n], m_UsableEnd)};
+    }
+    MeasureNoise();
+    m_Reading.reason = Measure();
+    return m_Reading;
+  }
+
+private:
+  // Returns why there is no difference.
+  std::string Measure() {
+    const bool first = m_Tones[0].aligned.bursts.empty();
+    const bool second = m_Tones[1].aligned.bursts.empty();
+    if (first && second) {
+      return "nothing of the test sound is heard";
+    }
+    if (first || second) {
+      return "no burst of " + m_Tones[first ? 0 : 1].Name() + " is heard";
+    }
+    for (const Tone& tone : m_Tones) {
+      if (std::string reason = WhyUnfit(tone); !reason.empty()) {
+        return reason;
+      }
+    }
+    const std::vector<std::size_t> pairs = AgreeingPairs(m_Tones, m_Sound.pairs);
+    m_Reading.pairs = static_cast<int>(pairs.size());
+    if (pairs.empty()) {
+      return "no pair has both of its bursts";
+    }
+    if (pairs.size() == 1 && !EndsBefore(pairs.front() + 1)) {
+      return "only one pair of bursts, or none that agrees with it";
+    }
+    const std::optional<double> rateError = RateError(m_Tones, m_Sound);
+    FitOnsets(rateError);
+    return Conclude(pairs, rateError.has_value());
+  }
+
+  std::string WhyUnfit(const Tone& tone) const {
+    if (tone.aligned.isCut && static_cast<double>(m_Samples.count) - tone.aligned.onset < kLeastOnsetS * kVoiceRateHz) {
+      return fmt::format("the recording ends within {:.0f} ms of the burst of {}", kLeastOnsetS * 1e3, tone.Name());
+    }
+    if (tone.aligned.peakToNoise < kLeastPeakToNoise) {
+      return fmt::format("the bursts of {} are too weak, {:.1f} times the noise, expected {:.0f}", tone.Name(),
+                         tone.aligned.peakToNoise, kLeastPeakToNoise);
+    }
+    if (tone.aligned.likeness < kLeastLikeness) {
+      return "the bursts of " + tone.Name() + " are not alike";
+    }
+    return "";
+  }
+
+  // What was heard before the sound is noise and nothing else.
+  void MeasureNoise() {
+    double begin = static_cast<double>(m_Samples.count);
+    for (const Tone& tone : m_Tones) {
+      if (!tone.aligned.bursts.empty()) {
+        begin = std::min(begin, tone.aligned.bursts.front().position);
+      }
+    }
+    const auto end = static_cast<std::int64_t>(begin - kBeforeSoundS * kVoiceRateHz) - kFilterHalf;
+    const std::int64_t from =
+        std::max<std::int64_t>(kFilterHalf, end - static_cast<std::int64_t>(kNoiseS * kVoiceRateHz));
+    const std::int64_t count = (end - from) / kFilterHalf;
+    if (static_cast<double>(count * kFilterHalf) < kLeastNoiseS * kVoiceRateHz) {
+      return;
+    }
+    for (Tone& tone : m_Tones) {
+      double power = 0.0;
+      for (const std::complex<double>& value :
+           tone.band->Values(m_Samples, from, static_cast<std::size_t>(count), kFilterHalf)) {
+        power += std::norm(value) / static_cast<double>(count);
+      }
+      if (power > tone.found.noisePower && power < kDisturbed * tone.found.noisePower) {
+        tone.found.noisePower = power;
+      }
+    }
+  }
+
+  // Whether the recording ends before this pair.
+  bool EndsBefore(std::size_t pair) const {
+    double latest = 0.0;
+    for (const Tone& tone : m_Tones) {
+      const AlignedBurst& last = tone.aligned.bursts.back();
+      latest = std::max(latest, last.position + (static_cast<double>(pair) - static_cast<double>(last.pair)) *
+                                                    m_Sound.spacingMs * 1e-3 * kVoiceRateHz);
+    }
+    return latest > static_cast<double>(m_UsableEnd);
+  }
+
+  void FitOnsets(const std::optional<double>& rateError) {
+    m_RateError = rateError ? *rateError : RateErrorOfOne(m_Samples, Longer(), m_UsableEnd, m_Sound);
+    m_Reading.ratePpm = m_RateError * 1e6;
+    for (std::size_t n = 0; n < m_Tones.size(); ++n) {
+      const Tone& tone = m_Tones[n];
+      std::int64_t position = std::llround(tone.aligned.onset);
+      m_Onsets[n] = FitAt(tone, position);
+      // What is near the edge of what the model searches may lie beyond it.
+      for (int again = 0; again < kLargestMoves && std::abs(m_Onsets[n].s) > kNearTheMiddleS; ++again) {
+        position += std::llround(m_Onsets[n].s * kVoiceRateHz);
+        m_Onsets[n] = FitAt(tone, position);
+      }
+      m_Corrections[n] =
+          static_cast<double>(position) + m_Onsets[n].s * kVoiceRateHz - RoundingOf(tone.aligned) - tone.aligned.onset;
+      m_Reading.arrivals[n] =
+          Arrival{tone.aligned.bursts.front().position + m_Corrections[n], m_Onsets[n].deviationS,
+                  LevelDb(m_Onsets[n].amplitude * std::sqrt(NoisePowerOf(tone)), tone.found.noisePower)};
+    }
+  }
+
+  // Of the mean of the bursts.
+  static double NoisePowerOf(const Tone& tone) {
+    return tone.found.noisePower / static_cast<double>(tone.aligned.bursts.size());
+  }
+
+  Onset FitAt(const Tone& tone, std::int64_t position) const {
+    const double turn = -2.0 * tools::kPi * tone.hz / kVoiceRateHz * m_RateError;
+    std::vector<std::complex<double>> values =
+        MeanOf(m_Samples, *tone.band, tone.aligned, position, m_Model.Offsets(), turn);
+    for (std::complex<double>& value : values) {
+      value /= std::sqrt(NoisePowerOf(tone));
+    }
+    std::size_t usable = values.size();
+    while (usable > 1 && position + m_Model.Offsets()[usable - 1] >= m_UsableEnd) {
+      --usable;
+    }
+    return m_Model.Fit(values, usable);
+  }
+
+  std::string Conclude(const std::vector<std::size_t>& pairs, bool isRateOfMany) {
+    for (std::size_t n = 0; n < m_Tones.size(); ++n) {
+      if (m_Onsets[n].deviationS > kLargestDeviationS) {
+        return fmt::format("the onset of {} is not clear, {:.2f} ms to either side", m_Tones[n].Name(),
+                           kDeviationsOf95Percent * m_Onsets[n].deviationS * 1e3);
+      }
+    }
+    double distance = 0.0;
+    for (const std::size_t pair : pairs) {
+      distance += m_Tones[1].Burst(pair)->position - m_Tones[0].Burst(pair)->position;
+    }
+    distance = distance / static_cast<double>(pairs.size()) + m_Corrections[1] - m_Corrections[0];
+    const double difference = distance / (kVoiceRateHz * (1.0 + m_RateError)) - m_Sound.skewMs * 1e-3;
+    const double rate = isRateOfMany ? 0.0 : difference * kRateDeviationOfOne;
+    const double deviation = std::sqrt(
+        kWidening * kWidening *
+            (m_Onsets[0].deviationS * m_Onsets[0].deviationS + m_Onsets[1].deviationS * m_Onsets[1].deviationS) +
+        rate * rate + kFloorS * kFloorS);
+    m_Reading.differenceS = difference;
+    m_Reading.intervalS = {difference - kDeviationsOf95Percent * deviation,
+                           difference + kDeviationsOf95Percent * deviation};
+    return "";
+  }
+
+  // The tone of which more of the burst is in the recording.
+  const Tone& Longer() const { return m_Tones[m_Tones[0].aligned.isCut ? 1 : 0]; }
+
+  const Samples& m_Samples;
+  const tools::SoundDesign& m_Sound;
+  const OnsetModel& m_Model;
+  const std::int64_t m_UsableEnd;
+  std::array<Tone, 2> m_Tones;
+  double m_RateError = 0.0;
+  std::array<Onset, 2> m_Onsets;
+  std::array<double, 2> m_Corrections{};
+  Reading m_Reading;
+};
+
+}  // namespace
+
+FineReader::FineReader(const tools::SoundDesign& sound)
+    : m_Sound(sound),
+      m_Shape(sound),
+      m_Bands{BaseBand(tools::kLeftToneHz), BaseBand(tools::kRightToneHz)},
+      m_Model(sound) {}
+
+Reading FineReader::Read(const Samples& samples) const {
+  return OneReading(samples, m_Sound, m_Model).Read(m_Shape, m_Bands);
+}
+
+}  // namespace orvex::fine

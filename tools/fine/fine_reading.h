@@ -1,0 +1,61 @@
+// The time between the two tones of the test sound in a recording, to hundredths of a millisecond, and how sure that
+// is.
+//
+// The detector of the service measures in whole blocks of 16.5 ms, because it decides while it listens. Here the whole
+// recording is known: all bursts of a tone are laid over one another (burst_alignment.h), and their onset is what a
+// model of direct sound, reflection, reverberation and noise makes of their first 5 ms (onset_model.h).
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "fine/base_band.h"
+#include "fine/burst_shape.h"
+#include "fine/onset_model.h"
+#include "testsound/sound_design.h"
+
+namespace orvex::fine {
+
+struct Interval {
+  double low = 0.0;
+  double high = 0.0;
+};
+
+// One tone's first burst in use.
+struct Arrival {
+  double sample = 0.0;      // of the recording, at which the direct sound begins
+  double deviationS = 0.0;  // of that
+  double levelDb = 0.0;     // of the direct sound: the magnitude of a block that it fills, against that of the noise
+};
+
+// All times are those of the remote's clock, corrected for the rate that the distances of the bursts show.
+struct Reading {
+  std::optional<double> differenceS;  // optical output minus speaker; positive: the optical output is late
+  Interval intervalS;                 // holds the true difference in 95 of 100 rooms; only with a difference
+  int pairs = 0;                      // pairs of bursts that agree
+  // By how much the remote samples faster than kVoiceRateHz; none: it is not known.
+  std::optional<double> ratePpm;
+  // 17 kHz and 19 kHz; none: not heard, or not fitted.
+  std::array<std::optional<Arrival>, 2> arrivals;
+  std::string reason;  // why there is no difference; empty with one
+};
+
+// Reads recordings of one sound. Threads may share one object.
+class FineReader {
+public:
+  explicit FineReader(const tools::SoundDesign& sound = {});
+
+  // Of any length: the sound is searched for. The recording may end after at least 2 ms of the second burst, as the
+  // service's own dump does.
+  Reading Read(const Samples& samples) const;
+
+private:
+  const tools::SoundDesign m_Sound;
+  const FilteredBurst m_Shape;
+  const std::array<BaseBand, 2> m_Bands;
+  const OnsetModel m_Model;
+};
+
+}  // namespace orvex::fine
