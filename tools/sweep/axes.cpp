@@ -108,6 +108,14 @@ const std::array<AxisKind, axis::kCount>& AxisKinds() {
        "4:11", 0, 1000},
       {"reflection-db", "level of a reflection over the direct sound; from a range each draws its own", "-15:-12", -100,
        20},
+      {"lost-blocks", "with --fine: blocks that the recording lacks, each at a random place", "0", 0, 100, {}, true},
+      {"cut-ms",
+       "with --fine: the recording ends so much after the later tone's first burst begins; 0: after the sound",
+       "0",
+       0,
+       kLongMs,
+       {},
+       true},
   }};
   return kinds;
 }

@@ -45,6 +45,8 @@ enum Axis : std::size_t {
   kReflections,
   kReflectionMs,
   kReflectionDb,
+  kLostBlocks,
+  kCutMs,
   kCount
 };
 }  // namespace axis
@@ -57,6 +59,7 @@ struct AxisKind {
   double low;
   double high;
   std::vector<std::string> names = {};  // of the values 0, 1, … of an axis that has no numbers
+  bool isOfFineReading = false;         // changes nothing in a run of the receiver
 };
 
 const std::array<AxisKind, axis::kCount>& AxisKinds();

@@ -40,6 +40,9 @@ constexpr char kDescription[] =
     "exceeds the one before by more than a buffer (16.5 ms). changed: the run applied another result than its first. "
     "decided: mean time from the start of the recording to the "
     "result or, without one, to the end of the playback; ended: to the end of the process.\n\n"
+    "With --fine each room is recorded until the sound has been heard, and read as orvex-replay --fine reads it. read: "
+    "there is a reading; bias to worst: of its error, in ms; held: share of the readings whose interval holds the "
+    "truth; half: median of half the interval's width, in ms; >1 ms: share of the readings that are so far off.\n\n"
     "Exit code: 0 done, 1 interrupted, and what was done so far is written, 2 wrong usage, or a file or standard "
     "output that cannot be written.";
 
@@ -52,16 +55,27 @@ struct Arguments {
   std::optional<std::string> plot;
 };
 
-void DefineArguments(CLI::App& app, Arguments& arguments) {
+void DefineAxes(CLI::App& app, Arguments& arguments, CLI::Option* fine) {
   for (std::size_t axis = 0; axis < axis::kCount; ++axis) {
     const AxisKind& kind = AxisKinds()[axis];
-    app.add_option_function<std::string>(
-           std::string("--") + kind.name,
-           [&arguments, axis](const std::string& text) { arguments.axes[static_cast<Axis>(axis)] = text; }, kind.text)
-        ->type_name("")
-        ->default_str(kind.byDefault)
-        ->group("Axes");
+    CLI::Option* const option =
+        app.add_option_function<std::string>(
+               std::string("--") + kind.name,
+               [&arguments, axis](const std::string& text) { arguments.axes[static_cast<Axis>(axis)] = text; },
+               kind.text)
+            ->type_name("")
+            ->default_str(kind.byDefault)
+            ->group("Axes");
+    if (kind.isOfFineReading) {
+      option->needs(fine);
+    }
   }
+}
+
+void DefineArguments(CLI::App& app, Arguments& arguments) {
+  CLI::Option* const fine =
+      app.add_flag("--fine", arguments.options.isFine, "measure the fine reading instead of the receiver");
+  DefineAxes(app, arguments, fine);
   arguments.options.jobs = std::max(1U, std::thread::hardware_concurrency());
   app.add_option("--rooms", arguments.options.rooms, "rooms of each row")
       ->check(WholeNumber(1, 10000000))
@@ -75,8 +89,10 @@ void DefineArguments(CLI::App& app, Arguments& arguments) {
   app.add_option("--csv", arguments.csv,
                  "write one line per room to FILE; -: to standard output, and the table to standard error")
       ->type_name("FILE");
-  app.add_option("--plot", arguments.plot, "draw figures into FILE, an SVG or PNG by its ending; needs gnuplot")
-      ->type_name("FILE");
+  app.add_option("--plot", arguments.plot,
+                 "draw figures into FILE, an SVG or PNG by its ending; needs gnuplot; not with --fine")
+      ->type_name("FILE")
+      ->excludes(fine);
 }
 
 // Tried before the work begins.

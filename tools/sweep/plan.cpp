@@ -19,8 +19,8 @@ std::mt19937_64 MakeRandom(std::uint64_t seed, std::uint64_t room, std::uint64_t
 }  // namespace
 
 bool operator==(const RoomValues& a, const RoomValues& b) {
-  return std::tie(a.numbers, a.tvReflections, a.opticalReflections) ==
-         std::tie(b.numbers, b.tvReflections, b.opticalReflections);
+  return std::tie(a.numbers, a.tvReflections, a.opticalReflections, a.lostPlaces) ==
+         std::tie(b.numbers, b.tvReflections, b.opticalReflections, b.lostPlaces);
 }
 
 Plan::Plan(const std::map<Axis, std::string>& given, std::uint64_t seed) : m_Seed(seed) {
@@ -61,6 +61,7 @@ RoomValues Plan::Draw(std::size_t row, std::size_t room) const {
     values[axis] = m_Axes[axis].Draw(Position(static_cast<Axis>(axis), row), random);
   }
   DrawReflections(row, room, values);
+  DrawLostPlaces(room, values);
   return values;
 }
 
@@ -72,6 +73,14 @@ void Plan::DrawReflections(std::size_t row, std::size_t room, RoomValues& values
       const double delayMs = draw(axis::kReflectionMs);
       reflections->push_back({delayMs, draw(axis::kReflectionDb)});
     }
+  }
+}
+
+void Plan::DrawLostPlaces(std::size_t room, RoomValues& values) const {
+  std::mt19937_64 random = MakeRandom(m_Seed, room, 3);
+  std::uniform_real_distribution<double> even(0.0, 1.0);
+  for (long left = std::lround(values[axis::kLostBlocks]); left > 0; --left) {
+    values.lostPlaces.push_back(even(random));
   }
 }
 

@@ -19,6 +19,7 @@ struct RoomValues {
   std::array<double, axis::kCount> numbers{};
   std::vector<sim::Reflection> tvReflections;
   std::vector<sim::Reflection> opticalReflections;
+  std::vector<double> lostPlaces;  // of each lost block: 0 to 1, the share of the recording before it
 
   double& operator[](std::size_t axis) { return numbers[axis]; }
   double operator[](std::size_t axis) const { return numbers[axis]; }
@@ -46,6 +47,7 @@ public:
 
 private:
   void DrawReflections(std::size_t row, std::size_t room, RoomValues& values) const;
+  void DrawLostPlaces(std::size_t room, RoomValues& values) const;
   std::size_t Position(Axis axis, std::size_t row) const;
 
   std::vector<AxisValues> m_Axes;

@@ -13,6 +13,8 @@ namespace {
 
 using Cells = std::vector<std::string>;
 
+constexpr int kDecimals = 4;  // in the CSV file
+
 std::string Number(double value, int decimals) {
   return fmt::format("{:.{}f}", value, decimals);
 }
@@ -41,6 +43,22 @@ const std::vector<Column>& Columns() {
   return columns;
 }
 
+const std::vector<Column>& FineColumns() {
+  constexpr int kFineDecimals = 3;
+  static const std::vector<Column> columns = {
+      {"rooms", [](const Statistics& s) { return std::to_string(s.rooms); }},
+      {"read %", [](const Statistics& s) { return Number(s.foundPercent, 2); }},
+      {"bias", [](const Statistics& s) { return Number(s.biasMs, kFineDecimals); }},
+      {"RMS", [](const Statistics& s) { return Number(s.rmsMs, kFineDecimals); }},
+      {"95 %", [](const Statistics& s) { return Number(s.p95Ms, kFineDecimals); }},
+      {"worst", [](const Statistics& s) { return Number(s.worstMs, kFineDecimals); }},
+      {"held %", [](const Statistics& s) { return Number(s.heldPercent, 2); }},
+      {"half", [](const Statistics& s) { return Number(s.halfWidthMs, kFineDecimals); }},
+      {">1 ms %", [](const Statistics& s) { return Number(s.farPercent, 2); }},
+  };
+  return columns;
+}
+
 void WriteAligned(std::ostream& out, const std::vector<Cells>& lines) {
   std::vector<std::size_t> widths(lines.front().size(), 0);
   for (const Cells& line : lines) {
@@ -58,7 +76,6 @@ void WriteAligned(std::ostream& out, const std::vector<Cells>& lines) {
 
 // Of delay and level of the reflections there are several: the speaker's, then the optical output's.
 std::string DrawnValue(const RoomValues& values, Axis axis) {
-  constexpr int kDecimals = 4;
   const auto& names = AxisKinds()[axis].names;
   if (!names.empty()) {
     return names[static_cast<std::size_t>(values[axis])];
@@ -83,15 +100,30 @@ std::string Outcome(const RoomResult& result) {
   return result.abnormal ? "abnormal" : "nothing";
 }
 
+std::string Measured(const RoomResult& result) {
+  return Outcome(result) + ',' + (result.found ? Number(result.errorMs, kDecimals) : "") + ',' +
+         Number(result.remainingMs, kDecimals) + ',' + Number(result.decidedMs, kDecimals) + ',' +
+         Number(result.endedMs, kDecimals) + ',' + (result.changed ? "yes" : "no");
+}
+
+std::string Read(const RoomResult& result) {
+  if (!result.found) {
+    return "nothing,,,";
+  }
+  return "read," + Number(result.errorMs, kDecimals) + ',' + Number(result.halfWidthMs, kDecimals) + ',' +
+         (result.held ? "yes" : "no");
+}
+
 }  // namespace
 
 void WriteTable(std::ostream& out, const Plan& plan, const SweepResult& result) {
   const std::vector<Axis> listed = plan.ListedAxes();
+  const std::vector<Column>& columns = result.isFine ? FineColumns() : Columns();
   std::vector<Cells> lines(1);
   for (const Axis axis : listed) {
     lines[0].emplace_back(AxisKinds()[axis].name);
   }
-  for (const Column& column : Columns()) {
+  for (const Column& column : columns) {
     lines[0].emplace_back(column.name);
   }
   for (std::size_t row = 0; row < result.rows.size(); ++row) {
@@ -100,7 +132,7 @@ void WriteTable(std::ostream& out, const Plan& plan, const SweepResult& result) 
       line.push_back(plan.Text(axis, row));
     }
     const Statistics statistics = Summarise(result.rows[row]);
-    for (const Column& column : Columns()) {
+    for (const Column& column : columns) {
       line.push_back(column.cell(statistics));
     }
     lines.push_back(std::move(line));
@@ -112,23 +144,22 @@ void WriteTable(std::ostream& out, const Plan& plan, const SweepResult& result) 
 }
 
 void WriteCsv(std::ostream& out, const Plan& plan, const SweepResult& result) {
-  constexpr int kDecimals = 4;
+  const auto isWritten = [&](const AxisKind& kind) { return result.isFine || !kind.isOfFineReading; };
   out << "row,room";
   for (const AxisKind& kind : AxisKinds()) {
-    out << ',' << kind.name;
+    out << (isWritten(kind) ? std::string(",") + kind.name : "");
   }
-  out << ",outcome,error-ms,remaining-ms,decided-ms,ended-ms,changed\n";
+  out << (result.isFine ? ",outcome,error-ms,half-ms,held\n"
+                        : ",outcome,error-ms,remaining-ms,decided-ms,ended-ms,changed\n");
   for (std::size_t row = 0; row < result.rows.size(); ++row) {
     for (std::size_t room = 0; room < result.rows[row].size(); ++room) {
-      const RoomResult& outcome = result.rows[row][room];
       const RoomValues values = plan.Draw(row, room);
       out << row + 1 << ',' << room + 1;
       for (std::size_t axis = 0; axis < axis::kCount; ++axis) {
-        out << ',' << DrawnValue(values, static_cast<Axis>(axis));
+        out << (isWritten(AxisKinds()[axis]) ? ',' + DrawnValue(values, static_cast<Axis>(axis)) : "");
       }
-      out << ',' << Outcome(outcome) << ',' << (outcome.found ? Number(outcome.errorMs, kDecimals) : "") << ','
-          << Number(outcome.remainingMs, kDecimals) << ',' << Number(outcome.decidedMs, kDecimals) << ','
-          << Number(outcome.endedMs, kDecimals) << ',' << (outcome.changed ? "yes" : "no") << '\n';
+      const RoomResult& outcome = result.rows[row][room];
+      out << ',' << (result.isFine ? Read(outcome) : Measured(outcome)) << '\n';
     }
   }
 }

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace orvex::tools {
 namespace {
@@ -22,6 +23,31 @@ void SummariseErrors(std::vector<double> errors, Statistics& statistics) {
   std::sort(errors.begin(), errors.end());
   statistics.p95Ms = errors[static_cast<std::size_t>(std::ceil(0.95 * count)) - 1];
   statistics.worstMs = errors.back();
+}
+
+double Median(std::vector<double> values) {
+  std::sort(values.begin(), values.end());
+  return (values[(values.size() - 1) / 2] + values[values.size() / 2]) / 2.0;
+}
+
+void SummariseReadings(const std::vector<RoomResult>& results, Statistics& statistics) {
+  std::vector<double> halfWidthsMs;
+  double held = 0.0;
+  double far = 0.0;
+  for (const RoomResult& result : results) {
+    if (result.found) {
+      halfWidthsMs.push_back(result.halfWidthMs);
+      held += result.held ? 1.0 : 0.0;
+      far += std::abs(result.errorMs) > kFarMs ? 1.0 : 0.0;
+    }
+  }
+  if (halfWidthsMs.empty()) {
+    return;
+  }
+  const double percent = 100.0 / static_cast<double>(halfWidthsMs.size());
+  statistics.heldPercent = held * percent;
+  statistics.farPercent = far * percent;
+  statistics.halfWidthMs = Median(std::move(halfWidthsMs));
 }
 
 }  // namespace
@@ -46,6 +72,7 @@ Statistics Summarise(const std::vector<RoomResult>& results) {
     statistics.worsePercent += std::abs(result.remainingMs) > std::abs(result.beforeMs) + kVoiceBlockMs ? percent : 0.0;
   }
   SummariseErrors(std::move(errors), statistics);
+  SummariseReadings(results, statistics);
   return statistics;
 }
 

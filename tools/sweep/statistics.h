@@ -19,12 +19,18 @@ struct RoomResult {
   double remainingMs = 0.0;  // after whole milliseconds of the reported difference were taken off the delay
   double decidedMs = 0.0;
   double endedMs = 0.0;
+  // Only of a room that was read finely, with a reading; `decidedMs` and `endedMs` are then the recording's length, and
+  // what is not said of readings stays as it is here.
+  double halfWidthMs = 0.0;  // of the interval
+  bool held = false;         // the interval holds the true difference
 };
 
 // How far from the truth a result is off the detector's grid of one buffer, with a millisecond for the room, and from
 // where on it is no measurement of the true difference at all.
 constexpr double kOffGridMs = 17.5;
 constexpr double kFalseMs = 2.0 * kVoiceBlockMs;
+// From where on a fine reading is far from the truth.
+constexpr double kFarMs = 1.0;
 
 // Shares in percent of all rooms; errors in milliseconds over all results, false ones included, 0 when there is none.
 struct Statistics {
@@ -41,6 +47,10 @@ struct Statistics {
   double worstMs = 0.0;
   double decidedMs = 0.0;  // means over all rooms
   double endedMs = 0.0;
+  // Of fine readings; the shares are in percent of the readings, 0 when there is none.
+  double heldPercent = 0.0;
+  double farPercent = 0.0;   // more than kFarMs from the truth
+  double halfWidthMs = 0.0;  // median
 };
 
 Statistics Summarise(const std::vector<RoomResult>& results);

@@ -1,40 +1,16 @@
 // Hands the rooms out to threads by number and keeps their results by number.
 #include "sweep/sweep.h"
 
-#include <algorithm>
 #include <atomic>
-#include <cmath>
 #include <condition_variable>
 #include <exception>
 #include <mutex>
 #include <thread>
 
-#include "orvex/sim/truth.h"
-#include "testsound/generator.h"
+#include "sweep/one_room.h"
 
 namespace orvex::tools {
 namespace {
-
-void RemoveTone(const SoundDesign& design, double missedTone, std::vector<std::int16_t>& sound) {
-  const auto pair = std::lround(std::abs(missedTone));
-  const double startMs = design.leadInMs + static_cast<double>(pair - 1) * design.spacingMs;
-  const auto first = static_cast<std::size_t>(std::max(startMs, 0.0) * kSoundRateHz / 1000.0);
-  const auto count = static_cast<std::size_t>((design.skewMs + design.burstMs + 1.0) * kSoundRateHz / 1000.0);
-  const std::size_t side = missedTone > 0.0 ? 0 : 1;
-  for (std::size_t n = first; pair > 0 && n < std::min(first + count, sound.size() / 2); ++n) {
-    sound[2 * n + side] = 0;
-  }
-}
-
-Sound DrawDisturbance(const RoomValues& values, std::uint64_t seed, const std::vector<Sound>& recordings) {
-  DisturbanceSettings settings;
-  settings.kind = static_cast<DisturbanceKind>(std::lround(values[axis::kDisturbance]));
-  settings.peakDbfs = values[axis::kDisturbanceDbfs];
-  settings.blocks = std::round(values[axis::kDisturbanceBlocks]);
-  settings.recordings = &recordings;
-  std::mt19937_64 random(seed);
-  return MakeDisturbance(settings, random);
-}
 
 class Workers {
 public:
@@ -55,6 +31,7 @@ public:
     }
     KeepWhatIsDone();
     SweepResult result;
+    result.isFine = m_Options.isFine;
     result.rows = std::move(m_Results);
     result.done = m_Done;
     result.planned = Total();
@@ -73,7 +50,8 @@ private:
         }
         const std::size_t row = next / m_Options.rooms;
         const std::size_t room = next % m_Options.rooms;
-        m_Results[row][room] = RunRoom(m_Plan, row, room, m_Options.recordings);
+        m_Results[row][room] = m_Options.isFine ? ReadRoom(m_Plan, row, room, m_Readers, m_Options.recordings)
+                                                : RunRoom(m_Plan, row, room, m_Options.recordings);
         ++m_Done;
       }
     } catch (...) {
@@ -106,6 +84,7 @@ private:
 
   const Plan& m_Plan;
   const SweepOptions& m_Options;
+  FineReaders m_Readers;
   std::vector<std::vector<RoomResult>> m_Results;
   std::atomic<std::size_t> m_Next{0};
   std::atomic<std::size_t> m_Done{0};
@@ -116,31 +95,6 @@ private:
 };
 
 }  // namespace
-
-RoomResult RunRoom(const Plan& plan, std::size_t row, std::size_t room, const std::vector<Sound>& recordings) {
-  const RoomValues values = plan.Draw(row, room);
-  Trial trial = MakeTrial(values, plan.RoomSeed(room));
-  const SoundDesign design = DesignOf(values);
-  trial.sound = GenerateSound(design);
-  RemoveTone(design, values[axis::kMissedTone], trial.sound);
-  if (values[axis::kSilent] != 0.0) {
-    std::fill(trial.sound.begin(), trial.sound.end(), std::int16_t{0});
-  }
-  trial.disturbance = DrawDisturbance(values, trial.room.seed, recordings);
-  const TrialOutcome outcome = RunTrial(trial);
-
-  RoomResult result;
-  result.found = outcome.ending == Ending::kFound;
-  result.abnormal = outcome.ending == Ending::kAbnormal;
-  result.beforeMs = sim::MisalignmentMs(trial.room, 0.0);
-  result.errorMs = outcome.differenceMs - result.beforeMs;
-  result.changed = result.found && outcome.differenceMs != outcome.firstDifferenceMs;
-  result.isFalse = result.found && (values[axis::kSilent] != 0.0 || std::abs(result.errorMs) > kFalseMs);
-  result.remainingMs = result.beforeMs - std::trunc(outcome.differenceMs);
-  result.decidedMs = outcome.decidedMs;
-  result.endedMs = outcome.endedMs;
-  return result;
-}
 
 SweepResult RunSweep(const Plan& plan, const SweepOptions& options) {
   SweepResult result = Workers(plan, options).Run();

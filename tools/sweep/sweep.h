@@ -14,6 +14,7 @@ namespace orvex::tools {
 struct SweepOptions {
   std::size_t rooms = 1000;       // of each row
   unsigned jobs = 1;              // threads
+  bool isFine = false;            // rooms are recorded and read finely, instead of run
   std::vector<Sound> recordings;  // for the disturbances
   // Called every 200 ms, from one thread, with the number of rooms that are done.
   std::function<void(std::size_t done)> progress = [](std::size_t) {};
@@ -22,6 +23,7 @@ struct SweepOptions {
 };
 
 struct SweepResult {
+  bool isFine = false;
   std::vector<std::vector<RoomResult>> rows;  // by row, by room: the same whatever the number of jobs
   double recordedS = 0.0;                     // length of all recordings
   std::size_t done = 0;                       // rooms; they are the first of those that were planned
@@ -32,8 +34,4 @@ struct SweepResult {
 
 // Throws what making or running a room throws: std::invalid_argument, sim::RoomError.
 SweepResult RunSweep(const Plan& plan, const SweepOptions& options);
-
-// One room of the plan.
-RoomResult RunRoom(const Plan& plan, std::size_t row, std::size_t room, const std::vector<Sound>& recordings = {});
-
 }  // namespace orvex::tools

@@ -43,8 +43,7 @@ public:
   TrialOutcome Run() {
     m_Voice.Start(Time(0));
     for (std::optional<Time> due = m_Voice.NextDelivery(); due && *due < m_End; due = m_Voice.NextDelivery()) {
-      m_Now = *due;
-      DeliverNext();
+      DeliverAt(*due);
     }
     ActOnEnd();
     m_Outcome.decidedMs = ToMs(m_End);
@@ -52,7 +51,25 @@ public:
     return m_Outcome;
   }
 
+  std::vector<std::int16_t> Record(Time listening) {
+    std::vector<std::int16_t> recording;
+    const auto isOver = [&](std::uint64_t sample) {
+      return m_SoundStart && m_Room.SampleTime(sample) >= *m_SoundStart + listening;
+    };
+    m_Voice.Start(Time(0));
+    std::uint64_t first = 0;
+    for (std::optional<Time> due = m_Voice.NextDelivery(); due && !isOver(first); due = m_Voice.NextDelivery()) {
+      const std::optional<Block> block = DeliverAt(*due);
+      for (std::size_t n = 0; block && n < block->size() && !isOver(first + n); ++n) {
+        recording.push_back((*block)[n]);
+      }
+      first += kVoiceBlockSamples;
+    }
+    return recording;
+  }
+
 private:
+  using Block = sim::VoiceChannel::Block;
   enum class End { kTimer, kSync, kAbnormal };
 
   // The main loop acts on the event that came first.
@@ -74,10 +91,12 @@ private:
     }
   }
 
-  void DeliverNext() {
-    sim::VoiceChannel::Block block;
+  // None: the block is lost.
+  std::optional<Block> DeliverAt(Time due) {
+    m_Now = due;
+    Block block;
     if (!m_Voice.TakeBlock(block)) {
-      return;
+      return std::nullopt;
     }
     std::array<std::uint8_t, kVoiceBlockBytes> bytes;
     for (std::size_t n = 0; n < block.size(); ++n) {
@@ -86,12 +105,14 @@ private:
       bytes[2 * n + 1] = static_cast<std::uint8_t>(bits >> 8U);
     }
     m_Rig.Deliver(bytes.data(), static_cast<std::uint16_t>(bytes.size()));
+    return block;
   }
 
   void OnAmbientKnown(std::int32_t /*buffer*/, const Levels& /*means*/) override {
     const std::size_t frames = m_Trial.sound.size() / 2;
     const std::size_t playedWhenWritten = frames - std::min(frames, kDeviceFrames);
     const Time start = m_Now + m_Late + TimeOfMs(m_Trial.startMs);
+    m_SoundStart = start;
     m_Room.Play(start, m_Trial.sound.data(), frames);
     m_WrittenAt = start + TimeOfMs(static_cast<double>(playedWhenWritten) * 1e3 / sim::Room::kPlaybackRateHz);
     EndBy(End::kSync, m_WrittenAt);
@@ -114,6 +135,7 @@ private:
   Time m_Now{0};
   Time m_End;
   End m_EndedBy = End::kTimer;
+  std::optional<Time> m_SoundStart;
   Time m_WrittenAt{0};
   TrialOutcome m_Outcome;
 };
@@ -122,6 +144,10 @@ private:
 
 TrialOutcome RunTrial(const Trial& trial) {
   return VirtualRun(trial).Run();
+}
+
+std::vector<std::int16_t> RecordTrial(const Trial& trial, double listenMs) {
+  return VirtualRun(trial).Record(TimeOfMs(listenMs));
 }
 
 }  // namespace orvex::tools

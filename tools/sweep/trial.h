@@ -34,4 +34,9 @@ struct TrialOutcome {
 // receiver goes on with the blocks that are delivered meanwhile. Throws sim::RoomError.
 TrialOutcome RunTrial(const Trial& trial);
 
+// What the receiver is given in such a run, at kVoiceRateHz, when the run does not end with a result but `listenMs`
+// after the sound's first frame has left the device. Blocks that are lost on the way are missing. Throws
+// sim::RoomError.
+std::vector<std::int16_t> RecordTrial(const Trial& trial, double listenMs);
+
 }  // namespace orvex::tools

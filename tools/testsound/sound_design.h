@@ -1,6 +1,8 @@
 // The shape of the test sound: what it consists of, and the limits that it must keep for a run to succeed.
 #pragma once
 
+#include <tuple>
+
 #include "Application/OrvexDetector.h"
 
 namespace orvex::tools {
@@ -54,5 +56,12 @@ struct SoundDesign {
 
   double DurationMs() const { return leadInMs + (pairs - 1) * spacingMs + skewMs + burstMs + tailMs; }
 };
+
+inline bool operator==(const SoundDesign& a, const SoundDesign& b) {
+  const auto values = [](const SoundDesign& s) {
+    return std::tie(s.leadInMs, s.pairs, s.spacingMs, s.burstMs, s.rampMs, s.skewMs, s.tailMs, s.levelDbfs);
+  };
+  return values(a) == values(b);
+}
 
 }  // namespace orvex::tools

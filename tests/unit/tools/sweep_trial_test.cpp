@@ -10,6 +10,7 @@
 #include "orvex/sim/room.h"
 #include "orvex/sim/voice_channel.h"
 #include "receiver/receiver_rig.h"
+#include "sweep/one_room.h"
 #include "sweep/plan.h"
 #include "sweep/report.h"
 #include "sweep/sweep.h"
