@@ -97,6 +97,21 @@ TEST_F(ReceiverObserver, IsToldOfANoisyToneAndOfAbnormalInput) {
                           "> abnormal status"));
 }
 
+TEST_F(ReceiverObserver, MayLeaveEveryStepAlone) {
+  using testing::Contains;
+  const Samples noisy17 = Block({100.0, 0.0, 60.0, 0.0, 0.0, 0.0});
+  OrvexReceiverObserver plain;
+  receiver.SetObserver(&plain);
+  Start();
+  EXPECT_THAT(EventsAt(40, Tone17(100)), Contains(kFirst17));
+  EXPECT_THAT(EventsAt(45, Tone19(100)), Contains("E0 completed calculation of delay"));
+  EXPECT_THAT(EventsAt(46, Tone19(90)), Contains("I0 syquence error -> recheck \n"));
+  for (int buffer = 47; buffer < 57; ++buffer) {
+    EXPECT_THAT(EventsAt(buffer, noisy17), Contains(testing::StartsWith("I0 noise is high / ")));
+  }
+  EXPECT_THAT(EventsAt(57, noisy17), Contains("E2 by abnormal input"));
+}
+
 TEST_F(ReceiverObserver, HearsNothingOfAnExtendCommandThatFailed) {
   BlockReports reports;
   receiver.SetObserver(&reports);
