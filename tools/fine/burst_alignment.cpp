@@ -12,8 +12,8 @@ constexpr double SamplesOf(double s) {
 }
 
 // Where reverberation is strong, the loudest part of a burst is long after its onset.
-constexpr auto kBefore = static_cast<std::int64_t>(SamplesOf(35e-3));
-constexpr auto kWindow = static_cast<std::size_t>(SamplesOf(70e-3));
+constexpr auto kBefore = static_cast<std::int64_t>(SamplesOf(60e-3));
+constexpr auto kWindow = static_cast<std::size_t>(SamplesOf(95e-3));
 // What of a burst is compared, from its onset.
 constexpr double kCompareFrom = -SamplesOf(4e-3);
 constexpr double kCompareTo = SamplesOf(20e-3);

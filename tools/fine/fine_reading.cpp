@@ -36,7 +36,7 @@ constexpr double kAgreement = 100.0;
 
 // The interval is this much wider than the distribution of the onsets says, and a little wider yet: the model's room is
 // simpler than a real one.
-constexpr double kWidening = 0.95;
+constexpr double kWidening = 0.9;
 constexpr double kFloorS = 1e-5;
 constexpr double kDeviationsOf95Percent = 1.96;
 

@@ -41,7 +41,7 @@ constexpr double kNoneDb = -5.0;
 constexpr std::array<double, 5> kReflectionsS = {1e-4, 3e-4, 5e-4, 7e-4, 9e-4};
 constexpr std::array<double, 3> kReflectionsDb = {-3.0, -6.0, -10.0};
 constexpr int kPhases = 8;
-constexpr double kReflectionShare = 0.05;
+constexpr double kReflectionShare = 0.2;
 // Of the noise's covariance, for rounding.
 constexpr double kDiagonal = 1e-3;
 
