@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <limits>
 
 #include "orvex/platform/remote_voice.h"
@@ -32,15 +33,34 @@ std::int64_t StepsOf(double ms) {
   return std::llround(ms * 1e-3 * kVoiceRateHz / static_cast<double>(kStep));
 }
 
+// The base band of the whole recording, in as many pieces as the sound has pairs.
+std::vector<std::complex<double>> ValuesOf(const Samples& samples, double toneHz, int pieces,
+                                           const std::function<void()>& onStep) {
+  const BaseBand band(toneHz);
+  const std::size_t count = samples.count / kStep;
+  std::vector<std::complex<double>> values;
+  values.reserve(count);
+  for (int piece = 1; piece <= pieces; ++piece) {
+    const std::size_t left = count - values.size();
+    const std::size_t length = left / static_cast<std::size_t>(pieces - piece + 1);
+    const auto first = static_cast<std::int64_t>(values.size()) * kStep;
+    const std::vector<std::complex<double>> next = band.Values(samples, first, length, kStep);
+    values.insert(values.end(), next.begin(), next.end());
+    onStep();
+  }
+  return values;
+}
+
 // How much of a tone is heard in the recording.
 class HeardTone {
 public:
-  HeardTone(const Samples& samples, double toneHz, const tools::SoundDesign& sound)
+  // Has a step for each piece of the recording and for each pair of the sound.
+  HeardTone(const Samples& samples, double toneHz, const tools::SoundDesign& sound, const std::function<void()>& onStep)
       : m_Spacing(StepsOf(sound.spacingMs)), m_Length(StepsOf(sound.burstMs - 2.0 * sound.rampMs)) {
-    const std::vector<std::complex<double>> values = BaseBand(toneHz).Values(samples, 0, samples.count / kStep, kStep);
+    const std::vector<std::complex<double>> values = ValuesOf(samples, toneHz, sound.pairs, onStep);
     MeasureNoise(values);
     SumPower(values);
-    Comb(sound.pairs);
+    Comb(sound.pairs, onStep);
   }
 
   struct Candidate {
@@ -140,7 +160,7 @@ private:
     return last;
   }
   // m_Scores[pair][place]: of the bursts from this pair on, when it is at the place.
-  void Comb(int pairs) {
+  void Comb(int pairs, const std::function<void()>& onStep) {
     const auto count = static_cast<std::int64_t>(m_Power.size());
     m_Scores.assign(static_cast<std::size_t>(pairs), std::vector<double>(m_Power.size()));
     for (std::size_t pair = m_Scores.size(); pair-- > 0;) {
@@ -148,6 +168,7 @@ private:
         const double rest = pair + 1 < m_Scores.size() ? ScoreAt(pair + 1, NextPlace(pair + 1, place)) : 0.0;
         m_Scores[pair][static_cast<std::size_t>(place)] = Heard(place) + rest;
       }
+      onStep();
     }
   }
   double ScoreAt(std::size_t pair, std::int64_t place) const {
@@ -177,8 +198,15 @@ bool ToneBursts::AreNone() const {
   return std::none_of(positions.begin(), positions.end(), [](const auto& position) { return position.has_value(); });
 }
 
-std::array<ToneBursts, 2> FindBursts(const Samples& samples, const tools::SoundDesign& sound) {
-  const std::array<HeardTone, 2> tones = {HeardTone(samples, kTones[0], sound), HeardTone(samples, kTones[1], sound)};
+std::size_t SearchSteps(const tools::SoundDesign& sound) {
+  constexpr std::size_t kOfEachPair = 2;  // a piece of the base band, and the pair's part of the comb
+  return std::size(kTones) * kOfEachPair * static_cast<std::size_t>(sound.pairs);
+}
+
+std::array<ToneBursts, 2> FindBursts(const Samples& samples, const tools::SoundDesign& sound,
+                                     const std::function<void()>& onStep) {
+  const std::array<HeardTone, 2> tones = {HeardTone(samples, kTones[0], sound, onStep),
+                                          HeardTone(samples, kTones[1], sound, onStep)};
   const std::int64_t furthest = StepsOf(tools::kPairingSpanMs);
   const auto first = tones[0].Candidates();
   const auto second = tones[1].Candidates();

@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "fine/burst_alignment.h"
-#include "fine/burst_search.h"
 
 namespace orvex::fine {
 namespace {
@@ -43,6 +42,11 @@ constexpr double kDeviationsOf95Percent = 1.96;
 // The error of a rate that was read off a single burst.
 constexpr double kRateDeviationOfOne = 3e-4;
 constexpr double kLargestRateError = 2.5e-3;
+
+// What is told of the envelope around an onset.
+constexpr double kEnvelopeBeforeS = 3e-3;
+constexpr double kEnvelopeAfterS = 6e-3;
+constexpr std::int64_t kEnvelopeStep = 3;  // samples
 
 // The magnitude of a block that a tone of amplitude A fills is A / 2 per sample, the mean magnitude of white noise of
 // deviation s is s sqrt(pi / 4) per root of samples.
@@ -156,8 +160,10 @@ public:
         m_Model(model),
         m_UsableEnd(static_cast<std::int64_t>(samples.count) - kFilterHalf) {}
 
-  Reading Read(const FilteredBurst& shape, const std::array<BaseBand, 2>& bands) {
-    const std::array<ToneBursts, 2> found = FindBursts(m_Samples, m_Sound);
+  Reading Read(const FilteredBurst& shape, const std::array<BaseBand, 2>& bands,
+               const std::function<void(std::size_t)>& progress) {
+    std::size_t done = 0;
+    const std::array<ToneBursts, 2> found = FindBursts(m_Samples, m_Sound, [&] { progress(++done); });
     for (std::size_t n = 0; n < m_Tones.size(); ++n) {
       m_Tones[n] = {kTonesHz[n], &bands[n], found[n], Align(m_Samples, bands[n], shape, found[n], m_UsableEnd)};
     }
@@ -261,10 +267,29 @@ private:
       }
       m_Corrections[n] =
           static_cast<double>(position) + m_Onsets[n].s * kVoiceRateHz - RoundingOf(tone.aligned) - tone.aligned.onset;
+      const double amplitude = m_Onsets[n].amplitude * std::sqrt(NoisePowerOf(tone));
       m_Reading.arrivals[n] =
           Arrival{tone.aligned.bursts.front().position + m_Corrections[n], m_Onsets[n].deviationS,
-                  LevelDb(m_Onsets[n].amplitude * std::sqrt(NoisePowerOf(tone)), tone.found.noisePower)};
+                  LevelDb(amplitude, tone.found.noisePower), amplitude, EnvelopeOf(tone, position, m_Onsets[n].s)};
     }
+  }
+
+  // Of the mean at a position, around its onset, which is `onsetS` later.
+  std::vector<EnvelopePoint> EnvelopeOf(const Tone& tone, std::int64_t position, double onsetS) const {
+    const std::int64_t last =
+        std::min(m_UsableEnd - 1 - position, static_cast<std::int64_t>((onsetS + kEnvelopeAfterS) * kVoiceRateHz));
+    std::vector<std::int64_t> offsets;
+    for (auto offset = static_cast<std::int64_t>((onsetS - kEnvelopeBeforeS) * kVoiceRateHz); offset <= last;
+         offset += kEnvelopeStep) {
+      offsets.push_back(offset);
+    }
+    const std::vector<std::complex<double>> values =
+        MeanOf(m_Samples, *tone.band, tone.aligned, position, offsets, 0.0);
+    std::vector<EnvelopePoint> envelope;
+    for (std::size_t n = 0; n < offsets.size(); ++n) {
+      envelope.push_back({static_cast<double>(offsets[n]) / kVoiceRateHz - onsetS, std::abs(values[n])});
+    }
+    return envelope;
   }
 
   // Of the mean of the bursts.
@@ -332,8 +357,8 @@ FineReader::FineReader(const tools::SoundDesign& sound)
       m_Bands{BaseBand(tools::kLeftToneHz), BaseBand(tools::kRightToneHz)},
       m_Model(sound) {}
 
-Reading FineReader::Read(const Samples& samples) const {
-  return OneReading(samples, m_Sound, m_Model).Read(m_Shape, m_Bands);
+Reading FineReader::Read(const Samples& samples, const std::function<void(std::size_t)>& progress) const {
+  return OneReading(samples, m_Sound, m_Model).Read(m_Shape, m_Bands, progress);
 }
 
 }  // namespace orvex::fine

@@ -7,11 +7,15 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "fine/base_band.h"
+#include "fine/burst_search.h"
 #include "fine/burst_shape.h"
 #include "fine/onset_model.h"
 #include "testsound/sound_design.h"
@@ -23,11 +27,20 @@ struct Interval {
   double high = 0.0;
 };
 
+// Of the base band (base_band.h), in the unit of the recording's samples: a tone of amplitude A has A / 2.
+struct EnvelopePoint {
+  double s = 0.0;  // from the onset
+  double magnitude = 0.0;
+};
+
 // One tone's first burst in use.
 struct Arrival {
   double sample = 0.0;      // of the recording, at which the direct sound begins
   double deviationS = 0.0;  // of that
   double levelDb = 0.0;     // of the direct sound: the magnitude of a block that it fills, against that of the noise
+  double amplitude = 0.0;   // of the direct sound, as that of the envelope
+  // Of the mean of the bursts in use, from 3 ms before the onset to 6 ms after it, or to the recording's end.
+  std::vector<EnvelopePoint> envelope;
 };
 
 // All times are those of the remote's clock, corrected for the rate that the distances of the bursts show.
@@ -48,8 +61,12 @@ public:
   explicit FineReader(const tools::SoundDesign& sound = {});
 
   // Of any length: the sound is searched for. The recording may end after at least 2 ms of the second burst, as the
-  // service's own dump does.
-  Reading Read(const Samples& samples) const;
+  // service's own dump does. Calls `progress` with the number of steps that are done: the search takes nearly all of
+  // the time.
+  Reading Read(
+      const Samples& samples, const std::function<void(std::size_t)>& progress = [](std::size_t) {}) const;
+  // How many there are. They take about equally long.
+  std::size_t Steps() const { return SearchSteps(m_Sound); }
 
 private:
   const tools::SoundDesign m_Sound;
