@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cmath>
 #include <set>
+#include <utility>
 
 #include "replay/text.h"
 
@@ -59,8 +60,18 @@ std::vector<double> Ticks(Span span, double step) {
 }  // namespace
 
 Chart::Chart(const std::string& name, Span buffers, double height)
-    : m_Name(name), m_Buffers(buffers), m_Height(height) {
-  AddTimeAxes();
+    : m_Name(name), m_Buffers(buffers), m_Height(height), m_IsOfRecording(true) {
+  AddAxes({"time (s)", detector::kBufferS}, Axis{"buffer"});
+}
+
+Chart::Chart(const std::string& name, Span buffers, double height, const Axis& below, const std::optional<Axis>& above,
+             std::string description)
+    : m_Name(name),
+      m_Buffers(buffers),
+      m_Height(height),
+      m_IsOfRecording(false),
+      m_Description(std::move(description)) {
+  AddAxes(below, above);
 }
 
 double Chart::X(double buffer) const {
@@ -77,21 +88,21 @@ void Chart::AddText(double x, double y, const std::string& style, const std::str
   m_Svg << fmt::format("<text x='{:.1f}' y='{:.1f}' class='{}'>{}</text>\n", x, y, style, Escaped(text));
 }
 
-void Chart::AddTimeAxes() {
+void Chart::AddAxes(const Axis& below, const std::optional<Axis>& above) {
   const double bottom = kTop + m_Height;
-  const double bufferStep = std::max(1.0, TickStep(m_Buffers.Length(), 12.0));
-  for (const double buffer : Ticks(m_Buffers, bufferStep)) {
-    m_Svg << fmt::format("<path class='tick' d='M{:.1f} {:.1f}v-5'/>", X(buffer), kTop);
-    AddText(X(buffer), kTop - 8.0, "label middle", fmt::format("{:.0f}", buffer));
+  if (above) {
+    for (const double buffer : Ticks(m_Buffers, std::max(1.0, TickStep(m_Buffers.Length(), 12.0)))) {
+      m_Svg << fmt::format("<path class='tick' d='M{:.1f} {:.1f}v-5'/>", X(buffer), kTop);
+      AddText(X(buffer), kTop - 8.0, "label middle", fmt::format("{:.0f}", buffer));
+    }
+    AddText(kRight + kTitleGap, kTop - 8.0, "title", above->title);
   }
-  AddText(kRight + kTitleGap, kTop - 8.0, "title", "buffer");
-  const double timeStep = TickStep(m_Buffers.Length() * detector::kBufferS, 12.0);
-  for (const double time : Ticks({m_Buffers.low * detector::kBufferS, m_Buffers.high * detector::kBufferS}, timeStep)) {
-    m_Svg << fmt::format("<path class='grid' d='M{:.1f} {:.1f}V{:.1f}'/>", X(time / detector::kBufferS), kTop, bottom);
-    AddText(X(time / detector::kBufferS), bottom + 19.0, "label middle",
-            fmt::format("{:.{}f}", time, DecimalsOf(timeStep)));
+  const double step = TickStep(m_Buffers.Length() * below.perBuffer, 12.0);
+  for (const double tick : Ticks({m_Buffers.low * below.perBuffer, m_Buffers.high * below.perBuffer}, step)) {
+    m_Svg << fmt::format("<path class='grid' d='M{:.1f} {:.1f}V{:.1f}'/>", X(tick / below.perBuffer), kTop, bottom);
+    AddText(X(tick / below.perBuffer), bottom + 19.0, "label middle", fmt::format("{:.{}f}", tick, DecimalsOf(step)));
   }
-  AddText(kRight + kTitleGap, bottom + 19.0, "title", "time (s)");
+  AddText(kRight + kTitleGap, bottom + 19.0, "title", below.title);
   m_Svg << fmt::format("<rect class='frame' x='{:.1f}' y='{:.1f}' width='{:.1f}' height='{:.1f}'/>\n", kLeft, kTop,
                        kRight - kLeft, m_Height);
 }
@@ -135,7 +146,7 @@ void Chart::AddLevel(double fromBuffer, double toBuffer, double decibels, const 
 void Chart::AddCurve(const std::vector<CurvePoint>& curve, const std::string& style, const std::string& label) {
   std::ostringstream path;
   std::ostringstream dots;
-  const bool hasDots = (kRight - kLeft) / m_Buffers.Length() >= kDotSpacing;
+  const bool hasDots = m_IsOfRecording && (kRight - kLeft) / m_Buffers.Length() >= kDotSpacing;
   bool isOpen = false;
   for (const CurvePoint& point : Thin(curve, static_cast<std::size_t>(kRight - kLeft))) {
     if (std::isnan(point.decibels)) {
@@ -167,6 +178,22 @@ void Chart::AddPair(double first, double second, const std::string& label) {
         << fmt::format("<path class='span' d='M{:.1f} {:.1f}H{:.1f}'/>", X(first), y, X(second));
   AddText(hasRoomRight ? X(second) + 6.0 : X(first) - 6.0, y + 4.0, hasRoomRight ? "pair" : "pair end", label);
   m_Svg << "</g>\n";
+}
+
+void Chart::AddUpright(double buffer, const std::string& style, const std::string& label) {
+  m_Svg << fmt::format("<path class='upright {}' d='M{:.1f} {:.1f}v{:.1f}'/>", style, X(buffer), kTop, m_Height);
+  if (!label.empty()) {
+    AddText(X(buffer) + 6.0, kTop + 16.0, "upright", label);
+  }
+}
+
+void Chart::AddInterval(std::size_t lane, Span buffers, double dot, const std::string& style,
+                        const std::string& title) {
+  const double y = LaneMiddle(lane);
+  m_Svg << fmt::format(
+      "<g class='interval {}'><title>{}</title><path class='bar' d='M{:.1f} {:.1f}H{:.1f}'/>"
+      "<circle cx='{:.1f}' cy='{:.1f}' r='4.5'/></g>\n",
+      style, Escaped(title), X(buffers.low), y, X(buffers.high), X(dot), y);
 }
 
 double Chart::LaneMiddle(std::size_t lane) const {
@@ -218,12 +245,13 @@ void Chart::AddMarginLabels() {
 std::string Chart::Finish() {
   AddMarginLabels();
   const double height = kTop + m_Height + kBottomMargin;
+  const std::string description = m_IsOfRecording ? "" : " aria-label='" + Escaped(m_Description) + "'";
   return fmt::format(
-             "<svg class='chart' id='{}' viewBox='0 0 {:.0f} {:.0f}' role='img' data-from='{:g}' data-to='{:g}' "
+             "<svg class='chart' id='{}' viewBox='0 0 {:.0f} {:.0f}' role='img'{} data-from='{:g}' data-to='{:g}' "
              "data-low='{:g}' data-high='{:g}' data-left='{:g}' data-right='{:g}' data-top='{:g}' "
              "data-bottom='{:g}'>\n",
-             m_Name, kWidth, height, m_Buffers.low, m_Buffers.high, m_Decibels.low, m_Decibels.high, kLeft, kRight,
-             kTop, kTop + m_Height) +
+             m_Name, kWidth, height, description, m_Buffers.low, m_Buffers.high, m_Decibels.low, m_Decibels.high, kLeft,
+             kRight, kTop, kTop + m_Height) +
          m_Svg.str() + "</svg>\n";
 }
 

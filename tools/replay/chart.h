@@ -1,6 +1,7 @@
-// A chart over time as an SVG element: axes, bands, lines, curves and marks.
+// A chart as an SVG element: axes, bands, lines, curves and marks. Most are over buffers and time.
 #pragma once
 
+#include <optional>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -17,6 +18,12 @@ struct Span {
   double Length() const { return high - low; }
 };
 
+// An axis below or above the plot.
+struct Axis {
+  std::string title;
+  double perBuffer = 1.0;  // how much of what the axis counts is a buffer
+};
+
 // `style` is a class name of the page's style sheet, which sets colours and strokes. Each part is drawn above those
 // that were added before it.
 class Chart {
@@ -24,6 +31,16 @@ public:
   // `height` is that of the plot, without axes and labels. A chart of lanes needs no AddDecibelAxis().
   Chart(const std::string& name, Span buffers, double height);
   void AddDecibelAxis(Span decibels, const std::string& title);
+
+  // A chart of something else than the recording, told to those who cannot see it by `description`. Where the other
+  // functions say buffers, they mean what the lower axis counts divided by its `perBuffer`; the upper axis, when there
+  // is one, counts these. Where they say decibels, they mean what the title of that axis says.
+  Chart(const std::string& name, Span buffers, double height, const Axis& below, const std::optional<Axis>& above,
+        std::string description);
+  // A line over the whole height of the plot; a label, when there is one, stands right of its upper end.
+  void AddUpright(double buffer, const std::string& style, const std::string& label);
+  // A bar from one end to the other in the middle of a lane, with a dot. The title is their tooltip.
+  void AddInterval(std::size_t lane, Span buffers, double dot, const std::string& style, const std::string& title);
 
   // The label is written into the band if it fits, and is always the band's tooltip.
   void AddBand(double fromBuffer, double toBuffer, const std::string& style, const std::string& label);
@@ -61,7 +78,7 @@ private:
   double Y(double decibels) const;
   double LaneMiddle(std::size_t lane) const;
   void AddText(double x, double y, const std::string& style, const std::string& text);
-  void AddTimeAxes();
+  void AddAxes(const Axis& below, const std::optional<Axis>& above);
   void AddMarginLabels();
 
   std::ostringstream m_Svg;
@@ -69,6 +86,8 @@ private:
   const std::string m_Name;
   const Span m_Buffers;
   const double m_Height;
+  const bool m_IsOfRecording;
+  const std::string m_Description;
   Span m_Decibels;
 };
 

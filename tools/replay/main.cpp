@@ -40,6 +40,13 @@ struct Arguments {
   bool fine = false;
 };
 
+orvex::fine::Reading ReadFinely(const Recording& recording) {
+  static const orvex::fine::FineReader reader;
+  const std::vector<std::int16_t> samples = orvex::tools::SamplesOf(recording);
+  Progress progress("orvex-replay", "steps of the fine reading", reader.Steps());
+  return reader.Read({samples.data(), samples.size()}, [&](std::size_t done) { progress.Show(done); });
+}
+
 int Replay(const Recording& recording, const std::string& file, const Arguments& arguments, const OutputFile* page) {
   std::ostream none(nullptr);
   ReportLines lines(page != nullptr && page->IsStandardOutput() ? none : std::cout,
@@ -51,14 +58,14 @@ int Replay(const Recording& recording, const std::string& file, const Arguments&
     orvex::tools::Feed(recording.bytes, rig, [&](std::size_t done) { progress.Show(done); });
   }
   lines.WriteSummary(rig, run);
+  std::optional<orvex::fine::Reading> fine;
   if (arguments.fine) {
-    static const orvex::fine::FineReader reader;
-    const std::vector<std::int16_t> samples = orvex::tools::SamplesOf(recording);
-    lines.WriteFine(reader.Read({samples.data(), samples.size()}));
+    fine = ReadFinely(recording);
+    lines.WriteFine(*fine);
   }
   if (page != nullptr) {
     page->Write([&](std::ostream& out) {
-      out << orvex::tools::MakeReportPage(run, {file, recording.warning, recording.bytes.size()});
+      out << orvex::tools::MakeReportPage(run, {file, recording.warning, recording.bytes.size()}, fine);
     });
   }
   return rig.GetDifferenceS() != 0.0 ? kExitResult : kExitNoResult;

@@ -8,6 +8,7 @@
 
 #include "Application/OrvexDetector.h"
 #include "replay/explanation.h"
+#include "replay/fine_section.h"
 #include "replay/page_parts.h"
 #include "replay/report_charts.h"
 #include "replay/report_tables.h"
@@ -15,10 +16,6 @@
 
 namespace orvex::tools {
 namespace {
-
-std::string Fact(const std::string& name, const std::string& value) {
-  return "<div><dt>" + name + "</dt><dd>" + Escaped(value) + "</dd></div>\n";
-}
 
 std::string MakeFacts(const RunRecord& run, const ReportSubject& subject) {
   const std::size_t buffers = (subject.bytes + kVoiceBlockBytes - 1) / kVoiceBlockBytes;
@@ -50,10 +47,6 @@ std::string MakeDecision(const RunRecord& run) {
   return html.str();
 }
 
-std::string Figure(const std::string& title, const std::string& legend, const std::string& chart) {
-  return "<figure>\n<figcaption><b>" + title + "</b>" + legend + "</figcaption>\n" + chart + "</figure>\n";
-}
-
 std::string MakeCharts(const RunRecord& run, const View& view, const std::string& title, bool isWhole) {
   std::string html = "<section class='charts'>\n<h2>" + title + "</h2>\n<p class='readout'>" + kReadoutHint + "</p>\n";
   html += Figure("What the receiver reported", kEventsLegend, DrawEvents(run, view));
@@ -67,15 +60,17 @@ std::string MakeCharts(const RunRecord& run, const View& view, const std::string
 
 }  // namespace
 
-std::string MakeReportPage(const RunRecord& run, const ReportSubject& subject) {
+std::string MakeReportPage(const RunRecord& run, const ReportSubject& subject,
+                           const std::optional<fine::Reading>& fine) {
   std::ostringstream html;
   html << kPageBegin << "<title>" << Escaped(subject.file) << " - orvex-replay</title>\n<style>" << kPageStyle
-       << "</style>\n</head>\n<body>\n<header><h1>Replay of <code>" << Escaped(subject.file)
+       << (fine ? kFineStyle : "") << "</style>\n</head>\n<body>\n<header><h1>Replay of <code>" << Escaped(subject.file)
        << "</code></h1></header>\n";
   if (!subject.warning.empty()) {
     html << "<p class='warning'>" << Escaped(subject.warning) << "</p>\n";
   }
   html << MakeDecision(run) << MakeFacts(run, subject) << MakeToneTable(run)
+       << (fine ? MakeFineSection(run, *fine) : "")
        << MakeCharts(run, WholeRecording(run), "The whole recording", true);
   if (const auto view = CloseUp(run)) {
     html << MakeCharts(

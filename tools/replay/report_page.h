@@ -2,8 +2,10 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 
+#include "fine/fine_reading.h"
 #include "replay/run_record.h"
 
 namespace orvex::tools {
@@ -14,6 +16,8 @@ struct ReportSubject {
   std::size_t bytes = 0;  // of the recording's samples
 };
 
-std::string MakeReportPage(const RunRecord& run, const ReportSubject& subject);
+// `fine`: shown, too, when there is one.
+std::string MakeReportPage(const RunRecord& run, const ReportSubject& subject,
+                           const std::optional<fine::Reading>& fine = std::nullopt);
 
 }  // namespace orvex::tools

@@ -49,13 +49,21 @@ std::string Counted(std::int64_t count, const char* what) {
   return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s");
 }
 
+std::string Fact(const std::string& name, const std::string& value) {
+  return "<div><dt>" + name + "</dt><dd>" + Escaped(value) + "</dd></div>\n";
+}
+
+std::string Figure(const std::string& title, const std::string& legend, const std::string& chart) {
+  return "<figure>\n<figcaption><b>" + title + "</b>" + legend + "</figcaption>\n" + chart + "</figure>\n";
+}
+
 double Decibels(double ratio) {
   return 20.0 * std::log10(ratio);
 }
 
 double LevelDbfs(double magnitude) {
-  constexpr double kFullScale = 32768.0 * kVoiceBlockSamples / 2.0;
-  return Decibels(magnitude / kFullScale);
+  constexpr double kMagnitude = 32768.0 * kVoiceBlockSamples / 2.0;
+  return Decibels(magnitude / kMagnitude);
 }
 
 }  // namespace orvex::tools

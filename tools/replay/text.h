@@ -1,4 +1,4 @@
-// Names, numbers with their units and escaped texts for the report.
+// Names, numbers with their units, escaped texts and the smallest elements for the report.
 #pragma once
 
 #include <cstdint>
@@ -19,6 +19,11 @@ const char* OriginOf(Tone tone);
 std::string BufferText(std::int32_t buffer);
 // "1 block", "2 blocks".
 std::string Counted(std::int64_t count, const char* what);
+
+// A name and its value, within a list of facts. The value is escaped.
+std::string Fact(const std::string& name, const std::string& value);
+// A chart below its title and legend.
+std::string Figure(const std::string& title, const std::string& legend, const std::string& chart);
 
 // 20 log10; minus infinity for 0.
 double Decibels(double ratio);

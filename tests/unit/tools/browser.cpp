@@ -66,7 +66,12 @@ for (const svg of document.querySelectorAll('svg.chart')) {
   seen.charts[svg.id] = {
     curves: [...svg.querySelectorAll('.curve')].map(path => lookAtCurve(svg, path)),
     pairs: [...svg.querySelectorAll('.pair')].filter(pair => pair.tagName == 'g' && !pair.classList.contains('further')).map(pair => lookAtPair(svg, pair)),
-    thresholds: svg.querySelectorAll('path.threshold').length, marks
+    thresholds: svg.querySelectorAll('path.threshold').length, marks,
+    uprights: [...svg.querySelectorAll('path.upright.onset, path.upright.end')].map(line => bufferAt(svg, middleOf(line))),
+    intervals: [...svg.querySelectorAll('.interval')].map(group => {
+      const bar = group.querySelector('.bar').getBoundingClientRect();
+      return { from: bufferAt(svg, bar.left), to: bufferAt(svg, bar.right), dot: bufferAt(svg, middleOf(group.querySelector('circle'))) };
+    })
   };
   seen.overlaps.push(...findOverlaps(svg));
 }

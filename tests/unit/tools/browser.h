@@ -19,8 +19,9 @@ bool HasBrowser();
 //   overlaps   pairs of texts of one chart that cover each other
 //   headline, reasons, facts
 //   charts     by name: curves { label, points, colour, peak, isInside }, pairs { first, second } with the run's own
-//              pair alone, the number of thresholds, marks by style. Buffers are measured from where the browser drew
-//              them.
+//              pair alone, the number of thresholds, marks by style, uprights of onsets and ends of intervals,
+//              intervals { from, to, dot }. Buffers, or what else the chart is over, are measured from where the
+//              browser drew them.
 //   readout    what the cursor says at buffer `pointAt` of the first chart of tones
 Json::Value LookAt(const std::string& page, int width, int pointAt, const TemporaryFolder& folder);
 

@@ -7,6 +7,7 @@
 
 #include "orvex/sim/room.h"
 #include "orvex/sim/voice_channel.h"
+#include "replay/recording.h"
 #include "replay/report_page.h"
 #include "testsound/generator.h"
 #include "unit/tools/browser.h"
@@ -43,8 +44,19 @@ std::vector<std::uint8_t> RecordInRoom(const sim::RoomConfig& config) {
   return bytes;
 }
 
-std::string PageOf(const std::vector<std::uint8_t>& bytes, const std::string& file = "dump") {
-  return MakeReportPage(ReplayRecord(bytes), {file, "", bytes.size()});
+fine::Reading ReadFinely(const std::vector<std::uint8_t>& bytes) {
+  const std::vector<std::int16_t> samples = SamplesOf({bytes, ""});
+  const fine::FineReader reader;
+  std::size_t steps = 0;
+  fine::Reading reading =
+      reader.Read({samples.data(), samples.size()}, [&](std::size_t done) { EXPECT_EQ(++steps, done); });
+  EXPECT_EQ(reader.Steps(), steps);
+  return reading;
+}
+
+std::string PageOf(const std::vector<std::uint8_t>& bytes, const std::string& file = "dump",
+                   const std::optional<fine::Reading>& fine = std::nullopt) {
+  return MakeReportPage(ReplayRecord(bytes), {file, "", bytes.size()}, fine);
 }
 
 // What holds for the page of every recording.
@@ -177,6 +189,92 @@ TEST_F(ReplayPageInABrowser, StaysSmallForALongRecordingAndKeepsItsPeak) {
   EXPECT_GE(curve["points"].asUInt(), 1000u);
   EXPECT_NEAR(2036, curve["peak"].asDouble(), 4.0);
   EXPECT_NEAR(2036, seen["charts"]["close-tones"]["curves"][0]["peak"].asDouble(), 0.15);
+}
+
+TEST_F(ReplayPageInABrowser, ShowsTheFineReadingToScale) {
+  sim::RoomConfig room;
+  room.optical.latencyMs = room.tv.latencyMs + 103.0;
+  const auto bytes = RecordInRoom(room);
+  const fine::Reading reading = ReadFinely(bytes);
+  ASSERT_TRUE(reading.differenceS) << reading.reason;
+  const Json::Value seen = LookAt(PageOf(bytes, "dump", reading), 1280, 60, m_Folder);
+  ExpectFlawlessPage(seen);
+  EXPECT_NEAR(1e3 * *reading.differenceS, std::stod(seen["facts"]["fine difference"].asString()), 0.0051);
+  EXPECT_EQ("4", seen["facts"]["pairs that agree"].asString());
+
+  const Json::Value& grid = seen["charts"]["fine-grid"]["intervals"];
+  ASSERT_EQ(2u, grid.size());
+  EXPECT_NEAR(ReplayRecord(bytes).FindRunResult()->differenceS / detector::kBufferS, grid[0]["dot"].asDouble(), 0.01);
+  EXPECT_NEAR(*reading.differenceS / detector::kBufferS, grid[1]["dot"].asDouble(), 0.01);
+  const Json::Value& strip = seen["charts"]["fine-interval"];
+  const double lowMs = 1e3 * reading.intervalS.low;
+  const double highMs = 1e3 * reading.intervalS.high;
+  const auto near = [&](double ms) { return testing::DoubleNear(ms, 0.02 * (highMs - lowMs)); };
+  EXPECT_THAT(Numbers(strip["uprights"]), ElementsAre(near(lowMs), near(1e3 * *reading.differenceS), near(highMs)));
+  EXPECT_THAT(strip["intervals"][0]["from"].asDouble(), near(lowMs));
+  EXPECT_THAT(strip["intervals"][0]["to"].asDouble(), near(highMs));
+  for (std::size_t n = 0; n < 2; ++n) {
+    const Json::Value& chart = seen["charts"][n == 0 ? "fine-17" : "fine-19"];
+    ASSERT_EQ(2u, chart["curves"].size());
+    EXPECT_EQ("measured", chart["curves"][0]["label"].asString());
+    EXPECT_EQ(reading.arrivals[n]->envelope.size(), chart["curves"][0]["points"].asUInt());
+    EXPECT_EQ("fitted", chart["curves"][1]["label"].asString());
+    EXPECT_TRUE(chart["curves"][0]["isInside"].asBool());
+    EXPECT_TRUE(chart["curves"][1]["isInside"].asBool());
+    EXPECT_THAT(Numbers(chart["uprights"]), ElementsAre(testing::DoubleNear(0.0, 0.02)));
+  }
+}
+
+// A recording in which the receiver and the fine reading find nothing of the test sound.
+std::string PageWith(const fine::Reading& reading) {
+  return PageOf(MakeRecording(Ambient() + "..."), "dump", reading);
+}
+
+TEST(ReplayPageFine, TellsWhyThereIsNoDifference) {
+  fine::Reading reading;
+  reading.reason = "a tone is < 3 & > 2";
+  const std::string page = PageWith(reading);
+  EXPECT_THAT(page, HasSubstr("<h2>Fine reading: no difference</h2>"));
+  EXPECT_THAT(page, HasSubstr("<p class='warning'>There is no fine difference: a tone is &lt; 3 &amp; &gt; 2.</p>"));
+  EXPECT_THAT(page, HasSubstr("<dt>fine difference</dt><dd>none</dd>"));
+  EXPECT_THAT(page, HasSubstr("<dt>95 % interval</dt><dd>none</dd>"));
+  EXPECT_THAT(page, HasSubstr("<dt>error of the remote's rate</dt><dd>not known</dd>"));
+  EXPECT_THAT(page, Not(HasSubstr("id='fine-")));
+}
+
+TEST(ReplayPageFine, ShowsTheOnsetsOfARefusedReading) {
+  fine::Reading reading;
+  reading.reason = "the onset of 17 kHz is not clear";
+  for (auto& arrival : reading.arrivals) {
+    arrival = fine::Arrival{46545.0, 1e-3, 20.0, 50.0, {{-1e-3, 0.0}, {0.0, 5.0}, {1e-3, 100.0}}};
+  }
+  const std::string page = PageWith(reading);
+  EXPECT_THAT(page, HasSubstr("id='fine-17'"));
+  EXPECT_THAT(page, HasSubstr("id='fine-19'"));
+  EXPECT_THAT(page, HasSubstr("<b>17 kHz, television's speaker: begins at 1.00000 s</b>"));
+  EXPECT_THAT(page, HasSubstr("aria-label='17 kHz, television&#39;s speaker: the mean of its bursts"));
+  EXPECT_THAT(page, HasSubstr("The measured envelope reaches 200 % of the direct sound.'"));
+  EXPECT_THAT(page, HasSubstr("onset ± 1.000 ms"));
+  EXPECT_THAT(page, Not(HasSubstr("id='fine-grid'")));
+  EXPECT_THAT(page, Not(HasSubstr("id='fine-interval'")));
+}
+
+TEST(ReplayPageFine, IsShownWithoutADifferenceOfTheReceiver) {
+  fine::Reading reading;
+  reading.differenceS = -0.01;
+  reading.intervalS = {-0.0101, -0.0099};
+  reading.ratePpm = -0.2;
+  const std::string page = PageWith(reading);
+  EXPECT_THAT(page, HasSubstr("<h2>Fine reading: the optical output is 10.00 ms early</h2>"));
+  EXPECT_THAT(page, HasSubstr("<p>The receiver found no difference.</p>"));
+  EXPECT_THAT(page, HasSubstr("<dt>error of the remote's rate</dt><dd>+0 ppm</dd>"));
+  EXPECT_THAT(page, HasSubstr("<dt>95 % interval</dt><dd>-10.10 to -9.90 ms</dd>"));
+  EXPECT_THAT(page, HasSubstr(">receiver: none</text>"));
+  EXPECT_THAT(page, HasSubstr("<title>fine reading: -10.00 ms, -10.10 to -9.90 ms</title>"));
+}
+
+TEST(ReplayPageFine, IsNotMentionedWhenThereIsNone) {
+  EXPECT_THAT(PageOf(MakeRecording(Ambient() + "7..9")), Not(HasSubstr("fine")));
 }
 
 TEST(ReplayPage, EscapesTheNameOfTheFile) {
