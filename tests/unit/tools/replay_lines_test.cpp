@@ -4,6 +4,7 @@
 
 #include <cmath>
 
+#include "linux/json_text.h"
 #include "replay/recording.h"
 #include "replay/report_lines.h"
 #include "unit/tools/replay_recordings.h"
@@ -239,6 +240,60 @@ TEST(ReplayLines, NameTheFileWhenItIsGiven) {
   ReportLines lines(text, "a \"b\"", false);
   lines.OnAmbientKnown(35, {});
   EXPECT_EQ("{\"buffer\":35,\"event\":\"ambient\",\"file\":\"a \\\"b\\\"\"}\n", text.str());
+}
+
+fine::Reading FineReadingOfFourPairs() {
+  fine::Reading reading;
+  reading.differenceS = 0.0991;
+  reading.intervalS = {0.0990, 0.0992};
+  reading.pairs = 4;
+  reading.ratePpm = -12.5;
+  reading.arrivals[0].emplace();
+  reading.arrivals[0]->levelDb = 61.5;
+  reading.arrivals[1].emplace();
+  reading.arrivals[1]->levelDb = 58.25;
+  return reading;
+}
+
+Json::Value FineLine(const fine::Reading& reading, const std::string& file = "") {
+  std::ostringstream text;
+  ReportLines(text, file, false).WriteFine(reading);
+  return port::ParseJson(text.str());
+}
+
+TEST(ReplayFineLine, HasTheDifferenceWithItsInterval) {
+  const Json::Value line = FineLine(FineReadingOfFourPairs());
+  EXPECT_THAT(line.getMemberNames(), ElementsAre("difference_s", "event", "interval_s", "level_17_db", "level_19_db",
+                                                 "pairs", "rate_ppm", "reason"));
+  EXPECT_EQ("fine", line["event"].asString());
+  EXPECT_EQ(0.0991, line["difference_s"].asDouble());
+  ASSERT_EQ(2u, line["interval_s"].size());
+  EXPECT_EQ(0.0990, line["interval_s"][0].asDouble());
+  EXPECT_EQ(0.0992, line["interval_s"][1].asDouble());
+  EXPECT_EQ(4, line["pairs"].asInt());
+  EXPECT_EQ(-12.5, line["rate_ppm"].asDouble());
+  EXPECT_EQ(61.5, line["level_17_db"].asDouble());
+  EXPECT_EQ(58.25, line["level_19_db"].asDouble());
+  EXPECT_TRUE(line["reason"].isNull());
+}
+
+TEST(ReplayFineLine, HasAReasonInPlaceOfADifference) {
+  fine::Reading reading;
+  reading.pairs = 1;
+  reading.reason = "only one pair of bursts";
+  const Json::Value line = FineLine(reading);
+  EXPECT_THAT(line.getMemberNames(), ElementsAre("difference_s", "event", "interval_s", "level_17_db", "level_19_db",
+                                                 "pairs", "rate_ppm", "reason"));
+  for (const char* const member : {"difference_s", "interval_s", "level_17_db", "level_19_db", "rate_ppm"}) {
+    EXPECT_TRUE(line[member].isNull()) << member;
+  }
+  EXPECT_EQ(1, line["pairs"].asInt());
+  EXPECT_EQ("only one pair of bursts", line["reason"].asString());
+}
+
+TEST(ReplayFineLine, NamesTheFileWhenItIsGiven) {
+  EXPECT_EQ("b.raw", FineLine({}, "b.raw")["file"].asString());
+  EXPECT_FALSE(FineLine({}).isMember("file"));
 }
 
 }  // namespace

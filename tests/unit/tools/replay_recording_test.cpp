@@ -48,6 +48,11 @@ TEST(ReplayRecording, TakesTheBytesOfADumpAsTheyAre) {
   EXPECT_TRUE(ReadRecording(folder.Write("empty", "")).bytes.empty());
 }
 
+TEST(ReplayRecording, HasNoSampleOfAnOddLastByte) {
+  EXPECT_THAT(SamplesOf({{0x34, 0x12, 0xff, 0xff, 0x7f}, ""}), ElementsAre(0x1234, -1));
+  EXPECT_TRUE(SamplesOf({{0x7f}, ""}).empty());
+}
+
 TEST(ReplayRecording, ScalesEverySampleFormatToSixteenBits) {
   const TemporaryFolder folder;
   for (const int format : {SF_FORMAT_PCM_16, SF_FORMAT_PCM_24, SF_FORMAT_PCM_32, SF_FORMAT_FLOAT, SF_FORMAT_DOUBLE}) {
