@@ -117,7 +117,7 @@ std::string DrawOnset(const fine::Arrival& arrival, Tone tone) {
   const bool is17 = tone == Tone::k17000Hz;
   const auto percentOf = [&](double magnitude) { return 100.0 * magnitude / arrival.amplitude; };
   std::vector<CurvePoint> measured;
-  double highest = 100.0;
+  double highest = 0.0;
   for (const fine::EnvelopePoint& point : arrival.envelope) {
     measured.push_back({Ms(point.s), percentOf(point.magnitude)});
     highest = std::max(highest, measured.back().decibels);
@@ -130,11 +130,11 @@ std::string DrawOnset(const fine::Arrival& arrival, Tone tone) {
   const double deviationMs = Ms(arrival.deviationS);
   const std::string onset = fmt::format("onset ± {:.3f} ms", deviationMs);
   Chart chart(is17 ? "fine-17" : "fine-19", kOnsetMs, 220.0, {"from onset (ms)"}, std::nullopt,
-              fmt::format("{}, {}: the mean of its bursts from 3 ms before the onset to 6 ms after it, and the fitted "
+              fmt::format("{}, {}: the mean of its bursts around the onset, and the fitted "
                           "direct sound. The onset is {:.5f} s after the beginning of the recording, with a standard "
                           "deviation of {:.3f} ms. The measured envelope reaches {:.0f} % of the direct sound.",
                           NameOf(tone), OriginOf(tone), arrival.sample / kVoiceRateHz, deviationMs, highest));
-  chart.AddDecibelAxis({0.0, std::ceil(1.05 * highest / 20.0) * 20.0}, "direct sound = 100 %");
+  chart.AddDecibelAxis({0.0, std::ceil(1.05 * std::max(100.0, highest) / 20.0) * 20.0}, "direct sound = 100 %");
   chart.AddBand(-deviationMs, deviationMs, "deviation", onset);
   chart.AddCurve(measured, is17 ? "f17" : "f19", "measured");
   chart.AddCurve(fitted, "fitted", "fitted");

@@ -248,12 +248,14 @@ TEST(ReplayPageFine, ShowsTheOnsetsOfARefusedReading) {
   for (auto& arrival : reading.arrivals) {
     arrival = fine::Arrival{46545.0, 1e-3, 20.0, 50.0, {{-1e-3, 0.0}, {0.0, 5.0}, {1e-3, 100.0}}};
   }
+  reading.arrivals[1]->envelope.pop_back();
   const std::string page = PageWith(reading);
   EXPECT_THAT(page, HasSubstr("id='fine-17'"));
   EXPECT_THAT(page, HasSubstr("id='fine-19'"));
   EXPECT_THAT(page, HasSubstr("<b>17 kHz, television's speaker: begins at 1.00000 s</b>"));
   EXPECT_THAT(page, HasSubstr("aria-label='17 kHz, television&#39;s speaker: the mean of its bursts"));
   EXPECT_THAT(page, HasSubstr("The measured envelope reaches 200 % of the direct sound.'"));
+  EXPECT_THAT(page, HasSubstr("The measured envelope reaches 10 % of the direct sound.'"));
   EXPECT_THAT(page, HasSubstr("onset ± 1.000 ms"));
   EXPECT_THAT(page, Not(HasSubstr("id='fine-grid'")));
   EXPECT_THAT(page, Not(HasSubstr("id='fine-interval'")));
