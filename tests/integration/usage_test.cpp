@@ -35,6 +35,16 @@ TEST(Usage, NamesTheOptionTheNumberAndWhatWasExpected) {
   }
 }
 
+TEST(Usage, TellsWhichOptionsOfASweepGoTogether) {
+  for (const Row& row : {
+           Row{ORVEX_SWEEP_PROGRAM, {"--cut-ms", "3"}, "--cut-ms requires --fine"},
+           Row{ORVEX_SWEEP_PROGRAM, {"--lost-blocks", "1"}, "--lost-blocks requires --fine"},
+           Row{ORVEX_SWEEP_PROGRAM, {"--fine", "--plot", "figures.svg"}, "--fine excludes --plot"},
+       }) {
+    ExpectRefusal(row);
+  }
+}
+
 TEST(Usage, MessagesBeginWithTheProgramsName) {
   for (const Row& row : {
            Row{ORVEX_TESTSOUND_PROGRAM, {"--pairs", "9", "x.wav"}, "orvex-testsound: --pairs: "},
