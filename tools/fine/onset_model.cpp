@@ -220,9 +220,12 @@ private:
   double m_Largest = -1e300;
 };
 
-double LogPrior(double power, double amplitude, double* db) {
-  *db = power > 0.0 ? ToDb(power / (amplitude * amplitude + 1e-12)) : kNoneDb;
-  const double deviations = (*db - kExpectedDb) / kDeviationDb;
+double ReverberationDb(double power, double amplitude) {
+  return power > 0.0 ? ToDb(power / (amplitude * amplitude + 1e-12)) : kNoneDb;
+}
+
+double LogPrior(double reverberationDb) {
+  const double deviations = (reverberationDb - kExpectedDb) / kDeviationDb;
   return -0.5 * deviations * deviations;
 }
 
@@ -249,12 +252,12 @@ Onset OnsetModel::Fit(const std::vector<std::complex<double>>& values, std::size
       const MatrixXd products = shapes.transpose() * white;
       const MatrixXd norms = shapes.transpose() * shapes;
       const double base = -white.squaredNorm() + 2.0 * made.logDeterminants(count - 1);
-      double db = 0.0;
       const auto add = [&](std::complex<double> product, double norm, double logShare, bool isReflected) {
         const double logLikelihood = base + std::norm(product) / norm - std::log(norm) + logShare;
         if (!sums.IsNegligible(logLikelihood)) {
           const double amplitude = std::abs(product) / norm;
-          sums.Add(logLikelihood + LogPrior(power, amplitude, &db), onset, amplitude, db, isReflected);
+          const double db = ReverberationDb(power, amplitude);
+          sums.Add(logLikelihood + LogPrior(db), onset, amplitude, db, isReflected);
         }
       };
       const std::complex<double> direct(products(0, 0), products(0, 1));

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
+
 #include "fine/burst_shape.h"
 #include "orvex/platform/remote_voice.h"
 
@@ -81,6 +83,23 @@ TEST_F(FineOnsetModel, NoticesAReflectionWithinAMillisecond) {
   EXPECT_LT(clean.reflection, 0.05);
   EXPECT_GT(onset.reflection, 0.5);
   EXPECT_NEAR(0.0, onset.s, 50e-6);
+}
+
+TEST_F(FineOnsetModel, NoticesReverberation) {
+  Values values = Burst(0.0, 200.0);
+  EXPECT_LT(FitAll(values).reverberationDb, 5.0);
+  // Reflections of any phase, 0.1 ms apart. Their power per second is 144 times that of the direct sound.
+  std::mt19937 random(1);
+  std::uniform_real_distribution<double> phase(0.0, 2.0 * tools::kPi);
+  for (int n = 1; n < 50; ++n) {
+    const Values late = Burst(n * 1e-4, std::polar(24.0, phase(random)));
+    for (std::size_t i = 0; i < values.size(); ++i) {
+      values[i] += late[i];
+    }
+  }
+  const Onset onset = FitAll(values);
+  EXPECT_GT(onset.reverberationDb, 12.0);
+  EXPECT_NEAR(0.0, onset.s, 0.15e-3);
 }
 
 }  // namespace
