@@ -202,9 +202,6 @@ private:
   }
 
   std::string WhyUnfit(const Tone& tone) const {
-    if (tone.aligned.isCut && static_cast<double>(m_Samples.count) - tone.aligned.onset < kLeastOnsetS * kVoiceRateHz) {
-      return fmt::format("the recording ends within {:.0f} ms of the burst of {}", kLeastOnsetS * 1e3, tone.Name());
-    }
     if (tone.aligned.peakToNoise < kLeastPeakToNoise) {
       return fmt::format("the bursts of {} are too weak, {:.1f} times the noise, expected {:.0f}", tone.Name(),
                          tone.aligned.peakToNoise, kLeastPeakToNoise);
@@ -313,6 +310,12 @@ private:
 
   std::string Conclude(const std::vector<std::size_t>& pairs, bool isRateOfMany) {
     for (std::size_t n = 0; n < m_Tones.size(); ++n) {
+      // By the onset that was fitted: the rough one is up to a millisecond early where the recording ends in the rise.
+      if (m_Tones[n].aligned.isCut &&
+          static_cast<double>(m_Samples.count) - m_Reading.arrivals[n]->sample < kLeastOnsetS * kVoiceRateHz) {
+        return fmt::format("the recording ends within {:.0f} ms of the burst of {}", kLeastOnsetS * 1e3,
+                           m_Tones[n].Name());
+      }
       if (m_Onsets[n].deviationS > kLargestDeviationS) {
         return fmt::format("the onset of {} is not clear, {:.2f} ms to either side", m_Tones[n].Name(),
                            kDeviationsOf95Percent * m_Onsets[n].deviationS * 1e3);

@@ -123,5 +123,17 @@ TEST(FineRooms, ReadsOnePairOfARecordingThatEndsAfterTheSecondOnset) {
   }
 }
 
+TEST(FineRooms, RefusesARecordingThatEndsTooSoonAfterTheSecondOnset) {
+  for (const double differenceMs : {-60.0, 60.0}) {
+    Recording recording = RecordRoom(RoomWith(differenceMs), kStartMs, kLengthMs);
+    CutAt(recording, SecondOnsetMs(differenceMs) + 1.5);
+    const Reading reading = ReadingOf(recording);
+    EXPECT_FALSE(reading.differenceS);
+    EXPECT_EQ(differenceMs < 0.0 ? "the recording ends within 2 ms of the burst of 17 kHz"
+                                 : "the recording ends within 2 ms of the burst of 19 kHz",
+              reading.reason);
+  }
+}
+
 }  // namespace
 }  // namespace orvex::fine
