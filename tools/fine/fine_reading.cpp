@@ -26,10 +26,16 @@ constexpr double kLeastPeakToNoise = 10.0;
 constexpr double kLeastLikeness = 0.5;
 constexpr double kLeastOnsetS = 2e-3;
 constexpr double kLargestDeviationS = 5e-4;
+// What sounds within a burst is its tone when it is this close to its frequency, as a share of it; the remote's rate is
+// much closer, and reverberation moves it less. Two values so many samples apart tell frequencies up to 1.9 kHz off.
+constexpr double kLargestTurn = 0.015;
+constexpr std::size_t kTurnSamples = 12;
+// A burst of which a larger share of the samples is at full scale has lost its shape.
+constexpr double kLargestClipped = 0.65;
 // Onsets further from the middle of what the model searches are searched again around the place found, but not more
 // often.
-constexpr double kNearTheMiddleS = 1e-3;
-constexpr int kLargestMoves = 2;
+constexpr double kNearTheMiddleS = 5e-4;
+constexpr int kLargestMoves = 4;
 // Pairs agree when they are this close to one another, in samples; a lost block is 768.
 constexpr double kAgreement = 100.0;
 
@@ -131,24 +137,43 @@ std::optional<double> RateError(const std::array<Tone, 2>& tones, const tools::S
   return squares > 0.0 ? std::optional<double>(products / squares - 1.0) : std::nullopt;
 }
 
-// The same by the frequency of the tone within one burst.
-double RateErrorOfOne(const Samples& samples, const Tone& tone, std::int64_t usableEnd,
-                      const tools::SoundDesign& sound) {
-  const auto from = static_cast<std::int64_t>(tone.aligned.onset + (sound.rampMs + 0.5) * 1e-3 * kVoiceRateHz);
-  const auto to = std::min(
-      usableEnd,
-      static_cast<std::int64_t>(tone.aligned.onset + (sound.burstMs - sound.rampMs - 0.5) * 1e-3 * kVoiceRateHz));
-  const std::int64_t third = (to - from) / 3;
+// Samples from `begin` up to `end`.
+struct Span {
+  std::int64_t begin = 0;
+  std::int64_t end = 0;
+};
+
+// Where the reference burst neither rises nor falls, as far as the recording goes.
+Span PlateauOf(const Samples& samples, const Tone& tone, const tools::SoundDesign& sound) {
+  constexpr double kMarginMs = 0.5;
+  const auto at = [&](double ms) { return static_cast<std::int64_t>(tone.aligned.onset + ms * 1e-3 * kVoiceRateHz); };
+  const auto end = static_cast<std::int64_t>(samples.count) - kFilterHalf;
+  return {std::max<std::int64_t>(0, at(sound.rampMs + kMarginMs)),
+          std::min(end, at(sound.burstMs - sound.rampMs - kMarginMs))};
+}
+
+// By how much the frequency within the span differs from the tone's, as a share of it: by what values `distance`
+// samples apart have turned. 0 where the span is too short for that.
+double FrequencyError(const Samples& samples, const Tone& tone, const Span& span, std::size_t distance) {
+  if (span.end - span.begin <= static_cast<std::int64_t>(distance)) {
+    return 0.0;
+  }
+  const auto values = tone.band->Values(samples, span.begin, static_cast<std::size_t>(span.end - span.begin), 1);
+  std::complex<double> turn = 0.0;
+  for (std::size_t n = 0; n + distance < values.size(); ++n) {
+    turn += std::conj(values[n]) * values[n + distance];
+  }
+  return std::arg(turn) / (2.0 * tools::kPi * static_cast<double>(distance)) * kVoiceRateHz / tone.hz;
+}
+
+// The rate's error by the frequency of the tone within one burst.
+double RateErrorOfOne(const Samples& samples, const Tone& tone, const tools::SoundDesign& sound) {
+  const Span plateau = PlateauOf(samples, tone, sound);
+  const std::int64_t third = (plateau.end - plateau.begin) / 3;
   if (third < 20) {
     return 0.0;
   }
-  const auto values = tone.band->Values(samples, from, static_cast<std::size_t>(to - from), 1);
-  std::complex<double> turn = 0.0;
-  for (std::size_t n = 0; n + static_cast<std::size_t>(third) < values.size(); ++n) {
-    turn += std::conj(values[n]) * values[n + static_cast<std::size_t>(third)];
-  }
-  const double cyclesPerSample = std::arg(turn) / (2.0 * tools::kPi * static_cast<double>(third));
-  const double error = -cyclesPerSample * kVoiceRateHz / tone.hz;
+  const double error = -FrequencyError(samples, tone, plateau, static_cast<std::size_t>(third));
   return std::abs(error) < kLargestRateError ? error : 0.0;
 }
 
@@ -209,7 +234,24 @@ private:
     if (tone.aligned.likeness < kLeastLikeness) {
       return "the bursts of " + tone.Name() + " are not alike";
     }
+    const Span plateau = PlateauOf(m_Samples, tone, m_Sound);
+    if (plateau.begin < plateau.end) {
+      const double hz = tone.hz * FrequencyError(m_Samples, tone, plateau, kTurnSamples);
+      if (std::abs(hz) > kLargestTurn * tone.hz) {
+        return fmt::format("the bursts near {} have another frequency, {:+.0f} Hz", tone.Name(), hz);
+      }
+      if (ClippedShare(plateau) > kLargestClipped) {
+        return fmt::format("the bursts of {} are clipped, {:.0f} % of their samples", tone.Name(),
+                           100.0 * ClippedShare(plateau));
+      }
+    }
     return "";
+  }
+
+  double ClippedShare(const Span& span) const {
+    const auto clipped = std::count_if(m_Samples.data + span.begin, m_Samples.data + span.end,
+                                       [](std::int16_t sample) { return sample == INT16_MAX || sample <= -INT16_MAX; });
+    return static_cast<double>(clipped) / static_cast<double>(span.end - span.begin);
   }
 
   // What was heard before the sound is noise and nothing else.
@@ -251,7 +293,7 @@ private:
   }
 
   void FitOnsets(const std::optional<double>& rateError) {
-    m_RateError = rateError ? *rateError : RateErrorOfOne(m_Samples, Longer(), m_UsableEnd, m_Sound);
+    m_RateError = rateError ? *rateError : RateErrorOfOne(m_Samples, Longer(), m_Sound);
     m_Reading.ratePpm = m_RateError * 1e6;
     for (std::size_t n = 0; n < m_Tones.size(); ++n) {
       const Tone& tone = m_Tones[n];

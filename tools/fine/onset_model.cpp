@@ -23,8 +23,8 @@ constexpr std::int64_t kStepSamples = 12;
 constexpr double kBeforeS = 3e-3;
 constexpr double kAfterS = 5e-3;
 // Onsets that are tried.
-constexpr double kSpanS = 2e-3;
-constexpr double kResolutionS = 25e-6;
+constexpr double kSpanS = 1.2e-3;
+constexpr double kResolutionS = 12.5e-6;
 // Power of the reverberation, in dB against the power of the noise behind the low-pass, per second.
 constexpr double kLowestDb = 12.0;
 constexpr double kHighestDb = 84.0;
@@ -41,7 +41,7 @@ constexpr double kNoneDb = -5.0;
 constexpr std::array<double, 5> kReflectionsS = {1e-4, 3e-4, 5e-4, 7e-4, 9e-4};
 constexpr std::array<double, 3> kReflectionsDb = {-3.0, -6.0, -10.0};
 constexpr int kPhases = 8;
-constexpr double kReflectionShare = 0.2;
+constexpr double kReflectionShare = 0.3;
 // Of the noise's covariance, for rounding.
 constexpr double kDiagonal = 1e-3;
 

@@ -29,13 +29,13 @@ struct Onset {
 
 class OnsetModel {
 public:
-  // Computes its covariances: about 0.1 s of work, and 20 MB. Afterwards threads may share it.
+  // Computes its covariances: about 0.1 s of work, and 25 MB. Afterwards threads may share it.
   explicit OnsetModel(const tools::SoundDesign& sound);
   ~OnsetModel();
   OnsetModel(const OnsetModel&) = delete;
   OnsetModel& operator=(const OnsetModel&) = delete;
 
-  // The positions of the values, in samples from a place near the onset: the onset is looked for up to 2 ms to both
+  // The positions of the values, in samples from a place near the onset: the onset is looked for up to 1.2 ms to both
   // sides.
   const std::vector<std::int64_t>& Offsets() const;
 

@@ -44,9 +44,15 @@ TEST(FineRefusals, NothingIsHeardWhereNothingIs) {
   }
 }
 
-// It begins and ends with a click, in which both tones are.
+// It begins and ends with a click, in which all frequencies are.
 TEST(FineRefusals, AConstantIsNoSound) {
-  ExpectRefused(Recording(46545, 32767), "only one pair of bursts, or none that agrees with it");
+  EXPECT_THAT(ReadingOf(Recording(46545, 32767)).reason, testing::HasSubstr("have another frequency"));
+}
+
+TEST(FineRefusals, ASinglePairThatOthersShouldFollowIsNotTheSound) {
+  HeardSound sound = SoundAt(20.0);
+  sound.design.pairs = 1;
+  ExpectRefused(MakeRecording(sound), "only one pair of bursts, or none that agrees with it");
 }
 
 TEST(FineRefusals, OneToneAloneIsNoSound) {
@@ -88,6 +94,19 @@ TEST(FineRefusals, ClippingMovesNothing) {
     sound.gainDb = 30.0;
     ExpectNotWrong(sound, 1.0);
   }
+}
+
+TEST(FineRefusals, BurstsThatAreMostlyClippedHaveLostTheirShape) {
+  HeardSound sound = SoundAt(0.0);
+  sound.amplitudes = {8000.0, 8000.0};
+  sound.gainDb = 30.0;
+  EXPECT_THAT(ReadingOf(MakeRecording(sound)).reason, testing::StartsWith("the bursts of 17 kHz are clipped, "));
+}
+
+TEST(FineRefusals, TonesBesideItsOwnAreNoSound) {
+  HeardSound sound = SoundAt(-30.0);
+  sound.tonesHz = {16000.0, 18000.0};
+  EXPECT_THAT(ReadingOf(MakeRecording(sound)).reason, testing::StartsWith("the bursts near 17 kHz have another frequency, "));
 }
 
 TEST(FineRefusals, AnotherSoundGivesNoWrongReading) {
