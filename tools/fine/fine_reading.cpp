@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "fine/burst_alignment.h"
+#include "fine/tone.h"
 
 namespace orvex::fine {
 namespace {
@@ -36,18 +37,15 @@ constexpr double kLargestClipped = 0.65;
 // often.
 constexpr double kNearTheMiddleS = 5e-4;
 constexpr int kLargestMoves = 4;
-// Pairs agree when they are this close to one another, in samples; a lost block is 768.
-constexpr double kAgreement = 100.0;
 
-// The interval is this much wider than the distribution of the onsets says, and a little wider yet: the model's room is
-// simpler than a real one.
-constexpr double kWidening = 0.9;
+// The interval against the distribution of the onsets, and the least deviation of it. In most rooms that distribution
+// is wider than the error: it allows for a reflection within a millisecond, which few rooms have.
+constexpr double kIntervalWidth = 0.9;
 constexpr double kFloorS = 1e-5;
 constexpr double kDeviationsOf95Percent = 1.96;
 
-// The error of a rate that was read off a single burst.
+// The deviation of a rate that was read off a single burst.
 constexpr double kRateDeviationOfOne = 3e-4;
-constexpr double kLargestRateError = 2.5e-3;
 
 // What is told of the envelope around an onset.
 constexpr double kEnvelopeBeforeS = 3e-3;
@@ -60,121 +58,6 @@ double LevelDb(double amplitude, double noisePower) {
   const double noise = std::sqrt(noisePower / FilteredNoisePower());
   const double block = static_cast<double>(kVoiceBlockSamples);
   return 20.0 * std::log10(amplitude * std::sqrt(block) / (noise * std::sqrt(tools::kPi) / 2.0));
-}
-
-// What is known of one tone.
-struct Tone {
-  double hz = 0.0;
-  const BaseBand* band = nullptr;
-  ToneBursts found;
-  AlignedBursts aligned;
-
-  std::string Name() const { return fmt::format("{:.0f} kHz", hz * 1e-3); }
-  const AlignedBurst* Burst(std::size_t pair) const {
-    for (const AlignedBurst& burst : aligned.bursts) {
-      if (burst.pair == pair) {
-        return &burst;
-      }
-    }
-    return nullptr;
-  }
-};
-
-// The largest group of pairs whose tones are equally far apart.
-std::vector<std::size_t> AgreeingPairs(const std::array<Tone, 2>& tones, int pairs) {
-  std::vector<std::size_t> both;
-  std::vector<double> distances;
-  for (std::size_t pair = 0; pair < static_cast<std::size_t>(pairs); ++pair) {
-    const AlignedBurst* const first = tones[0].Burst(pair);
-    const AlignedBurst* const second = tones[1].Burst(pair);
-    if (first != nullptr && second != nullptr) {
-      both.push_back(pair);
-      distances.push_back(second->position - first->position);
-    }
-  }
-  std::vector<std::size_t> largest;
-  for (const double distance : distances) {
-    std::vector<std::size_t> group;
-    for (std::size_t n = 0; n < both.size(); ++n) {
-      if (std::abs(distances[n] - distance) < kAgreement) {
-        group.push_back(both[n]);
-      }
-    }
-    if (group.size() > largest.size()) {
-      largest = group;
-    }
-  }
-  return largest;
-}
-
-// How much faster than its nominal rate the remote samples, by the distances of the bursts of each tone, whole lost
-// blocks added; none: no tone has two bursts in use.
-std::optional<double> RateError(const std::array<Tone, 2>& tones, const tools::SoundDesign& sound) {
-  const double spacing = sound.spacingMs * 1e-3 * kVoiceRateHz;
-  const double block = static_cast<double>(kVoiceBlockSamples);
-  double products = 0.0;
-  double squares = 0.0;
-  for (const Tone& tone : tones) {
-    const std::vector<AlignedBurst>& bursts = tone.aligned.bursts;
-    std::vector<double> expected;
-    std::vector<double> measured;
-    for (const AlignedBurst& burst : bursts) {
-      expected.push_back(static_cast<double>(burst.pair) * spacing);
-      const double missing = expected.back() - expected.front() - (burst.position - bursts.front().position);
-      measured.push_back(burst.position + block * std::round(missing / block));
-    }
-    double expectedMean = 0.0;
-    double measuredMean = 0.0;
-    for (std::size_t n = 0; n < expected.size(); ++n) {
-      expectedMean += expected[n] / static_cast<double>(expected.size());
-      measuredMean += measured[n] / static_cast<double>(expected.size());
-    }
-    for (std::size_t n = 0; n < expected.size(); ++n) {
-      products += (expected[n] - expectedMean) * (measured[n] - measuredMean);
-      squares += (expected[n] - expectedMean) * (expected[n] - expectedMean);
-    }
-  }
-  return squares > 0.0 ? std::optional<double>(products / squares - 1.0) : std::nullopt;
-}
-
-// Samples from `begin` up to `end`.
-struct Span {
-  std::int64_t begin = 0;
-  std::int64_t end = 0;
-};
-
-// Where the reference burst neither rises nor falls, as far as the recording goes.
-Span PlateauOf(const Samples& samples, const Tone& tone, const tools::SoundDesign& sound) {
-  constexpr double kMarginMs = 0.5;
-  const auto at = [&](double ms) { return static_cast<std::int64_t>(tone.aligned.onset + ms * 1e-3 * kVoiceRateHz); };
-  const auto end = static_cast<std::int64_t>(samples.count) - kFilterHalf;
-  return {std::max<std::int64_t>(0, at(sound.rampMs + kMarginMs)),
-          std::min(end, at(sound.burstMs - sound.rampMs - kMarginMs))};
-}
-
-// By how much the frequency within the span differs from the tone's, as a share of it: by what values `distance`
-// samples apart have turned. 0 where the span is too short for that.
-double FrequencyError(const Samples& samples, const Tone& tone, const Span& span, std::size_t distance) {
-  if (span.end - span.begin <= static_cast<std::int64_t>(distance)) {
-    return 0.0;
-  }
-  const auto values = tone.band->Values(samples, span.begin, static_cast<std::size_t>(span.end - span.begin), 1);
-  std::complex<double> turn = 0.0;
-  for (std::size_t n = 0; n + distance < values.size(); ++n) {
-    turn += std::conj(values[n]) * values[n + distance];
-  }
-  return std::arg(turn) / (2.0 * tools::kPi * static_cast<double>(distance)) * kVoiceRateHz / tone.hz;
-}
-
-// The rate's error by the frequency of the tone within one burst.
-double RateErrorOfOne(const Samples& samples, const Tone& tone, const tools::SoundDesign& sound) {
-  const Span plateau = PlateauOf(samples, tone, sound);
-  const std::int64_t third = (plateau.end - plateau.begin) / 3;
-  if (third < 20) {
-    return 0.0;
-  }
-  const double error = -FrequencyError(samples, tone, plateau, static_cast<std::size_t>(third));
-  return std::abs(error) < kLargestRateError ? error : 0.0;
 }
 
 class OneReading {
@@ -371,7 +254,7 @@ private:
     const double difference = distance / (kVoiceRateHz * (1.0 + m_RateError)) - m_Sound.skewMs * 1e-3;
     const double rate = isRateOfMany ? 0.0 : difference * kRateDeviationOfOne;
     const double deviation = std::sqrt(
-        kWidening * kWidening *
+        kIntervalWidth * kIntervalWidth *
             (m_Onsets[0].deviationS * m_Onsets[0].deviationS + m_Onsets[1].deviationS * m_Onsets[1].deviationS) +
         rate * rate + kFloorS * kFloorS);
     m_Reading.differenceS = difference;

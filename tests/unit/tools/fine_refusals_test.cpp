@@ -106,7 +106,8 @@ TEST(FineRefusals, BurstsThatAreMostlyClippedHaveLostTheirShape) {
 TEST(FineRefusals, TonesBesideItsOwnAreNoSound) {
   HeardSound sound = SoundAt(-30.0);
   sound.tonesHz = {16000.0, 18000.0};
-  EXPECT_THAT(ReadingOf(MakeRecording(sound)).reason, testing::StartsWith("the bursts near 17 kHz have another frequency, "));
+  EXPECT_THAT(ReadingOf(MakeRecording(sound)).reason,
+              testing::StartsWith("the bursts near 17 kHz have another frequency, "));
 }
 
 TEST(FineRefusals, AnotherSoundGivesNoWrongReading) {
