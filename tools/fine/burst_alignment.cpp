@@ -167,7 +167,7 @@ AlignedBursts Align(const Samples& samples, const BaseBand& band, const Filtered
     window.begin = *found.positions[pair] - kBefore;
     window.values = band.Values(samples, window.begin, kWindow, 1);
     const std::int64_t usable = std::clamp<std::int64_t>(usableEnd - window.begin, 0, kWindow);
-    std::fill(window.values.begin() + usable, window.values.end(), 0.0);
+    std::fill(window.values.begin() + static_cast<std::ptrdiff_t>(usable), window.values.end(), 0.0);
     if (FindRoughOnset(window, shape, found.noisePower)) {
       windows.push_back(std::move(window));
     }

@@ -71,11 +71,12 @@ public:
   std::vector<Candidate> Candidates() const {
     std::vector<Candidate> found;
     const std::vector<double>& scores = m_Scores.front();
-    const auto count = static_cast<std::int64_t>(scores.size());
-    for (std::int64_t place = 0; place < count; ++place) {
+    const auto count = static_cast<std::ptrdiff_t>(scores.size());
+    const auto length = static_cast<std::ptrdiff_t>(m_Length);
+    for (std::ptrdiff_t place = 0; place < count; ++place) {
       const double score = scores[static_cast<std::size_t>(place)];
-      const auto begin = scores.begin() + std::max<std::int64_t>(0, place - m_Length);
-      const auto end = scores.begin() + std::min(count, place + m_Length + 1);
+      const auto begin = scores.begin() + std::max<std::ptrdiff_t>(0, place - length);
+      const auto end = scores.begin() + std::min(count, place + length + 1);
       if (score > 0.0 && std::max_element(begin, end) == scores.begin() + place) {
         found.push_back({place, score});
       }
