@@ -39,8 +39,10 @@ constexpr double kNearTheMiddleS = 5e-4;
 constexpr int kLargestMoves = 4;
 
 // The interval against the distribution of the onsets, and the least deviation of it. In most rooms that distribution
-// is wider than the error: it allows for a reflection within a millisecond, which few rooms have.
-constexpr double kIntervalWidth = 0.9;
+// is wider than the error: it allows for a reflection within a millisecond, which few rooms have. Where there is one,
+// that distribution is too narrow, because the reflection lies between those that are tried.
+constexpr double kIntervalWidth = 0.75;
+constexpr double kReflectedWidth = 1.25;
 constexpr double kFloorS = 1e-5;
 constexpr double kDeviationsOf95Percent = 1.96;
 
@@ -253,10 +255,12 @@ private:
     distance = distance / static_cast<double>(pairs.size()) + m_Corrections[1] - m_Corrections[0];
     const double difference = distance / (kVoiceRateHz * (1.0 + m_RateError)) - m_Sound.skewMs * 1e-3;
     const double rate = isRateOfMany ? 0.0 : difference * kRateDeviationOfOne;
-    const double deviation = std::sqrt(
-        kIntervalWidth * kIntervalWidth *
-            (m_Onsets[0].deviationS * m_Onsets[0].deviationS + m_Onsets[1].deviationS * m_Onsets[1].deviationS) +
-        rate * rate + kFloorS * kFloorS);
+    double variance = rate * rate + kFloorS * kFloorS;
+    for (const Onset& onset : m_Onsets) {
+      const double width = kIntervalWidth + onset.reflection * (kReflectedWidth - kIntervalWidth);
+      variance += width * width * onset.deviationS * onset.deviationS;
+    }
+    const double deviation = std::sqrt(variance);
     m_Reading.differenceS = difference;
     m_Reading.intervalS = {difference - kDeviationsOf95Percent * deviation,
                            difference + kDeviationsOf95Percent * deviation};
