@@ -14,7 +14,7 @@
 #include <fstream>
 #include <system_error>
 
-#include "tv/exec_arguments.h"
+#include "run/exec_arguments.h"
 
 namespace orvex::integration {
 namespace {

@@ -4,10 +4,10 @@
 #include <cstdio>
 #include <exception>
 
+#include "options/errors.h"
 #include "options/usage_message.h"
 #include "orvex/sim/room_config.h"
 #include "tv/commands.h"
-#include "tv/errors.h"
 #include "virtual/television.h"
 
 namespace orvex::tools {

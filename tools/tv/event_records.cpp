@@ -15,8 +15,8 @@
 #include <json/reader.h>
 
 #include "linux/printable_text.h"
-#include "tv/errors.h"
-#include "tv/file_descriptor.h"
+#include "options/errors.h"
+#include "run/file_descriptor.h"
 
 namespace orvex::tools {
 namespace {

@@ -1,7 +1,7 @@
 // orvex-tv: the virtual television's command.
+#include "options/errors.h"
 #include "output/standard_output.h"
 #include "tv/command_line.h"
-#include "tv/errors.h"
 
 int main(int argc, char** argv) {
   using namespace orvex::tools;

@@ -10,8 +10,8 @@
 #include <cerrno>
 #include <cstring>
 
-#include "tv/errors.h"
-#include "tv/file_descriptor.h"
+#include "options/errors.h"
+#include "run/file_descriptor.h"
 
 namespace orvex::tools {
 namespace {

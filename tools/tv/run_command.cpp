@@ -14,12 +14,12 @@
 
 #include <fmt/core.h>
 
+#include "options/errors.h"
 #include "options/whole_number.h"
 #include "output/standard_output.h"
+#include "run/run_signals.h"
 #include "tv/commands.h"
-#include "tv/errors.h"
 #include "tv/event_records.h"
-#include "tv/run_signals.h"
 #include "tv/run_summary.h"
 #include "tv/run_television.h"
 #include "tv/verdict.h"
@@ -95,8 +95,9 @@ RunSummary Calibrate(const RunArguments& arguments, RunSignals& signals, Standar
   RunSummary summary;
   summary.misalignmentBeforeMs = television.MisalignmentMs(television.DelayMs());
   Watcher watcher(arguments, television, out);
-  summary.ending = RunService({FindService(arguments.service), television.Get().GetDirectory()}, signals,
-                              [&](const std::string& line) { return watcher.OnLine(line); });
+  summary.ending =
+      RunService({FindService(arguments.service), {"ORVEX_TV=" + television.Get().GetDirectory().string()}}, signals,
+                 [&](const std::string& line) { return watcher.OnLine(line); });
   summary.report = watcher.Report();
   summary.delayAfterMs = television.DelayMs();
   summary.misalignmentAfterMs = television.MisalignmentMs(summary.delayAfterMs);

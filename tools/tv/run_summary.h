@@ -7,8 +7,8 @@
 
 #include <json/value.h>
 
-#include "tv/log_follower.h"
-#include "tv/service_process.h"
+#include "run/log_follower.h"
+#include "run/service_process.h"
 
 namespace orvex::tools {
 

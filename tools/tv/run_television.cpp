@@ -10,9 +10,9 @@
 #include <system_error>
 
 #include "linux/small_files.h"
+#include "options/errors.h"
 #include "orvex/sim/room_json.h"
 #include "orvex/sim/truth.h"
-#include "tv/errors.h"
 #include "tv/text_files.h"
 #include "virtual/fault_table.h"
 

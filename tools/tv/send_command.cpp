@@ -4,8 +4,8 @@
 #include <stdexcept>
 
 #include "linux/json_text.h"
+#include "options/errors.h"
 #include "tv/commands.h"
-#include "tv/errors.h"
 #include "tv/message_client.h"
 #include "tv/television_option.h"
 

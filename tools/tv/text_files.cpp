@@ -4,7 +4,7 @@
 #include <system_error>
 
 #include "linux/small_files.h"
-#include "tv/errors.h"
+#include "options/errors.h"
 
 namespace orvex::tools {
 

@@ -2,8 +2,8 @@
 #include <cstdio>
 #include <memory>
 
+#include "options/errors.h"
 #include "tv/commands.h"
-#include "tv/errors.h"
 #include "tv/television_option.h"
 #include "tv/value_names.h"
 

@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <vector>
 
-#include "tv/errors.h"
+#include "options/errors.h"
 #include "virtual/television_values.h"
 
 namespace orvex::tools {

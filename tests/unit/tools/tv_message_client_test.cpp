@@ -12,9 +12,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "options/errors.h"
+#include "run/file_descriptor.h"
 #include "tv/command_line.h"
-#include "tv/errors.h"
-#include "tv/file_descriptor.h"
 #include "tv/message_client.h"
 #include "unit/tools/temporary_folder.h"
 

@@ -6,7 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tv/errors.h"
+#include "options/errors.h"
 #include "tv/event_records.h"
 #include "tv/value_names.h"
 #include "unit/tools/temporary_folder.h"

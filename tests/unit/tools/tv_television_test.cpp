@@ -5,8 +5,8 @@
 #include <gtest/gtest.h>
 #include <CLI/CLI.hpp>
 
+#include "options/errors.h"
 #include "orvex/sim/room_json.h"
-#include "tv/errors.h"
 #include "tv/run_television.h"
 #include "unit/tools/temporary_folder.h"
 

@@ -1,5 +1,5 @@
 // Strips colours and the prefix of a line; what is left is compared with the texts that the service logs.
-#include "tv/log_follower.h"
+#include "run/log_follower.h"
 
 #include <cmath>
 #include <cstdio>

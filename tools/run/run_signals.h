@@ -3,7 +3,7 @@
 
 #include <signal.h>
 
-#include "tv/file_descriptor.h"
+#include "run/file_descriptor.h"
 
 namespace orvex::tools {
 
@@ -11,7 +11,7 @@ namespace orvex::tools {
 // runs something asks for them here. SIGHUP stays ignored if it is, as nohup wants it. A write to a closed pipe fails
 // instead of ending the process; SIGCHLD is held back for whoever waits for a child.
 //
-// For a process of one thread, and one object at a time.
+// Made before the process starts other threads, which then leave these signals alone, too; one object at a time.
 class RunSignals {
 public:
   RunSignals();

@@ -6,14 +6,15 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
-#include "tv/run_signals.h"
+#include "run/run_signals.h"
 
 namespace orvex::tools {
 
 struct ServiceCommand {
   std::filesystem::path program;
-  std::filesystem::path television;  // the directory, for the service's ORVEX_TV
+  std::vector<std::string> variables = {};  // "NAME=value" each: its environment is this process's own but for them
   std::chrono::milliseconds limit{30000};
 };
 

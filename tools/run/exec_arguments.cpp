@@ -1,5 +1,5 @@
 // Copies the environment; hands texts over as C does.
-#include "tv/exec_arguments.h"
+#include "run/exec_arguments.h"
 
 #include <unistd.h>
 

@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "orvex/platform/remote_voice.h"
-#include "tv/log_follower.h"
+#include "run/log_follower.h"
 
 namespace orvex::tools {
 namespace {
@@ -112,14 +112,14 @@ TEST(LogFollower, TakesTheBaseFromTheFirstReadAfterTheStartOnly) {
   EXPECT_THAT(Follow({"ORVEX_START_SYNC", "avoc delay = 50", "avoc delay = 60"}).report.baseMs, Optional(50u));
 }
 
-struct Ending {
+struct LoggedEnd {
   std::vector<std::string> messages;
   const char* terminate;
   const char* result;
 };
 
 TEST(LogFollower, TellsHowARunEnded) {
-  const Ending endings[] = {
+  const LoggedEnd endings[] = {
       {{"no_diff_detected!!\n"}, "diff_fail", "fail"},
       {{"after delay = 5"}, "done", "pass"},
       {{"fail to play wave"}, "play_fail", "fail"},
@@ -134,7 +134,7 @@ TEST(LogFollower, TellsHowARunEnded) {
       {{"text = {device=none|-1;source=0;videoinfo=none|0|0;codec=0}"}, "etc", "fail"},
       {{"unrelated after delay = 5"}, "etc", "fail"},
   };
-  for (const Ending& ending : endings) {
+  for (const LoggedEnd& ending : endings) {
     const RunReport report = Follow(ending.messages).report;
     EXPECT_EQ(ending.terminate, report.terminate) << ending.messages.back();
     EXPECT_EQ(ending.result, report.result) << ending.messages.back();

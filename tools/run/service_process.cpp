@@ -1,5 +1,5 @@
 // Waits for output, signals and the time limit in one poll(); longer lines than 1 MiB are cut in two.
-#include "tv/service_process.h"
+#include "run/service_process.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -15,9 +15,9 @@
 #include <system_error>
 #include <vector>
 
-#include "tv/errors.h"
-#include "tv/exec_arguments.h"
-#include "tv/file_descriptor.h"
+#include "options/errors.h"
+#include "run/exec_arguments.h"
+#include "run/file_descriptor.h"
 
 namespace orvex::tools {
 namespace {
@@ -94,8 +94,12 @@ public:
 private:
   bool Start() {
     std::vector<std::string> arguments{m_Command.program.string()};
-    std::vector<std::string> environment = EnvironmentWithout({"ORVEX_TV="});
-    environment.push_back("ORVEX_TV=" + m_Command.television.string());
+    std::vector<std::string> names;
+    for (const std::string& variable : m_Command.variables) {
+      names.push_back(variable.substr(0, variable.find('=') + 1));
+    }
+    std::vector<std::string> environment = EnvironmentWithout(names);
+    environment.insert(environment.end(), m_Command.variables.begin(), m_Command.variables.end());
     const std::vector<char*> argumentPointers = NullTerminated(arguments);
     const std::vector<char*> environmentPointers = NullTerminated(environment);
     Pipe failure;  // closed by a successful exec, else it carries errno

@@ -1,5 +1,5 @@
 // A signalfd takes the signals; the mask of before is put back when the run is over.
-#include "tv/run_signals.h"
+#include "run/run_signals.h"
 
 #include <sys/signalfd.h>
 #include <unistd.h>

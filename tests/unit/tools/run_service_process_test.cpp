@@ -15,7 +15,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tv/service_process.h"
+#include "run/service_process.h"
 #include "unit/tools/temporary_folder.h"
 
 namespace orvex::tools {
@@ -36,7 +36,9 @@ public:
   explicit Script(const std::string& text) : m_Path(m_Folder.Write("service", "#!/bin/sh\n" + text)) {
     std::filesystem::permissions(m_Path, std::filesystem::perms::owner_all);
   }
-  ServiceCommand Command(std::chrono::milliseconds limit = kPatience) const { return {m_Path, "/a/television", limit}; }
+  ServiceCommand Command(std::chrono::milliseconds limit = kPatience) const {
+    return {m_Path, {"ORVEX_TV=/a/television"}, limit};
+  }
   ServiceEnding Run(std::vector<std::string>& lines) const {
     RunSignals signals;
     return RunService(Command(), signals, [&](const std::string& line) {
@@ -58,7 +60,7 @@ TEST(RunService, HandsOverEveryLineOfBothOutputsAndTheExitCode) {
   EXPECT_FALSE(ending.limitReached);
 }
 
-TEST(RunService, NamesTheTelevisionAndKeepsTheRestOfTheEnvironment) {
+TEST(RunService, SetsItsVariablesAndKeepsTheRestOfTheEnvironment) {
   ::setenv("ORVEX_TV", "/another/television", 1);
   ::setenv("ORVEX_TOOLS_TEST", "kept", 1);
   std::vector<std::string> lines;
@@ -69,7 +71,7 @@ TEST(RunService, NamesTheTelevisionAndKeepsTheRestOfTheEnvironment) {
 
 TEST(RunService, SaysWhyAServiceCannotBeStarted) {
   RunSignals signals;
-  const ServiceEnding ending = RunService({"/nonexistent/service", "/tmp"}, signals, kGoOn);
+  const ServiceEnding ending = RunService({"/nonexistent/service"}, signals, kGoOn);
   EXPECT_EQ("/nonexistent/service cannot be started: No such file or directory", ending.startError);
   EXPECT_EQ(std::nullopt, ending.exitCode);
 }
