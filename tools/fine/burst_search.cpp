@@ -22,6 +22,10 @@ constexpr std::int64_t kTolerance = 4;
 constexpr double kHeard = 4.0;
 // A place within the recording at which no burst is heard counts against the sound.
 constexpr double kMissing = -2.0;
+// Tones that are further apart than a run can measure are paired when more than so much more is heard of them then:
+// that is one burst, which would lack otherwise, while one that is not heard costs less.
+constexpr double kFurther = 3.0;
+constexpr double kFurthestMs = 900.0;
 // Places for the beginning that are looked at with each of the other tone.
 constexpr std::size_t kCandidates = 64;
 constexpr double kRoundingPower = 1.0 / 12.0;
@@ -207,7 +211,8 @@ std::array<ToneBursts, 2> FindBursts(const Samples& samples, const tools::SoundD
                                      const std::function<void()>& onStep) {
   const std::array<HeardTone, 2> tones = {HeardTone(samples, kTones[0], sound, onStep),
                                           HeardTone(samples, kTones[1], sound, onStep)};
-  const std::int64_t furthest = StepsOf(tools::kPairingSpanMs);
+  const std::int64_t near = StepsOf(tools::kPairingSpanMs);
+  const std::int64_t furthest = StepsOf(kFurthestMs);
   const auto first = tones[0].Candidates();
   const auto second = tones[1].Candidates();
   std::array<ToneBursts, 2> bursts;
@@ -222,8 +227,10 @@ std::array<ToneBursts, 2> FindBursts(const Samples& samples, const tools::SoundD
   };
   for (const auto& one : first) {
     for (const auto& other : second) {
-      if (std::abs(one.place - other.place) <= furthest && one.score + other.score > best) {
-        best = one.score + other.score;
+      const std::int64_t distance = std::abs(one.place - other.place);
+      const double score = one.score + other.score - (distance > near ? kFurther : 0.0);
+      if (distance <= furthest && score > best) {
+        best = score;
         bursts = {tones[0].Follow(one.place), tones[1].Follow(other.place)};
       }
     }

@@ -26,9 +26,10 @@ struct ToneBursts {
 // How many steps a search has. They take about equally long.
 std::size_t SearchSteps(const tools::SoundDesign& sound);
 
-// The two tones as far apart as a run can measure, at the place in the recording where most is heard of all their
-// bursts. Bursts are as far apart as in the sound, less whole blocks that the remote has lost. A tone of which nothing
-// is heard has no positions. Calls `onStep` after each step, and is pure otherwise.
+// The two tones, up to 900 ms apart, at the place in the recording where most is heard of all their bursts; a distance
+// that a run cannot measure takes a recording in which all of them are heard. Bursts are as far apart as in the sound,
+// less whole blocks that the remote has lost. A tone of which nothing is heard has no positions. Calls `onStep` after
+// each step, and is pure otherwise.
 std::array<ToneBursts, 2> FindBursts(const Samples& samples, const tools::SoundDesign& sound,
                                      const std::function<void()>& onStep);
 
