@@ -14,3 +14,9 @@ foreach(pair ecore:ecore ecore_file:ecore-file alsa:alsa jsoncpp:jsoncpp sampler
   list(GET pair 1 module)
   pkg_check_modules(${name} REQUIRED IMPORTED_TARGET ${module})
 endforeach()
+
+# For the port to PipeWire, which is left out where there is none: on a television, for one.
+pkg_check_modules(pipewire IMPORTED_TARGET libpipewire-0.3>=0.3.65)
+if(NOT pipewire_FOUND)
+  message(STATUS "libpipewire-0.3 is not there: without the port to PipeWire and orvex-delay")
+endif()
