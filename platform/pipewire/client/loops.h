@@ -72,8 +72,8 @@ public:
     pw_thread_loop* m_Loop;
   };
 
-  // With the lock held: lets the thread work until `isReached`, which is asked after each Notify(). False: not within
-  // `patience`.
+  // With the lock held, once and no more: lets the thread work until `isReached`, which is asked after each Notify().
+  // False: not within `patience`.
   bool WaitUntil(const std::function<bool()>& isReached, std::chrono::milliseconds patience);
   // From a callback: something may have been reached.
   void Notify();

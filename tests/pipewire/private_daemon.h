@@ -1,0 +1,44 @@
+// A PipeWire daemon and a session manager of a test's own, in a folder that is gone with them. What the person who runs
+// the test hears is not touched.
+#pragma once
+
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "integration/process.h"
+
+namespace orvex::integration {
+
+class PrivateDaemon {
+public:
+  // Starts the daemon; returns when it takes connections. Connections of this process lead to it as well.
+  PrivateDaemon();
+  ~PrivateDaemon();
+  PrivateDaemon(const PrivateDaemon&) = delete;
+  PrivateDaemon& operator=(const PrivateDaemon&) = delete;
+
+  void Stop();
+  void Start();
+  // WirePlumber with its policy: links the streams of programs, as in a person's session.
+  void StartSessionManager();
+
+  // The folder "orvex" of the person whom the daemon serves, with his choices, and that with the state.
+  std::filesystem::path GetConfigFolder() const { return m_Folder / "config" / "orvex"; }
+  std::filesystem::path GetStateFolder() const { return m_Folder / "state" / "orvex"; }
+
+  // Starts a program that uses this daemon. Its output is in LogOf(name).
+  std::unique_ptr<Process> Run(const std::string& name, const std::filesystem::path& program,
+                               const std::vector<std::string>& arguments = {}) const;
+  std::string LogOf(const std::string& name) const;
+
+private:
+  std::filesystem::path m_Folder;
+  std::map<std::string, std::string> m_Environment;
+  std::unique_ptr<Process> m_Daemon;
+  std::unique_ptr<Process> m_SessionManager;
+};
+
+}  // namespace orvex::integration

@@ -1,0 +1,36 @@
+// What goes to the two outputs: the programme, the test sound, and the delay in front of one of them.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+
+#include "delay/delay_line.h"
+#include "pipewire/client/filter_node.h"
+
+namespace orvex::tools {
+
+class OutputMix : public pipewire::SoundProcessor {
+public:
+  // Ports in the order of a cycle's.
+  enum Input { kProgrammeLeft, kProgrammeRight, kTestLeft, kTestRight };
+  enum Output { kReferenceLeft, kReferenceRight, kDelayedLeft, kDelayedRight };
+
+  explicit OutputMix(double delayMs);
+
+  // From any thread; lies in the allowed range.
+  void SetDelayMs(double delayMs);
+
+  // Reference output = programme + left test channel. Delayed output = programme + right test channel, later.
+  void OnCycle(const pipewire::Cycle& cycle) override;
+
+private:
+  void FollowClock(const pipewire::Cycle& cycle);
+
+  std::atomic<double> m_DelayMs;
+  static_assert(std::atomic<double>::is_always_lock_free);
+  DelayLine m_Line;
+  std::uint32_t m_RateHz = 0;
+  std::uint64_t m_NextCycleNs = 0;
+};
+
+}  // namespace orvex::tools
