@@ -24,6 +24,9 @@ constexpr std::int64_t kLargestLag = 93;  // 2 ms
 constexpr double kShare = 0.1;
 constexpr double kDeviations = 5.0;
 constexpr double kLargestShare = 0.6;
+// So long a recording must have been going on by then: what sounds sooner may be the rest of a burst that began before
+// it, whose reverberation swells and fades in about a burst's length.
+constexpr auto kHeardBefore = static_cast<std::int64_t>(SamplesOf(20e-3));
 // A burst is like the others when it correlates at least this share as well as they do, and lacks at most so many times
 // what they lack of 1, or so much.
 constexpr double kLikeness = 0.93;
@@ -55,7 +58,8 @@ bool FindRoughOnset(Window& window, const FilteredBurst& shape, double noisePowe
   const double level = std::min(std::max(kShare * window.peak, noise), kLargestShare * window.peak);
   const auto over = std::find_if(window.values.begin(), window.values.end(),
                                  [&](const std::complex<double>& value) { return std::abs(value) > level; });
-  if (over == window.values.begin() || over == window.values.end()) {
+  if (over == window.values.begin() || over == window.values.end() ||
+      window.begin + (over - window.values.begin()) < kHeardBefore) {
     return false;
   }
   const double above = std::abs(*over);

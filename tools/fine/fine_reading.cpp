@@ -31,6 +31,9 @@ constexpr double kLargestDeviationS = 5e-4;
 // much closer, and reverberation moves it less. Two values so many samples apart tell frequencies up to 1.9 kHz off.
 constexpr double kLargestTurn = 0.015;
 constexpr std::size_t kTurnSamples = 12;
+// The product of the tones' steadinesses. Where reverberation is 10 dB above the direct sound that of one tone can be
+// small; clicks and noise have little in both bands, the ramps of one tone alone nearly none in the other's.
+constexpr double kLeastSteadiness = 0.12;
 // A burst of which a larger share of the samples is at full scale has lost its shape.
 constexpr double kLargestClipped = 0.65;
 // Onsets further from the middle of what the model searches are searched again around the place found, but not more
@@ -94,7 +97,15 @@ private:
       return "no burst of " + m_Tones[first ? 0 : 1].Name() + " is heard";
     }
     for (const Tone& tone : m_Tones) {
-      if (std::string reason = WhyUnfit(tone); !reason.empty()) {
+      if (std::string reason = WhyNotAlike(tone); !reason.empty()) {
+        return reason;
+      }
+    }
+    if (std::string reason = WhyNotSteady(); !reason.empty()) {
+      return reason;
+    }
+    for (const Tone& tone : m_Tones) {
+      if (std::string reason = WhyNoTone(tone); !reason.empty()) {
         return reason;
       }
     }
@@ -107,18 +118,30 @@ private:
       return "only one pair of bursts, or none that agrees with it";
     }
     const std::optional<double> rateError = RateError(m_Tones, m_Sound);
+    if (rateError && std::abs(*rateError) > kLargestRateError) {
+      return fmt::format("the bursts are not as far apart as in the sound, {:+.0f} ppm", *rateError * 1e6);
+    }
     FitOnsets(rateError);
     return Conclude(pairs, rateError.has_value());
   }
 
-  std::string WhyUnfit(const Tone& tone) const {
+  std::string WhyNotAlike(const Tone& tone) const {
     if (tone.aligned.peakToNoise < kLeastPeakToNoise) {
       return fmt::format("the bursts of {} are too weak, {:.1f} times the noise, expected {:.0f}", tone.Name(),
                          tone.aligned.peakToNoise, kLeastPeakToNoise);
     }
-    if (tone.aligned.likeness < kLeastLikeness) {
-      return "the bursts of " + tone.Name() + " are not alike";
-    }
+    return tone.aligned.likeness < kLeastLikeness ? "the bursts of " + tone.Name() + " are not alike" : "";
+  }
+
+  std::string WhyNotSteady() const {
+    const double first = Steadiness(m_Samples, m_Tones[0], m_Sound).value_or(1.0);
+    const double second = Steadiness(m_Samples, m_Tones[1], m_Sound).value_or(1.0);
+    return first * second < kLeastSteadiness
+               ? "what is heard near " + m_Tones[first < second ? 0 : 1].Name() + " is no steady tone"
+               : "";
+  }
+
+  std::string WhyNoTone(const Tone& tone) const {
     const Span plateau = PlateauOf(m_Samples, tone, m_Sound);
     if (plateau.begin < plateau.end) {
       const double hz = tone.hz * FrequencyError(m_Samples, tone, plateau, kTurnSamples);

@@ -11,9 +11,28 @@ namespace orvex::fine {
 namespace {
 
 // Pairs agree when they are this close to one another, in samples; a lost block is 768.
-constexpr double kAgreement = 100.0;
-// Of a burst's frequency, as a share of it; what is more is reverberation.
-constexpr double kLargestRateError = 2.5e-3;
+constexpr double kAgreement = 40.0;
+// Tones further apart, in samples, may be of different pairs when one of the bursts is missing.
+constexpr double kFurthest = tools::kPairingSpanMs * 1e-3 * kVoiceRateHz + 100.0;
+
+// Whether it is smaller than one of the distances by whole blocks.
+bool HasLostBlocks(double distance, const std::vector<double>& distances) {
+  return std::any_of(distances.begin(), distances.end(), [&](double other) {
+    const double missing = std::abs(other) - std::abs(distance);
+    const double blocks = std::round(missing / static_cast<double>(kVoiceBlockSamples));
+    return other * distance > 0.0 && blocks > 0.0 &&
+           std::abs(missing - blocks * static_cast<double>(kVoiceBlockSamples)) < kAgreement;
+  });
+}
+
+// Where a burst that begins at `onset` neither rises nor falls, as far as the recording goes.
+Span PlateauFrom(const Samples& samples, double onset, const tools::SoundDesign& sound) {
+  constexpr double kMarginMs = 0.5;
+  const auto at = [&](double ms) { return static_cast<std::int64_t>(onset + ms * 1e-3 * kVoiceRateHz); };
+  const auto end = static_cast<std::int64_t>(samples.count) - kFilterHalf;
+  return {std::max<std::int64_t>(0, at(sound.rampMs + kMarginMs)),
+          std::min(end, at(sound.burstMs - sound.rampMs - kMarginMs))};
+}
 
 }  // namespace
 
@@ -38,8 +57,12 @@ std::vector<std::size_t> AgreeingPairs(const std::array<Tone, 2>& tones, int pai
       distances.push_back(second->position - first->position);
     }
   }
+  const bool isComplete = both.size() == static_cast<std::size_t>(pairs);
   std::vector<std::size_t> largest;
   for (const double distance : distances) {
+    if (HasLostBlocks(distance, distances) || (!isComplete && std::abs(distance) > kFurthest)) {
+      continue;
+    }
     std::vector<std::size_t> group;
     for (std::size_t n = 0; n < both.size(); ++n) {
       if (std::abs(distances[n] - distance) < kAgreement) {
@@ -82,11 +105,29 @@ std::optional<double> RateError(const std::array<Tone, 2>& tones, const tools::S
 }
 
 Span PlateauOf(const Samples& samples, const Tone& tone, const tools::SoundDesign& sound) {
-  constexpr double kMarginMs = 0.5;
-  const auto at = [&](double ms) { return static_cast<std::int64_t>(tone.aligned.onset + ms * 1e-3 * kVoiceRateHz); };
-  const auto end = static_cast<std::int64_t>(samples.count) - kFilterHalf;
-  return {std::max<std::int64_t>(0, at(sound.rampMs + kMarginMs)),
-          std::min(end, at(sound.burstMs - sound.rampMs - kMarginMs))};
+  return PlateauFrom(samples, tone.aligned.onset, sound);
+}
+
+std::optional<double> Steadiness(const Samples& samples, const Tone& tone, const tools::SoundDesign& sound) {
+  constexpr std::size_t kDistance = kFilterTaps;
+  std::complex<double> product = 0.0;
+  double earlier = 0.0;
+  double later = 0.0;
+  for (const AlignedBurst& burst : tone.aligned.bursts) {
+    const Span plateau = PlateauFrom(samples, burst.position, sound);
+    const auto count = static_cast<std::size_t>(std::max<std::int64_t>(0, plateau.end - plateau.begin));
+    if (count < 2 * kDistance) {
+      continue;
+    }
+    const auto values = tone.band->Values(samples, plateau.begin, count, 1);
+    for (std::size_t n = kDistance; n < count; ++n) {
+      product += std::conj(values[n - kDistance]) * values[n];
+      earlier += std::norm(values[n - kDistance]);
+      later += std::norm(values[n]);
+    }
+  }
+  const double energy = std::max(earlier, later);
+  return energy > 0.0 ? std::optional<double>(std::abs(product) / energy) : std::nullopt;
 }
 
 double FrequencyError(const Samples& samples, const Tone& tone, const Span& span, std::size_t distance) {

@@ -2,7 +2,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <random>
 
 #include "unit/tools/fine_recordings.h"
 
@@ -44,9 +46,67 @@ TEST(FineRefusals, NothingIsHeardWhereNothingIs) {
   }
 }
 
-// It begins and ends with a click, in which all frequencies are.
+// It begins and ends with a click, in which all frequencies are; there is nothing before the first of them.
 TEST(FineRefusals, AConstantIsNoSound) {
-  EXPECT_THAT(ReadingOf(Recording(46545, 32767)).reason, testing::HasSubstr("have another frequency"));
+  ExpectRefused(Recording(46545, 32767), kNothing);
+}
+
+// A recording of noise in which something sounds where the bursts of a sound with that difference would begin.
+template <typename Sounding>
+Recording SoundingAt(const HeardSound& sound, const Sounding& sounding) {
+  Recording recording = MakeNoise(sound.lengthMs, sound.noise);
+  for (std::size_t pair = 0; pair < 4; ++pair) {
+    sounding(recording, static_cast<std::size_t>(std::lround(OnsetOf(sound, 0, pair))), pair);
+  }
+  return recording;
+}
+
+TEST(FineRefusals, ClicksInTheRhythmOfTheSoundAreNoTones) {
+  for (const std::size_t length : {1U, 40U}) {
+    std::mt19937 random(length);
+    std::uniform_int_distribution<int> loud(-20000, 20000);
+    const Recording clicks = SoundingAt({}, [&](Recording& recording, std::size_t begin, std::size_t) {
+      for (std::size_t n = begin; n < begin + length; ++n) {
+        recording[n] = static_cast<std::int16_t>(loud(random));
+      }
+    });
+    EXPECT_THAT(ReadingOf(clicks).reason, MatchesRegex("what is heard near 1[79] kHz is no steady tone"));
+  }
+}
+
+TEST(FineRefusals, NoiseInTheRhythmOfTheSoundIsNotAlike) {
+  const Recording rattle = SoundingAt({}, [](Recording& recording, std::size_t begin, std::size_t pair) {
+    const Recording noise = MakeNoise(18.0, 3000.0, static_cast<unsigned>(pair + 1));
+    std::copy(noise.begin(), noise.end(), recording.begin() + static_cast<std::ptrdiff_t>(begin));
+  });
+  ExpectRefused(rattle, "the bursts of 17 kHz are not alike");
+}
+
+// Each burst is a steady tone, and within 1 % of the right one.
+TEST(FineRefusals, AMelodyIsNotAlike) {
+  constexpr std::array<double, 4> kOffHz = {-160.0, 60.0, 160.0, -60.0};
+  const Recording melody = SoundingAt({}, [&](Recording& recording, std::size_t begin, std::size_t pair) {
+    HeardSound note;
+    note.design.pairs = 1;
+    note.noise = 0.0;
+    note.lengthMs = 20.0;
+    note.beginMs = 0.0;
+    for (double& hz : note.tonesHz) {
+      hz += kOffHz[pair];
+    }
+    const Recording heard = MakeRecording(note);
+    std::transform(heard.begin(), heard.end(), recording.begin() + static_cast<std::ptrdiff_t>(begin),
+                   recording.begin() + static_cast<std::ptrdiff_t>(begin),
+                   [](std::int16_t a, std::int16_t b) { return static_cast<std::int16_t>(a + b); });
+  });
+  ExpectRefused(melody, "the bursts of 17 kHz are not alike");
+}
+
+TEST(FineRefusals, BurstsOfAnotherSpacingAreNotThoseOfTheSound) {
+  HeardSound sound = SoundAt(-30.0);
+  sound.design.spacingMs = 642.0;
+  EXPECT_THAT(ReadingOf(MakeRecording(sound)).reason,
+              MatchesRegex("the bursts are not as far apart as in the sound, \\+31[0-9][0-9] ppm"));
 }
 
 TEST(FineRefusals, ASinglePairThatOthersShouldFollowIsNotTheSound) {
@@ -104,10 +164,12 @@ TEST(FineRefusals, BurstsThatAreMostlyClippedHaveLostTheirShape) {
 }
 
 TEST(FineRefusals, TonesBesideItsOwnAreNoSound) {
-  HeardSound sound = SoundAt(-30.0);
-  sound.tonesHz = {16000.0, 18000.0};
-  EXPECT_THAT(ReadingOf(MakeRecording(sound)).reason,
-              testing::StartsWith("the bursts near 17 kHz have another frequency, "));
+  for (const double differenceMs : {-30.0, 0.0, 1.0}) {
+    HeardSound sound = SoundAt(differenceMs);
+    sound.tonesHz = {16000.0, 18000.0};
+    EXPECT_THAT(ReadingOf(MakeRecording(sound)).reason,
+                testing::StartsWith("the bursts near 17 kHz have another frequency, "));
+  }
 }
 
 TEST(FineRefusals, AnotherSoundGivesNoWrongReading) {
@@ -119,6 +181,25 @@ TEST(FineRefusals, AnotherSoundGivesNoWrongReading) {
     HeardSound otherLength = SoundAt(differenceMs);
     otherLength.design.burstMs = 10.0;
     ExpectNotWrong(otherLength, 1.0);
+  }
+}
+
+// What sounds at the first sample has begun before: neither the rest of a burst nor its reverberation is an onset.
+TEST(FineRefusals, WhatTheRecordingBeginsInIsNoBurst) {
+  HeardSound sound = SoundAt(4.0);
+  sound.amplitudes = {3000.0, 3000.0};
+  const Recording whole = MakeRecording(sound);
+  for (const double intoMs : {1.0, 5.0, 9.0, 16.0}) {
+    SCOPED_TRACE(intoMs);
+    const auto cut = [&](std::size_t pair) {
+      return Recording(whole.begin() + std::lround(OnsetOf(sound, 0, pair) + intoMs * 1e-3 * kVoiceRateHz),
+                       whole.end());
+    };
+    const Reading reading = ReadingOf(cut(0));
+    ASSERT_TRUE(reading.differenceS) << reading.reason;
+    EXPECT_EQ(3, reading.pairs);
+    EXPECT_NEAR(4.0, *reading.differenceS * 1e3, 0.1);
+    ExpectRefused(cut(3), kNothing);
   }
 }
 
