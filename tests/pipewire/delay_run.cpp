@@ -28,6 +28,7 @@ void DelayTest::Connect() {
 }
 
 void DelayTest::Disconnect() {
+  m_Probe.reset();
   if (m_Client) {
     const pipewire::ThreadLoop::Lock lock(m_Client->GetLoop());
     m_Control.reset();
@@ -73,8 +74,10 @@ std::string DelayTest::ReadState() const {
 }
 
 Offsets DelayTest::Measure() {
-  SoundProbe probe(*m_Client, kReference, kDelayed);
-  return probe.WaitForSound() ? probe.Measure() : Offsets{};
+  if (!m_Probe) {
+    m_Probe = std::make_unique<SoundProbe>(*m_Client, kReference, kDelayed);
+  }
+  return m_Probe->Measure();
 }
 
 void DelayTest::RestartDaemon() {

@@ -47,6 +47,7 @@ protected:
   std::unique_ptr<TestClient> m_Client;
   std::unique_ptr<pipewire::DelayControl> m_Control;
   std::unique_ptr<Process> m_Delay;
+  std::unique_ptr<SoundProbe> m_Probe;
 };
 
 inline Offsets AllOf(std::int64_t frames) {

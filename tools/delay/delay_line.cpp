@@ -35,10 +35,19 @@ void DelayLine::SetDelay(std::uint32_t delayFrames) {
   m_Wanted = std::min(delayFrames, m_MaximumFrames);
 }
 
+void DelayLine::Move(std::int64_t frames) {
+  for (std::int64_t i = 0; i < std::min<std::int64_t>(frames, m_MaximumFrames); ++i) {
+    Append(kSilence);
+  }
+  if (frames < 0) {
+    const auto back = static_cast<std::uint32_t>(std::min<std::int64_t>(-frames, m_Held));
+    m_Position = (m_Position - back) & m_Mask;
+    m_Held -= back;
+  }
+}
+
 DelayLine::Frame DelayLine::Next(const Frame& in) {
-  m_Position = (m_Position + 1) & m_Mask;
-  m_Ring[m_Position] = in;
-  m_Held = std::min(m_Held + 1, m_MaximumFrames + 1);
+  Append(in);
   if (m_FadeLeft == 0 && m_Wanted != m_Delay) {
     m_Next = m_Wanted;
     m_FadeLeft = m_FadeFrames;
@@ -50,6 +59,12 @@ DelayLine::Frame DelayLine::Next(const Frame& in) {
   const Frame& next = FrameAt(m_Next);
   const float gain = NextGain();
   return {present[0] + gain * (next[0] - present[0]), present[1] + gain * (next[1] - present[1])};
+}
+
+void DelayLine::Append(const Frame& frame) {
+  m_Position = (m_Position + 1) & m_Mask;
+  m_Ring[m_Position] = frame;
+  m_Held = std::min(m_Held + 1, m_MaximumFrames + 1);
 }
 
 const DelayLine::Frame& DelayLine::FrameAt(std::uint32_t delayFrames) const {

@@ -20,10 +20,15 @@ public:
   // Fades from the present delay to this one, after a fade that is under way. Longer delays than the longest are that.
   void SetDelay(std::uint32_t delayFrames);
 
+  // The next frame comes so much later than it would, and what is in between is silence; or so much earlier, and it
+  // takes the place of one that has been there.
+  void Move(std::int64_t frames);
+
   // The next frame in, and the one that came in `delayFrames` earlier; silence when none did since Begin().
   Frame Next(const Frame& in);
 
 private:
+  void Append(const Frame& frame);
   const Frame& FrameAt(std::uint32_t delayFrames) const;
   float NextGain();
 

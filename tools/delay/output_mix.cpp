@@ -2,6 +2,7 @@
 #include "delay/output_mix.h"
 
 #include <cmath>
+#include <cstdlib>
 
 #include "pipewire/client/delay_node.h"
 
@@ -10,8 +11,7 @@ namespace {
 
 constexpr std::uint32_t kHighestRateHz = 192000;
 constexpr double kFadeMs = 10.0;
-// What the line holds is old when the graph has rested longer than this. A cycle that is lost now and then is no rest:
-// both outputs lose it alike.
+// What the line holds is old when the graph has rested longer than this.
 constexpr std::uint64_t kRestNs = 200'000'000;
 
 std::uint32_t FramesOf(double durationMs, std::uint32_t rateHz) {
@@ -60,8 +60,19 @@ void OutputMix::FollowClock(const pipewire::Cycle& cycle) {
     m_RateHz = cycle.rateHz;
   } else {
     m_Line.SetDelay(delayFrames);
+    m_Line.Move(LostFrames(cycle));
   }
   m_NextCycleNs = cycle.startNs + cycle.frames * kNsPerSecond / cycle.rateHz;
+  m_Clock = cycle.clock;
+  m_NextPosition = cycle.position + cycle.frames;
+}
+
+// A busy machine may lose a cycle of this process, or have it work one off twice. The reference output's sound stands
+// at the clock's position at which it came in, and the delay counts from there: what is in the line would else be heard
+// too late by each lost cycle. Less than a cycle is no lost one, but a clock that is set right.
+std::int64_t OutputMix::LostFrames(const pipewire::Cycle& cycle) const {
+  const auto lost = static_cast<std::int64_t>(cycle.position - m_NextPosition);
+  return cycle.clock == m_Clock && std::abs(lost) >= static_cast<std::int64_t>(cycle.frames) ? lost : 0;
 }
 
 }  // namespace orvex::tools

@@ -25,12 +25,15 @@ public:
 
 private:
   void FollowClock(const pipewire::Cycle& cycle);
+  std::int64_t LostFrames(const pipewire::Cycle& cycle) const;
 
   std::atomic<double> m_DelayMs;
   static_assert(std::atomic<double>::is_always_lock_free);
   DelayLine m_Line;
   std::uint32_t m_RateHz = 0;
   std::uint64_t m_NextCycleNs = 0;
+  std::uint32_t m_Clock = 0;
+  std::uint64_t m_NextPosition = 0;
 };
 
 }  // namespace orvex::tools

@@ -59,6 +59,7 @@ struct FilterNode::State {
     cycle.frames = static_cast<std::uint32_t>(position.clock.duration);
     cycle.rateHz = position.clock.rate.denom;
     cycle.startNs = position.clock.nsec;
+    cycle.clock = position.clock.id;
     cycle.position = position.clock.position;
     for (std::size_t i = 0; i < inputs.size(); ++i) {
       cycle.in[i] = static_cast<const float*>(pw_filter_get_dsp_buffer(inputs[i], cycle.frames));

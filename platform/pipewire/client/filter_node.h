@@ -22,7 +22,8 @@ struct Cycle {
   std::uint32_t frames = 0;
   std::uint32_t rateHz = 0;
   std::uint64_t startNs = 0;   // CLOCK_MONOTONIC
-  std::uint64_t position = 0;  // frames that the graph's clock has counted at the start
+  std::uint32_t clock = 0;     // which one drives the graph
+  std::uint64_t position = 0;  // frames that this clock has counted at the start
   // In the order of the node's description; nullptr: nothing is linked there.
   std::array<const float*, kMaximumPorts> in{};
   std::array<float*, kMaximumPorts> out{};
