@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <string>
 
+#include "linux/folder_lock.h"
 #include "linux/message_answer.h"
 #include "linux/message_socket.h"
 #include "linux/notify_socket.h"
@@ -14,7 +15,6 @@
 #include "virtual/exit_codes.h"
 #include "virtual/late_main_loop.h"
 #include "virtual/television.h"
-#include "virtual/television_lock.h"
 
 namespace {
 
@@ -53,7 +53,7 @@ int AppMain(int /*argc*/, char** /*argv*/, FwEflApplication* application) {
   if (const std::string& problem = virtual_tv::Television::InstanceProblem(); !problem.empty()) {
     return Refuse("there is no television: " + problem, virtual_tv::kExitNoTelevision);
   }
-  const virtual_tv::TelevisionLock lock(television.GetDirectory());
+  const port::FolderLock lock(television.GetDirectory());
   if (!lock.IsHeld()) {
     return Refuse(television.GetDirectory().string() + ": another service runs on this television; wait for its end",
                   virtual_tv::kExitTelevisionInUse);
