@@ -99,9 +99,6 @@ void PrivateDaemon::Stop() {
 void PrivateDaemon::Start() {
   m_Daemon = Run("pipewire", ORVEX_PIPEWIRE_PROGRAM, {"-c", ORVEX_PIPEWIRE_TEST_FILES "/daemon.conf"});
   WaitForSocket(m_Folder / "run" / kSocket, *m_Daemon);
-}
-
-void PrivateDaemon::StartSessionManager() {
   m_SessionManager = Run("wireplumber", ORVEX_WIREPLUMBER_PROGRAM, {"-c", "policy.conf"});
 }
 

@@ -21,9 +21,9 @@ public:
   PrivateDaemon& operator=(const PrivateDaemon&) = delete;
 
   void Stop();
+  // The session manager is WirePlumber with its policy: it gives sinks their ports and links the streams of programs,
+  // as in a person's session.
   void Start();
-  // WirePlumber with its policy: links the streams of programs, as in a person's session.
-  void StartSessionManager();
 
   // The folder "orvex" of the person whom the daemon serves, with his choices, and that with the state.
   std::filesystem::path GetConfigFolder() const { return m_Folder / "config" / "orvex"; }

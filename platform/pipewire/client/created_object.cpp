@@ -56,10 +56,7 @@ CreatedObject::~CreatedObject() {
 
 std::unique_ptr<CreatedObject> CreateNullSink(const Connection& connection, Properties properties,
                                               std::function<void(const std::string&)> onGone) {
-  properties.insert({{PW_KEY_FACTORY_NAME, "support.null-audio-sink"},
-                     {PW_KEY_OBJECT_LINGER, "false"},
-                     // The ports are there at once, without a session manager.
-                     {"adapter.auto-port-config", "{ mode = dsp monitor = true position = preserve }"}});
+  properties.insert({{PW_KEY_FACTORY_NAME, "support.null-audio-sink"}, {PW_KEY_OBJECT_LINGER, "false"}});
   return std::make_unique<CreatedObject>(connection, "adapter", PW_TYPE_INTERFACE_Node, properties, std::move(onGone));
 }
 
