@@ -12,7 +12,6 @@ namespace {
 
 using orvex::pipewire::OutputSound;
 using orvex::pipewire::Session;
-using orvex::pipewire::SoundProps;
 
 constexpr int kTvSpeaker = 0;
 // Both outputs of a computer are heard at the same time, and it was the user who has muted the reference. So it is
