@@ -38,11 +38,30 @@ void DelayTest::Disconnect() {
 
 void DelayTest::StartDelay() {
   m_Delay = RunDelay("delay");
-  ASSERT_TRUE(m_Client->WaitForLinks(kLinks)) << m_Daemon.LogOf("delay");
+  ASSERT_TRUE(m_Client->WaitUntil([&] { return OutputLinks().size() == kLinks / 2; })) << m_Daemon.LogOf("delay");
 }
 
 std::unique_ptr<Process> DelayTest::RunDelay(const std::string& log) const {
   return m_Daemon.Run(log, ORVEX_DELAY_PROGRAM);
+}
+
+std::string DelayTest::EndDelay(int signal) {
+  m_Delay->Signal(signal);
+  return Describe(m_Delay->WaitForEnd());
+}
+
+std::vector<std::string> DelayTest::OutputLinks() const {
+  std::vector<std::string> links;
+  for (const std::string& link : m_Client->GetLinks()) {
+    if (link.rfind("orvex-delay:", 0) == 0) {
+      links.push_back(link);
+    }
+  }
+  return links;
+}
+
+bool DelayTest::WaitForOutputLinks(const std::vector<std::string>& links) {
+  return m_Client->WaitUntil([&] { return OutputLinks() == links; });
 }
 
 std::optional<double> DelayTest::SetDelay(double delayMs) {

@@ -11,6 +11,7 @@
 
 #include "pipewire/client/delay_control.h"
 #include "pipewire/private_daemon.h"
+#include "pipewire/program_stream.h"
 #include "pipewire/sound_probe.h"
 #include "pipewire/test_client.h"
 
@@ -30,6 +31,11 @@ protected:
   // Returns when its links are there.
   void StartDelay();
   std::unique_ptr<Process> RunDelay(const std::string& log) const;
+  // How it ended, see Describe().
+  std::string EndDelay(int signal);
+  // From orvex-delay to outputs, as TestClient::GetLinks() has them.
+  std::vector<std::string> OutputLinks() const;
+  bool WaitForOutputLinks(const std::vector<std::string>& links);
   // Until orvex-delay has taken it; answers what is in force then.
   std::optional<double> SetDelay(double delayMs);
   std::optional<double> WaitForDelay();

@@ -3,7 +3,6 @@
 
 #include <fmt/format.h>
 #include <pipewire/keys.h>
-#include <signal.h>
 #include <spa/param/param.h>
 
 #include <algorithm>
@@ -45,11 +44,9 @@ DelayProgram::DelayProgram(PcConfig config, std::function<void(const std::string
       m_File(StateFolder() / "delay", m_Say),
       m_DelayMs(m_File.Read()),
       m_Mix(m_DelayMs),
+      m_Loop([this] { End(""); }),
       m_Connection(m_Loop.Get(), [this] { End("the PipeWire daemon is gone"); }) {
   m_Connection.AddListener(this);
-  for (const int number : {SIGTERM, SIGINT}) {
-    m_Loop.OnSignal(number, [this] { End(""); });
-  }
 }
 
 DelayProgram::~DelayProgram() {

@@ -2,6 +2,7 @@
 #include "pipewire/client/loops.h"
 
 #include <pipewire/pipewire.h>
+#include <signal.h>
 
 #include <cerrno>
 #include <utility>
@@ -18,13 +19,18 @@ Library::~Library() {
   pw_deinit();
 }
 
-struct MainLoop::SignalAction {
-  std::function<void()> act;
-};
-
-MainLoop::MainLoop() : m_Loop(pw_main_loop_new(nullptr)) {
+MainLoop::MainLoop(std::function<void()> onEndSignal)
+    : m_OnEndSignal(std::move(onEndSignal)), m_Loop(pw_main_loop_new(nullptr)) {
   if (m_Loop == nullptr) {
     throw PipeWireError("no main loop", errno);
+  }
+  const auto call = [](void* self, int /*number*/) { static_cast<MainLoop*>(self)->m_OnEndSignal(); };
+  for (const int number : {SIGTERM, SIGINT}) {
+    if (pw_loop_add_signal(Get(), number, call, this) == nullptr) {
+      const int error = errno;
+      pw_main_loop_destroy(m_Loop);
+      throw PipeWireError("no handler of signal " + std::to_string(number), error);
+    }
   }
 }
 
@@ -42,14 +48,6 @@ void MainLoop::Run() {
 
 void MainLoop::Quit() {
   pw_main_loop_quit(m_Loop);
-}
-
-void MainLoop::OnSignal(int number, std::function<void()> act) {
-  m_Signals.push_back(std::make_unique<SignalAction>(SignalAction{std::move(act)}));
-  const auto call = [](void* action, int /*number*/) { static_cast<SignalAction*>(action)->act(); };
-  if (pw_loop_add_signal(Get(), number, call, m_Signals.back().get()) == nullptr) {
-    throw PipeWireError("no handler of signal " + std::to_string(number), errno);
-  }
 }
 
 ThreadLoop::ThreadLoop(const std::string& threadName) : m_Loop(pw_thread_loop_new(threadName.c_str(), nullptr)) {

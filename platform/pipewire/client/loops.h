@@ -3,14 +3,11 @@
 
 #include <chrono>
 #include <functional>
-#include <memory>
 #include <string>
-#include <vector>
 
 struct pw_loop;
 struct pw_main_loop;
 struct pw_thread_loop;
-struct spa_source;
 
 namespace orvex::pipewire {
 
@@ -26,7 +23,9 @@ public:
 // For a program that does nothing else. Everything happens on the thread that calls Run().
 class MainLoop {
 public:
-  MainLoop();
+  // To be made before the program has another thread, as a connection does: SIGTERM and SIGINT are kept from all
+  // threads and call `onEndSignal` on this loop.
+  explicit MainLoop(std::function<void()> onEndSignal);
   ~MainLoop();
   MainLoop(const MainLoop&) = delete;
   MainLoop& operator=(const MainLoop&) = delete;
@@ -35,15 +34,11 @@ public:
   // Returns after Quit(), which is called from a callback.
   void Run();
   void Quit();
-  // From now on the signal leads to `act` on this loop instead of what it does by default.
-  void OnSignal(int number, std::function<void()> act);
 
 private:
-  struct SignalAction;
-
   Library m_Library;
+  const std::function<void()> m_OnEndSignal;
   pw_main_loop* m_Loop;
-  std::vector<std::unique_ptr<SignalAction>> m_Signals;
 };
 
 // For a program whose own loop is another one. Callbacks come on the loop's thread, with the lock held.
