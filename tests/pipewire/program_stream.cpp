@@ -64,12 +64,4 @@ bool ProgramStream::WaitForLinkTo(const std::string& sink) {
   });
 }
 
-bool ProgramStream::WaitForLinkElsewhere(const std::string& sink) {
-  return m_Client.WaitUntil([&] {
-    const std::vector<std::string> sinks = SinksOf(m_Client);
-    return !sinks.empty() && std::find(sinks.begin(), sinks.end(), sink) == sinks.end() &&
-           std::find(sinks.begin(), sinks.end(), "?") == sinks.end();
-  });
-}
-
 }  // namespace orvex::integration

@@ -13,15 +13,13 @@ namespace orvex::integration {
 
 class ProgramStream {
 public:
-  // `target`: where it would like to play.
+  // `target`: where it plays while that is there.
   ProgramStream(TestClient& client, const std::string& target);
   ~ProgramStream();
   ProgramStream(const ProgramStream&) = delete;
   ProgramStream& operator=(const ProgramStream&) = delete;
 
   bool WaitForLinkTo(const std::string& sink);
-  // It is linked, but not to this one.
-  bool WaitForLinkElsewhere(const std::string& sink);
 
 private:
   TestClient& m_Client;

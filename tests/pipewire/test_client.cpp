@@ -1,6 +1,7 @@
 // Everything is done with the loop locked; its thread notifies whenever the registry changes.
 #include "pipewire/test_client.h"
 
+#include <pipewire/extensions/metadata.h>
 #include <pipewire/pipewire.h>
 
 #include <algorithm>
@@ -90,6 +91,19 @@ void TestClient::RemoveOutput(const std::string& name) {
   }
   if (const Object* node = m_Connection->FindNode(name)) {
     pw_registry_destroy(m_Connection->GetRegistry(), node->id);
+  }
+}
+
+void TestClient::SetDefaultOutput(const std::string& name) {
+  const Lock lock(m_Loop);
+  for (const auto& [id, object] : m_Connection->GetObjects()) {
+    if (object.Get(PW_KEY_METADATA_NAME) == "default") {
+      auto* metadata = static_cast<pw_metadata*>(
+          pw_registry_bind(m_Connection->GetRegistry(), id, PW_TYPE_INTERFACE_Metadata, PW_VERSION_METADATA, 0));
+      pw_metadata_set_property(metadata, PW_ID_CORE, "default.audio.sink", "Spa:String:JSON",
+                               ("{\"name\":\"" + name + "\"}").c_str());
+      pw_proxy_destroy(reinterpret_cast<pw_proxy*>(metadata));
+    }
   }
 }
 

@@ -37,6 +37,8 @@ public:
   // An output of the computer is switched on and off.
   void AddOutput(const std::string& name);
   void RemoveOutput(const std::string& name);
+  // Where the session manager has a program play that has no output of its own.
+  void SetDefaultOutput(const std::string& name);
 
 private:
   void OnAdded(const pipewire::Object& object) override;
