@@ -96,8 +96,8 @@ void CaptureStream::TakeSamples(const spa_buffer& buffer, const pw_time& time) {
   const auto* const samples =
       reinterpret_cast<const std::int16_t*>(static_cast<const std::uint8_t*>(data.data) + offset);
   const double rateHz = static_cast<double>(time.rate.denom) / time.rate.num;
-  std::uint64_t ended = m_Blocks.Lose(m_Losses.Missing(time.ticks, rateHz, count));
-  ended += m_Blocks.Put(samples, count);
+  const auto [lost, isKept] = m_Losses.Judge({time.now, time.ticks, rateHz}, count);
+  const std::uint64_t ended = m_Blocks.Lose(lost) + (isKept ? m_Blocks.Put(samples, count) : 0);
   if (ended > 0) {
     m_Listener.onBlocks();
   }

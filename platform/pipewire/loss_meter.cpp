@@ -11,24 +11,26 @@ constexpr double kToleratedSamples = 16.0;
 
 }  // namespace
 
-std::uint64_t LossMeter::Missing(std::uint64_t position, double rateHz, std::size_t count) {
-  if (position < m_Begin || rateHz != m_RateHz) {
-    Begin(position, rateHz);
+LossMeter::Judgement LossMeter::Judge(const Cycle& cycle, std::size_t count) {
+  // A process that wakes up late in a cycle gets the samples of the cycle before, and then those of this one, with the
+  // same time for both. So the first samples after a loss are counted as lost, and their followers are left out.
+  if (m_Begin.rateHz != 0.0 && cycle.beginNs == m_LastNs) {
+    return {0, false};
   }
-  const double passed = static_cast<double>(position - m_Begin) * m_SampleRateHz / m_RateHz;
+  m_LastNs = cycle.beginNs;
+  const double passed = static_cast<double>(cycle.position - m_Begin.position) * m_SampleRateHz / cycle.rateHz;
   const double missing = std::round(passed - m_Samples);
-  if (missing < -kToleratedSamples) {
-    Begin(position, rateHz);  // another clock leads the graph
+  const bool isOtherClock =
+      cycle.rateHz != m_Begin.rateHz || cycle.position < m_Begin.position || missing < -kToleratedSamples;
+  if (isOtherClock) {
+    m_Begin = cycle;
+    m_Samples = static_cast<double>(count);
+    return {0, true};
   }
   const bool isLoss = missing > kToleratedSamples;
-  m_Samples += static_cast<double>(count) + (isLoss ? missing : 0.0);
-  return isLoss ? static_cast<std::uint64_t>(missing) : 0;
-}
-
-void LossMeter::Begin(std::uint64_t position, double rateHz) {
-  m_Begin = position;
-  m_RateHz = rateHz;
-  m_Samples = 0.0;
+  const double lost = isLoss ? missing + static_cast<double>(count) : 0.0;
+  m_Samples += isLoss ? lost : static_cast<double>(count);
+  return {static_cast<std::uint64_t>(lost), !isLoss};
 }
 
 }  // namespace orvex::pipewire

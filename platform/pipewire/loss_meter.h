@@ -12,16 +12,23 @@ class LossMeter {
 public:
   explicit LossMeter(double sampleRateHz) : m_SampleRateHz(sampleRateHz) {}
 
-  // `count` samples have come in the cycle that begins at `position`, a count of periods of `rateHz`. The number of
-  // samples that are missing in front of them.
-  std::uint64_t Missing(std::uint64_t position, double rateHz, std::size_t count);
+  // A cycle of the graph.
+  struct Cycle {
+    std::int64_t beginNs;
+    std::uint64_t position;  // of the graph's clock, in periods of rateHz
+    double rateHz;
+  };
+  struct Judgement {
+    std::uint64_t lost;  // so many samples are missing, those of this cycle included when they are not kept
+    bool isKept;         // the samples of this cycle are what they seem to be
+  };
+  // `count` samples have come in this cycle.
+  Judgement Judge(const Cycle& cycle, std::size_t count);
 
 private:
-  void Begin(std::uint64_t position, double rateHz);
-
   double m_SampleRateHz;
-  double m_RateHz = 0.0;  // 0: nothing has come yet
-  std::uint64_t m_Begin = 0;
+  Cycle m_Begin{0, 0, 0.0};  // of the count; rateHz 0: nothing has come yet
+  std::int64_t m_LastNs = 0;
   double m_Samples = 0.0;  // since m_Begin, lost ones included
 };
 
