@@ -9,7 +9,6 @@
 #include <cerrno>
 #include <chrono>
 #include <filesystem>
-#include <fstream>
 #include <string>
 
 namespace orvex::integration {
@@ -27,13 +26,6 @@ void HoldUp(int /*number*/) {
   const timespec duration{0, kHeldUpNs};
   ::nanosleep(&duration, nullptr);
   errno = errnoBefore;
-}
-
-bool IsDataThread(const fs::path& task) {
-  std::ifstream file(task / "comm");
-  std::string name;
-  std::getline(file, name);
-  return name.find("data-loop") != std::string::npos;
 }
 
 }  // namespace
@@ -57,8 +49,9 @@ void LateCycles::Run() const {
     std::this_thread::sleep_for(kInOrder);
     std::error_code error;
     for (fs::directory_iterator task("/proc/self/task", error), end; task != end; task.increment(error)) {
-      if (IsDataThread(task->path())) {
-        ::syscall(SYS_tgkill, ::getpid(), std::stoi(task->path().filename()), kSignal);
+      const pid_t thread = std::stoi(task->path().filename());
+      if (thread != ::getpid() && thread != ::gettid()) {
+        ::syscall(SYS_tgkill, ::getpid(), thread, kSignal);
       }
     }
   }

@@ -6,7 +6,8 @@
 
 namespace orvex::integration {
 
-// While it lives, the data threads of libpipewire are held up again and again, for longer than a cycle lasts.
+// While it lives, all threads but the main one are held up again and again, for longer than a cycle lasts. Those of
+// libpipewire that run the cycles are among them; they have no name to be known by.
 class LateCycles {
 public:
   LateCycles();

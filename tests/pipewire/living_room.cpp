@@ -37,6 +37,9 @@ LivingRoom::LivingRoom(const RoomWays& ways) : m_Ways(ways) {
   m_Client = std::make_unique<TestClient>();
   Require(m_Client->WaitForNode(kReference) && m_Client->WaitForNode(kDelayed), "the outputs");
   Repair();
+  const ThreadLoop::Lock lock(m_Client->GetLoop());
+  m_Control =
+      std::make_unique<pipewire::DelayControl>(m_Client->GetConnection(), [this] { m_Client->GetLoop().Notify(); });
 }
 
 LivingRoom::~LivingRoom() {
@@ -47,11 +50,27 @@ LivingRoom::~LivingRoom() {
 void LivingRoom::Leave() {
   if (m_Client) {
     const ThreadLoop::Lock lock(m_Client->GetLoop());
+    m_Control.reset();
     m_Links.reset();
     m_Room.reset();
     m_Microphone.reset();
   }
   m_Client.reset();
+}
+
+void LivingRoom::SetDelay(double delayMs) {
+  GetDelay();
+  {
+    const ThreadLoop::Lock lock(m_Client->GetLoop());
+    m_Control->Set(delayMs);
+  }
+  Require(m_Client->WaitUntil([&] { return m_Control->GetMs() == delayMs; }), "the delay");
+}
+
+double LivingRoom::GetDelay() {
+  Require(m_Client->Sync() && m_Client->WaitUntil([&] { return m_Control->GetMs().has_value(); }), "orvex-delay");
+  const ThreadLoop::Lock lock(m_Client->GetLoop());
+  return *m_Control->GetMs();
 }
 
 void LivingRoom::RemoveReference() {
@@ -103,7 +122,7 @@ void LivingRoom::Repair() {
   }
   // To and from orvex-delay, and those of the room.
   constexpr std::ptrdiff_t kDelayLinks = 8;
-  constexpr std::ptrdiff_t kRoomLinks = 3;
+  constexpr std::ptrdiff_t kRoomLinks = 4;
   Require(m_Client->WaitUntil([&] {
     const auto links = m_Client->GetLinks();
     const auto count = [&](const char* node) {
@@ -131,7 +150,9 @@ void LivingRoom::Enter() {
       m_Client->GetConnection(),
       std::vector<pipewire::WantedLink>{{{kReference, {"monitor_FL"}}, {kRoom, {"reference"}}},
                                         {{kDelayed, {"monitor_FL"}}, {kRoom, {"delayed"}}},
-                                        {{kRoom, {"heard"}}, {kMicrophone, {"input_MONO"}}}},
+                                        {{kRoom, {"heard"}}, {kMicrophone, {"input_MONO"}}},
+                                        // It gives the clock where it is part of the graph.
+                                        {{kRoom, {"heard"}}, {"driver", {"playback_FL"}}}},
       pipewire::LinkKeeper::Callbacks{});
 }
 

@@ -4,6 +4,8 @@
 
 #include <memory>
 
+#include "pipewire/client/delay_control.h"
+#include "pipewire/client/filter_node.h"
 #include "pipewire/client/link_keeper.h"
 #include "pipewire/private_daemon.h"
 #include "pipewire/room_sound.h"
@@ -21,6 +23,10 @@ public:
 
   PrivateDaemon& GetDaemon() { return m_Daemon; }
   TestClient& GetClient() { return *m_Client; }
+
+  // Returns when orvex-delay has taken it.
+  void SetDelay(double delayMs);
+  double GetDelay();
 
   // Return when it is gone.
   void RemoveReference();
@@ -40,6 +46,7 @@ private:
   PrivateDaemon m_Daemon;
   std::unique_ptr<TestClient> m_Client;
   RoomSound m_Sound{m_Ways};
+  std::unique_ptr<pipewire::DelayControl> m_Control;
   std::unique_ptr<pipewire::CreatedObject> m_Microphone;
   std::unique_ptr<pipewire::FilterNode> m_Room;
   std::unique_ptr<pipewire::LinkKeeper> m_Links;

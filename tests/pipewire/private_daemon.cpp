@@ -103,14 +103,38 @@ void PrivateDaemon::Start() {
 }
 
 std::unique_ptr<Process> PrivateDaemon::Run(const std::string& name, const fs::path& program,
-                                            const std::vector<std::string>& arguments) const {
+                                            const std::vector<std::string>& arguments,
+                                            const std::map<std::string, std::string>& environment) const {
   const fs::path log = m_Folder / (name + ".log");
-  return std::make_unique<Process>(ProcessCommand{program, arguments, m_Environment, log, log});
+  std::map<std::string, std::string> whole = environment;
+  whole.insert(m_Environment.begin(), m_Environment.end());
+  return std::make_unique<Process>(ProcessCommand{program, arguments, whole, log, log});
 }
 
 std::string PrivateDaemon::LogOf(const std::string& name) const {
   std::ifstream in(m_Folder / (name + ".log"));
   return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+bool PrivateDaemon::WaitForLog(const std::string& name, const std::string& text) const {
+  const int watch = ::inotify_init1(IN_CLOEXEC | IN_NONBLOCK);
+  ::inotify_add_watch(watch, (m_Folder / (name + ".log")).c_str(), IN_MODIFY);
+  const auto deadline = std::chrono::steady_clock::now() + kPatience;
+  bool isThere = false;
+  while (!(isThere = LogOf(name).find(text) != std::string::npos) && std::chrono::steady_clock::now() < deadline) {
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
+    pollfd news{watch, POLLIN, 0};
+    ::poll(&news, 1, static_cast<int>(left.count()));
+    char events[4096];
+    while (::read(watch, events, sizeof events) > 0) {
+    }
+  }
+  ::close(watch);
+  return isThere;
+}
+
+void PrivateDaemon::Signal(int number) const {
+  m_Daemon->Signal(number);
 }
 
 }  // namespace orvex::integration

@@ -21,6 +21,8 @@ public:
   PrivateDaemon& operator=(const PrivateDaemon&) = delete;
 
   void Stop();
+  // Sends it to the daemon.
+  void Signal(int number) const;
   // The session manager is WirePlumber with its policy: it gives sinks their ports and links the streams of programs,
   // as in a person's session.
   void Start();
@@ -29,10 +31,13 @@ public:
   std::filesystem::path GetConfigFolder() const { return m_Folder / "config" / "orvex"; }
   std::filesystem::path GetStateFolder() const { return m_Folder / "state" / "orvex"; }
 
-  // Starts a program that uses this daemon. Its output is in LogOf(name).
+  // Starts a program that uses this daemon. Its output is in LogOf(name). `environment`: what else it gets.
   std::unique_ptr<Process> Run(const std::string& name, const std::filesystem::path& program,
-                               const std::vector<std::string>& arguments = {}) const;
+                               const std::vector<std::string>& arguments = {},
+                               const std::map<std::string, std::string>& environment = {}) const;
   std::string LogOf(const std::string& name) const;
+  // False: `text` is not there within kPatience.
+  bool WaitForLog(const std::string& name, const std::string& text) const;
 
 private:
   std::filesystem::path m_Folder;

@@ -15,6 +15,7 @@ struct RoomWays {
   double referenceMs = 10.0;  // until the output's sound has arrived at the microphone
   double delayedMs = 10.0;
   float noise = 0.004F;  // largest amplitude; 0: digital silence between the sounds
+  double humHz = 0.0;    // of a tone that is in the room all the time; 0: there is none
 };
 
 // Inputs: the reference output, the delayed output. Output: the microphone.
@@ -35,6 +36,7 @@ private:
     std::size_t m_Position = 0;
   };
 
+  const double m_HumHz;
   Way m_Reference;
   Way m_Delayed;
   std::minstd_rand m_Random;
