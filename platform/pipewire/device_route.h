@@ -8,7 +8,7 @@
 #include <optional>
 
 #include "pipewire/client/connection.h"
-#include "pipewire/sound_props.h"
+#include "pipewire/client/sound_props.h"
 
 namespace orvex::pipewire {
 

@@ -9,7 +9,7 @@
 #include <charconv>
 
 #include "pipewire/client/pipewire_error.h"
-#include "pipewire/volume_scale.h"
+#include "pipewire/client/volume_scale.h"
 
 namespace orvex::pipewire {
 namespace {

@@ -7,9 +7,9 @@
 #include <string>
 
 #include "pipewire/client/node_proxy.h"
+#include "pipewire/client/sound_props.h"
 #include "pipewire/device_route.h"
 #include "pipewire/session.h"
-#include "pipewire/sound_props.h"
 
 namespace orvex::pipewire {
 

@@ -19,10 +19,10 @@
 
 #include "linux/no_destroy.h"
 #include "linux/port.h"
+#include "pipewire/client/microphone.h"
 #include "pipewire/client/pc_config.h"
 #include "pipewire/client/pipewire_error.h"
-#include "pipewire/microphone.h"
-#include "pipewire/semaphore.h"
+#include "pipewire/client/semaphore.h"
 #include "pipewire/session.h"
 #include "pipewire/voice_window.h"
 

@@ -4,9 +4,9 @@
 #include <algorithm>
 
 #include "pipewire/client/pc_config.h"
+#include "pipewire/client/volume_scale.h"
 #include "pipewire/output_sound.h"
 #include "pipewire/session.h"
-#include "pipewire/volume_scale.h"
 
 namespace {
 

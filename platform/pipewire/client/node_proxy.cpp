@@ -20,6 +20,9 @@ struct NodeProxy::State {
     if ((info->change_mask & PW_NODE_CHANGE_MASK_PROPS) != 0) {
       callbacks.onProperties(ToProperties(info->props));
     }
+    if ((info->change_mask & PW_NODE_CHANGE_MASK_STATE) != 0) {
+      callbacks.onState(pw_node_state_as_string(info->state));
+    }
   }
 };
 

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "pipewire/client/connection.h"
@@ -18,6 +19,8 @@ public:
   struct Callbacks {
     // All properties, at first and after each change.
     std::function<void(const Properties&)> onProperties = [](const Properties&) {};
+    // "running", "idle", "suspended" and the like, at first and after each change.
+    std::function<void(const std::string&)> onState = [](const std::string&) {};
     // A value of the parameter, at first and after each change.
     std::function<void(std::uint32_t parameter, const spa_pod* value)> onParameter = [](std::uint32_t, const spa_pod*) {
     };

@@ -1,11 +1,11 @@
 // A loop with a thread of its own, a connection and a stream.
-#include "pipewire/microphone.h"
+#include "pipewire/client/microphone.h"
 
 #include <chrono>
 #include <utility>
 
 #include "orvex/platform/remote_voice.h"
-#include "pipewire/capture_stream.h"
+#include "pipewire/client/capture_stream.h"
 #include "pipewire/client/connection.h"
 #include "pipewire/client/loops.h"
 #include "pipewire/client/pipewire_error.h"

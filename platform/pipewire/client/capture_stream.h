@@ -6,8 +6,8 @@
 #include <functional>
 #include <string>
 
-#include "pipewire/block_queue.h"
-#include "pipewire/loss_meter.h"
+#include "pipewire/client/block_queue.h"
+#include "pipewire/client/loss_meter.h"
 
 namespace orvex::pipewire {
 

@@ -6,7 +6,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "pipewire/block_queue.h"
+#include "pipewire/client/block_queue.h"
 
 namespace orvex::pipewire {
 

@@ -1,5 +1,5 @@
 // Compares the samples that have come with the time that has passed.
-#include "pipewire/loss_meter.h"
+#include "pipewire/client/loss_meter.h"
 
 #include <cmath>
 

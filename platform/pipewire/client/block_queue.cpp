@@ -1,5 +1,5 @@
 // Lost blocks are counted in the next whole one, so that a full queue loses no time either.
-#include "pipewire/block_queue.h"
+#include "pipewire/client/block_queue.h"
 
 #include <algorithm>
 

@@ -1,5 +1,5 @@
 // PipeWire's graph runs the cycles on a real-time thread, which neither waits nor allocates here.
-#include "pipewire/capture_stream.h"
+#include "pipewire/client/capture_stream.h"
 
 #include <pipewire/pipewire.h>
 #include <spa/param/audio/format-utils.h>

@@ -1,5 +1,5 @@
 // Reads and builds pods.
-#include "pipewire/sound_props.h"
+#include "pipewire/client/sound_props.h"
 
 #include <spa/param/props.h>
 #include <spa/pod/iter.h>
