@@ -207,10 +207,10 @@ std::size_t SearchSteps(const tools::SoundDesign& sound) {
   return std::size(kTones) * kOfEachPair * static_cast<std::size_t>(sound.pairs);
 }
 
-std::array<ToneBursts, 2> FindBursts(const Samples& samples, const tools::SoundDesign& sound,
+std::array<ToneBursts, 2> FindBursts(const std::array<Samples, 2>& ofTones, const tools::SoundDesign& sound,
                                      const std::function<void()>& onStep) {
-  const std::array<HeardTone, 2> tones = {HeardTone(samples, kTones[0], sound, onStep),
-                                          HeardTone(samples, kTones[1], sound, onStep)};
+  const std::array<HeardTone, 2> tones = {HeardTone(ofTones[0], kTones[0], sound, onStep),
+                                          HeardTone(ofTones[1], kTones[1], sound, onStep)};
   const std::int64_t near = StepsOf(tools::kPairingSpanMs);
   const std::int64_t furthest = StepsOf(kFurthestMs);
   const auto first = tones[0].Candidates();

@@ -30,7 +30,7 @@ std::size_t SearchSteps(const tools::SoundDesign& sound);
 // that a run cannot measure takes a recording in which all of them are heard. Bursts are as far apart as in the sound,
 // less whole blocks that the remote has lost. A tone of which nothing is heard has no positions. Calls `onStep` after
 // each step, and is pure otherwise.
-std::array<ToneBursts, 2> FindBursts(const Samples& samples, const tools::SoundDesign& sound,
+std::array<ToneBursts, 2> FindBursts(const std::array<Samples, 2>& ofTones, const tools::SoundDesign& sound,
                                      const std::function<void()>& onStep);
 
 }  // namespace orvex::fine

@@ -65,20 +65,23 @@ double LevelDb(double amplitude, double noisePower) {
   return 20.0 * std::log10(amplitude * std::sqrt(block) / (noise * std::sqrt(tools::kPi) / 2.0));
 }
 
+// The first position at which the base band misses samples.
+std::int64_t UsableEnd(const Samples& samples) {
+  return static_cast<std::int64_t>(samples.count) - kFilterHalf;
+}
+
 class OneReading {
 public:
-  OneReading(const Samples& samples, const tools::SoundDesign& sound, const OnsetModel& model)
-      : m_Samples(samples),
-        m_Sound(sound),
-        m_Model(model),
-        m_UsableEnd(static_cast<std::int64_t>(samples.count) - kFilterHalf) {}
+  OneReading(const std::array<Samples, 2>& ofTones, const tools::SoundDesign& sound, const OnsetModel& model)
+      : m_Samples(ofTones), m_Sound(sound), m_Model(model) {}
 
   Reading Read(const FilteredBurst& shape, const std::array<BaseBand, 2>& bands,
                const std::function<void(std::size_t)>& progress) {
     std::size_t done = 0;
     const std::array<ToneBursts, 2> found = FindBursts(m_Samples, m_Sound, [&] { progress(++done); });
     for (std::size_t n = 0; n < m_Tones.size(); ++n) {
-      m_Tones[n] = {kTonesHz[n], &bands[n], found[n], Align(m_Samples, bands[n], shape, found[n], m_UsableEnd)};
+      m_Tones[n] = {kTonesHz[n], &bands[n], m_Samples[n], found[n],
+                    Align(m_Samples[n], bands[n], shape, found[n], UsableEnd(m_Samples[n]))};
     }
     MeasureNoise();
     m_Reading.reason = Measure();
@@ -90,6 +93,7 @@ private:
   std::string Measure() {
     const bool first = m_Tones[0].aligned.bursts.empty();
     const bool second = m_Tones[1].aligned.bursts.empty();
+    m_Reading.isHeard = {!first, !second};
     if (first && second) {
       return "nothing of the test sound is heard";
     }
@@ -134,37 +138,37 @@ private:
   }
 
   std::string WhyNotSteady() const {
-    const double first = Steadiness(m_Samples, m_Tones[0], m_Sound).value_or(1.0);
-    const double second = Steadiness(m_Samples, m_Tones[1], m_Sound).value_or(1.0);
+    const double first = Steadiness(m_Samples[0], m_Tones[0], m_Sound).value_or(1.0);
+    const double second = Steadiness(m_Samples[1], m_Tones[1], m_Sound).value_or(1.0);
     return first * second < kLeastSteadiness
                ? "what is heard near " + m_Tones[first < second ? 0 : 1].Name() + " is no steady tone"
                : "";
   }
 
   std::string WhyNoTone(const Tone& tone) const {
-    const Span plateau = PlateauOf(m_Samples, tone, m_Sound);
+    const Span plateau = PlateauOf(tone.samples, tone, m_Sound);
     if (plateau.begin < plateau.end) {
-      const double hz = tone.hz * FrequencyError(m_Samples, tone, plateau, kTurnSamples);
+      const double hz = tone.hz * FrequencyError(tone.samples, tone, plateau, kTurnSamples);
       if (std::abs(hz) > kLargestTurn * tone.hz) {
         return fmt::format("the bursts near {} have another frequency, {:+.0f} Hz", tone.Name(), hz);
       }
-      if (ClippedShare(plateau) > kLargestClipped) {
+      if (ClippedShare(tone.samples, plateau) > kLargestClipped) {
         return fmt::format("the bursts of {} are clipped, {:.0f} % of their samples", tone.Name(),
-                           100.0 * ClippedShare(plateau));
+                           100.0 * ClippedShare(tone.samples, plateau));
       }
     }
     return "";
   }
 
-  double ClippedShare(const Span& span) const {
-    const auto clipped = std::count_if(m_Samples.data + span.begin, m_Samples.data + span.end,
+  static double ClippedShare(const Samples& samples, const Span& span) {
+    const auto clipped = std::count_if(samples.data + span.begin, samples.data + span.end,
                                        [](std::int16_t sample) { return sample == INT16_MAX || sample <= -INT16_MAX; });
     return static_cast<double>(clipped) / static_cast<double>(span.end - span.begin);
   }
 
   // What was heard before the sound is noise and nothing else.
   void MeasureNoise() {
-    double begin = static_cast<double>(m_Samples.count);
+    double begin = static_cast<double>(std::min(m_Samples[0].count, m_Samples[1].count));
     for (const Tone& tone : m_Tones) {
       if (!tone.aligned.bursts.empty()) {
         begin = std::min(begin, tone.aligned.bursts.front().position);
@@ -180,7 +184,7 @@ private:
     for (Tone& tone : m_Tones) {
       double power = 0.0;
       for (const std::complex<double>& value :
-           tone.band->Values(m_Samples, from, static_cast<std::size_t>(count), kFilterHalf)) {
+           tone.band->Values(tone.samples, from, static_cast<std::size_t>(count), kFilterHalf)) {
         power += std::norm(value) / static_cast<double>(count);
       }
       if (power > tone.found.noisePower && power < kDisturbed * tone.found.noisePower) {
@@ -197,11 +201,11 @@ private:
       latest = std::max(latest, last.position + (static_cast<double>(pair) - static_cast<double>(last.pair)) *
                                                     m_Sound.spacingMs * 1e-3 * kVoiceRateHz);
     }
-    return latest > static_cast<double>(m_UsableEnd);
+    return latest > static_cast<double>(std::min(UsableEnd(m_Samples[0]), UsableEnd(m_Samples[1])));
   }
 
   void FitOnsets(const std::optional<double>& rateError) {
-    m_RateError = rateError ? *rateError : RateErrorOfOne(m_Samples, Longer(), m_Sound);
+    m_RateError = rateError ? *rateError : RateErrorOfOne(Longer().samples, Longer(), m_Sound);
     m_Reading.ratePpm = m_RateError * 1e6;
     for (std::size_t n = 0; n < m_Tones.size(); ++n) {
       const Tone& tone = m_Tones[n];
@@ -223,15 +227,15 @@ private:
 
   // Of the mean at a position, around its onset, which is `onsetS` later.
   std::vector<EnvelopePoint> EnvelopeOf(const Tone& tone, std::int64_t position, double onsetS) const {
-    const std::int64_t last =
-        std::min(m_UsableEnd - 1 - position, static_cast<std::int64_t>((onsetS + kEnvelopeAfterS) * kVoiceRateHz));
+    const std::int64_t last = std::min(UsableEnd(tone.samples) - 1 - position,
+                                       static_cast<std::int64_t>((onsetS + kEnvelopeAfterS) * kVoiceRateHz));
     std::vector<std::int64_t> offsets;
     for (auto offset = static_cast<std::int64_t>((onsetS - kEnvelopeBeforeS) * kVoiceRateHz); offset <= last;
          offset += kEnvelopeStep) {
       offsets.push_back(offset);
     }
     const std::vector<std::complex<double>> values =
-        MeanOf(m_Samples, *tone.band, tone.aligned, position, offsets, 0.0);
+        MeanOf(tone.samples, *tone.band, tone.aligned, position, offsets, 0.0);
     std::vector<EnvelopePoint> envelope;
     for (std::size_t n = 0; n < offsets.size(); ++n) {
       envelope.push_back({static_cast<double>(offsets[n]) / kVoiceRateHz - onsetS, std::abs(values[n])});
@@ -247,12 +251,12 @@ private:
   Onset FitAt(const Tone& tone, std::int64_t position) const {
     const double turn = -2.0 * tools::kPi * tone.hz / kVoiceRateHz * m_RateError;
     std::vector<std::complex<double>> values =
-        MeanOf(m_Samples, *tone.band, tone.aligned, position, m_Model.Offsets(), turn);
+        MeanOf(tone.samples, *tone.band, tone.aligned, position, m_Model.Offsets(), turn);
     for (std::complex<double>& value : values) {
       value /= std::sqrt(NoisePowerOf(tone));
     }
     std::size_t usable = values.size();
-    while (usable > 1 && position + m_Model.Offsets()[usable - 1] >= m_UsableEnd) {
+    while (usable > 1 && position + m_Model.Offsets()[usable - 1] >= UsableEnd(tone.samples)) {
       --usable;
     }
     return m_Model.Fit(values, usable);
@@ -262,7 +266,7 @@ private:
     for (std::size_t n = 0; n < m_Tones.size(); ++n) {
       // By the onset that was fitted: the rough one is up to a millisecond early where the recording ends in the rise.
       if (m_Tones[n].aligned.isCut &&
-          static_cast<double>(m_Samples.count) - m_Reading.arrivals[n]->sample < kLeastOnsetS * kVoiceRateHz) {
+          static_cast<double>(m_Samples[n].count) - m_Reading.arrivals[n]->sample < kLeastOnsetS * kVoiceRateHz) {
         return fmt::format("the recording ends within {:.0f} ms of the burst of {}", kLeastOnsetS * 1e3,
                            m_Tones[n].Name());
       }
@@ -293,10 +297,9 @@ private:
   // The tone of which more of the burst is in the recording.
   const Tone& Longer() const { return m_Tones[m_Tones[0].aligned.isCut ? 1 : 0]; }
 
-  const Samples& m_Samples;
+  const std::array<Samples, 2>& m_Samples;
   const tools::SoundDesign& m_Sound;
   const OnsetModel& m_Model;
-  const std::int64_t m_UsableEnd;
   std::array<Tone, 2> m_Tones;
   double m_RateError = 0.0;
   std::array<Onset, 2> m_Onsets;
@@ -313,7 +316,12 @@ FineReader::FineReader(const tools::SoundDesign& sound)
       m_Model(sound) {}
 
 Reading FineReader::Read(const Samples& samples, const std::function<void(std::size_t)>& progress) const {
-  return OneReading(samples, m_Sound, m_Model).Read(m_Shape, m_Bands, progress);
+  return ReadTones({samples, samples}, progress);
+}
+
+Reading FineReader::ReadTones(const std::array<Samples, 2>& ofTones,
+                              const std::function<void(std::size_t)>& progress) const {
+  return OneReading(ofTones, m_Sound, m_Model).Read(m_Shape, m_Bands, progress);
 }
 
 }  // namespace orvex::fine

@@ -52,6 +52,8 @@ struct Reading {
   std::optional<double> ratePpm;
   // 17 kHz and 19 kHz; none: not heard, or not fitted.
   std::array<std::optional<Arrival>, 2> arrivals;
+  // Bursts of 17 kHz and 19 kHz were found.
+  std::array<bool, 2> isHeard{};
   std::string reason;  // why there is no difference; empty with one
 };
 
@@ -65,6 +67,11 @@ public:
   // the time.
   Reading Read(
       const Samples& samples, const std::function<void(std::size_t)>& progress = [](std::size_t) {}) const;
+  // The same, with a recording for each of 17 kHz and 19 kHz: one recording in two versions whose times agree, such as
+  // one in which a change of the delay in front of the optical output has been undone.
+  Reading ReadTones(
+      const std::array<Samples, 2>& ofTones,
+      const std::function<void(std::size_t)>& progress = [](std::size_t) {}) const;
   // How many there are. They take about equally long.
   std::size_t Steps() const { return SearchSteps(m_Sound); }
 

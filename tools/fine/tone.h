@@ -19,6 +19,7 @@ namespace orvex::fine {
 struct Tone {
   double hz = 0.0;
   const BaseBand* band = nullptr;  // not owned
+  Samples samples;
   ToneBursts found;
   AlignedBursts aligned;
 

@@ -18,7 +18,7 @@ AlignedBursts AlignTone(const Recording& recording, std::size_t tone) {
   const FilteredBurst shape({});
   const std::array<double, 2> tonesHz = {tools::kLeftToneHz, tools::kRightToneHz};
   const Samples samples = SamplesOf(recording);
-  return Align(samples, BaseBand(tonesHz[tone]), shape, FindBursts(samples, {}, [] {})[tone],
+  return Align(samples, BaseBand(tonesHz[tone]), shape, FindBursts({samples, samples}, {}, [] {})[tone],
                static_cast<std::int64_t>(samples.count) - kFilterHalf);
 }
 

@@ -14,7 +14,7 @@ namespace {
 constexpr double kToleranceSamples = 6e-3 * kVoiceRateHz;
 
 std::array<ToneBursts, 2> Find(const Recording& recording) {
-  return FindBursts(SamplesOf(recording), {}, [] {});
+  return FindBursts({SamplesOf(recording), SamplesOf(recording)}, {}, [] {});
 }
 
 void ExpectNear(double expected, const std::optional<std::int64_t>& position) {
@@ -111,7 +111,7 @@ TEST(FineBurstSearch, AToneThatIsNotHeardHasNoPositions) {
 TEST(FineBurstSearch, TellsEachOfItsSteps) {
   const Recording noise = MakeNoise(500.0, 25.0);
   std::size_t steps = 0;
-  FindBursts(SamplesOf(noise), {}, [&] { ++steps; });
+  FindBursts({SamplesOf(noise), SamplesOf(noise)}, {}, [&] { ++steps; });
   EXPECT_EQ(SearchSteps({}), steps);
 }
 
