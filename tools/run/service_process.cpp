@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <system_error>
 #include <vector>
@@ -94,6 +95,7 @@ public:
 private:
   bool Start() {
     std::vector<std::string> arguments{m_Command.program.string()};
+    arguments.insert(arguments.end(), m_Command.arguments.begin(), m_Command.arguments.end());
     std::vector<std::string> names;
     for (const std::string& variable : m_Command.variables) {
       names.push_back(variable.substr(0, variable.find('=') + 1));
@@ -214,6 +216,17 @@ std::string ServiceEnding::Problem() const {
     return "the service was ended by signal " + std::to_string(number) + " (" + ::strsignal(number) + ")";
   }
   return exitCode.value_or(0) == 0 ? "" : "the service ended with exit code " + std::to_string(*exitCode);
+}
+
+std::filesystem::path FindService(const std::string& given, const char* name) {
+  if (!given.empty()) {
+    return given;
+  }
+  const char* const named = std::getenv("ORVEX_SERVICE");
+  if (named != nullptr && *named != '\0') {
+    return named;
+  }
+  return std::filesystem::read_symlink("/proc/self/exe").parent_path() / name;
 }
 
 ServiceEnding RunService(const ServiceCommand& command, RunSignals& signals, const LineReceiver& onLine) {

@@ -15,6 +15,7 @@ namespace orvex::tools {
 struct ServiceCommand {
   std::filesystem::path program;
   std::vector<std::string> variables = {};  // "NAME=value" each: its environment is this process's own but for them
+  std::vector<std::string> arguments = {};
   std::chrono::milliseconds limit{30000};
 };
 
@@ -27,6 +28,9 @@ struct ServiceEnding {
   // "ended by signal 11 (Segmentation fault)" and the like; empty when it ended with exit code 0.
   std::string Problem() const;
 };
+
+// `given`, else what ORVEX_SERVICE names, else the program of this name beside this one.
+std::filesystem::path FindService(const std::string& given, const char* name);
 
 // False: the service is to end. Lines come until it has.
 using LineReceiver = std::function<bool(const std::string& line)>;

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <limits>
 #include <memory>
@@ -33,18 +32,6 @@ struct RunArguments {
   bool json = false;
   bool verbose = false;
 };
-
-// --service, else ORVEX_SERVICE, else the program beside this one.
-std::filesystem::path FindService(const std::string& given) {
-  if (!given.empty()) {
-    return given;
-  }
-  const char* const named = std::getenv("ORVEX_SERVICE");
-  if (named != nullptr && *named != '\0') {
-    return named;
-  }
-  return std::filesystem::read_symlink("/proc/self/exe").parent_path() / "orvex-service";
-}
 
 void PrintProblem(const std::string& problem) {
   std::fprintf(stderr, "orvex-tv: %s\n", problem.c_str());
@@ -95,9 +82,9 @@ RunSummary Calibrate(const RunArguments& arguments, RunSignals& signals, Standar
   RunSummary summary;
   summary.misalignmentBeforeMs = television.MisalignmentMs(television.DelayMs());
   Watcher watcher(arguments, television, out);
-  summary.ending =
-      RunService({FindService(arguments.service), {"ORVEX_TV=" + television.Get().GetDirectory().string()}}, signals,
-                 [&](const std::string& line) { return watcher.OnLine(line); });
+  summary.ending = RunService(
+      {FindService(arguments.service, "orvex-service"), {"ORVEX_TV=" + television.Get().GetDirectory().string()}},
+      signals, [&](const std::string& line) { return watcher.OnLine(line); });
   summary.report = watcher.Report();
   summary.delayAfterMs = television.DelayMs();
   summary.misalignmentAfterMs = television.MisalignmentMs(summary.delayAfterMs);

@@ -37,7 +37,7 @@ public:
     std::filesystem::permissions(m_Path, std::filesystem::perms::owner_all);
   }
   ServiceCommand Command(std::chrono::milliseconds limit = kPatience) const {
-    return {m_Path, {"ORVEX_TV=/a/television"}, limit};
+    return {m_Path, {"ORVEX_TV=/a/television"}, {}, limit};
   }
   ServiceEnding Run(std::vector<std::string>& lines) const {
     RunSignals signals;
