@@ -1,10 +1,11 @@
-// Binds the card's device and follows its parameter Route.
+// Binds the card's device and asks for its parameter Route whenever that has changed.
 #include "pipewire/device_route.h"
 
 #include <pipewire/pipewire.h>
 #include <spa/param/route.h>
 #include <spa/pod/parser.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <utility>
@@ -24,6 +25,7 @@ DeviceRoute::DeviceRoute(const Connection& connection, RoutePlace place, std::fu
   static const pw_device_events kEvents = [] {
     pw_device_events events{};
     events.version = PW_VERSION_DEVICE_EVENTS;
+    events.info = [](void* self, const pw_device_info* info) { static_cast<DeviceRoute*>(self)->OnInfo(*info); };
     events.param = [](void* self, int /*sequence*/, std::uint32_t parameter, std::uint32_t /*index*/,
                       std::uint32_t /*next*/, const spa_pod* value) {
       if (parameter == SPA_PARAM_Route) {
@@ -33,13 +35,22 @@ DeviceRoute::DeviceRoute(const Connection& connection, RoutePlace place, std::fu
     return events;
   }();
   pw_device_add_listener(m_Device, &m_Hook, &kEvents, this);
-  std::array<std::uint32_t, 1> parameters{SPA_PARAM_Route};
-  pw_device_subscribe_params(m_Device, parameters.data(), parameters.size());
 }
 
 DeviceRoute::~DeviceRoute() {
   spa_hook_remove(&m_Hook);
   pw_proxy_destroy(reinterpret_cast<pw_proxy*>(m_Device));
+}
+
+// Cards are devices of the session manager. Of such a device the daemon (0.3.65) does not report a parameter's changes
+// by itself; it says that there is one.
+void DeviceRoute::OnInfo(const pw_device_info& info) {
+  const bool hasRoute = std::any_of(info.params, info.params + info.n_params, [](const spa_param_info& parameter) {
+    return parameter.id == SPA_PARAM_Route && (parameter.flags & SPA_PARAM_INFO_READ) != 0;
+  });
+  if (hasRoute && (info.change_mask & PW_DEVICE_CHANGE_MASK_PARAMS) != 0) {
+    pw_device_enum_params(m_Device, 0, SPA_PARAM_Route, 0, UINT32_MAX, nullptr);
+  }
 }
 
 void DeviceRoute::OnRoute(const spa_pod* route) {

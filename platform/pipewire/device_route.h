@@ -33,6 +33,7 @@ public:
   void Set(const SoundProps& sound);
 
 private:
+  void OnInfo(const pw_device_info& info);
   void OnRoute(const spa_pod* route);
 
   const std::int32_t m_ProfileDevice;

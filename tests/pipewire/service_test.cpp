@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 
+#include "pipewire/client/pc_config.h"
 #include "pipewire/living_room.h"
 
 namespace orvex::integration {
@@ -78,6 +79,15 @@ TEST_F(Service, EndsInOrderWithoutAMicrophone) {
   EXPECT_THAT(Log(), HasSubstr("the microphone \"microphone\" is not there"));
   EXPECT_THAT(Log(), HasSubstr("Fail to start bt audio [ret = -19]"));
   EXPECT_THAT(Log(), HasSubstr("terminate=bt_fail"));
+}
+
+TEST_F(Service, EndsInOrderWhenTheMicrophoneIsNoMicrophone) {
+  EnterRoom({});
+  pipewire::WritePcConfig(m_Room->GetDaemon().GetConfigFolder() / "pc.json", {"television", "soundbar", "driver"});
+  Start();
+  ExpectEndInOrder();
+  EXPECT_THAT(Log(), HasSubstr("the microphone \"driver\" cannot be recorded: "));
+  EXPECT_THAT(Log(), HasSubstr("Fail to start bt audio [ret = -5]"));
 }
 
 TEST_F(Service, EndsInOrderWithoutADaemon) {
