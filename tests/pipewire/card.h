@@ -7,7 +7,7 @@
 #include <memory>
 
 #include "pipewire/client/created_object.h"
-#include "pipewire/sound_props.h"
+#include "pipewire/client/sound_props.h"
 #include "pipewire/test_client.h"
 
 struct pw_proxy;

@@ -1,5 +1,5 @@
 // What a recording of a microphone gives, and whether it keeps time when the process misses cycles of the graph.
-#include "pipewire/microphone.h"
+#include "pipewire/client/microphone.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -9,9 +9,9 @@
 #include <numeric>
 #include <vector>
 
+#include "pipewire/client/semaphore.h"
 #include "pipewire/late_cycles.h"
 #include "pipewire/living_room.h"
-#include "pipewire/semaphore.h"
 
 namespace orvex::integration {
 namespace {

@@ -6,9 +6,9 @@
 
 #include "pipewire/card.h"
 #include "pipewire/client/pc_config.h"
+#include "pipewire/client/volume_scale.h"
 #include "pipewire/private_daemon.h"
 #include "pipewire/test_client.h"
-#include "pipewire/volume_scale.h"
 
 namespace orvex::integration {
 namespace {

@@ -1,5 +1,5 @@
 // Samples go in by any number, blocks come out by 768, and what was lost is told in whole blocks.
-#include "pipewire/block_queue.h"
+#include "pipewire/client/block_queue.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // How many samples were lost, by the graph's clock.
-#include "pipewire/loss_meter.h"
+#include "pipewire/client/loss_meter.h"
 
 #include <gtest/gtest.h>
 

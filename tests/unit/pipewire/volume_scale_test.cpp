@@ -1,5 +1,5 @@
 // The contract's volume and PipeWire's.
-#include "pipewire/volume_scale.h"
+#include "pipewire/client/volume_scale.h"
 
 #include <gtest/gtest.h>
 
