@@ -5,5 +5,6 @@ namespace orvex::port {
 
 constexpr int kExitInOrder = 0;  // whatever the run has found
 constexpr int kExitNoMainLoop = 1;
+constexpr int kExitUsage = 2;  // wrong arguments; a program that takes none leaves them alone
 
 }  // namespace orvex::port

@@ -7,7 +7,7 @@ namespace orvex::pipewire {
 
 using port::kExitInOrder;
 using port::kExitNoMainLoop;
-constexpr int kExitUsage = 2;
+using port::kExitUsage;
 constexpr int kExitInUse = 3;
 
 }  // namespace orvex::pipewire

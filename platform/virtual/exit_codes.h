@@ -7,7 +7,7 @@ namespace orvex::virtual_tv {
 
 using port::kExitInOrder;
 using port::kExitNoMainLoop;
-constexpr int kExitUsage = 2;
+using port::kExitUsage;
 constexpr int kExitTelevisionInUse = 3;
 constexpr int kExitNoTelevision = 4;
 

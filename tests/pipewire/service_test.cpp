@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "pipewire/client/pc_config.h"
 #include "pipewire/living_room.h"
@@ -39,6 +40,9 @@ protected:
                                         {{"ORVEX_PIPEWIRE_PLUGIN", ORVEX_PIPEWIRE_PLUGIN_FILE}});
     m_ServiceId = m_Service->GetId();
   }
+  ProcessEnding Run(const std::string& name, const std::vector<std::string>& arguments) const {
+    return m_Room->GetDaemon().Run(name, ORVEX_SERVICE_PC_PROGRAM, arguments)->WaitForEnd();
+  }
   std::string Log() const { return m_Room->GetDaemon().LogOf("service"); }
   // The service's own limit is 10 s, and the rest of the sound.
   void ExpectEndInOrder() {
@@ -51,6 +55,24 @@ protected:
   std::unique_ptr<Process> m_Service;
   pid_t m_ServiceId = 0;
 };
+
+TEST_F(Service, RefusesArgumentsAndAnswersForHelp) {
+  EnterRoom({});
+  EXPECT_EQ(Run("refused", {"--delay"}).exitCode, 2);
+  EXPECT_THAT(m_Room->GetDaemon().LogOf("refused"), HasSubstr("unknown argument \"--delay\""));
+  EXPECT_EQ(Run("help", {"--help"}).exitCode, 0);
+  EXPECT_THAT(m_Room->GetDaemon().LogOf("help"), HasSubstr("Usage: orvex-service-pc"));
+}
+
+TEST_F(Service, RunsOnceAtATime) {
+  EnterRoom({});
+  Start();
+  ASSERT_TRUE(WaitForLog("Start bt audio recorder"));
+  EXPECT_EQ(Run("second", {}).exitCode, 3);
+  EXPECT_THAT(m_Room->GetDaemon().LogOf("second"), HasSubstr("another service runs in this session"));
+  m_Service->Signal(SIGTERM);
+  ExpectEndInOrder();
+}
 
 // The grid of the remote's blocks, and one millisecond for rounding.
 constexpr double kToleranceMs = 17.5;
