@@ -1,0 +1,86 @@
+// orvex-pc calibrate on a PipeWire daemon of the test's own, in rooms whose truth is known.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+
+#include "linux/json_text.h"
+#include "pipewire/living_room.h"
+
+namespace orvex::integration {
+namespace {
+
+// What remains of a difference, of outputs with one clock.
+constexpr double kRemainsMs = 0.5;
+
+struct Outcome {
+  int exitCode = -1;
+  Json::Value result;
+  std::string log;
+};
+
+Outcome RunPc(LivingRoom& room, const std::vector<std::string>& arguments) {
+  const std::unique_ptr<Process> process = room.GetDaemon().Run(
+      arguments.front(), ORVEX_PC_PROGRAM, arguments, {{"ORVEX_PIPEWIRE_PLUGIN", ORVEX_PIPEWIRE_PLUGIN_FILE}});
+  Outcome outcome;
+  outcome.exitCode = process->WaitForEnd().exitCode.value_or(-1);
+  outcome.log = room.GetDaemon().LogOf(arguments.front());
+  try {
+    outcome.result = port::ParseJsonObject(outcome.log, "a JSON object");
+  } catch (const port::JsonError&) {
+    // Left empty: the test shows the log.
+  }
+  return outcome;
+}
+
+struct Room {
+  double referenceMs;
+  double delayedMs;
+  double delayMs;  // in force before
+  float noise;
+
+  friend void PrintTo(const Room& room, std::ostream* out) {
+    *out << room.referenceMs << "_" << room.delayedMs << "_" << room.delayMs;
+  }
+  double TruthMs(double inForceMs) const { return delayedMs + inForceMs - referenceMs; }
+};
+
+class Calibrate : public testing::TestWithParam<Room> {
+protected:
+  void SetUp() override {
+    if (std::string(ORVEX_PIPEWIRE_PLUGIN_FILE).empty()) {
+      GTEST_SKIP() << "PipeWire's plug-in for libasound is not there; script/pipewire-plugin fetches it";
+    }
+  }
+};
+
+TEST_P(Calibrate, BringsTheOutputsTogether) {
+  const Room& truth = GetParam();
+  LivingRoom room({truth.referenceMs, truth.delayedMs, truth.noise});
+  ASSERT_EQ(0, RunPc(room, {"delay", std::to_string(truth.delayMs)}).exitCode);
+  const Outcome outcome = RunPc(room, {"calibrate", "--json"});
+  EXPECT_EQ(0, outcome.exitCode) << outcome.log;
+  EXPECT_EQ("aligned", outcome.result["verdict"].asString()) << outcome.log;
+  EXPECT_NEAR(truth.TruthMs(truth.delayMs), outcome.result["before_ms"].asDouble(), kRemainsMs);
+  EXPECT_NEAR(0.0, truth.TruthMs(outcome.result["applied_ms"].asDouble()), kRemainsMs) << outcome.log;
+  EXPECT_NEAR(truth.TruthMs(outcome.result["applied_ms"].asDouble()), outcome.result["after_ms"].asDouble(), kRemainsMs)
+      << outcome.log;
+  EXPECT_LT(outcome.result["duration_s"].asDouble(), 12.0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Rooms, Calibrate,
+                         testing::Values(Room{200.0, 20.0, 0.0, 0.004F}, Room{12.0, 10.0, 0.0, 0.02F},
+                                         Room{310.0, 10.0, 500.0, 0.004F}));
+
+INSTANTIATE_TEST_SUITE_P(
+    MoreRooms, Calibrate,
+    testing::Values(Room{410.0, 10.0, 0.0, 0.004F}, Room{330.0, 10.0, 0.0, 0.01F}, Room{300.0, 60.0, 0.0, 0.02F},
+                    Room{150.0, 30.0, 20.0, 0.004F}, Room{100.0, 15.0, 85.0, 0.004F}, Room{90.0, 10.0, 100.0, 0.01F},
+                    Room{60.0, 12.0, 90.0, 0.02F}, Room{200.0, 5.0, 255.0, 0.004F}, Room{250.0, 10.0, 360.0, 0.004F},
+                    Room{300.0, 10.0, 450.0, 0.02F}, Room{350.0, 10.0, 540.0, 0.004F}, Room{400.0, 10.0, 630.0, 0.01F},
+                    Room{250.0, 30.0, 500.0, 0.004F}, Room{500.0, 10.0, 810.0, 0.004F},
+                    Room{520.0, 10.0, 900.0, 0.004F}, Room{40.0, 31.7, 0.0, 0.02F}, Room{25.3, 25.1, 0.0, 0.004F}));
+
+}  // namespace
+}  // namespace orvex::integration

@@ -1,0 +1,60 @@
+// The living room that this computer is in: its outputs, its microphone, orvex-delay and the calibration service.
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <string>
+
+#include "options/errors.h"
+#include "pc/audio_nodes.h"
+#include "pc/daemon.h"
+#include "pc/delay_line_proxy.h"
+#include "pc/living_room.h"
+#include "pc/recorder.h"
+#include "pipewire/client/pc_config.h"
+#include "run/run_signals.h"
+
+namespace orvex::tools {
+
+// A signal asked for the end.
+class Interrupted : public CommandError {
+public:
+  using CommandError::CommandError;
+};
+
+class Computer : public LivingRoom {
+public:
+  struct Callbacks {
+    std::function<void(const std::string& news)> onNews;     // of the service's run
+    std::function<void(const std::string& line)> onLogLine;  // of the service
+  };
+
+  // Throws CommandError when there is no PipeWire daemon.
+  Computer(const pipewire::PcConfig& config, std::filesystem::path service, RunSignals& signals, Callbacks callbacks);
+
+  // Both outputs and the microphone are there, switched on and fit. Throws MicrophoneProblem or CommandError.
+  void Check();
+
+  double GetDelayMs() override { return m_Delay.GetMs(); }
+  void SetDelayMs(double delayMs) override { m_Delay.SetMs(delayMs); }
+  VoiceSamples Listen(std::chrono::milliseconds duration) override;
+  ServiceRun RunService() override;
+  VoiceSamples PlayAndListen() override;
+
+private:
+  void CheckOutput(const std::vector<AudioNode>& nodes, const std::string& name) const;
+  void CheckMicrophone(const std::vector<AudioNode>& nodes) const;
+  std::optional<std::int64_t> DelayInForce();
+  void WaitWhileListening(const Recorder& recorder, std::chrono::milliseconds duration);
+  void WaitForLastSound(const Recorder& recorder);
+  void Play(const Recorder& recorder);
+
+  const pipewire::PcConfig m_Config;
+  const std::filesystem::path m_Service;
+  RunSignals& m_Signals;
+  const Callbacks m_Callbacks;
+  Daemon m_Daemon;
+  DelayLineProxy m_Delay{m_Daemon};
+};
+
+}  // namespace orvex::tools

@@ -1,0 +1,38 @@
+#include "pc/last_calibration.h"
+
+#include <cstdio>
+#include <exception>
+
+#include "linux/json_text.h"
+#include "linux/small_files.h"
+#include "linux/utc_time.h"
+#include "pc/calibration_report.h"
+#include "pipewire/client/pc_config.h"
+
+namespace orvex::tools {
+namespace {
+
+constexpr char kName[] = "last_calibration.json";
+constexpr std::size_t kMaximumBytes = 64 * 1024;
+
+}  // namespace
+
+void KeepLastCalibration(const Calibration& calibration) {
+  try {
+    Json::Value value = port::ParseJson(CalibrationJson(calibration));
+    value["time_utc"] = port::UtcNow();
+    port::ReplaceFile(pipewire::StateFolder() / kName, port::CompactJson(value) + "\n");
+  } catch (const std::exception& problem) {
+    std::fprintf(stderr, "orvex-pc: the result is not kept for \"orvex-pc status\": %s\n", problem.what());
+  }
+}
+
+Json::Value LastCalibration() {
+  try {
+    return port::ParseJsonObject(port::ReadSmallFile(pipewire::StateFolder() / kName, kMaximumBytes), "a JSON object");
+  } catch (const std::exception&) {
+    return {};
+  }
+}
+
+}  // namespace orvex::tools
