@@ -103,7 +103,12 @@ struct Connection::State {
 Connection::Connection(pw_loop* loop, std::function<void()> onLost) : m_State(std::make_unique<State>()) {
   State& state = *m_State;
   state.onLost = std::move(onLost);
-  state.context = pw_context_new(loop, nullptr, 0);
+  // Real-time priority for the thread that works off the cycles, where the person may have it. Later versions of
+  // PipeWire have it in their usual configuration.
+  state.context = pw_context_new(loop, pw_properties_new(PW_KEY_CONFIG_NAME, "client-rt.conf", nullptr), 0);
+  if (state.context == nullptr) {
+    state.context = pw_context_new(loop, nullptr, 0);
+  }
   if (state.context == nullptr) {
     throw PipeWireError("no context", errno);
   }
