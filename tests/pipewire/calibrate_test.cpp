@@ -2,37 +2,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
+#include <string>
 
-#include "linux/json_text.h"
-#include "pipewire/living_room.h"
+#include "pipewire/pc_run.h"
 
 namespace orvex::integration {
 namespace {
 
 // What remains of a difference, of outputs with one clock.
 constexpr double kRemainsMs = 0.5;
-
-struct Outcome {
-  int exitCode = -1;
-  Json::Value result;
-  std::string log;
-};
-
-Outcome RunPc(LivingRoom& room, const std::vector<std::string>& arguments) {
-  const std::unique_ptr<Process> process = room.GetDaemon().Run(
-      arguments.front(), ORVEX_PC_PROGRAM, arguments, {{"ORVEX_PIPEWIRE_PLUGIN", ORVEX_PIPEWIRE_PLUGIN_FILE}});
-  Outcome outcome;
-  outcome.exitCode = process->WaitForEnd().exitCode.value_or(-1);
-  outcome.log = room.GetDaemon().LogOf(arguments.front());
-  try {
-    outcome.result = port::ParseJsonObject(outcome.log, "a JSON object");
-  } catch (const port::JsonError&) {
-    // Left empty: the test shows the log.
-  }
-  return outcome;
-}
 
 struct Room {
   double referenceMs;
@@ -46,20 +24,13 @@ struct Room {
   double TruthMs(double inForceMs) const { return delayedMs + inForceMs - referenceMs; }
 };
 
-class Calibrate : public testing::TestWithParam<Room> {
-protected:
-  void SetUp() override {
-    if (std::string(ORVEX_PIPEWIRE_PLUGIN_FILE).empty()) {
-      GTEST_SKIP() << "PipeWire's plug-in for libasound is not there; script/pipewire-plugin fetches it";
-    }
-  }
-};
+class Calibrate : public PcTest, public testing::WithParamInterface<Room> {};
 
 TEST_P(Calibrate, BringsTheOutputsTogether) {
   const Room& truth = GetParam();
   LivingRoom room({truth.referenceMs, truth.delayedMs, truth.noise});
   ASSERT_EQ(0, RunPc(room, {"delay", std::to_string(truth.delayMs)}).exitCode);
-  const Outcome outcome = RunPc(room, {"calibrate", "--json"});
+  const PcOutcome outcome = RunPc(room, {"calibrate", "--json"});
   EXPECT_EQ(0, outcome.exitCode) << outcome.log;
   EXPECT_EQ("aligned", outcome.result["verdict"].asString()) << outcome.log;
   EXPECT_NEAR(truth.TruthMs(truth.delayMs), outcome.result["before_ms"].asDouble(), kRemainsMs);

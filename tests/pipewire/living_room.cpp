@@ -74,8 +74,16 @@ double LivingRoom::GetDelay() {
 }
 
 void LivingRoom::RemoveReference() {
-  m_Client->RemoveOutput(kReference);
-  Require(m_Client->WaitForNoNode(kReference), "the end of the reference output");
+  RemoveOutput(kReference);
+}
+
+void LivingRoom::RemoveDelayed() {
+  RemoveOutput(kDelayed);
+}
+
+void LivingRoom::RemoveOutput(const char* name) {
+  m_Client->RemoveOutput(name);
+  Require(m_Client->WaitForNoNode(name), "the end of an output");
 }
 
 void LivingRoom::RemoveMicrophone() {
@@ -134,10 +142,12 @@ void LivingRoom::Repair() {
 }
 
 void LivingRoom::AddMicrophone() {
-  m_Microphone = pipewire::CreateNullSink(
-      m_Client->GetConnection(),
-      {{PW_KEY_NODE_NAME, kMicrophone}, {PW_KEY_MEDIA_CLASS, "Audio/Source/Virtual"}, {"audio.position", "MONO"}},
-      [](const std::string&) {});
+  m_Microphone = pipewire::CreateNullSink(m_Client->GetConnection(),
+                                          {{PW_KEY_NODE_NAME, kMicrophone},
+                                           {PW_KEY_MEDIA_CLASS, "Audio/Source/Virtual"},
+                                           {"audio.position", "MONO"},
+                                           {"audio.rate", std::to_string(m_Ways.microphoneHz)}},
+                                          [](const std::string&) {});
 }
 
 void LivingRoom::Enter() {

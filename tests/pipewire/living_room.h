@@ -30,6 +30,7 @@ public:
 
   // Return when it is gone.
   void RemoveReference();
+  void RemoveDelayed();
   void RemoveMicrophone();
   void StopDelay();
   // What was removed is there again, and linked.
@@ -41,6 +42,7 @@ private:
   void Enter();
   void Leave();
   void AddMicrophone();
+  void RemoveOutput(const char* name);
 
   const RoomWays m_Ways;
   PrivateDaemon m_Daemon;
