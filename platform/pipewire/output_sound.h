@@ -19,6 +19,8 @@ class OutputSound {
 public:
   // `node`: its name. Throws PipeWireError when it is not there.
   OutputSound(Session& session, const std::string& node);
+  OutputSound(const OutputSound&) = delete;
+  OutputSound& operator=(const OutputSound&) = delete;
 
   // Both values are there.
   const SoundProps& Get() const;
