@@ -20,7 +20,7 @@
 namespace orvex::tools {
 namespace {
 
-struct Arguments {
+struct CalibrateArguments {
   bool json = false;
   bool coarse = false;
   bool verbose = false;
@@ -46,7 +46,7 @@ private:
   std::chrono::steady_clock::time_point m_Start = std::chrono::steady_clock::now();
 };
 
-Calibration CalibrateThisComputer(const Arguments& arguments, RunSignals& signals, const OutputFile* report) {
+Calibration CalibrateThisComputer(const CalibrateArguments& arguments, RunSignals& signals, const OutputFile* report) {
   News news(!arguments.json);
   const auto show = [&](const std::string& text) { news.Show(text); };
   Calibration result;
@@ -78,7 +78,7 @@ Calibration CalibrateThisComputer(const Arguments& arguments, RunSignals& signal
   return result;
 }
 
-int Run(const Arguments& arguments) {
+int RunCalibrate(const CalibrateArguments& arguments) {
   std::optional<OutputFile> report;
   if (!arguments.report.empty()) {
     report.emplace(arguments.report, std::vector<std::string>{});
@@ -97,7 +97,7 @@ int Run(const Arguments& arguments) {
 }  // namespace
 
 void AddCalibrateCommand(CLI::App& app, int& exitCode) {
-  const auto arguments = std::make_shared<Arguments>();
+  const auto arguments = std::make_shared<CalibrateArguments>();
   CLI::App* const command = app.add_subcommand(
       "calibrate", "play the test sound, listen, and set the delay so that both outputs are heard together");
   command->add_flag("--json", arguments->json, "print one JSON object and nothing else on stdout");
@@ -109,7 +109,7 @@ void AddCalibrateCommand(CLI::App& app, int& exitCode) {
   command->add_option("--service", arguments->service, "the service; default: ORVEX_SERVICE, else beside orvex-pc")
       ->type_name("PATH");
   command->add_flag("-v,--verbose", arguments->verbose, "show the service's log on stderr");
-  command->callback([=, &exitCode] { exitCode = Run(*arguments); });
+  command->callback([=, &exitCode] { exitCode = RunCalibrate(*arguments); });
 }
 
 }  // namespace orvex::tools

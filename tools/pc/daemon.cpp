@@ -6,7 +6,7 @@
 namespace orvex::tools {
 namespace {
 
-constexpr std::chrono::seconds kPatience(3);
+constexpr std::chrono::seconds kAnswerPatience(3);
 
 }  // namespace
 
@@ -45,7 +45,7 @@ void Daemon::RoundTrip() {
     *isAnswered = true;
     m_Loop.Notify();
   });
-  if (!WaitUntil([&] { return *isAnswered; }, kPatience)) {
+  if (!WaitUntil([&] { return *isAnswered; }, kAnswerPatience)) {
     throw CommandError("PipeWire does not answer");
   }
 }

@@ -13,7 +13,7 @@
 namespace orvex::tools {
 namespace {
 
-int Run(const std::optional<double>& delayMs) {
+int RunDelay(const std::optional<double>& delayMs) {
   Daemon daemon;
   DelayLineProxy line(daemon);
   if (delayMs) {
@@ -31,7 +31,7 @@ void AddDelayCommand(CLI::App& app, int& exitCode) {
   CLI::App* const command = app.add_subcommand("delay", "show the delay that is in force, or set another one");
   command->add_option("MS", *delayMs, "milliseconds, fractions allowed")
       ->check(CLI::Range(0.0, pipewire::kMaximumDelayMs));
-  command->callback([=, &exitCode] { exitCode = Run(*delayMs); });
+  command->callback([=, &exitCode] { exitCode = RunDelay(*delayMs); });
 }
 
 }  // namespace orvex::tools

@@ -13,7 +13,7 @@ namespace {
 
 using pipewire::ThreadLoop;
 
-constexpr std::chrono::seconds kPatience(2);
+constexpr std::chrono::seconds kDelayPatience(2);
 // Of a graph as slow as 8 kHz: the line delays by whole samples.
 constexpr double kOneSampleMs = 1e3 / 8000.0;
 
@@ -39,7 +39,7 @@ DelayLineProxy::~DelayLineProxy() {
 double DelayLineProxy::GetMs() {
   const ThreadLoop::Lock lock(m_Daemon.GetLoop());
   if (m_Daemon.GetConnection().FindNode(pipewire::kDelayNode) == nullptr ||
-      !m_Daemon.WaitUntil([&] { return m_Control->GetMs().has_value(); }, kPatience)) {
+      !m_Daemon.WaitUntil([&] { return m_Control->GetMs().has_value(); }, kDelayPatience)) {
     throw CommandError(kNoDelayLine);
   }
   return *m_Control->GetMs();
@@ -54,7 +54,7 @@ void DelayLineProxy::SetMs(double delayMs) {
     const std::optional<double> inForce = m_Control->GetMs();
     return inForce && std::abs(*inForce - delayMs) < kOneSampleMs;
   };
-  if (!m_Daemon.WaitUntil(isInForce, kPatience)) {
+  if (!m_Daemon.WaitUntil(isInForce, kDelayPatience)) {
     throw CommandError(fmt::format("orvex-delay did not take a delay of {:.1f} ms", delayMs));
   }
 }

@@ -57,7 +57,7 @@ std::string DevicesTable(const std::vector<AudioNode>& nodes) {
   return text;
 }
 
-int Run(bool json) {
+int RunDevices(bool json) {
   Daemon daemon;
   const std::vector<AudioNode> nodes = ListAudioNodes(daemon);
   StandardOutput out;
@@ -71,7 +71,7 @@ void AddDevicesCommand(CLI::App& app, int& exitCode) {
   const auto json = std::make_shared<bool>(false);
   CLI::App* const command = app.add_subcommand("devices", "list the outputs and microphones of this computer");
   command->add_flag("--json", *json, "one JSON object a line");
-  command->callback([=, &exitCode] { exitCode = Run(*json); });
+  command->callback([=, &exitCode] { exitCode = RunDevices(*json); });
 }
 
 }  // namespace orvex::tools

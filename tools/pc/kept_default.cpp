@@ -10,7 +10,7 @@
 namespace orvex::tools {
 namespace {
 
-constexpr std::size_t kMaximumBytes = 4096;
+constexpr std::size_t kMaximumNameBytes = 4096;
 
 std::filesystem::path KeptFile() {
   return pipewire::StateFolder() / "default_output";
@@ -28,7 +28,7 @@ void KeepDefault(const std::string& node) {
 
 std::optional<std::string> TakeKeptDefault() {
   try {
-    std::string text = port::ReadSmallFile(KeptFile(), kMaximumBytes);
+    std::string text = port::ReadSmallFile(KeptFile(), kMaximumNameBytes);
     std::error_code ignored;
     std::filesystem::remove(KeptFile(), ignored);
     return text.substr(0, text.find('\n'));

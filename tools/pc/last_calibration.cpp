@@ -12,8 +12,8 @@
 namespace orvex::tools {
 namespace {
 
-constexpr char kName[] = "last_calibration.json";
-constexpr std::size_t kMaximumBytes = 64 * 1024;
+constexpr char kResultName[] = "last_calibration.json";
+constexpr std::size_t kMaximumResultBytes = 64 * 1024;
 
 }  // namespace
 
@@ -21,7 +21,7 @@ void KeepLastCalibration(const Calibration& calibration) {
   try {
     Json::Value value = port::ParseJson(CalibrationJson(calibration));
     value["time_utc"] = port::UtcNow();
-    port::ReplaceFile(pipewire::StateFolder() / kName, port::CompactJson(value) + "\n");
+    port::ReplaceFile(pipewire::StateFolder() / kResultName, port::CompactJson(value) + "\n");
   } catch (const std::exception& problem) {
     std::fprintf(stderr, "orvex-pc: the result is not kept for \"orvex-pc status\": %s\n", problem.what());
   }
@@ -29,7 +29,8 @@ void KeepLastCalibration(const Calibration& calibration) {
 
 Json::Value LastCalibration() {
   try {
-    return port::ParseJsonObject(port::ReadSmallFile(pipewire::StateFolder() / kName, kMaximumBytes), "a JSON object");
+    return port::ParseJsonObject(port::ReadSmallFile(pipewire::StateFolder() / kResultName, kMaximumResultBytes),
+                                 "a JSON object");
   } catch (const std::exception&) {
     return {};
   }

@@ -32,7 +32,7 @@ void Remove(const std::filesystem::path& path) {
   }
 }
 
-int Run() {
+int RunRemove() {
   PutDefaultBack();
   StopUserService();
   Remove(pipewire::PcConfigFile());
@@ -48,7 +48,7 @@ int Run() {
 
 void AddRemoveCommand(CLI::App& app, int& exitCode) {
   CLI::App* const command = app.add_subcommand("remove", "take back everything that setup has done");
-  command->callback([&exitCode] { exitCode = Run(); });
+  command->callback([&exitCode] { exitCode = RunRemove(); });
 }
 
 }  // namespace orvex::tools

@@ -21,7 +21,7 @@
 namespace orvex::tools {
 namespace {
 
-struct Arguments {
+struct SetupArguments {
   pipewire::PcConfig config;
   bool noService = false;
   bool isDefault = false;
@@ -102,7 +102,7 @@ void MakeDefault(Daemon& daemon) {
   }
 }
 
-int Run(Arguments arguments) {
+int RunSetup(SetupArguments arguments) {
   Daemon daemon;
   Complete(ListAudioNodes(daemon), arguments.config);
   const auto file = pipewire::PcConfigFile();
@@ -126,7 +126,7 @@ int Run(Arguments arguments) {
 }  // namespace
 
 void AddSetupCommand(CLI::App& app, int& exitCode) {
-  const auto arguments = std::make_shared<Arguments>();
+  const auto arguments = std::make_shared<SetupArguments>();
   CLI::App* const command = app.add_subcommand(
       "setup", "choose the two outputs and the microphone, and start the delay line; asks for what is left out");
   command->add_option("--reference", arguments->config.reference, "the output that is heard as it is, the later one")
@@ -136,7 +136,7 @@ void AddSetupCommand(CLI::App& app, int& exitCode) {
   command->add_option("--microphone", arguments->config.microphone, "the microphone that listens")->type_name("NODE");
   command->add_flag("--no-service", arguments->noService, "only write the file; orvex-delay is started by hand");
   command->add_flag("--default", arguments->isDefault, "programs are to play to \"Orvex\" by default");
-  command->callback([=, &exitCode] { exitCode = Run(*arguments); });
+  command->callback([=, &exitCode] { exitCode = RunSetup(*arguments); });
 }
 
 }  // namespace orvex::tools

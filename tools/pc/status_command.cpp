@@ -102,7 +102,7 @@ bool IsComplete(const Json::Value& status) {
          status["reference"]["links"].asInt() > 0 && status["delayed"]["links"].asInt() > 0;
 }
 
-int Run(bool json) {
+int RunStatus(bool json) {
   const pipewire::PcConfig config = pipewire::ReadPcConfig(pipewire::PcConfigFile());
   Daemon daemon;
   const Json::Value status = Status(daemon, config);
@@ -119,7 +119,7 @@ void AddStatusCommand(CLI::App& app, int& exitCode) {
   const auto json = std::make_shared<bool>(false);
   CLI::App* const command = app.add_subcommand("status", "show the delay, both outputs and the last calibration");
   command->add_flag("--json", *json, "print one JSON object");
-  command->callback([=, &exitCode] { exitCode = Run(*json); });
+  command->callback([=, &exitCode] { exitCode = RunStatus(*json); });
 }
 
 }  // namespace orvex::tools
