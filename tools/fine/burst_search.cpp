@@ -198,10 +198,6 @@ private:
 
 }  // namespace
 
-bool ToneBursts::AreNone() const {
-  return std::none_of(positions.begin(), positions.end(), [](const auto& position) { return position.has_value(); });
-}
-
 std::size_t SearchSteps(const tools::SoundDesign& sound) {
   constexpr std::size_t kOfEachPair = 2;  // a piece of the base band, and the pair's part of the comb
   return std::size(kTones) * kOfEachPair * static_cast<std::size_t>(sound.pairs);

@@ -19,8 +19,6 @@ namespace orvex::fine {
 struct ToneBursts {
   std::vector<std::optional<std::int64_t>> positions;
   double noisePower = 0.0;  // of the base band between the bursts, at least that of rounding to whole samples
-
-  bool AreNone() const;
 };
 
 // How many steps a search has. They take about equally long.

@@ -190,10 +190,10 @@ namespace {
 // The logarithms of what the hypotheses weigh are kept against the largest so far.
 class WeightedSums {
 public:
-  void Add(double logWeight, double onset, double amplitude, double reverberationDb, bool isReflected) {
+  void Add(double logWeight, double onset, double amplitude, bool isReflected) {
     if (logWeight > m_Largest) {
       const double less = std::exp(m_Largest - logWeight);
-      for (double* const sum : {&weight, &onsetSum, &squareSum, &amplitudeSum, &reverberationSum, &reflectedSum}) {
+      for (double* const sum : {&weight, &onsetSum, &squareSum, &amplitudeSum, &reflectedSum}) {
         *sum *= less;
       }
       m_Largest = logWeight;
@@ -203,7 +203,6 @@ public:
     onsetSum += share * onset;
     squareSum += share * onset * onset;
     amplitudeSum += share * amplitude;
-    reverberationSum += share * reverberationDb;
     reflectedSum += isReflected ? share : 0.0;
   }
   bool IsNegligible(double logWeight) const { return logWeight < m_Largest - kNegligible; }
@@ -212,7 +211,6 @@ public:
   double onsetSum = 0.0;
   double squareSum = 0.0;
   double amplitudeSum = 0.0;
-  double reverberationSum = 0.0;
   double reflectedSum = 0.0;
 
 private:
@@ -256,8 +254,7 @@ Onset OnsetModel::Fit(const std::vector<std::complex<double>>& values, std::size
         const double logLikelihood = base + std::norm(product) / norm - std::log(norm) + logShare;
         if (!sums.IsNegligible(logLikelihood)) {
           const double amplitude = std::abs(product) / norm;
-          const double db = ReverberationDb(power, amplitude);
-          sums.Add(logLikelihood + LogPrior(db), onset, amplitude, db, isReflected);
+          sums.Add(logLikelihood + LogPrior(ReverberationDb(power, amplitude)), onset, amplitude, isReflected);
         }
       };
       const std::complex<double> direct(products(0, 0), products(0, 1));
@@ -276,7 +273,6 @@ Onset OnsetModel::Fit(const std::vector<std::complex<double>>& values, std::size
   result.s = sums.onsetSum / sums.weight;
   result.deviationS = std::sqrt(std::max(0.0, sums.squareSum / sums.weight - result.s * result.s));
   result.amplitude = sums.amplitudeSum / sums.weight;
-  result.reverberationDb = sums.reverberationSum / sums.weight;
   result.reflection = sums.reflectedSum / sums.weight;
   return result;
 }

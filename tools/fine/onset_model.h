@@ -20,11 +20,10 @@
 namespace orvex::fine {
 
 struct Onset {
-  double s = 0.0;                // mean over its distribution, from the place that Offsets() count from
-  double deviationS = 0.0;       // of that distribution
-  double amplitude = 0.0;        // of the direct sound, in the unit of the values
-  double reverberationDb = 0.0;  // mean of its power density against the square of the amplitude, per second
-  double reflection = 0.0;       // probability of a reflection within a millisecond
+  double s = 0.0;           // mean over its distribution, from the place that Offsets() count from
+  double deviationS = 0.0;  // of that distribution
+  double amplitude = 0.0;   // of the direct sound, in the unit of the values
+  double reflection = 0.0;  // probability of a reflection within a millisecond
 };
 
 class OnsetModel {
