@@ -78,6 +78,53 @@ TEST(FineBurstAlignment, LeavesOutABurstWithAnotherSoundInIt) {
   EXPECT_THAT(PairsOf(AlignTone(recording, 1)), ElementsAre(0, 1, 3));
 }
 
+// Adds to a burst a tone beside its own, with this share of the burst's energy behind the low-pass.
+void AddBeside(Recording& recording, const HeardSound& sound, std::size_t pair, double energyShare) {
+  constexpr double kLengthMs = 18.0;
+  const double offHz = 250.0 + 50.0 * static_cast<double>(pair);
+  double passed = 0.0;
+  for (int n = 0; n < kFilterTaps; ++n) {
+    passed +=
+        LowPass()[static_cast<std::size_t>(n)] * std::cos(2.0 * tools::kPi * offHz / kVoiceRateHz * (n - kFilterHalf));
+  }
+  // The integral of a ramp's square is 3 / 8 of its length.
+  const double burstMs = sound.design.burstMs - 2.0 * sound.design.rampMs * (1.0 - 3.0 / 8.0);
+  const double amplitude = sound.amplitudes[0] / passed * std::sqrt(energyShare * burstMs / kLengthMs);
+  const double onset = OnsetOf(sound, 0, pair);
+  const auto begin = static_cast<std::size_t>(std::ceil(onset));
+  for (std::size_t n = begin; static_cast<double>(n) < onset + kLengthMs * 1e-3 * kVoiceRateHz; ++n) {
+    const double turn = 2.0 * tools::kPi * (sound.tonesHz[0] + offHz) / kVoiceRateHz * static_cast<double>(n - begin);
+    recording[n] = static_cast<std::int16_t>(recording[n] + std::lround(amplitude * std::cos(turn)));
+  }
+}
+
+// Bursts with shares a and b of other sounds correlate by 1 / sqrt((1 + a) (1 + b)).
+TEST(FineBurstAlignment, UsesBurstsThatAreNearlyAsAlikeAsTheOthers) {
+  struct Case {
+    double others;  // share of another sound in three of the bursts
+    double last;    // and in the last one
+    bool isUsed;
+  };
+  for (const Case& one : {Case{0.2, 0.3, true},      // 0.80 against 0.83: 96 % of it
+                          Case{0.2, 0.6, false},     // 0.72: 87 %
+                          Case{0.01, 0.03, true},    // 0.980 against 0.990: lacks twice as much
+                          Case{0.01, 0.1, false},    // 0.949: lacks five times as much
+                          Case{0.0, 0.0025, true},   // 0.9988 against 1
+                          Case{0.0, 0.012, false}})  // 0.994
+  {
+    HeardSound sound;
+    sound.amplitudes = {6000.0, 0.0};
+    sound.noise = 5.0;
+    Recording recording = MakeRecording(sound);
+    for (std::size_t pair = 0; pair < 4; ++pair) {
+      AddBeside(recording, sound, pair, pair == 3 ? one.last : one.others);
+    }
+    const std::vector<std::size_t> pairs = PairsOf(AlignTone(recording, 0));
+    EXPECT_EQ(one.isUsed ? std::vector<std::size_t>({0, 1, 2, 3}) : std::vector<std::size_t>({0, 1, 2}), pairs)
+        << one.others << " " << one.last;
+  }
+}
+
 TEST(FineBurstAlignment, UsesABurstThatTheRecordingEndsInWhenThereIsNoOther) {
   const HeardSound sound = LoudSound();
   Recording recording = MakeRecording(sound);

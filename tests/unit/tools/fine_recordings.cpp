@@ -90,6 +90,13 @@ Recording RecordRoom(const sim::RoomConfig& room, double startMs, double lengthM
   return recording;
 }
 
+Recording SumOf(const Recording& one, const Recording& other) {
+  Recording sum(one.size());
+  std::transform(one.begin(), one.end(), other.begin(), sum.begin(),
+                 [](std::int16_t a, std::int16_t b) { return static_cast<std::int16_t>(a + b); });
+  return sum;
+}
+
 void LoseBlock(Recording& recording, double atMs) {
   const auto begin = recording.begin() + static_cast<std::ptrdiff_t>(SampleAt(atMs));
   recording.erase(begin, begin + kVoiceBlockSamples);

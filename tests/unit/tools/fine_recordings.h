@@ -37,6 +37,8 @@ Recording MakeNoise(double ms, double deviation, unsigned seed = 1);
 // What the remote delivers of the test sound in a room. The first frame is played at `startMs`.
 Recording RecordRoom(const sim::RoomConfig& room, double startMs, double lengthMs);
 
+// Of equal length.
+Recording SumOf(const Recording& one, const Recording& other);
 void LoseBlock(Recording& recording, double atMs);
 void CutAt(Recording& recording, double ms);
 

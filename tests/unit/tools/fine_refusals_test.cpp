@@ -74,6 +74,42 @@ TEST(FineRefusals, ClicksInTheRhythmOfTheSoundAreNoTones) {
   }
 }
 
+// A tone that begins at once and fades.
+Recording Pings(const HeardSound& sound, std::size_t tone, double decayS) {
+  Recording pings(MakeRecording(sound).size());
+  for (std::size_t pair = 0; pair < 4; ++pair) {
+    const double onset = OnsetOf(sound, tone, pair);
+    for (auto n = static_cast<std::size_t>(std::ceil(onset)); static_cast<double>(n) < onset + 4000.0; ++n) {
+      const double s = (static_cast<double>(n) - onset) / kVoiceRateHz;
+      const double value = 8000.0 * std::exp(-s / decayS) * std::sin(2.0 * tools::kPi * sound.tonesHz[tone] * s);
+      pings[n] = static_cast<std::int16_t>(std::lround(value));
+    }
+  }
+  return pings;
+}
+
+// A length of the low-pass later, 2.5 ms, each has fallen by exp(-2.5 ms / decay): both steadinesses together are 0.06,
+// 0.10, 0.14 and 0.24.
+TEST(FineRefusals, PingsInTheRhythmOfTheSoundAreTheLessSteadyTheFasterTheyFade) {
+  const HeardSound sound = SoundAt(60.0);
+  for (const double decayS : {1.8e-3, 2.2e-3, 2.6e-3, 3.5e-3}) {
+    const Recording pings = SumOf(Pings(sound, 0, decayS), Pings(sound, 1, decayS));
+    const std::string reason = ReadingOf(SumOf(pings, MakeNoise(sound.lengthMs, sound.noise))).reason;
+    EXPECT_EQ(decayS < 2.4e-3, reason.find("no steady tone") != std::string::npos) << decayS << ": " << reason;
+  }
+}
+
+TEST(FineRefusals, TheToneIsNamedThatIsNotSteady) {
+  for (const std::size_t fading : {0U, 1U}) {
+    HeardSound sound = SoundAt(60.0);
+    sound.amplitudes[fading] = 0.0;
+    sound.amplitudes[1 - fading] = 3000.0;
+    ExpectRefused(
+        SumOf(MakeRecording(sound), Pings(sound, fading, 0.9e-3)),
+        fading == 0 ? "what is heard near 17 kHz is no steady tone" : "what is heard near 19 kHz is no steady tone");
+  }
+}
+
 TEST(FineRefusals, NoiseInTheRhythmOfTheSoundIsNotAlike) {
   const Recording rattle = SoundingAt({}, [](Recording& recording, std::size_t begin, std::size_t pair) {
     const Recording noise = MakeNoise(18.0, 3000.0, static_cast<unsigned>(pair + 1));
@@ -152,7 +188,9 @@ TEST(FineRefusals, ClippingMovesNothing) {
     HeardSound sound = SoundAt(differenceMs);
     sound.amplitudes = {1600.0, 1600.0};
     sound.gainDb = 30.0;
-    ExpectNotWrong(sound, 1.0);
+    const Reading reading = ReadingOf(MakeRecording(sound));
+    ASSERT_TRUE(reading.differenceS) << reading.reason;
+    EXPECT_NEAR(differenceMs, *reading.differenceS * 1e3, 1.0);
   }
 }
 
@@ -169,6 +207,16 @@ TEST(FineRefusals, TonesBesideItsOwnAreNoSound) {
     sound.tonesHz = {16000.0, 18000.0};
     EXPECT_THAT(ReadingOf(MakeRecording(sound)).reason,
                 testing::StartsWith("the bursts near 17 kHz have another frequency, "));
+  }
+}
+
+// 350 Hz are 2.1 % of one tone and 1.8 % of the other.
+TEST(FineRefusals, TonesMoreThanTwoPercentOffHaveAnotherFrequency) {
+  for (const double offHz : {-350.0, -170.0, 170.0, 350.0}) {
+    HeardSound sound = SoundAt(0.0);
+    sound.tonesHz = {tools::kLeftToneHz + offHz, tools::kRightToneHz + offHz};
+    const Reading reading = ReadingOf(MakeRecording(sound));
+    EXPECT_EQ(std::abs(offHz) < 200.0, reading.differenceS.has_value()) << offHz << " Hz: " << reading.reason;
   }
 }
 

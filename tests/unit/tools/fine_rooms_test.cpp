@@ -1,4 +1,5 @@
 // Readings of recordings that the room model makes, against its true differences.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -8,6 +9,8 @@
 
 namespace orvex::fine {
 namespace {
+
+using ::testing::MatchesRegex;
 
 constexpr double kStartMs = 600.0;  // the first bursts are heard some 250 ms later
 constexpr double kLengthMs = 3300.0;
@@ -99,6 +102,18 @@ TEST(FineRooms, FindsTheSoundInTwoMinutesOfNoise) {
   }
   recording.insert(recording.begin() + static_cast<std::ptrdiff_t>(recording.size() / 2), sound.begin(), sound.end());
   ExpectTruth(room, ReadingOf(recording), 0.15);
+}
+
+// The direct sound of one loudspeaker is 19 dB weaker than its reverberation: when that begins is anyone's guess.
+TEST(FineRooms, RefusesAnOnsetThatDrownsInReverberation) {
+  sim::RoomConfig room = RoomWith(-60.0);
+  room.tv.latencyMs = 80.0;
+  room.optical.latencyMs = 20.0;
+  room.optical.rt60S = 1.1;
+  room.optical.directToReverberantDb = -19.0;
+  const Reading reading = ReadingOf(RecordRoom(room, kStartMs, kLengthMs));
+  EXPECT_FALSE(reading.differenceS);
+  EXPECT_THAT(reading.reason, MatchesRegex("the onset of 19 kHz is not clear, 1\\.[0-9][0-9] ms to either side"));
 }
 
 // When the first burst of the tone that comes second is heard.
