@@ -66,7 +66,7 @@ std::string Ask(const std::vector<AudioNode>& nodes, const Role& role) {
     if (!std::getline(std::cin, line)) {
       throw UsageError(std::string(role.option) + " is missing");
     }
-    const std::string name = Answer(choices, line);
+    std::string name = Answer(choices, line);
     if (FindAudioNode(choices, role.kind, name) != nullptr) {
       return name;
     }
