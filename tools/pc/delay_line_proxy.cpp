@@ -38,6 +38,7 @@ DelayLineProxy::~DelayLineProxy() {
 
 double DelayLineProxy::GetMs() {
   const ThreadLoop::Lock lock(m_Daemon.GetLoop());
+  m_Daemon.RoundTrip();  // what another program has just set is told by then
   if (m_Daemon.GetConnection().FindNode(pipewire::kDelayNode) == nullptr ||
       !m_Daemon.WaitUntil([&] { return m_Control->GetMs().has_value(); }, kDelayPatience)) {
     throw CommandError(kNoDelayLine);
