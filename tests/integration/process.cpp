@@ -56,6 +56,12 @@ private:
   posix_spawn_file_actions_t m_Actions{};
 };
 
+bool IsHeldBack(int signal) {
+  sigset_t mask;
+  ::pthread_sigmask(SIG_SETMASK, nullptr, &mask);
+  return sigismember(&mask, signal) == 1;
+}
+
 class Attributes {
 public:
   explicit Attributes(const ProcessCommand& command) {
@@ -66,7 +72,10 @@ public:
     }
     posix_spawnattr_init(&m_Attributes);
     posix_spawnattr_setsigmask(&m_Attributes, &blocked);
-    posix_spawnattr_setflags(&m_Attributes, POSIX_SPAWN_SETSIGMASK);
+    // Who holds interrupts back ends its children in order: a terminal's interrupt is not to reach them besides.
+    posix_spawnattr_setpgroup(&m_Attributes, 0);
+    posix_spawnattr_setflags(
+        &m_Attributes, IsHeldBack(SIGINT) ? POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETPGROUP : POSIX_SPAWN_SETSIGMASK);
   }
   ~Attributes() { posix_spawnattr_destroy(&m_Attributes); }
   Attributes(const Attributes&) = delete;

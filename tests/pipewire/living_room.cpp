@@ -144,6 +144,7 @@ void LivingRoom::Repair() {
 void LivingRoom::AddMicrophone() {
   m_Microphone = pipewire::CreateNullSink(m_Client->GetConnection(),
                                           {{PW_KEY_NODE_NAME, kMicrophone},
+                                           {PW_KEY_NODE_DESCRIPTION, "Microphone"},
                                            {PW_KEY_MEDIA_CLASS, "Audio/Source/Virtual"},
                                            {"audio.position", "MONO"},
                                            {"audio.rate", std::to_string(m_Ways.microphoneHz)}},

@@ -82,6 +82,8 @@ PrivateDaemon::PrivateDaemon() : m_Folder(MakeFolder()) {
   for (const char* name : {"PIPEWIRE_RUNTIME_DIR", "PIPEWIRE_REMOTE", "PIPEWIRE_CONFIG_DIR", "PIPEWIRE_NODE"}) {
     ::unsetenv(name);
   }
+  // That of the person leads to his own services.
+  ::setenv("DBUS_SESSION_BUS_ADDRESS", "disabled:", 1);
   fs::permissions(m_Folder / "run", fs::perms::owner_all);
   Start();
 }
