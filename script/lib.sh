@@ -30,6 +30,35 @@ configure() {
   fi
 }
 
+# build_targets BUILD_DIR TARGET...: builds them and shows how far it is: on a terminal in one line, elsewhere every 10 s.
+# What the build prints is shown when it fails.
+build_targets() {
+  local folder=$1 log=$1/demo.log result=0
+  shift
+  cmake --build "$folder" --target "$@" 2>&1 | tee "$log" | show_steps || result=$?
+  if [ $result != 0 ]; then
+    tail -n 60 "$log" >&2
+  fi
+  return $result
+}
+
+# Of lines such as "[12/57] Building …", what is in brackets.
+show_steps() {
+  local line step next=$((SECONDS + 10))
+  while read -r line; do
+    step=${line%%]*}
+    if [ "$line" = "$step" ]; then
+      continue
+    elif [ -t 2 ]; then
+      printf '\r    %s ' "${step#[}" >&2
+    elif [ $SECONDS -ge $next ]; then
+      say "    ${step#[}"
+      next=$((SECONDS + 10))
+    fi
+  done
+  [ ! -t 2 ] || [ -z "${step:-}" ] || printf '\r%40s\r' '' >&2
+}
+
 # The C++ files of the project, new ones included, one name per line.
 cpp_files() { git ls-files --cached --others --exclude-standard --deduplicate -- '*.cpp' '*.h' | while read -r file; do
   [ ! -f "$file" ] || printf '%s\n' "$file"
