@@ -3,6 +3,8 @@
 #include <fmt/core.h>
 #include <json/writer.h>
 
+#include <cmath>
+
 namespace orvex::tools {
 namespace {
 
@@ -10,10 +12,20 @@ Json::Value OrNull(const std::optional<double>& value) {
   return value ? Json::Value(*value) : Json::Value();
 }
 
+// "+0.0" rather than "-0.0".
+std::string Signed(double ms) {
+  const double tenths = std::round(ms * 10.0);
+  return fmt::format("{:+.1f}", tenths == 0.0 ? 0.0 : tenths / 10.0);
+}
+
 // The interval belongs to the last difference that is known.
 std::string WithInterval(double differenceMs, const std::optional<fine::Interval>& intervalMs) {
-  const std::string text = fmt::format("{:+.1f}", differenceMs);
-  return intervalMs ? fmt::format("{} ± {:.1f} ms", text, (intervalMs->high - intervalMs->low) / 2.0) : text + " ms";
+  const std::string text = Signed(differenceMs);
+  if (!intervalMs) {
+    return text + " ms";
+  }
+  const double half = (intervalMs->high - intervalMs->low) / 2.0;
+  return fmt::format("{} ± {:.1f} ms", text, std::ceil(half * 10.0 - 1e-9) / 10.0);  // never less than it is
 }
 
 std::string DifferencesInWords(const Calibration& calibration) {
@@ -23,7 +35,7 @@ std::string DifferencesInWords(const Calibration& calibration) {
   if (!calibration.afterMs) {
     return "difference " + WithInterval(*calibration.beforeMs, calibration.intervalMs);
   }
-  return fmt::format("before {:+.1f} ms, now {}", *calibration.beforeMs,
+  return fmt::format("before {} ms, now {}", Signed(*calibration.beforeMs),
                      WithInterval(*calibration.afterMs, calibration.intervalMs));
 }
 

@@ -29,6 +29,18 @@ TEST(PcReport, OneLineSaysWhatWasAndWhatIs) {
   EXPECT_EQ("aligned: before +183.2 ms, now +0.1 ± 0.3 ms; delay 16.8 ms\n", CalibrationText(Aligned()));
 }
 
+TEST(PcReport, NothingIsPlusNothing) {
+  Calibration calibration = Aligned();
+  calibration.afterMs = -0.04;
+  EXPECT_EQ("aligned: before +183.2 ms, now +0.0 ± 0.3 ms; delay 16.8 ms\n", CalibrationText(calibration));
+}
+
+TEST(PcReport, TheIntervalIsNeverToldNarrowerThanItIs) {
+  Calibration calibration = Aligned();
+  calibration.intervalMs = {0.06, 0.1};
+  EXPECT_EQ("aligned: before +183.2 ms, now +0.1 ± 0.1 ms; delay 16.8 ms\n", CalibrationText(calibration));
+}
+
 TEST(PcReport, OneLineSaysWhyThereIsNoDifference) {
   Calibration calibration;
   calibration.verdict = PcVerdict::kNoDifference;
