@@ -20,11 +20,10 @@ constexpr int kExitUsage = 2;
 constexpr char kDescription[] =
     "Plays what programs play to the sink \"orvex\" on two outputs, on one of them with a delay. The outputs are those "
     "of the file orvex/pc.json in $XDG_CONFIG_HOME, by default ~/.config; \"orvex-pc setup\" writes it. The delay is "
-    "set "
-    "by the calibration; the last one is kept in the file orvex/delay in $XDG_STATE_HOME, by default "
-    "~/.local/state.\n\n"
-    "Runs until it is ended. Exit code: 0 ended by SIGTERM or SIGINT, 1 it cannot go on, as without a PipeWire daemon, "
-    "2 wrong usage or a bad pc.json.";
+    "set by the calibration; the last one is kept in the file orvex/delay in $XDG_STATE_HOME, by default "
+    "~/.local/state. Runs until it is ended.\n\n"
+    "Exit code: 0 ended by SIGTERM or SIGINT, 1 it cannot go on, as without a PipeWire daemon, 2 wrong usage or a bad "
+    "pc.json.";
 
 void Say(const std::string& text) {
   std::fprintf(stderr, "orvex-delay: %s\n", text.c_str());
