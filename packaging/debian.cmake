@@ -5,6 +5,9 @@ set(CPACK_PACKAGING_INSTALL_PREFIX /)
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")
 set(CPACK_STRIP_FILES ON)
 set(CPACK_COMPONENTS_ALL service host-tools dev)
+if(pipewire_FOUND)
+  list(APPEND CPACK_COMPONENTS_ALL pc)
+endif()
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_PACKAGE_CONTACT "Orvex maintainers <maintainers@orvex.example.org>")
@@ -36,6 +39,11 @@ orvex_package(dev devel "platform contract and conformance suite of Orvex"
 "Everything needed to make and check a port of Orvex to another television:
 the headers of the platform contract, its promises as tests, and a CMake
 package.")
+orvex_package(pc sound "keep two outputs of a living-room computer in step"
+"A television by HDMI and a soundbar by S/PDIF or Bluetooth play the same
+programme tens to hundreds of milliseconds apart. Orvex measures that with a
+microphone and delays the output that is early. A user service plays on both
+outputs by PipeWire; a command chooses the outputs and calibrates.")
 
 set(exact "(= ${PROJECT_VERSION})")
 set(CPACK_DEBIAN_SERVICE_PACKAGE_DEPENDS "orvex-host-tools ${exact}")
@@ -43,4 +51,7 @@ set(CPACK_DEBIAN_HOST-TOOLS_PACKAGE_RECOMMENDS "orvex-service ${exact}")
 set(CPACK_DEBIAN_HOST-TOOLS_PACKAGE_SUGGESTS gnuplot-nox)
 set(CPACK_DEBIAN_DEV_PACKAGE_ARCHITECTURE all)
 set(CPACK_DEBIAN_DEV_PACKAGE_DEPENDS "cmake, libboost-dev, libgmock-dev, libgtest-dev, libefl-all-dev, libjsoncpp-dev, pkg-config")
+# The service plays by libasound, whose plug-in for PipeWire is in pipewire-alsa.
+set(CPACK_DEBIAN_PC_PACKAGE_DEPENDS "pipewire (>= 0.3.65), pipewire-alsa, wireplumber (>= 0.4.13)")
+set(CPACK_DEBIAN_PC_PACKAGE_SUGGESTS libspa-0.2-bluetooth)
 include(CPack)
