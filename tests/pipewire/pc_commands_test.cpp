@@ -1,0 +1,155 @@
+// The commands of orvex-pc beside the calibration.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <sstream>
+
+#include "linux/json_text.h"
+#include "pipewire/client/pc_config.h"
+#include "pipewire/pc_run.h"
+
+namespace orvex::integration {
+namespace {
+
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+class PcCommands : public PcTest {
+protected:
+  PcOutcome Run(const std::vector<std::string>& arguments) { return RunPc(m_Room, arguments); }
+  std::filesystem::path ConfigFile() { return m_Room.GetDaemon().GetConfigFolder() / "pc.json"; }
+  // The programs of the person are to play to this one.
+  std::string DefaultOutput() {
+    const auto process = m_Room.GetDaemon().Run("pw-metadata", "/usr/bin/pw-metadata", {"-n", "default"});
+    static_cast<void>(process->WaitForEnd());
+    std::istringstream lines(m_Room.GetDaemon().LogOf("pw-metadata"));
+    std::string found;
+    for (std::string line; std::getline(lines, line);) {
+      if (line.find("'default.configured.audio.sink'") != std::string::npos) {
+        found = line;
+      }
+    }
+    return found;
+  }
+
+  LivingRoom m_Room;
+};
+
+TEST_F(PcCommands, DevicesAreTheOutputsAndMicrophonesWithoutOurOwn) {
+  const PcOutcome outcome = Run({"devices", "--json"});
+  EXPECT_EQ(0, outcome.exitCode);
+  std::map<std::string, Json::Value> devices;
+  std::istringstream lines(outcome.log);
+  for (std::string line; std::getline(lines, line);) {
+    const Json::Value device = port::ParseJsonObject(line, "a JSON object");
+    devices[device["name"].asString()] = device;
+  }
+  ASSERT_EQ(4U, devices.size()) << outcome.log;
+  EXPECT_EQ("output", devices["television"]["kind"].asString());
+  EXPECT_EQ("output", devices["soundbar"]["kind"].asString());
+  EXPECT_EQ("microphone", devices["microphone"]["kind"].asString());
+  EXPECT_EQ(48000, devices["television"]["rate_hz"].asInt());
+  EXPECT_EQ(100, devices["television"]["volume"].asInt());
+  EXPECT_FALSE(devices["television"]["muted"].asBool());
+  EXPECT_TRUE(devices["television"]["in_use"].asBool());
+}
+
+TEST_F(PcCommands, SetupWritesWhatIsChosenAndRemoveTakesItBack) {
+  std::filesystem::remove(ConfigFile());
+  const std::string before = DefaultOutput();
+  const PcOutcome setup = Run({"setup", "--reference", "soundbar", "--delayed", "television", "--microphone",
+                               "microphone", "--no-service", "--default"});
+  EXPECT_EQ(0, setup.exitCode) << setup.log;
+  EXPECT_THAT(setup.log, HasSubstr("start the delay line with \"orvex-delay\""));
+  const pipewire::PcConfig config = pipewire::ReadPcConfig(ConfigFile());
+  EXPECT_EQ("soundbar", config.reference);
+  EXPECT_EQ("television", config.delayed);
+  EXPECT_EQ("microphone", config.microphone);
+  EXPECT_THAT(DefaultOutput(), HasSubstr("\"name\":\"orvex\""));
+
+  m_Room.StopDelay();
+  const PcOutcome remove = Run({"remove"});
+  EXPECT_EQ(0, remove.exitCode) << remove.log;
+  EXPECT_FALSE(std::filesystem::exists(ConfigFile()));
+  EXPECT_FALSE(std::filesystem::exists(m_Room.GetDaemon().GetStateFolder()));
+  EXPECT_EQ(before, DefaultOutput());
+}
+
+TEST_F(PcCommands, SetupSaysWhatThereIsToChooseAmong) {
+  struct Row {
+    std::vector<std::string> arguments;
+    const char* words;
+  };
+  const Row rows[] = {
+      {{"--reference", "nowhere", "--delayed", "soundbar", "--microphone", "microphone"},
+       "--reference \"nowhere\": there is no such output, expected driver, soundbar or television"},
+      {{"--reference", "television", "--delayed", "soundbar", "--microphone", "soundbar"},
+       "--microphone \"soundbar\": there is no such microphone, expected microphone"},
+      {{"--reference", "television", "--delayed", "television", "--microphone", "microphone"},
+       "--reference and --delayed are both \"television\", expected two outputs"},
+      {{"--reference", "television", "--microphone", "microphone"}, "--delayed is missing, expected driver"}};
+  const std::string before = port::CompactJson(pipewire::ReadPcConfig(ConfigFile()).reference);
+  for (const Row& row : rows) {
+    std::vector<std::string> arguments{"setup", "--no-service"};
+    arguments.insert(arguments.end(), row.arguments.begin(), row.arguments.end());
+    const PcOutcome outcome = Run(arguments);
+    EXPECT_EQ(2, outcome.exitCode) << row.words;
+    EXPECT_THAT(outcome.log, HasSubstr(row.words));
+  }
+  EXPECT_EQ(before, port::CompactJson(pipewire::ReadPcConfig(ConfigFile()).reference));
+}
+
+TEST_F(PcCommands, TheDelayIsSetAndShown) {
+  const PcOutcome set = Run({"delay", "12.5"});
+  EXPECT_EQ(0, set.exitCode);
+  EXPECT_EQ("12.500 ms\n", set.log);
+  EXPECT_NEAR(12.5, m_Room.GetDelay(), 0.01);
+  const PcOutcome refused = Run({"delay", "2000.5"});
+  EXPECT_EQ(2, refused.exitCode);
+  EXPECT_NEAR(12.5, m_Room.GetDelay(), 0.01);
+}
+
+TEST_F(PcCommands, StatusShowsTheChain) {
+  m_Room.SetDelay(40.0);
+  const PcOutcome whole = Run({"status", "--json"});
+  EXPECT_EQ(0, whole.exitCode) << whole.log;
+  EXPECT_NEAR(40.0, whole.result["delay_ms"].asDouble(), 0.05);
+  EXPECT_EQ(2, whole.result["programme_links"].asInt());
+  EXPECT_EQ(2, whole.result["test_links"].asInt());
+  EXPECT_EQ(2, whole.result["reference"]["links"].asInt());
+  EXPECT_EQ(2, whole.result["delayed"]["links"].asInt());
+  EXPECT_EQ("television", whole.result["reference"]["name"].asString());
+  EXPECT_TRUE(whole.result["last_calibration"].isNull());
+}
+
+TEST_F(PcCommands, StatusShowsWhatLacks) {
+  m_Room.RemoveDelayed();
+  const PcOutcome lacking = Run({"status", "--json"});
+  EXPECT_EQ(1, lacking.exitCode);
+  EXPECT_EQ("absent", lacking.result["delayed"]["state"].asString()) << lacking.log;
+  EXPECT_EQ(0, lacking.result["delayed"]["links"].asInt());
+}
+
+TEST_F(PcCommands, WithoutADelayLineTheySayWhatToStart) {
+  m_Room.StopDelay();
+  const PcOutcome status = Run({"status"});
+  EXPECT_EQ(1, status.exitCode);
+  EXPECT_THAT(status.log, HasSubstr("not running: start it"));
+  const PcOutcome delay = Run({"delay"});
+  EXPECT_EQ(1, delay.exitCode);
+  EXPECT_THAT(delay.log, HasSubstr("orvex-delay is not running: start it"));
+}
+
+TEST_F(PcCommands, WithoutADaemonTheySaySo) {
+  m_Room.StopDaemon();
+  for (const char* command : {"devices", "delay", "status", "calibrate"}) {
+    const PcOutcome outcome = Run({command});
+    EXPECT_EQ(1, outcome.exitCode) << command;
+    EXPECT_THAT(outcome.log, HasSubstr("PipeWire cannot be reached")) << command;
+  }
+}
+
+}  // namespace
+}  // namespace orvex::integration
