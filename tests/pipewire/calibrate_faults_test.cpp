@@ -12,7 +12,6 @@ namespace orvex::integration {
 namespace {
 
 using testing::HasSubstr;
-using testing::Not;
 
 constexpr double kOldMs = 25.0;
 // News of the service's run, and of orvex-pc's own listening.
@@ -28,7 +27,7 @@ protected:
   // Starts a calibration; returns when it says `news`.
   void CalibrateUntil(const char* news) {
     m_Calibrate = StartPc(*m_Room, {"calibrate"});
-    ASSERT_TRUE(m_Room->GetDaemon().WaitForLog("calibrate", news)) << m_Room->GetDaemon().LogOf("calibrate");
+    ASSERT_TRUE(m_Room->GetDaemon().WaitForLog("pc-calibrate", news)) << m_Room->GetDaemon().LogOf("pc-calibrate");
   }
   PcOutcome Finish() { return FinishPc(*m_Room, *m_Calibrate, "calibrate"); }
   void ExpectNothingLeft() {
@@ -146,7 +145,7 @@ TEST_F(CalibrateFaults, WhenTheDelayedOutputIsTheLaterOneItSaysWhatToSwap) {
 TEST_F(CalibrateFaults, AnotherProgramThatRecordsTheMicrophoneDoesNotMatter) {
   EnterRoom();
   const auto other = StartPc(*m_Room, {"calibrate"});
-  ASSERT_TRUE(m_Room->GetDaemon().WaitForLog("calibrate", kListens));
+  ASSERT_TRUE(m_Room->GetDaemon().WaitForLog("pc-calibrate", kListens));
   const auto recorder =
       m_Room->GetDaemon().Run("recorder", "/usr/bin/pw-record", {"--target", "microphone", "/dev/null"});
   const PcOutcome outcome = FinishPc(*m_Room, *other, "calibrate");

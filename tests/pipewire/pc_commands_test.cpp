@@ -13,8 +13,6 @@ namespace orvex::integration {
 namespace {
 
 using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Not;
 
 class PcCommands : public PcTest {
 protected:
@@ -22,9 +20,10 @@ protected:
   std::filesystem::path ConfigFile() { return m_Room.GetDaemon().GetConfigFolder() / "pc.json"; }
   // The programs of the person are to play to this one.
   std::string DefaultOutput() {
-    const auto process = m_Room.GetDaemon().Run("pw-metadata", "/usr/bin/pw-metadata", {"-n", "default"});
+    const std::string log = "pw-metadata-" + std::to_string(++m_Asked);
+    const auto process = m_Room.GetDaemon().Run(log, "/usr/bin/pw-metadata", {"-n", "default"});
     static_cast<void>(process->WaitForEnd());
-    std::istringstream lines(m_Room.GetDaemon().LogOf("pw-metadata"));
+    std::istringstream lines(m_Room.GetDaemon().LogOf(log));
     std::string found;
     for (std::string line; std::getline(lines, line);) {
       if (line.find("'default.configured.audio.sink'") != std::string::npos) {
@@ -35,6 +34,9 @@ protected:
   }
 
   LivingRoom m_Room;
+
+private:
+  int m_Asked = 0;
 };
 
 TEST_F(PcCommands, DevicesAreTheOutputsAndMicrophonesWithoutOurOwn) {

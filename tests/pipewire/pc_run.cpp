@@ -5,14 +5,14 @@
 namespace orvex::integration {
 
 std::unique_ptr<Process> StartPc(LivingRoom& room, const std::vector<std::string>& arguments) {
-  return room.GetDaemon().Run(arguments.front(), ORVEX_PC_PROGRAM, arguments,
+  return room.GetDaemon().Run("pc-" + arguments.front(), ORVEX_PC_PROGRAM, arguments,
                               {{"ORVEX_PIPEWIRE_PLUGIN", ORVEX_PIPEWIRE_PLUGIN_FILE}});
 }
 
 PcOutcome FinishPc(LivingRoom& room, Process& process, const std::string& command) {
   PcOutcome outcome;
   outcome.exitCode = process.WaitForEnd().exitCode.value_or(-1);
-  outcome.log = room.GetDaemon().LogOf(command);
+  outcome.log = room.GetDaemon().LogOf("pc-" + command);
   try {
     outcome.result = port::ParseJsonObject(outcome.log, "a JSON object");
   } catch (const port::JsonError&) {

@@ -18,7 +18,7 @@ struct PcOutcome {
   std::string log;     // both
 };
 
-// The output is in room.GetDaemon().LogOf(arguments.front()).
+// The output is in room.GetDaemon().LogOf("pc-" + arguments.front()).
 std::unique_ptr<Process> StartPc(LivingRoom& room, const std::vector<std::string>& arguments);
 PcOutcome FinishPc(LivingRoom& room, Process& process, const std::string& command);
 PcOutcome RunPc(LivingRoom& room, const std::vector<std::string>& arguments);
