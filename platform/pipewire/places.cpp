@@ -1,4 +1,4 @@
-// Folders by the XDG Base Directory Specification.
+// Folders below the XDG base directories.
 #include "pipewire/places.h"
 
 #include <cstdlib>

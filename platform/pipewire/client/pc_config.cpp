@@ -32,8 +32,7 @@ constexpr std::size_t kMaximumBytes = 65536;
   throw PcConfigError(file.string() + ": " + reason);
 }
 
-// A folder of the person, as the XDG Base Directory Specification has it: a variable that is no absolute path counts as
-// not set.
+// A folder of the person, by the XDG base directories: a variable that is no absolute path counts as not set.
 fs::path BaseFolder(const char* variable, const char* belowHome) {
   if (const char* folder = std::getenv(variable); folder != nullptr && folder[0] == '/') {
     return folder;
