@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <stdexcept>
 
 #include "options/errors.h"
 #include "pc/microphone_check.h"
@@ -39,7 +40,7 @@ public:
       Measure();
     } catch (const MicrophoneProblem& problem) {
       End(PcVerdict::kNoMicrophone, problem.what());
-    } catch (const CommandError& problem) {
+    } catch (const std::runtime_error& problem) {
       End(PcVerdict::kFailed, problem.what());
     }
     if (m_OldMs && m_Result.verdict != PcVerdict::kAligned) {
@@ -162,7 +163,7 @@ private:
     try {
       m_Room.SetDelayMs(*m_OldMs);
       m_Result.appliedMs = m_OldMs;
-    } catch (const CommandError& problem) {
+    } catch (const std::runtime_error& problem) {
       m_Result.appliedMs = std::nullopt;
       m_Result.words += fmt::format("; the old delay of {:.1f} ms cannot be put back: {}", *m_OldMs, problem.what());
     }

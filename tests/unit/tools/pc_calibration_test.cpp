@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <deque>
+#include <stdexcept>
 
 #include "options/errors.h"
 #include "unit/tools/fine_recordings.h"
@@ -253,6 +253,20 @@ TEST(PcCalibration, SaysSoWhenTheOldDelayCannotBePutBack) {
   EXPECT_EQ(PcVerdict::kNoMicrophone, result.verdict);
   EXPECT_THAT(result.words, HasSubstr("the microphone is gone; the old delay of 0.0 ms cannot be put back"));
   EXPECT_EQ(std::nullopt, result.appliedMs);
+}
+
+TEST(PcCalibration, PutsTheOldDelayBackWhenItsReportCannotBeWritten) {
+  FakeRoom room;
+  room.wayMs = -60.0;
+  room.delayMs = 5.0;
+  room.servicesMs = 60.0;
+  CalibrationOptions options;
+  options.maximumDelayMs = kMaximumMs;
+  options.onRun = [](const ServiceRun&, const fine::Reading&) { throw std::runtime_error("the disk is full"); };
+  const Calibration result = Calibrate(room, options);
+  EXPECT_EQ(PcVerdict::kFailed, result.verdict);
+  EXPECT_EQ("the disk is full", result.words);
+  EXPECT_EQ(5.0, room.delayMs);
 }
 
 TEST(PcCalibration, DoesNothingWithoutADelayLine) {
