@@ -15,7 +15,7 @@ const std::string kStart = std::string("EV013 ORVEXENV ") + kStartRecord;
 constexpr char kSecondStart[] = "EV013 ORVEXENV {device=Second|1;source=1;videoinfo=tv|6|60;codec=0}";
 constexpr char kEnd[] = "EV012 ORVEXSET {result=fail;delay=100;du={u};terminate=etc}";
 
-struct Row {
+struct ConsentCase {
   const char* name;
   Preparation prepare;
   std::vector<Step> steps;
@@ -41,7 +41,7 @@ void StartAgainWithAnotherDevice(ServiceRun& run) {
   InjectAt(kIsRecording, ORVEX_START_SYNC).act(run);
 }
 
-std::vector<Row> Rows() {
+std::vector<ConsentCase> Rows() {
   return {
       {"given", WithConsent("1"), {EndAt(kIsRecording)}, {kStart, kEnd}, {}},
       {"given, by another number", WithConsent("-7"), {EndAt(kIsRecording)}, {kStart, kEnd}, {}},
@@ -84,7 +84,7 @@ std::vector<Row> Rows() {
 
 TEST(Consent, RecordsLeaveOnlyWhileTheUserAgrees) {
   std::vector<ExpectedRun> runs;
-  for (const Row& row : Rows()) {
+  for (const ConsentCase& row : Rows()) {
     Expectation expectation = EndedWith("etc");
     expectation.records = row.records;
     expectation.hostLines = row.hostLines;

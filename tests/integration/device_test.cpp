@@ -8,7 +8,7 @@
 namespace orvex::integration {
 namespace {
 
-struct Row {
+struct DeviceFault {
   const char* name;
   const char* faults;
   Lines logged;  // libasound's error as the service meets it
@@ -19,7 +19,7 @@ constexpr char kSuspended[] = "E2 write error: read_size:{d}, cnt:-86, why:Strea
 constexpr char kDisconnected[] = "E2 write error: read_size:{d}, cnt:-19, why:No such device";
 
 // All before the first tone, so that the rest of the sound still has whole pairs.
-const Row kRecovered[] = {
+const DeviceFault kRecovered[] = {
     {"underrun", R"({"pcm.underrun_at_frame": 3000})", {kUnderrun, "I0 write return : 9824."}},
     {"suspended", R"({"pcm.suspend_at_frame": 3000})", {kSuspended, "I0 write return : 9824."}},
     {"one after the other",
@@ -29,7 +29,7 @@ const Row kRecovered[] = {
 
 TEST(Device, ARunGoesOnWithWhatIsLeftAfterAnUnderrunOrASuspension) {
   std::vector<ExpectedRun> runs;
-  for (const Row& row : kRecovered) {
+  for (const DeviceFault& row : kRecovered) {
     Expectation expectation = DifferenceApplied();
     expectation.logged = row.logged;
     runs.push_back({{row.name, WithFaults(row.faults), {}, {}}, expectation});

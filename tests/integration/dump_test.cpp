@@ -33,7 +33,7 @@ constexpr Obstacle kObstacles[] = {
 };
 
 // An earlier process of the same number may have left debug files there.
-constexpr const char* kNames[] = {"/tmp/audio_dump_$$_1", "/tmp/audio_result_$$_1.csv"};
+constexpr const char* kFilesOfPid[] = {"/tmp/audio_dump_$$_1", "/tmp/audio_result_$$_1.csv"};
 
 class Victim {
 public:
@@ -59,10 +59,10 @@ TEST(Dump, WhateverLiesAtItsNamesTheRunIsDoneInItsTimeWithoutADump) {
   const Victim victim;
   std::vector<Scenario> scenarios;
   for (const Obstacle& obstacle : kObstacles) {
-    for (const char* const name : kNames) {
+    for (const char* const name : kFilesOfPid) {
       if (!obstacle.needsRoot || ::geteuid() == 0) {
-        const std::string shell = "rm -rf " + std::string(kNames[0]) + " " + kNames[1] + "; name=" + name + "; file='" +
-                                  victim.Path() + "'; " + obstacle.shell + " && exec \"$0\"";
+        const std::string shell = "rm -rf " + std::string(kFilesOfPid[0]) + " " + kFilesOfPid[1] + "; name=" + name +
+                                  "; file='" + victim.Path() + "'; " + obstacle.shell + " && exec \"$0\"";
         scenarios.push_back({std::string(obstacle.name) + " at " + name, LeaveAsItIs, {}, {}, shell});
       }
     }

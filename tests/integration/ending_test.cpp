@@ -18,13 +18,13 @@ Preparation MutedIn(const sim::RoomConfig& room) {
   };
 }
 
-struct Moment {
+struct EndingMoment {
   const char* name;
   const char* line;
   bool isPlaying;
 };
 
-constexpr Moment kMoments[] = {
+constexpr EndingMoment kMoments[] = {
     {"as the recording begins", kIsRecording, false},
     {"while the ambient noise is learnt", kIsLearningNoise, false},
     {"as the test sound begins", kIsPlaying, true},
@@ -32,7 +32,7 @@ constexpr Moment kMoments[] = {
 };
 
 // Never with a pair of tones, so that nothing but what is tested ends the run.
-Scenario ScenarioOf(const std::string& name, const Moment& moment, const Step& step) {
+Scenario ScenarioOf(const std::string& name, const EndingMoment& moment, const Step& step) {
   return {name + " " + moment.name,
           MutedIn(moment.isPlaying ? RoomWithoutOpticalSound() : RoomThatFallsSilent()),
           {step},
@@ -48,7 +48,7 @@ Expectation Ended(int mute) {
 
 TEST(Ending, AChangeOfTheOpticalOutputEndsTheRunAndLeavesTheSpeakerAudible) {
   std::vector<Scenario> scenarios;
-  for (const Moment& moment : kMoments) {
+  for (const EndingMoment& moment : kMoments) {
     scenarios.push_back(ScenarioOf("flag", moment, SetAt(moment.line, kOpticalChangeFlag, "1")));
   }
   for (const Observation& observation : Perform(scenarios)) {
@@ -58,7 +58,7 @@ TEST(Ending, AChangeOfTheOpticalOutputEndsTheRunAndLeavesTheSpeakerAudible) {
 
 TEST(Ending, ATerminationSignalEndsTheRunInOrder) {
   std::vector<Scenario> scenarios;
-  for (const Moment& moment : kMoments) {
+  for (const EndingMoment& moment : kMoments) {
     scenarios.push_back(ScenarioOf("SIGTERM", moment, SignalAt(moment.line, SIGTERM)));
     scenarios.push_back(ScenarioOf("SIGINT", moment, SignalAt(moment.line, SIGINT)));
   }
@@ -97,7 +97,7 @@ TEST(Ending, ASignalAtTheVeryBeginningIsNotLost) {
 }
 
 TEST(Ending, ASecondSignalDoesNotDisturbTheEnd) {
-  const Moment& moment = kMoments[2];
+  const EndingMoment& moment = kMoments[2];
   Scenario scenario = ScenarioOf("SIGTERM twice", moment, SignalAt(moment.line, SIGTERM));
   scenario.steps.push_back(SignalAt("original volume value{s}", SIGTERM));
   Check(Perform(scenario), Ended(1));

@@ -97,10 +97,10 @@ public:
   bool HasTelevision() const { return !std::filesystem::is_empty(m_Temporary); }
   // Those that the service's log names.
   bool HasDebugFiles() const {
-    static const std::regex kNames(R"(Temp file name=\[([^\]]*)\]\[([^\]]*)\])");
+    static const std::regex kTempNames(R"(Temp file name=\[([^\]]*)\]\[([^\]]*)\])");
     const std::string log = ReadErrors();
     std::smatch names;
-    return std::regex_search(log, names, kNames) &&
+    return std::regex_search(log, names, kTempNames) &&
            (std::filesystem::exists(names[1].str()) || std::filesystem::exists(names[2].str()));
   }
 
@@ -123,14 +123,14 @@ void ExpectServiceEndedInOrder(const TemporaryRun& run) {
   EXPECT_THAT(run.ReadErrors(), Not(HasSubstr("the service ")));
 }
 
-struct Moment {
+struct InterruptedMoment {
   const char* line;
   int number;  // of the signal; 0: the pipe is closed
   const char* ending;
   const char* errors;
 };
 
-void Interrupt(const Moment& moment) {
+void Interrupt(const InterruptedMoment& moment) {
   SCOPED_TRACE(std::string(moment.line) + ", " + std::to_string(moment.number));
   TemporaryRun run;
   OutputPipe output(run.PathOf("output"));
@@ -149,7 +149,7 @@ void Interrupt(const Moment& moment) {
 }
 
 TEST(Interruption, LeavesNothingAndEndsTheServiceInOrder) {
-  const Moment moments[] = {
+  const InterruptedMoment moments[] = {
       {"recording", SIGTERM, "exit code 143", "orvex-tv: interrupted by signal 15 ("},
       {"ambient noise measured", SIGINT, "exit code 130", "orvex-tv: interrupted by signal 2 ("},
       {"playing the test sound", SIGHUP, "exit code 129", "orvex-tv: interrupted by signal 1 ("},

@@ -11,7 +11,7 @@ namespace {
 
 using testing::StartsWith;
 
-struct Row {
+struct MessageCase {
   std::string message;
   std::string reply;   // how it begins
   std::string logged;  // what the service logs of it; empty: the message does not reach the service
@@ -21,7 +21,7 @@ std::string Received(const std::string& type, const std::string& method) {
   return "I0 IfMessageReceived called,  message Type: " + type + ", method: " + method;
 }
 
-std::vector<Row> Rows() {
+std::vector<MessageCase> Rows() {
   return {
       {R"({"type": "remote", "body": {"method": "x"}})", "{}", Received("remote", "x")},
       {R"({"type": "remote", "body": {"method": ""}})", "{}", Received("remote", "")},
@@ -44,7 +44,7 @@ std::vector<Row> Rows() {
 }
 
 void SendAllAndEnd(ServiceRun& run) {
-  for (const Row& row : Rows()) {
+  for (const MessageCase& row : Rows()) {
     run.Note(run.Exchange(row.message));
   }
   run.Signal(SIGTERM);
@@ -53,7 +53,7 @@ void SendAllAndEnd(ServiceRun& run) {
 TEST(Message, IsAnsweredAndLoggedAndNeverDisturbsTheRun) {
   const Observation observation =
       Perform({"messages", WithRoom(RoomWithoutBlocks()), {{kIsRecording, SendAllAndEnd}}, {}});
-  const std::vector<Row> rows = Rows();
+  const std::vector<MessageCase> rows = Rows();
   ASSERT_EQ(rows.size(), observation.notes.size()) << observation.problem;
   Expectation expectation = EndedWith("etc");
   for (std::size_t n = 0; n < rows.size(); ++n) {

@@ -11,7 +11,7 @@
 namespace orvex::integration {
 namespace {
 
-struct Row {
+struct OverlapCase {
   const char* name;
   std::vector<Step> steps;  // once the first sound is written
   int sounds;               // that are begun
@@ -25,7 +25,7 @@ Step PlayAt(const std::string& line) {
   return InjectAt(line, ORVEX_PLAY_INAUDIBLE_SOUND);
 }
 
-const std::vector<Row> kRows = {
+const std::vector<OverlapCase> kRows = {
     {"stopped, asked for", {StopAt(kIsPlaying), PlayAt("cancel_thread")}, 2, "diff_fail"},
     {"twice",
      {StopAt(kIsPlaying), PlayAt("cancel_thread"), StopAt("start Player "), PlayAt("already thread stop")},
@@ -68,7 +68,7 @@ int MostAtOnce(const std::vector<LogLine>& lines) {
 
 TEST(Overlap, ASoundFollowsTheStoppedOneAndTheSpeakerComesBack) {
   std::vector<Scenario> scenarios;
-  for (const Row& row : kRows) {
+  for (const OverlapCase& row : kRows) {
     const auto prepare = [](const TestTelevision& television) {
       television.SetRoom(RoomWithoutOpticalSound());
       television.Set("sound/mute", "1");

@@ -8,7 +8,7 @@
 namespace orvex::integration {
 namespace {
 
-struct Row {
+struct QueryCase {
   const char* name;
   Preparation change;
   const char* record;
@@ -23,7 +23,7 @@ void RemoveAll(const TestTelevision& television) {
   television.WriteFile("tv/nothing", "");
 }
 
-std::vector<Row> Rows() {
+std::vector<QueryCase> Rows() {
   return {
       {"brand missing", Without("tv/brand"), "{device=none|-1;source=1;videoinfo=tv|6|60;codec=0}"},
       {"kind of device missing", Without("tv/device_type"), "{device=none|-1;source=1;videoinfo=tv|6|60;codec=0}"},
@@ -47,7 +47,7 @@ std::vector<Row> Rows() {
 
 TEST(Queries, AFailedOneLeavesItsDefaultInTheStartRecord) {
   std::vector<ExpectedRun> runs;
-  for (const Row& row : Rows()) {
+  for (const QueryCase& row : Rows()) {
     Expectation expectation = EndedWith("etc");
     expectation.startRecord = row.record;
     runs.push_back({{row.name, Both(WithRoom(RoomWithoutBlocks()), row.change), {SignalAt(kIsRecording, SIGTERM)}, {}},

@@ -19,13 +19,13 @@ Step RestartAt(const std::string& line, const std::string& delayMs) {
           }};
 }
 
-struct Row {
+struct RestartCase {
   const char* name;
   Lines delays;  // at each request
   bool isLastRefused;
 };
 
-Scenario ScenarioOf(const Row& row) {
+Scenario ScenarioOf(const RestartCase& row) {
   Scenario scenario{row.name, LeaveAsItIs, {}, WithInjection()};
   if (row.isLastRefused) {
     scenario.prepare = WithRoom(RoomWithoutBlocks());
@@ -37,7 +37,7 @@ Scenario ScenarioOf(const Row& row) {
 }
 
 TEST(Restart, IsGrantedTwiceAndOnlyForANewDelayThatIsNotZero) {
-  const std::vector<Row> rows{
+  const std::vector<RestartCase> rows{
       {"granted once", {"120"}, false},
       {"granted twice", {"120", "140"}, false},
       {"third", {"120", "140", "160"}, true},
@@ -46,7 +46,7 @@ TEST(Restart, IsGrantedTwiceAndOnlyForANewDelayThatIsNotZero) {
       {"delay 0", {"0"}, true},
   };
   std::vector<ExpectedRun> runs;
-  for (const Row& row : rows) {
+  for (const RestartCase& row : rows) {
     const std::int64_t lastMs = std::stoll(row.delays.back());
     Expectation expectation = row.isLastRefused ? EndedWith("etc") : DifferenceApplied(lastMs);
     expectation.savedMs = 100;  // when the recording began

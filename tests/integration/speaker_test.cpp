@@ -8,7 +8,7 @@
 namespace orvex::integration {
 namespace {
 
-struct Row {
+struct SpeakerCase {
   const char* name;
   bool isMuted;
   const char* speaker;  // selection
@@ -18,7 +18,7 @@ struct Row {
   int muteAfterwards;
 };
 
-constexpr Row kRows[] = {
+constexpr SpeakerCase kRows[] = {
     {"audible", false, "2", "{}", 0, 40, 0},
     {"muted, TV speaker selected", true, "0", "{}", 0, 0, 0},
     {"muted, another output selected", true, "2", "{}", 0, 0, 1},
@@ -33,7 +33,7 @@ void NoteAndEnd(ServiceRun& run) {
   run.Signal(SIGTERM);
 }
 
-Scenario ScenarioOf(const Row& row) {
+Scenario ScenarioOf(const SpeakerCase& row) {
   return {row.name,
           [row](const TestTelevision& television) {
             television.Set("sound/mute", row.isMuted ? "1" : "0");
@@ -48,7 +48,7 @@ Scenario ScenarioOf(const Row& row) {
 
 TEST(Speaker, IsAudibleAtVolumeZeroMeanwhileAndAsBeforeAfterwards) {
   std::vector<ExpectedRun> runs;
-  for (const Row& row : kRows) {
+  for (const SpeakerCase& row : kRows) {
     Expectation expectation = EndedWith("etc");
     expectation.mute = row.muteAfterwards;
     expectation.volume = 40;
@@ -56,7 +56,7 @@ TEST(Speaker, IsAudibleAtVolumeZeroMeanwhileAndAsBeforeAfterwards) {
   }
   const std::vector<Observation> observations = PerformAndCheck(runs);
   for (std::size_t n = 0; n < observations.size(); ++n) {
-    const Row& row = kRows[n];
+    const SpeakerCase& row = kRows[n];
     EXPECT_EQ(Lines{"mute " + std::to_string(row.muteMeanwhile) + ", volume " + std::to_string(row.volumeMeanwhile)},
               observations[n].notes)
         << row.name;

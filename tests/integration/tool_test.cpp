@@ -65,7 +65,7 @@ TEST(Tool, TwentyRunsBringTheOutputsTogether) {
   EXPECT_EQ(static_cast<std::size_t>(kRuns), dumps.size());
 }
 
-struct Row {
+struct ToolCase {
   std::vector<std::string> arguments;
   const char* ending;
   const char* errors;  // part of stderr
@@ -78,7 +78,7 @@ TEST(Tool, TellsByItsExitCodeWhetherItWasDoneRefusedOrWronglyAsked) {
   television.WriteFile("faults", R"({"voice.begin": -5})");
   const std::string badFaults = television.PathOf("faults").string();
   const std::string badRoom = television.PathOf("bad.json").string();
-  const std::vector<Row> rows{
+  const std::vector<ToolCase> rows{
       {{"list", "--tv", directory}, "exit code 0", ""},
       {{"get", "--tv", directory, "delay"}, "exit code 0", ""},
       {{"events", "--tv", directory}, "exit code 0", ""},

@@ -7,13 +7,13 @@
 namespace orvex::integration {
 namespace {
 
-struct Row {
+struct UsageCase {
   const char* program;
   std::vector<std::string> arguments;
   const char* error;
 };
 
-void ExpectRefusal(const Row& row) {
+void ExpectRefusal(const UsageCase& row) {
   SCOPED_TRACE(testing::PrintToString(row.arguments));
   const ToolRun run = RunProgram(row.program, row.arguments);
   EXPECT_EQ("exit code 2", Describe(run.ending));
@@ -22,37 +22,38 @@ void ExpectRefusal(const Row& row) {
 }
 
 TEST(Usage, NamesTheOptionTheNumberAndWhatWasExpected) {
-  for (const Row& row : {
-           Row{ORVEX_SWEEP_PROGRAM,
-               {"--seed", "-1"},
-               "--seed: \"-1\": expected a whole number from 0 to 18446744073709551615"},
-           Row{ORVEX_SWEEP_PROGRAM, {"--seed", "x"}, "--seed: \"x\": expected a whole number from 0"},
-           Row{ORVEX_SWEEP_PROGRAM, {"--rooms", "-1"}, "--rooms: \"-1\": expected a whole number from 1 to 10000000"},
-           Row{ORVEX_TV_PROGRAM, {"run", "--seed", "-1"}, "--seed: \"-1\": expected a whole number from 0"},
-           Row{ORVEX_SWEEP_PROGRAM, {"--jobs", "-1"}, "--jobs: \"-1\": expected a whole number from 1 to 1024"},
+  for (const UsageCase& row : {
+           UsageCase{ORVEX_SWEEP_PROGRAM,
+                     {"--seed", "-1"},
+                     "--seed: \"-1\": expected a whole number from 0 to 18446744073709551615"},
+           UsageCase{ORVEX_SWEEP_PROGRAM, {"--seed", "x"}, "--seed: \"x\": expected a whole number from 0"},
+           UsageCase{
+               ORVEX_SWEEP_PROGRAM, {"--rooms", "-1"}, "--rooms: \"-1\": expected a whole number from 1 to 10000000"},
+           UsageCase{ORVEX_TV_PROGRAM, {"run", "--seed", "-1"}, "--seed: \"-1\": expected a whole number from 0"},
+           UsageCase{ORVEX_SWEEP_PROGRAM, {"--jobs", "-1"}, "--jobs: \"-1\": expected a whole number from 1 to 1024"},
        }) {
     ExpectRefusal(row);
   }
 }
 
 TEST(Usage, TellsWhichOptionsOfASweepGoTogether) {
-  for (const Row& row : {
-           Row{ORVEX_SWEEP_PROGRAM, {"--cut-ms", "3"}, "--cut-ms requires --fine"},
-           Row{ORVEX_SWEEP_PROGRAM, {"--lost-blocks", "1"}, "--lost-blocks requires --fine"},
-           Row{ORVEX_SWEEP_PROGRAM, {"--fine", "--plot", "figures.svg"}, "--fine excludes --plot"},
+  for (const UsageCase& row : {
+           UsageCase{ORVEX_SWEEP_PROGRAM, {"--cut-ms", "3"}, "--cut-ms requires --fine"},
+           UsageCase{ORVEX_SWEEP_PROGRAM, {"--lost-blocks", "1"}, "--lost-blocks requires --fine"},
+           UsageCase{ORVEX_SWEEP_PROGRAM, {"--fine", "--plot", "figures.svg"}, "--fine excludes --plot"},
        }) {
     ExpectRefusal(row);
   }
 }
 
 TEST(Usage, MessagesBeginWithTheProgramsName) {
-  for (const Row& row : {
-           Row{ORVEX_TESTSOUND_PROGRAM, {"--pairs", "9", "x.wav"}, "orvex-testsound: --pairs: "},
-           Row{ORVEX_TESTSOUND_PROGRAM, {}, "orvex-testsound: OUT or --check FILE is required"},
-           Row{ORVEX_SWEEP_PROGRAM, {"--colour"}, "orvex-sweep: "},
-           Row{ORVEX_REPLAY_PROGRAM, {}, "orvex-replay: FILE is required"},
-           Row{ORVEX_TV_PROGRAM, {"dance"}, "orvex-tv: "},
-           Row{ORVEX_TV_PROGRAM, {"run", "--base-delay", "soon"}, "orvex-tv: "},
+  for (const UsageCase& row : {
+           UsageCase{ORVEX_TESTSOUND_PROGRAM, {"--pairs", "9", "x.wav"}, "orvex-testsound: --pairs: "},
+           UsageCase{ORVEX_TESTSOUND_PROGRAM, {}, "orvex-testsound: OUT or --check FILE is required"},
+           UsageCase{ORVEX_SWEEP_PROGRAM, {"--colour"}, "orvex-sweep: "},
+           UsageCase{ORVEX_REPLAY_PROGRAM, {}, "orvex-replay: FILE is required"},
+           UsageCase{ORVEX_TV_PROGRAM, {"dance"}, "orvex-tv: "},
+           UsageCase{ORVEX_TV_PROGRAM, {"run", "--base-delay", "soon"}, "orvex-tv: "},
        }) {
     ExpectRefusal(row);
   }

@@ -33,12 +33,6 @@ constexpr float kHeightTolerance = 0.001F;
 // Twice as long as a change of the delay fades.
 constexpr std::uint32_t kSteadyFrames = 960;
 
-struct Arrival {
-  std::size_t channel;
-  float level;
-  std::int64_t position;
-};
-
 }  // namespace
 
 // What a test does on the data thread may take a lock.
@@ -94,6 +88,12 @@ public:
   }
 
 private:
+  struct Arrival {
+    std::size_t channel;
+    float level;
+    std::int64_t position;
+  };
+
   void Listen(const Cycle& cycle, std::size_t channel) {
     if (cycle.in[channel] == nullptr) {
       m_PilotFrames = 0;
