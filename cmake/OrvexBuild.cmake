@@ -20,4 +20,5 @@ add_compile_options(-g1)
 if(ORVEX_SANITIZE)
   add_compile_options(-O1 -fsanitize=${ORVEX_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${ORVEX_SANITIZE})
+  set(CMAKE_UNITY_BUILD ${ORVEX_UNITY}) # the service, too: it is never delivered
 endif()
