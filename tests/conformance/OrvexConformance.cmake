@@ -17,14 +17,28 @@ target_include_directories(orvex_conformance SYSTEM PUBLIC ${ecore_INCLUDE_DIRS}
 target_link_libraries(orvex_conformance PUBLIC Orvex::contract GTest::gmock GTest::gtest GTest::gtest_main
                                                Threads::Threads)
 
-# orvex_add_conformance_tests(PROGRAM DRIVER driver.cpp... LIBRARIES port...): the suite on one port. ctest knows its tests
-# as PROGRAM.Test and gives each a process of its own, for ports that have one television per process.
+# orvex_add_conformance_tests(PROGRAM DRIVER driver.cpp... LIBRARIES port... [PROCESSES n] [LEAVE_OUT Test...]
+# [PROPERTIES ...]): the suite on one port. ctest knows its tests as PROGRAM.Test and gives each a process of its own, for
+# ports that have one television per process. Where beginning costs more than most tests do, n processes share the tests;
+# ctest knows them as PROGRAM.0 and so on. PROPERTIES are ctest's.
 function(orvex_add_conformance_tests program)
-  cmake_parse_arguments(PARSE_ARGV 1 port "" "" "DRIVER;LIBRARIES")
+  cmake_parse_arguments(PARSE_ARGV 1 port "" "PROCESSES" "DRIVER;LIBRARIES;LEAVE_OUT;PROPERTIES")
   if(NOT port_DRIVER OR NOT port_LIBRARIES)
     message(FATAL_ERROR "orvex_add_conformance_tests(${program}): expected DRIVER sources and LIBRARIES of the port")
   endif()
   add_executable(${program} ${port_DRIVER})
   target_link_libraries(${program} PRIVATE orvex_conformance ${port_LIBRARIES})
-  gtest_discover_tests(${program} TEST_PREFIX "${program}." PROPERTIES TIMEOUT 120)
+  list(JOIN port_LEAVE_OUT ":" leftOut)
+  if(NOT port_PROCESSES)
+    gtest_discover_tests(${program} TEST_PREFIX "${program}." TEST_FILTER "-${leftOut}"
+                         PROPERTIES TIMEOUT 120 ${port_PROPERTIES})
+    return()
+  endif()
+  math(EXPR last "${port_PROCESSES} - 1")
+  foreach(share RANGE ${last})
+    add_test(NAME ${program}.${share} COMMAND ${program} --gtest_brief=1 --gtest_filter=-${leftOut})
+    set_tests_properties(
+      ${program}.${share} PROPERTIES ENVIRONMENT "GTEST_TOTAL_SHARDS=${port_PROCESSES};GTEST_SHARD_INDEX=${share}"
+                                     TIMEOUT 300 ${port_PROPERTIES})
+  endforeach()
 endfunction()
