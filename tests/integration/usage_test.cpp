@@ -38,9 +38,9 @@ TEST(Usage, NamesTheOptionTheNumberAndWhatWasExpected) {
 
 TEST(Usage, TellsWhichOptionsOfASweepGoTogether) {
   for (const UsageCase& row : {
-           UsageCase{ORVEX_SWEEP_PROGRAM, {"--cut-ms", "3"}, "--cut-ms requires --fine"},
-           UsageCase{ORVEX_SWEEP_PROGRAM, {"--lost-blocks", "1"}, "--lost-blocks requires --fine"},
-           UsageCase{ORVEX_SWEEP_PROGRAM, {"--fine", "--plot", "figures.svg"}, "--fine excludes --plot"},
+           UsageCase{ORVEX_SWEEP_PROGRAM, {"--cut-ms", "3"}, "--cut-ms needs --fine beside it"},
+           UsageCase{ORVEX_SWEEP_PROGRAM, {"--lost-blocks", "1"}, "--lost-blocks needs --fine beside it"},
+           UsageCase{ORVEX_SWEEP_PROGRAM, {"--fine", "--plot", "figures.svg"}, "--plot cannot be combined with --fine"},
        }) {
     ExpectRefusal(row);
   }
@@ -48,12 +48,12 @@ TEST(Usage, TellsWhichOptionsOfASweepGoTogether) {
 
 TEST(Usage, MessagesBeginWithTheProgramsName) {
   for (const UsageCase& row : {
-           UsageCase{ORVEX_TESTSOUND_PROGRAM, {"--pairs", "9", "x.wav"}, "orvex-testsound: --pairs: "},
-           UsageCase{ORVEX_TESTSOUND_PROGRAM, {}, "orvex-testsound: OUT or --check FILE is required"},
-           UsageCase{ORVEX_SWEEP_PROGRAM, {"--colour"}, "orvex-sweep: "},
-           UsageCase{ORVEX_REPLAY_PROGRAM, {}, "orvex-replay: FILE is required"},
-           UsageCase{ORVEX_TV_PROGRAM, {"dance"}, "orvex-tv: "},
-           UsageCase{ORVEX_TV_PROGRAM, {"run", "--base-delay", "soon"}, "orvex-tv: "},
+           UsageCase{ORVEX_TESTSOUND_PROGRAM, {"--pairs", "9", "x.wav"}, "orvex-testsound: --pairs: \"9\": "},
+           UsageCase{ORVEX_TESTSOUND_PROGRAM, {}, "orvex-testsound: OUT or --check FILE is missing"},
+           UsageCase{ORVEX_SWEEP_PROGRAM, {"--colour"}, "orvex-sweep: unknown option \"--colour\"\n"},
+           UsageCase{ORVEX_REPLAY_PROGRAM, {}, "orvex-replay: FILE is missing"},
+           UsageCase{ORVEX_TV_PROGRAM, {"dance"}, "orvex-tv: unknown command \"dance\", expected run, "},
+           UsageCase{ORVEX_TV_PROGRAM, {"run", "--base-delay", "soon"}, "orvex-tv: --base-delay: \"soon\": "},
        }) {
     ExpectRefusal(row);
   }

@@ -4,16 +4,11 @@
 #include <unistd.h>
 
 #include <cmath>
-#include <cstdio>
-#include <exception>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include <CLI/CLI.hpp>
-
-#include "options/errors.h"
-#include "options/usage_message.h"
+#include "options/program.h"
 #include "pipewire/living_room.h"
 #include "run/run_signals.h"
 
@@ -33,20 +28,14 @@ float LargestAmplitude(double rmsDbfs) {
   return static_cast<float>(std::sqrt(3.0) * std::pow(10.0, rmsDbfs / 20.0));
 }
 
-void DefineArguments(CLI::App& app, Arguments& arguments) {
-  const CLI::Range way(0.0, 2000.0);
-  app.add_option("--reference", arguments.ways.referenceMs, "from the output \"television\" to the microphone")
-      ->type_name("MS")
-      ->check(way)
-      ->capture_default_str();
-  app.add_option("--delayed", arguments.ways.delayedMs, "from the output \"soundbar\" to the microphone")
-      ->type_name("MS")
-      ->check(way)
-      ->capture_default_str();
-  app.add_option("--noise", arguments.noiseDbfs, "noise at the microphone, RMS of full scale")
-      ->type_name("DBFS")
-      ->check(CLI::Range(-120.0, -10.0));
-  app.add_option("COMMAND", arguments.command, "what to run, with its arguments, after --")->required();
+void DefineOptions(Program& program, Arguments& arguments) {
+  const ValueKind way = value::Number("MS", 0.0, 2000.0);
+  program.Add("--reference", arguments.ways.referenceMs, way, "from the output \"television\" to the microphone");
+  program.Add("--delayed", arguments.ways.delayedMs, way, "from the output \"soundbar\" to the microphone");
+  program.Add("--noise", arguments.noiseDbfs, value::Number("DBFS", -120.0, -10.0),
+              "noise at the microphone, RMS of full scale");
+  program.Add("COMMAND", arguments.command, value::Text("COMMAND"), "what to run, with its arguments, after --")
+      .Required();
 }
 
 ProcessCommand InTheRoom(const std::vector<std::string>& command) {
@@ -91,21 +80,15 @@ int Run(const Arguments& arguments) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  CLI::App app(
-      "Runs a command on a PipeWire daemon of its own with two outputs, a microphone that hears both, and "
-      "orvex-delay. The person's own sound is not touched; all of it is gone when the command has ended.\n"
-      "Exit code: that of the command, 1 the room cannot be made, 2 wrong usage, 128 plus the number of a signal that "
-      "ended it.");
-  NameInMessages(app, "orvex-pc-room");
+  Program program("orvex-pc-room",
+                  "Runs a command on a PipeWire daemon of its own with two outputs, a microphone that hears both, and "
+                  "orvex-delay. The person's own sound is not touched; all of it is gone when the command has ended.",
+                  "that of the command, 1 the room cannot be made, 2 wrong usage, 128 plus the number of a signal that "
+                  "ended it",
+                  kExitFailed);
   Arguments arguments;
-  DefineArguments(app, arguments);
-  try {
-    app.parse(argc, argv);
-    return Run(arguments);
-  } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? kExitGood : kExitUsage;
-  } catch (const std::exception& error) {
-    std::fprintf(stderr, "orvex-pc-room: %s\n", error.what());
-    return kExitFailed;
-  }
+  DefineOptions(program, arguments);
+  program.AddExample("orvex-pc-room --reference 150 --delayed 20 -- orvex-pc calibrate");
+  program.SetAction([&] { return Run(arguments); });
+  return program.Run(argc, argv);
 }

@@ -86,7 +86,7 @@ TEST_F(RoomProgram, ASignalEndsTheCommandAndTheRoom) {
 
 TEST_F(RoomProgram, WrongUsage) {
   EXPECT_EQ("exit code 2", Describe(Run({})));
-  EXPECT_THAT(Read("errors"), HasSubstr("orvex-pc-room: COMMAND is required"));
+  EXPECT_THAT(Read("errors"), HasSubstr("orvex-pc-room: COMMAND is missing"));
   EXPECT_EQ("exit code 2", Describe(Run({"--reference", "-1", "--", "true"})));
   EXPECT_EQ("", Read("out"));
 }

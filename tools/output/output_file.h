@@ -6,16 +6,17 @@
 #include <filesystem>
 #include <functional>
 #include <ostream>
-#include <stdexcept>
 #include <string>
 #include <vector>
+
+#include "options/errors.h"
 
 namespace orvex::tools {
 
 // A file that is not written. The text names it and the cause.
-class OutputError : public std::runtime_error {
+class OutputError : public UsageError {
 public:
-  using std::runtime_error::runtime_error;
+  using UsageError::UsageError;
 };
 
 // To be made before the work begins, so that a file that cannot be written is told at once. What is there stays as it

@@ -96,20 +96,20 @@ int RunCalibrate(const CalibrateArguments& arguments) {
 
 }  // namespace
 
-void AddCalibrateCommand(CLI::App& app, int& exitCode) {
+void AddCalibrateCommand(Command& program) {
   const auto arguments = std::make_shared<CalibrateArguments>();
-  CLI::App* const command = app.add_subcommand(
+  Command& command = program.AddCommand(
       "calibrate", "play the test sound, listen, and set the delay so that both outputs are heard together");
-  command->add_flag("--json", arguments->json, "print one JSON object and nothing else on stdout");
-  command->add_flag("--coarse", arguments->coarse, "leave the delay at what the service set, exact to 17 ms");
-  command
-      ->add_option("--report", arguments->report,
-                   "also write a page for a browser: what was heard, and how it was read")
-      ->type_name("OUT.html");
-  command->add_option("--service", arguments->service, "the service; default: ORVEX_SERVICE, else beside orvex-pc")
-      ->type_name("PATH");
-  command->add_flag("-v,--verbose", arguments->verbose, "show the service's log on stderr");
-  command->callback([=, &exitCode] { exitCode = RunCalibrate(*arguments); });
+  command.AddFlag("--json", arguments->json, "print one JSON object and nothing else on stdout");
+  command.AddFlag("--coarse", arguments->coarse, "leave the delay at what the service set, exact to 17 ms");
+  command.Add("--report", arguments->report, value::File("OUT.html"),
+              "also write a page for a browser: what was heard, and how it was read");
+  command.Add("--service", arguments->service, value::File("PATH"),
+              "the service; default: ORVEX_SERVICE, else beside orvex-pc");
+  command.AddFlag("-v,--verbose", arguments->verbose, "show the service's log on stderr");
+  command.AddExample("orvex-pc calibrate");
+  command.AddExample("orvex-pc calibrate --report heard.html");
+  command.SetAction([=] { return RunCalibrate(*arguments); });
 }
 
 }  // namespace orvex::tools

@@ -1,15 +1,15 @@
-// The subcommands of orvex-pc: each adds itself to the parser, and sets the exit code when it is given.
+// The commands of orvex-pc. Each function adds one to `program`.
 #pragma once
 
-#include <CLI/CLI.hpp>
+#include "options/command.h"
 
 namespace orvex::tools {
 
-void AddDevicesCommand(CLI::App& app, int& exitCode);
-void AddSetupCommand(CLI::App& app, int& exitCode);
-void AddCalibrateCommand(CLI::App& app, int& exitCode);
-void AddDelayCommand(CLI::App& app, int& exitCode);
-void AddStatusCommand(CLI::App& app, int& exitCode);
-void AddRemoveCommand(CLI::App& app, int& exitCode);
+void AddDevicesCommand(Command& program);
+void AddSetupCommand(Command& program);
+void AddCalibrateCommand(Command& program);
+void AddDelayCommand(Command& program);
+void AddStatusCommand(Command& program);
+void AddRemoveCommand(Command& program);
 
 }  // namespace orvex::tools

@@ -26,12 +26,12 @@ int RunDelay(const std::optional<double>& delayMs) {
 
 }  // namespace
 
-void AddDelayCommand(CLI::App& app, int& exitCode) {
+void AddDelayCommand(Command& program) {
   const auto delayMs = std::make_shared<std::optional<double>>();
-  CLI::App* const command = app.add_subcommand("delay", "show the delay that is in force, or set another one");
-  command->add_option("MS", *delayMs, "milliseconds, fractions allowed")
-      ->check(CLI::Range(0.0, pipewire::kMaximumDelayMs));
-  command->callback([=, &exitCode] { exitCode = RunDelay(*delayMs); });
+  Command& command = program.AddCommand("delay", "show the delay that is in force, or set another one");
+  command.Add("MS", *delayMs, value::Number("MS", 0.0, pipewire::kMaximumDelayMs), "milliseconds, fractions allowed");
+  command.AddExample("orvex-pc delay 132.5");
+  command.SetAction([=] { return RunDelay(*delayMs); });
 }
 
 }  // namespace orvex::tools

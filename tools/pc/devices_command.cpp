@@ -67,11 +67,12 @@ int RunDevices(bool json) {
 
 }  // namespace
 
-void AddDevicesCommand(CLI::App& app, int& exitCode) {
+void AddDevicesCommand(Command& program) {
   const auto json = std::make_shared<bool>(false);
-  CLI::App* const command = app.add_subcommand("devices", "list the outputs and microphones of this computer");
-  command->add_flag("--json", *json, "one JSON object a line");
-  command->callback([=, &exitCode] { exitCode = RunDevices(*json); });
+  Command& command = program.AddCommand("devices", "list the outputs and microphones of this computer");
+  command.AddFlag("--json", *json, "one JSON object a line");
+  command.AddExample("orvex-pc devices");
+  command.SetAction([=] { return RunDevices(*json); });
 }
 
 }  // namespace orvex::tools

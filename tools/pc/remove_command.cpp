@@ -46,9 +46,10 @@ int RunRemove() {
 
 }  // namespace
 
-void AddRemoveCommand(CLI::App& app, int& exitCode) {
-  CLI::App* const command = app.add_subcommand("remove", "take back everything that setup has done");
-  command->callback([&exitCode] { exitCode = RunRemove(); });
+void AddRemoveCommand(Command& program) {
+  Command& command = program.AddCommand("remove", "take back everything that setup has done");
+  command.AddExample("orvex-pc remove");
+  command.SetAction(RunRemove);
 }
 
 }  // namespace orvex::tools

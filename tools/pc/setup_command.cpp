@@ -125,18 +125,19 @@ int RunSetup(SetupArguments arguments) {
 
 }  // namespace
 
-void AddSetupCommand(CLI::App& app, int& exitCode) {
+void AddSetupCommand(Command& program) {
   const auto arguments = std::make_shared<SetupArguments>();
-  CLI::App* const command = app.add_subcommand(
+  Command& command = program.AddCommand(
       "setup", "choose the two outputs and the microphone, and start the delay line; asks for what is left out");
-  command->add_option("--reference", arguments->config.reference, "the output that is heard as it is, the later one")
-      ->type_name("NODE");
-  command->add_option("--delayed", arguments->config.delayed, "the output that is to be delayed, the earlier one")
-      ->type_name("NODE");
-  command->add_option("--microphone", arguments->config.microphone, "the microphone that listens")->type_name("NODE");
-  command->add_flag("--no-service", arguments->noService, "only write the file; orvex-delay is started by hand");
-  command->add_flag("--default", arguments->isDefault, "programs are to play to \"Orvex\" by default");
-  command->callback([=, &exitCode] { exitCode = RunSetup(*arguments); });
+  pipewire::PcConfig& config = arguments->config;
+  command.Add("--reference", config.reference, value::Text("NODE"), "the output that is heard as it is, the later one");
+  command.Add("--delayed", config.delayed, value::Text("NODE"), "the output that is to be delayed, the earlier one");
+  command.Add("--microphone", config.microphone, value::Text("NODE"), "the microphone that listens");
+  command.AddFlag("--no-service", arguments->noService, "only write the file; orvex-delay is started by hand");
+  command.AddFlag("--default", arguments->isDefault, "programs are to play to \"Orvex\" by default");
+  command.AddExample("orvex-pc setup");
+  command.AddExample("orvex-pc setup --reference television --delayed soundbar --microphone webcam");
+  command.SetAction([=] { return RunSetup(*arguments); });
 }
 
 }  // namespace orvex::tools

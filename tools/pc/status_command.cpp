@@ -115,11 +115,12 @@ int RunStatus(bool json) {
 
 }  // namespace
 
-void AddStatusCommand(CLI::App& app, int& exitCode) {
+void AddStatusCommand(Command& program) {
   const auto json = std::make_shared<bool>(false);
-  CLI::App* const command = app.add_subcommand("status", "show the delay, both outputs and the last calibration");
-  command->add_flag("--json", *json, "print one JSON object");
-  command->callback([=, &exitCode] { exitCode = RunStatus(*json); });
+  Command& command = program.AddCommand("status", "show the delay, both outputs and the last calibration");
+  command.AddFlag("--json", *json, "print one JSON object");
+  command.AddExample("orvex-pc status --json");
+  command.SetAction([=] { return RunStatus(*json); });
 }
 
 }  // namespace orvex::tools

@@ -1,5 +1,4 @@
 // orvex-replay: feeds recordings to the receiver and prints what it reports.
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <iostream>
 #include <optional>
@@ -7,9 +6,8 @@
 #include <vector>
 
 #include "fine/fine_reading.h"
-#include "options/usage_message.h"
+#include "options/program.h"
 #include "output/output_file.h"
-#include "output/standard_output.h"
 #include "progress/progress.h"
 #include "receiver/receiver_rig.h"
 #include "replay/recording.h"
@@ -28,9 +26,9 @@ using orvex::tools::RecordingError;
 using orvex::tools::ReportLines;
 using orvex::tools::RunRecord;
 
-constexpr int kExitResult = 0;
-constexpr int kExitNoResult = 1;
-constexpr int kExitBadInput = 2;
+constexpr int kExitResult = orvex::tools::kExitGood;
+constexpr int kExitNoResult = orvex::tools::kExitFailed;
+constexpr int kExitBadInput = orvex::tools::kExitUsage;
 
 struct Arguments {
   std::vector<std::string> files;
@@ -104,44 +102,41 @@ std::optional<OutputFile> OpenReport(const Arguments& arguments) {
   return page;
 }
 
-int Run(int argc, char** argv) {
-  CLI::App app(
-      "Feeds recordings to the receiver, block by block as the remote would, and prints what it reports: one JSON "
-      "object per line. The last one has run_difference_s, the first difference found, by which a run corrects the "
-      "delay, and difference_s, the receiver's last one; null: none.\nExit code: 0 a difference was found in every "
-      "file, 1 in some file none was found, 2 wrong usage, or a file or standard output that cannot be read or "
-      "written.");
-  orvex::tools::NameInMessages(app, "orvex-replay");
-  Arguments arguments;
-  app.add_option("FILE", arguments.files,
-                 "debug dump (raw signed 16-bit little-endian mono) or WAV file; -: standard input")
-      ->required();
-  app.add_flag("--trace", arguments.trace, "one object per analysed block, too: magnitudes and ratios");
-  app.add_flag("--hearable", arguments.hearable, "set the audible setting: no tone is looked for");
-  app.add_flag(
+void DefineOptions(orvex::tools::Program& program, Arguments& arguments) {
+  namespace value = orvex::tools::value;
+  program
+      .Add("FILE", arguments.files, value::File(),
+           "debug dump (raw signed 16-bit little-endian mono) or WAV file; -: standard input")
+      .Required();
+  program.AddFlag("--trace", arguments.trace, "one object per analysed block, too: magnitudes and ratios");
+  program.AddFlag("--hearable", arguments.hearable, "set the audible setting: no tone is looked for");
+  program.AddFlag(
       "--fine", arguments.fine,
       "one more object: the difference between the tones to hundredths of a millisecond, with the interval that "
       "holds the true one in 95 of 100 rooms, or the reason why it is not known that well");
-  app.add_option("--report", arguments.report,
-                 "also write a page for a browser: levels and thresholds over time, the pair, and why a difference was "
-                 "or was not found; takes one FILE; -: to standard output, in place of the lines")
-      ->type_name("OUT.html");
-  try {
-    app.parse(argc, argv);
-  } catch (const CLI::ParseError& problem) {
-    return app.exit(problem) == 0 ? kExitResult : kExitBadInput;
-  }
-  try {
-    const std::optional<OutputFile> page = OpenReport(arguments);
-    return ReplayAll(arguments, page ? &*page : nullptr);
-  } catch (const OutputError& problem) {
-    std::cerr << "orvex-replay: " << problem.what() << '\n';
-    return kExitBadInput;
-  }
+  program.Add("--report", arguments.report, value::File("OUT.html"),
+              "also write a page for a browser: levels and thresholds over time, the pair, and why a difference was "
+              "or was not found; takes one FILE; -: to standard output, in place of the lines");
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  return orvex::tools::RunWithStandardOutput("orvex-replay", kExitBadInput, [&] { return Run(argc, argv); });
+  orvex::tools::Program program(
+      "orvex-replay",
+      "Feeds recordings to the receiver, block by block as the remote would, and prints what it reports: one JSON "
+      "object per line. The last one has run_difference_s, the first difference found, by which a run corrects the "
+      "delay, and difference_s, the receiver's last one; null: none.",
+      "0 a difference was found in every file, 1 in some file none was found, 2 wrong usage, or a file or standard "
+      "output that cannot be read or written",
+      kExitBadInput);
+  Arguments arguments;
+  DefineOptions(program, arguments);
+  program.AddExample("orvex-replay --fine recording.wav");
+  program.AddExample("orvex-replay --report heard.html recording.wav");
+  program.SetAction([&] {
+    const std::optional<OutputFile> page = OpenReport(arguments);
+    return ReplayAll(arguments, page ? &*page : nullptr);
+  });
+  return program.Run(argc, argv);
 }

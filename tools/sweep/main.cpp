@@ -1,17 +1,13 @@
 // orvex-sweep: measures how well the receiver measures, in thousands of simulated rooms.
-#include <CLI/CLI.hpp>
 #include <ctime>
-#include <exception>
 #include <iostream>
 #include <map>
 #include <optional>
 #include <string>
 #include <thread>
 
-#include "options/usage_message.h"
-#include "options/whole_number.h"
+#include "options/program.h"
 #include "output/output_file.h"
-#include "output/standard_output.h"
 #include "progress/interruption.h"
 #include "progress/progress.h"
 #include "sweep/plan.h"
@@ -23,9 +19,7 @@ namespace {
 
 using namespace orvex::tools;
 
-constexpr int kExitDone = 0;
-constexpr int kExitInterrupted = 1;
-constexpr int kExitUsage = 2;
+constexpr int kExitInterrupted = kExitFailed;
 
 constexpr char kDescription[] =
     "Plays the test sound in thousands of simulated rooms, in virtual time, to the receiver as it ships, and says how "
@@ -42,9 +36,7 @@ constexpr char kDescription[] =
     "result or, without one, to the end of the playback; ended: to the end of the process.\n\n"
     "With --fine each room is recorded until the sound has been heard, and read as orvex-replay --fine reads it. read: "
     "there is a reading; bias to worst: of its error, in ms; held: share of the readings whose interval holds the "
-    "truth; half: median of half the interval's width, in ms; >1 ms: share of the readings that are so far off.\n\n"
-    "Exit code: 0 done, 1 interrupted, and what was done so far is written, 2 wrong usage, or a file or standard "
-    "output that cannot be written.";
+    "truth; half: median of half the interval's width, in ms; >1 ms: share of the readings that are so far off.\n";
 
 struct Arguments {
   std::map<Axis, std::string> axes;
@@ -55,44 +47,36 @@ struct Arguments {
   std::optional<std::string> plot;
 };
 
-void DefineAxes(CLI::App& app, Arguments& arguments, CLI::Option* fine) {
+void DefineAxes(Program& program, Arguments& arguments, const Option& fine) {
   for (std::size_t axis = 0; axis < axis::kCount; ++axis) {
     const AxisKind& kind = AxisKinds()[axis];
-    CLI::Option* const option =
-        app.add_option_function<std::string>(
-               std::string("--") + kind.name,
-               [&arguments, axis](const std::string& text) { arguments.axes[static_cast<Axis>(axis)] = text; },
-               kind.text)
-            ->type_name("")
-            ->default_str(kind.byDefault)
-            ->group("Axes");
+    std::string& text = arguments.axes[static_cast<Axis>(axis)];
+    text = kind.byDefault;
+    Option& option = program.Add(std::string("--") + kind.name, text, value::Text("VALUES"), kind.text).InGroup("Axes");
+    option.kind.words = kind.names;
     if (kind.isOfFineReading) {
-      option->needs(fine);
+      option.OnlyWith(fine);
     }
   }
 }
 
-void DefineArguments(CLI::App& app, Arguments& arguments) {
-  CLI::Option* const fine =
-      app.add_flag("--fine", arguments.options.isFine, "measure the fine reading instead of the receiver");
-  DefineAxes(app, arguments, fine);
-  arguments.options.jobs = std::max(1U, std::thread::hardware_concurrency());
-  app.add_option("--rooms", arguments.options.rooms, "rooms of each row")
-      ->check(WholeNumber(1, 10000000))
-      ->capture_default_str();
-  app.add_option("--seed", arguments.seed, "of everything that is drawn")->check(WholeNumber())->capture_default_str();
-  app.add_option("--jobs", arguments.options.jobs, "rooms at a time; the results do not depend on it")
-      ->check(WholeNumber(1, 1024))
-      ->capture_default_str();
-  app.add_option("--recording", arguments.recordings, "WAV files of one channel, for --disturbance recording")
-      ->type_name("FILE");
-  app.add_option("--csv", arguments.csv,
-                 "write one line per room to FILE; -: to standard output, and the table to standard error")
-      ->type_name("FILE");
-  app.add_option("--plot", arguments.plot,
-                 "draw figures into FILE, an SVG or PNG by its ending; needs gnuplot; not with --fine")
-      ->type_name("FILE")
-      ->excludes(fine);
+void DefineOptions(Program& program, Arguments& arguments) {
+  SweepOptions& options = arguments.options;
+  const Option& fine = program.AddFlag("--fine", options.isFine, "measure the fine reading instead of the receiver");
+  DefineAxes(program, arguments, fine);
+  options.jobs = std::max(1U, std::thread::hardware_concurrency());
+  program.Add("--rooms", options.rooms, value::WholeNumber("N", 1, 10000000), "rooms of each row");
+  program.Add("--seed", arguments.seed, value::WholeNumber("N"), "of everything that is drawn");
+  program.Add("--jobs", options.jobs, value::WholeNumber("N", 1, 1024),
+              "rooms at a time; the results do not depend on it");
+  program.Add("--recording", arguments.recordings, value::File(),
+              "WAV files of one channel, for --disturbance recording");
+  program.Add("--csv", arguments.csv, value::File(),
+              "write one line per room to FILE; -: to standard output, and the table to standard error");
+  program
+      .Add("--plot", arguments.plot, value::File(),
+           "draw figures into FILE, an SVG or PNG by its ending; needs gnuplot; not with --fine")
+      .NotWith(fine);
 }
 
 // Tried before the work begins.
@@ -143,27 +127,20 @@ int Sweep(Arguments& arguments) {
   }
   std::cerr << "orvex-sweep: " << result.recordedS << " s of recordings in " << progress.ElapsedS() << " s, "
             << result.recordedS * CLOCKS_PER_SEC / static_cast<double>(std::clock()) << " times real time per core\n";
-  return kExitDone;
-}
-
-int Run(int argc, char** argv) {
-  CLI::App app(kDescription);
-  NameInMessages(app, "orvex-sweep");
-  Arguments arguments;
-  DefineArguments(app, arguments);
-  try {
-    app.parse(argc, argv);
-    return Sweep(arguments);
-  } catch (const CLI::ParseError& problem) {
-    return app.exit(problem) == 0 ? kExitDone : kExitUsage;
-  } catch (const std::exception& problem) {
-    std::cerr << "orvex-sweep: " << problem.what() << '\n';
-    return kExitUsage;
-  }
+  return kExitGood;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  return RunWithStandardOutput("orvex-sweep", kExitUsage, [&] { return Run(argc, argv); });
+  Program program("orvex-sweep", kDescription,
+                  "0 done, 1 interrupted, and what was done so far is written, 2 wrong usage, or a file or standard "
+                  "output that cannot be written",
+                  kExitUsage);
+  Arguments arguments;
+  DefineOptions(program, arguments);
+  program.AddExample("orvex-sweep --rooms 200 --rt60-s 0.1,0.4,0.8");
+  program.AddExample("orvex-sweep --disturbance hiss,claps --csv rooms.csv");
+  program.SetAction([&] { return Sweep(arguments); });
+  return program.Run(argc, argv);
 }

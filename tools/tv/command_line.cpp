@@ -1,11 +1,9 @@
-// Each subcommand adds itself to the parser and throws what goes wrong; messages and exit codes are made here.
+// The commands add themselves; what is said of them here concerns all.
 #include "tv/command_line.h"
 
-#include <cstdio>
 #include <exception>
 
-#include "options/errors.h"
-#include "options/usage_message.h"
+#include "options/program.h"
 #include "orvex/sim/room_config.h"
 #include "tv/commands.h"
 #include "virtual/television.h"
@@ -13,45 +11,32 @@
 namespace orvex::tools {
 namespace {
 
-int ExitCodeOf(const virtual_tv::TelevisionError& error) {
+// A room that cannot be, or a value that a television does not have.
+bool IsWrongInput(const std::exception& error) {
   using Cause = virtual_tv::TelevisionError::Cause;
-  const bool usage = error.GetCause() == Cause::kUnknownName || error.GetCause() == Cause::kBadValue;
-  return usage ? kExitUsage : kExitFailed;
-}
-
-int ReportError(const std::exception& error, int exitCode) {
-  std::fprintf(stderr, "orvex-tv: %s\n", error.what());
-  return exitCode;
+  const auto* const ofTelevision = dynamic_cast<const virtual_tv::TelevisionError*>(&error);
+  if (ofTelevision != nullptr) {
+    return ofTelevision->GetCause() == Cause::kUnknownName || ofTelevision->GetCause() == Cause::kBadValue;
+  }
+  return dynamic_cast<const sim::RoomError*>(&error) != nullptr;
 }
 
 }  // namespace
 
 int RunCommandLine(int argc, const char* const* argv) {
-  CLI::App app(
-      "A virtual television: run the calibration service on it, read and change its values, send messages.\n"
-      "Exit code: 0 done, 1 it could not be done or the calibration did not succeed, 2 wrong usage or bad "
-      "input, 128 plus the number of the signal that interrupted a run.");
-  NameInMessages(app, "orvex-tv");
-  app.require_subcommand(1);
-  int exitCode = kExitGood;
-  AddRunCommand(app, exitCode);
-  AddValueCommands(app, exitCode);
-  AddSendCommand(app, exitCode);
-  AddEventsCommand(app, exitCode);
-  try {
-    app.parse(argc, argv);
-    return exitCode;
-  } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? kExitGood : kExitUsage;
-  } catch (const UsageError& error) {
-    return ReportError(error, kExitUsage);
-  } catch (const sim::RoomError& error) {
-    return ReportError(error, kExitUsage);
-  } catch (const virtual_tv::TelevisionError& error) {
-    return ReportError(error, ExitCodeOf(error));
-  } catch (const std::exception& error) {
-    return ReportError(error, kExitFailed);
-  }
+  Program program("orvex-tv",
+                  "A virtual television: run the calibration service on it, read and change its values, send messages.",
+                  "0 done, 1 it could not be done or the calibration did not succeed, 2 wrong usage or bad input, 128 "
+                  "plus the number of the signal that interrupted a run",
+                  kExitFailed);
+  program.SetUsageErrors(IsWrongInput);
+  AddRunCommand(program);
+  AddValueCommands(program);
+  AddSendCommand(program);
+  AddEventsCommand(program);
+  program.AddExample("orvex-tv run --optical-latency 80 --noise -55");
+  program.AddExample("orvex-tv set --tv /tmp/mytv sound/mute 1");
+  return program.Run(argc, argv);
 }
 
 }  // namespace orvex::tools

@@ -1,14 +1,13 @@
-// The subcommands. Each function adds one to `app`; when it is chosen, parsing runs it and leaves its exit code in
-// `exitCode`. Errors come out of the parse as exceptions.
+// The commands of orvex-tv. Each function adds some to `program`.
 #pragma once
 
-#include <CLI/CLI.hpp>
+#include "options/command.h"
 
 namespace orvex::tools {
 
-void AddRunCommand(CLI::App& app, int& exitCode);
-void AddValueCommands(CLI::App& app, int& exitCode);
-void AddSendCommand(CLI::App& app, int& exitCode);
-void AddEventsCommand(CLI::App& app, int& exitCode);
+void AddRunCommand(Command& program);
+void AddValueCommands(Command& program);
+void AddSendCommand(Command& program);
+void AddEventsCommand(Command& program);
 
 }  // namespace orvex::tools

@@ -9,17 +9,18 @@
 
 namespace orvex::tools {
 
-void AddEventsCommand(CLI::App& app, int& exitCode) {
+void AddEventsCommand(Command& program) {
   const auto directory = std::make_shared<std::string>();
-  CLI::App* const command = app.add_subcommand("events", "print the collected telemetry records as a table");
-  AddTelevisionOption(*command, *directory);
-  command->callback([=, &exitCode] {
+  Command& command = program.AddCommand("events", "print the collected telemetry records as a table");
+  AddTelevisionOption(command, *directory);
+  command.AddExample("orvex-tv events --tv /tmp/mytv");
+  command.SetAction([=] {
     const EventRecords events = ReadEventRecords(TelevisionOf(*directory).PathOf("events.jsonl").string());
     std::fputs(EventTable(events.records).c_str(), stdout);
     for (const std::string& problem : events.problems) {
       std::fprintf(stderr, "%s\n", problem.c_str());
     }
-    exitCode = kExitGood;
+    return kExitGood;
   });
 }
 

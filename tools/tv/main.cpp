@@ -1,9 +1,6 @@
 // orvex-tv: the virtual television's command.
-#include "options/errors.h"
-#include "output/standard_output.h"
 #include "tv/command_line.h"
 
 int main(int argc, char** argv) {
-  using namespace orvex::tools;
-  return RunWithStandardOutput("orvex-tv", kExitFailed, [&] { return RunCommandLine(argc, argv); });
+  return orvex::tools::RunCommandLine(argc, argv);
 }

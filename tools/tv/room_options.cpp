@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "options/whole_number.h"
 #include "orvex/sim/room_json.h"
 #include "tv/text_files.h"
 
@@ -47,18 +46,18 @@ constexpr const char kNoNoise[] = "none";
 
 }  // namespace
 
-void RoomOptions::AddTo(CLI::App& app) {
+void RoomOptions::AddTo(Command& command) {
   const char* const kGroup = "Room";
-  app.add_option("--room", m_File, "room.json to begin with")->type_name("FILE")->group(kGroup);
+  command.Add("--room", m_File, value::File(), "room.json to begin with").InGroup(kGroup);
   for (const NumberOption& option : kNumberOptions) {
-    app.add_option(option.name, m_Numbers[option.name], option.text)->type_name(option.unit)->group(kGroup);
+    command.Add(option.name, m_Numbers[option.name], value::Number(option.unit), option.text).InGroup(kGroup);
   }
-  app.add_option("--noise", m_NoiseDbfs, "noise at the microphone, RMS of full scale, or \"none\"")
-      ->type_name("DBFS")
-      ->check(CLI::Number | CLI::IsMember({kNoNoise}))
-      ->group(kGroup);
-  app.add_flag("--optical-muted", m_OpticalMuted, "the external device is silent")->group(kGroup);
-  app.add_option("--seed", m_Seed, "of everything random")->type_name("N")->check(WholeNumber())->group(kGroup);
+  command
+      .Add("--noise", m_NoiseDbfs, value::OrWord(value::Number("DBFS"), kNoNoise),
+           "noise at the microphone, RMS of full scale, or \"none\"")
+      .InGroup(kGroup);
+  command.AddFlag("--optical-muted", m_OpticalMuted, "the external device is silent").InGroup(kGroup);
+  command.Add("--seed", m_Seed, value::WholeNumber("N"), "of everything random").InGroup(kGroup);
 }
 
 bool RoomOptions::Empty() const {

@@ -6,16 +6,15 @@
 #include <optional>
 #include <string>
 
-#include <CLI/CLI.hpp>
-
+#include "options/command.h"
 #include "orvex/sim/room_config.h"
 
 namespace orvex::tools {
 
 class RoomOptions {
 public:
-  // Adds the options; the values arrive in this object, which must outlive `app`.
-  void AddTo(CLI::App& app);
+  // Adds the options; the values arrive in this object, which must outlive `command`.
+  void AddTo(Command& command);
 
   // Nothing was given: a television's own room stays as it is.
   bool Empty() const;

@@ -14,7 +14,6 @@
 #include <fmt/core.h>
 
 #include "options/errors.h"
-#include "options/whole_number.h"
 #include "output/standard_output.h"
 #include "run/run_signals.h"
 #include "tv/commands.h"
@@ -136,22 +135,24 @@ int Run(const RunArguments& arguments) {
 
 }  // namespace
 
-void AddRunCommand(CLI::App& app, int& exitCode) {
+void AddRunCommand(Command& program) {
   const auto arguments = std::make_shared<RunArguments>();
-  CLI::App* const command = app.add_subcommand("run", "calibrate once and show what happens");
+  Command& command = program.AddCommand("run", "calibrate once and show what happens");
   TelevisionOptions& television = arguments->television;
-  command->add_option("--tv", television.directory, "directory of the television, kept; default: a temporary one")
-      ->type_name("DIR");
-  command->add_option("--base-delay", television.baseDelayMs, "delay of the optical output before the run")
-      ->type_name("MS")
-      ->check(WholeNumber(0, std::numeric_limits<std::uint32_t>::max()));
-  command->add_option("--faults", television.faultsFile, "faults.json to inject")->type_name("FILE");
-  command->add_option("--service", arguments->service, "the service; default: ORVEX_SERVICE, else beside orvex-tv")
-      ->type_name("PATH");
-  command->add_flag("--json", arguments->json, "print one JSON object and nothing else on stdout");
-  command->add_flag("-v,--verbose", arguments->verbose, "show the service's log on stderr");
-  television.room.AddTo(*command);
-  command->callback([=, &exitCode] { exitCode = Run(*arguments); });
+  command.Add("--tv", television.directory, value::Folder(),
+              "directory of the television, kept; default: a temporary one");
+  command.Add("--base-delay", television.baseDelayMs,
+              value::WholeNumber("MS", 0, std::numeric_limits<std::uint32_t>::max()),
+              "delay of the optical output before the run");
+  command.Add("--faults", television.faultsFile, value::File(), "faults.json to inject");
+  command.Add("--service", arguments->service, value::File("PATH"),
+              "the service; default: ORVEX_SERVICE, else beside orvex-tv");
+  command.AddFlag("--json", arguments->json, "print one JSON object and nothing else on stdout");
+  command.AddFlag("-v,--verbose", arguments->verbose, "show the service's log on stderr");
+  television.room.AddTo(command);
+  command.AddExample("orvex-tv run --optical-latency 80 --noise -55");
+  command.AddExample("orvex-tv run --tv /tmp/mytv --json");
+  command.SetAction([=] { return Run(*arguments); });
 }
 
 }  // namespace orvex::tools

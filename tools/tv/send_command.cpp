@@ -48,18 +48,16 @@ void Send(const SendArguments& arguments) {
 
 }  // namespace
 
-void AddSendCommand(CLI::App& app, int& exitCode) {
+void AddSendCommand(Command& program) {
   const auto arguments = std::make_shared<SendArguments>();
-  CLI::App* const command = app.add_subcommand("send", "send a message to the running service and print the reply");
-  AddTelevisionOption(*command, arguments->directory);
-  command->add_option("JSON", arguments->message, "the message, one line")->required();
-  command->add_option("--timeout", arguments->timeoutS, "longest wait for the reply")
-      ->type_name("S")
-      ->check(CLI::Range(0.001, 3600.0))
-      ->capture_default_str();
-  command->callback([=, &exitCode] {
+  Command& command = program.AddCommand("send", "send a message to the running service and print the reply");
+  AddTelevisionOption(command, arguments->directory);
+  command.Add("JSON", arguments->message, value::Text("JSON"), "the message, one line").Required();
+  command.Add("--timeout", arguments->timeoutS, value::Number("S", 0.001, 3600.0), "longest wait for the reply");
+  command.AddExample(R"(orvex-tv send --tv /tmp/mytv '{"type": "request", "body": {"command": "stop"}}')");
+  command.SetAction([=] {
     Send(*arguments);
-    exitCode = kExitGood;
+    return kExitGood;
   });
 }
 

@@ -4,14 +4,13 @@
 #include <filesystem>
 #include <string>
 
-#include <CLI/CLI.hpp>
-
+#include "options/command.h"
 #include "virtual/television.h"
 
 namespace orvex::tools {
 
-inline void AddTelevisionOption(CLI::App& command, std::string& directory) {
-  command.add_option("--tv", directory, "directory of the television; default: what ORVEX_TV names")->type_name("DIR");
+inline void AddTelevisionOption(Command& command, std::string& directory) {
+  command.Add("--tv", directory, value::Folder(), "directory of the television; default: what ORVEX_TV names");
 }
 
 inline virtual_tv::Television TelevisionOf(const std::string& directory) {

@@ -51,25 +51,29 @@ void List(const ValueArguments& arguments) {
 
 }  // namespace
 
-void AddValueCommands(CLI::App& app, int& exitCode) {
+void AddValueCommands(Command& program) {
   const auto arguments = std::make_shared<ValueArguments>();
-  const auto add = [&](const char* name, const char* text, void (*action)(const ValueArguments&)) {
-    CLI::App* const command = app.add_subcommand(name, text);
-    AddTelevisionOption(*command, arguments->directory);
-    command->callback([=, &exitCode] {
+  const auto add = [&](const char* name, const char* text, void (*action)(const ValueArguments&)) -> Command& {
+    Command& command = program.AddCommand(name, text);
+    AddTelevisionOption(command, arguments->directory);
+    command.SetAction([=] {
       action(*arguments);
-      exitCode = kExitGood;
+      return kExitGood;
     });
     return command;
   };
-  CLI::App* const get = add("get", "print a value of the television", Get);
-  CLI::App* const set = add("set", "change a value of the television, which is made if it is missing", Set);
-  add("list", "print all values: name, value, unit, range, meaning", List);
-  for (CLI::App* const command : {get, set}) {
-    command->add_option("NAME", arguments->name, "full name, or a part that only one has, such as \"delay\"")
-        ->required();
+  Command& get = add("get", "print a value of the television", Get);
+  Command& set = add("set", "change a value of the television, which is made if it is missing", Set);
+  Command& list = add("list", "print all values: name, value, unit, range, meaning", List);
+  for (Command* const command : {&get, &set}) {
+    command
+        ->Add("NAME", arguments->name, value::Text("NAME"), "full name, or a part that only one has, such as \"delay\"")
+        .Required();
   }
-  set->add_option("VALUE", arguments->value, "the new value")->required();
+  set.Add("VALUE", arguments->value, value::Text("VALUE"), "the new value").Required();
+  get.AddExample("orvex-tv get --tv /tmp/mytv delay");
+  set.AddExample("orvex-tv set --tv /tmp/mytv sound/mute 1");
+  list.AddExample("orvex-tv list --tv /tmp/mytv");
 }
 
 }  // namespace orvex::tools

@@ -62,6 +62,7 @@ TEST_F(CommandLine, RefusesUnknownNamesAndBadValues) {
   const Outcome name = Call({"get", "--tv", m_Tv.c_str(), "colour"});
   EXPECT_EQ(2, name.exitCode);
   EXPECT_THAT(name.error, AllOf(HasSubstr("\"colour\""), HasSubstr("delay/spdif")));
+  EXPECT_THAT(Call({"get", "--tv", m_Tv.c_str(), "volmue"}).error, HasSubstr(", did you mean \"volume\"?\nKnown "));
   const Outcome value = Call({"set", "--tv", m_Tv.c_str(), "mute", "2"});
   EXPECT_EQ(2, value.exitCode);
   EXPECT_THAT(value.error, AllOf(HasSubstr("sound/mute: \"2\""), HasSubstr("an integer from 0 to 1")));
@@ -132,9 +133,9 @@ TEST_F(CommandLine, RefusesNumbersBelowZeroAndTooLargeOnes) {
   EXPECT_THAT(refusal("--seed", "-1"),
               HasSubstr("--seed: \"-1\": expected a whole number from 0 to 18446744073709551615"));
   EXPECT_THAT(refusal("--base-delay", "-1"),
-              HasSubstr("--base-delay: \"-1\": expected a whole number from 0 to 4294967295"));
+              HasSubstr("--base-delay: \"-1\": expected a whole number of milliseconds from 0 to 4294967295"));
   EXPECT_THAT(refusal("--base-delay", "4294967296"),
-              HasSubstr("--base-delay: \"4294967296\": expected a whole number"));
+              HasSubstr("--base-delay: \"4294967296\": expected a whole number of milliseconds"));
 }
 
 TEST_F(CommandLine, PrintsOneObjectOfARunWithTheRecordsOfThisRunOnly) {

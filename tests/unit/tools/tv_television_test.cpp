@@ -1,11 +1,13 @@
 // The television of a run: what the options put into its directory, and what they leave alone.
 #include <filesystem>
+#include <iterator>
+#include <sstream>
+#include <string>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <CLI/CLI.hpp>
 
-#include "options/errors.h"
+#include "options/program.h"
 #include "orvex/sim/room_json.h"
 #include "tv/run_television.h"
 #include "unit/tools/temporary_folder.h"
@@ -19,9 +21,10 @@ using testing::Optional;
 
 TelevisionOptions Options(const std::string& roomArguments) {
   TelevisionOptions options;
-  CLI::App app;
-  options.room.AddTo(app);
-  app.parse(roomArguments);
+  Program program("orvex-test", "", "", kExitFailed);
+  options.room.AddTo(program);
+  std::istringstream words(roomArguments);
+  program.Read({std::istream_iterator<std::string>(words), {}});
   return options;
 }
 
@@ -106,7 +109,7 @@ TEST(RunTelevision, RefusesImpossibleAndUnreadableRooms) {
   EXPECT_THROW(RunTelevision(Options("--room " + broken)), sim::RoomError);
   EXPECT_THROW(RunTelevision(Options("--loss 2")), sim::RoomError);
   EXPECT_THROW(RunTelevision(Options("--room " + (folder / "missing.json"))), UsageError);
-  EXPECT_THROW(Options("--noise loud"), CLI::ParseError);
+  EXPECT_THROW(Options("--noise loud"), UsageError);
 }
 
 TEST(RunTelevision, CopiesFaultsAndRefusesWhatIsNoObject) {
