@@ -6,6 +6,7 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "options/suggestion.h"
 #include "orvex/sim/room_config.h"
 #include "sweep/disturbance.h"
 #include "testsound/sound_design.h"
@@ -15,7 +16,8 @@ namespace {
 
 constexpr double kLongMs = 10000.0;
 
-[[noreturn]] void Refuse(const AxisKind& kind, const std::string& text) {
+// `part`: of `text`, which cannot be read.
+[[noreturn]] void Refuse(const AxisKind& kind, const std::string& part, const std::string& text) {
   std::ostringstream message;
   message << "--" << kind.name << " \"" << text << "\", expected ";
   if (kind.names.empty()) {
@@ -24,7 +26,7 @@ constexpr double kLongMs = 10000.0;
     for (const std::string& name : kind.names) {
       message << (name == kind.names.front() ? "" : ", ") << name;
     }
-    message << " or several of them with commas between";
+    message << " or several of them with commas between" << DidYouMean(part, kind.names);
   }
   throw std::invalid_argument(message.str());
 }
@@ -45,7 +47,7 @@ double ReadNumber(const AxisKind& kind, const std::string& part, const std::stri
   char* end = nullptr;
   const double value = std::strtod(part.c_str(), &end);
   if (part.empty() || *end != '\0' || !(value >= kind.low && value <= kind.high)) {
-    Refuse(kind, text);
+    Refuse(kind, part, text);
   }
   return value;
 }
@@ -56,7 +58,7 @@ double ReadValue(const AxisKind& kind, const std::string& part, const std::strin
   }
   const auto found = std::find(kind.names.begin(), kind.names.end(), part);
   if (found == kind.names.end()) {
-    Refuse(kind, text);
+    Refuse(kind, part, text);
   }
   return static_cast<double>(found - kind.names.begin());
 }
@@ -129,12 +131,12 @@ AxisValues::AxisValues(const AxisKind& kind, const std::string& text) {
     m_Width = ReadNumber(kind, ends[1], text) - m_Values[0];
     m_Texts = {text};
     if (m_Width < 0.0) {
-      Refuse(kind, text);
+      Refuse(kind, text, text);
     }
     return;
   }
   if (m_EitherSign) {
-    Refuse(kind, text);
+    Refuse(kind, text, text);
   }
   m_Texts = Split(text, ',');
   for (const std::string& part : m_Texts) {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "options/errors.h"
+#include "options/suggestion.h"
 #include "virtual/television_values.h"
 
 namespace orvex::tools {
@@ -31,9 +32,13 @@ std::string FullValueName(const std::string& name) {
     return name;
   }
   std::vector<std::string> all;
+  std::vector<std::string> parts;
   std::vector<std::string> meant;
   for (const virtual_tv::TelevisionValue& value : virtual_tv::TelevisionValues()) {
     all.push_back(value.name);
+    for (const std::filesystem::path& part : std::filesystem::path(value.name)) {
+      parts.push_back(part.string());
+    }
     if (HasPart(value.name, name)) {
       meant.push_back(value.name);
     }
@@ -42,7 +47,9 @@ std::string FullValueName(const std::string& name) {
     return meant.front();
   }
   if (meant.empty()) {
-    throw UsageError("\"" + name + "\" is no value of a television. Known are any settings/db/... and:" + Lines(all));
+    parts.insert(parts.end(), all.begin(), all.end());
+    throw UsageError("\"" + name + "\" is no value of a television" + DidYouMean(name, parts) +
+                     "\nKnown are any settings/db/... and:" + Lines(all));
   }
   throw UsageError("\"" + name + "\" may be one of:" + Lines(meant));
 }

@@ -87,6 +87,8 @@ TEST(SweepPlan, RefusesWhatIsNoValueAndSaysWhatIs) {
   }
   EXPECT_THAT(made(axis::kSilent, "maybe"),
               ThrowsMessage<std::invalid_argument>(HasSubstr("\"maybe\", expected no, yes or several")));
+  EXPECT_THAT(made(axis::kDisturbance, "hiss,calps"),
+              ThrowsMessage<std::invalid_argument>(HasSubstr(" with commas between, did you mean \"claps\"?")));
 }
 
 TEST(SweepPlan, GivesEachWayTwoEarlyReflectionsLikeTheLivingRooms) {
