@@ -84,6 +84,8 @@ TEST_F(OutputOfReplay, IsTriedBeforeTheRecordingIsReadAndKeptWhenThatCannotBeRea
   m_Folder.WriteFile("page.html", "old page");
   EXPECT_EQ("exit code 2",
             Describe(RunProgram(ORVEX_REPLAY_PROGRAM, {"--report", PathOf("page.html"), "gone"}).ending));
+  EXPECT_EQ("exit code 2",
+            Describe(RunProgram(ORVEX_REPLAY_PROGRAM, {"--report", PathOf("page.html"), "gone", "away"}).ending));
   EXPECT_EQ("old page", m_Folder.ReadFile("page.html"));
   const ToolRun run = Report("/nonexistent/page.html");
   EXPECT_EQ("exit code 2", Describe(run.ending));

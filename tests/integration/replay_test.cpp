@@ -93,16 +93,33 @@ TEST(Replay, WritesAReportBesideItsLinesWithTheSameExitCode) {
   EXPECT_THAT(folder.ReadFile("a.html"), HasSubstr("its ambient mean is exactly 0"));
 }
 
-TEST(Replay, RefusesAReportThatCannotBeWrittenOrOfSeveralFiles) {
+TEST(Replay, RefusesAReportThatCannotBeWritten) {
   const TestTelevision folder;
   folder.WriteFile("silence", std::string(kVoiceBlockBytes, '\0'));
   const std::string silence = folder.PathOf("silence").string();
   const ToolRun unwritable = RunProgram(ORVEX_REPLAY_PROGRAM, {"--report", "/nonexistent/a.html", silence});
   EXPECT_EQ("exit code 2", Describe(unwritable.ending));
   EXPECT_THAT(unwritable.errors, HasSubstr("/nonexistent/a.html: cannot be written: No such file or directory"));
-  const ToolRun several = RunProgram(ORVEX_REPLAY_PROGRAM, {"--report", "/nonexistent/a.html", silence, silence});
-  EXPECT_EQ("exit code 2", Describe(several.ending));
-  EXPECT_THAT(several.errors, HasSubstr("--report /nonexistent/a.html: 2 files, expected 1"));
+}
+
+TEST(Replay, WritesOneReportOfSeveralFilesAlsoWhenOneCannotBeRead) {
+  const TestTelevision folder;
+  folder.WriteFile("one", std::string(40 * kVoiceBlockBytes, '\0'));
+  folder.WriteFile("two", std::string(2 * kVoiceBlockBytes, '\0'));
+  const std::string page = folder.PathOf("a.html").string();
+  const std::string one = folder.PathOf("one").string();
+  const std::string two = folder.PathOf("two").string();
+  const ToolRun whole = RunProgram(ORVEX_REPLAY_PROGRAM, {"--report", page, one, two});
+  EXPECT_EQ("exit code 1", Describe(whole.ending)) << whole.errors;
+  EXPECT_EQ(RunProgram(ORVEX_REPLAY_PROGRAM, {one, two}).output, whole.output);
+  const ToolRun partly = RunProgram(ORVEX_REPLAY_PROGRAM, {"--report", page, one, "/nonexistent/dump", two});
+  EXPECT_EQ("exit code 2", Describe(partly.ending));
+  EXPECT_EQ(whole.output, partly.output);
+  const std::string html = folder.ReadFile("a.html");
+  EXPECT_THAT(html, HasSubstr("<h1>Replay of 3 recordings</h1>"));
+  EXPECT_THAT(html, HasSubstr("<h2 id='recording-1-file'><code>" + one + "</code></h2>"));
+  EXPECT_THAT(html, HasSubstr("Not read: /nonexistent/dump: cannot be read: No such file or directory"));
+  EXPECT_THAT(html, HasSubstr("<h2 id='recording-3-file'><code>" + two + "</code></h2>"));
 }
 
 TEST(Replay, RefusesWhatItCannotReadAndGoesOnWithTheRest) {

@@ -16,7 +16,7 @@ void WriteSoundReport(const OutputFile& file, const ServiceRun& run, const fine:
   ReceiverRig rig({&record});
   Feed(recording, rig);
   file.Write([&](std::ostream& out) {
-    out << MakeReportPage(record, {"what the microphone heard", "", recording.size()}, reading);
+    out << MakeReportPage(record, {"what the microphone heard", "", run.heard}, reading);
   });
 }
 

@@ -200,4 +200,28 @@ Explanation Explain(const RunRecord& run) {
   return abnormal ? ExplainAbnormal(run, *abnormal) : ExplainNotFound(run);
 }
 
+std::string InBrief(const RunRecord& run, Tone tone) {
+  const ToneFindings found = FindTone(run, tone);
+  if (!found.strongest) {
+    return "not looked for";
+  }
+  const double ambient = run.GetAmbient()->At(tone);
+  if (ambient == 0.0) {
+    return "no threshold, as its ambient mean is 0";
+  }
+  if (found.clean > 0) {
+    return fmt::format("found in {}", Counted(found.clean, "block"));
+  }
+  if (found.noisy > 0) {
+    return "drowned by its neighbours";
+  }
+  if (found.covered > 0) {
+    return fmt::format("covered by {}", NameOf(Other(tone)));
+  }
+  const double level = found.strongest->levels.At(tone);
+  return level == 0.0
+             ? "silent"
+             : fmt::format("{:.1f} dB short of its threshold", Decibels(detector::kToneThreshold * ambient / level));
+}
+
 }  // namespace orvex::tools

@@ -21,4 +21,7 @@ struct Explanation {
 // input.
 Explanation Explain(const RunRecord& run);
 
+// What became of a tone in a few words: "found in 3 blocks", "12.3 dB short of its threshold".
+std::string InBrief(const RunRecord& run, Tone tone);
+
 }  // namespace orvex::tools

@@ -24,6 +24,7 @@ using orvex::tools::ReceiverRig;
 using orvex::tools::Recording;
 using orvex::tools::RecordingError;
 using orvex::tools::ReportLines;
+using orvex::tools::ReportPage;
 using orvex::tools::RunRecord;
 
 constexpr int kExitResult = orvex::tools::kExitGood;
@@ -38,17 +39,16 @@ struct Arguments {
   bool fine = false;
 };
 
-orvex::fine::Reading ReadFinely(const Recording& recording) {
+orvex::fine::Reading ReadFinely(const std::vector<std::int16_t>& samples) {
   static const orvex::fine::FineReader reader;
-  const std::vector<std::int16_t> samples = orvex::tools::SamplesOf(recording);
   Progress progress("orvex-replay", "steps of the fine reading", reader.Steps());
   return reader.Read({samples.data(), samples.size()}, [&](std::size_t done) { progress.Show(done); });
 }
 
-int Replay(const Recording& recording, const std::string& file, const Arguments& arguments, const OutputFile* page) {
-  std::ostream none(nullptr);
-  ReportLines lines(page != nullptr && page->IsStandardOutput() ? none : std::cout,
-                    arguments.files.size() > 1 ? file : "", arguments.trace);
+// `page`: takes the replay, too, when there is one.
+int Replay(const Recording& recording, const std::string& file, const Arguments& arguments, std::ostream& out,
+           ReportPage* page) {
+  ReportLines lines(out, arguments.files.size() > 1 ? file : "", arguments.trace);
   RunRecord run(arguments.hearable);
   ReceiverRig rig({&lines, &run}, arguments.hearable);
   {
@@ -56,32 +56,38 @@ int Replay(const Recording& recording, const std::string& file, const Arguments&
     orvex::tools::Feed(recording.bytes, rig, [&](std::size_t done) { progress.Show(done); });
   }
   lines.WriteSummary(rig, run);
+  const std::vector<std::int16_t> samples = orvex::tools::SamplesOf(recording);
   std::optional<orvex::fine::Reading> fine;
   if (arguments.fine) {
-    fine = ReadFinely(recording);
+    fine = ReadFinely(samples);
     lines.WriteFine(*fine);
   }
   if (page != nullptr) {
-    page->Write([&](std::ostream& out) {
-      out << orvex::tools::MakeReportPage(run, {file, recording.warning, recording.bytes.size()}, fine);
-    });
+    page->Add(run, {file, recording.warning, samples}, fine);
   }
   return rig.GetDifferenceS() != 0.0 ? kExitResult : kExitNoResult;
 }
 
-int ReplayAll(const Arguments& arguments, const OutputFile* page) {
+int ReplayAll(const Arguments& arguments, const OutputFile* output) {
   int worst = kExitResult;
+  ReportPage page(arguments.files.size());
+  std::ostream none(nullptr);
+  std::ostream& out = output != nullptr && output->IsStandardOutput() ? none : std::cout;
   for (const std::string& file : arguments.files) {
     try {
       const Recording recording = orvex::tools::ReadRecording(file);
       if (!recording.warning.empty()) {
         std::cerr << "orvex-replay: " << recording.warning << '\n';
       }
-      worst = std::max(worst, Replay(recording, file, arguments, page));
+      worst = std::max(worst, Replay(recording, file, arguments, out, output != nullptr ? &page : nullptr));
     } catch (const RecordingError& problem) {
       std::cerr << "orvex-replay: " << problem.what() << '\n';
+      page.AddUnreadable(file, problem.what());
       worst = kExitBadInput;
     }
+  }
+  if (output != nullptr && !page.IsEmpty()) {
+    output->Write([&](std::ostream& target) { target << page.Finish(); });
   }
   return worst;
 }
@@ -92,9 +98,6 @@ std::optional<OutputFile> OpenReport(const Arguments& arguments) {
     return std::nullopt;
   }
   const std::string option = "--report " + *arguments.report;
-  if (arguments.files.size() > 1) {
-    throw OutputError(option + ": " + std::to_string(arguments.files.size()) + " files, expected 1");
-  }
   OutputFile page(*arguments.report, arguments.files);
   if (page.IsStandardOutput() && arguments.trace) {
     throw OutputError(option + ": takes standard output for the page, expected no --trace beside it");
@@ -116,7 +119,8 @@ void DefineOptions(orvex::tools::Program& program, Arguments& arguments) {
       "holds the true one in 95 of 100 rooms, or the reason why it is not known that well");
   program.Add("--report", arguments.report, value::File("OUT.html"),
               "also write a page for a browser: levels and thresholds over time, the pair, and why a difference was "
-              "or was not found; takes one FILE; -: to standard output, in place of the lines");
+              "or was not found; of several files one page with an overview; -: to standard output, in place of the "
+              "lines");
 }
 
 }  // namespace

@@ -3,156 +3,140 @@
 
 namespace orvex::tools {
 
-// The Content-Security-Policy makes the browser refuse to load anything from outside the page.
+// The Content-Security-Policy makes the browser refuse to load anything from outside the page, and to run any script.
 const char kPageBegin[] = R"(<!DOCTYPE html>
 <html lang="en">
 <head>
-<meta charset="utf-8">
-<meta http-equiv="Content-Security-Policy"
-      content="default-src 'none'; style-src 'unsafe-inline'; script-src 'unsafe-inline'">
-<meta name="viewport" content="width=device-width">
+<meta charset="utf-8"/>
+<meta http-equiv="Content-Security-Policy" content="default-src 'none'; style-src 'unsafe-inline'; img-src data:"/>
+<meta name="viewport" content="width=device-width, initial-scale=1"/>
 )";
 
+// All colours are those of the two lists at the beginning. Each --ink can be read on each --paper: a test computes the
+// contrasts.
 const char kPageStyle[] = R"(
-:root { color-scheme: light; --f17: #0b5cad; --f19: #c2410c; --f175: #0f766e; --f18: #7e22ce; --good: #15803d; }
-body { margin: 0 auto; max-width: 1400px; padding: 16px 24px 40px; background: #fff; color: #1b1f24;
-       font: 15px/1.45 system-ui, "DejaVu Sans", sans-serif; }
-h1 { font-size: 20px; font-weight: 600; margin: 0 0 12px; overflow-wrap: anywhere; }
-h2 { font-size: 17px; margin: 28px 0 6px; }
-#decision { border-left: 6px solid #b45309; background: #fff8eb; padding: 10px 18px 6px; }
-#decision.found { border-color: var(--good); background: #f0faf3; }
-#decision.abnormal { border-color: #b91c1c; background: #fef2f2; }
-#decision h2 { margin: 0 0 4px; font-size: 20px; }
-#decision ul { margin: 0 0 6px; padding-left: 20px; }
-.warning { background: #fff8eb; padding: 8px 14px; }
-.facts { display: flex; flex-wrap: wrap; gap: 6px 36px; margin: 14px 0; }
-.facts dt { color: #57606a; font-size: 13px; }
-.facts dd { margin: 0; font-size: 17px; font-variant-numeric: tabular-nums; }
+:root { color-scheme: light dark;
+  --paper: #ffffff; --paper-raised: #f4f6f9; --paper-good: #ecf8ef; --paper-warn: #fff5e2; --paper-bad: #fdeeee;
+  --ink: #1b1f24; --ink-soft: #4b535d; --ink-17: #0b5cad; --ink-19: #a83a08; --ink-175: #0b655e; --ink-18: #7e22ce;
+  --ink-good: #11652d; --ink-warn: #854800; --ink-bad: #a91616; --line: #dfe3e8; --line-strong: #868f99; }
+@media (prefers-color-scheme: dark) { :root {
+  --paper: #14181d; --paper-raised: #1e242b; --paper-good: #11291a; --paper-warn: #2e2512; --paper-bad: #341b1d;
+  --ink: #e9edf2; --ink-soft: #adb7c3; --ink-17: #74b6ff; --ink-19: #ffa06b; --ink-175: #52d3c2; --ink-18: #d1a1ff;
+  --ink-good: #62d58a; --ink-warn: #f3bb50; --ink-bad: #ff9090; --line: #343c46; --line-strong: #77828e; }
+  svg image, svg .scale { filter: invert(1) hue-rotate(180deg); } }
+body { margin: 0 auto; max-width: 1160px; padding: 16px 24px 40px; background: var(--paper); color: var(--ink);
+       font: 16px/1.5 system-ui, "DejaVu Sans", sans-serif; }
+h1 { font-size: 22px; font-weight: 600; margin: 0 0 14px; overflow-wrap: anywhere; }
+h2, h3 { font-size: 19px; margin: 30px 0 6px; overflow-wrap: anywhere; }
+article { margin-top: 44px; border-top: 3px solid var(--line-strong); }
+article > h2 { font-size: 21px; margin: 14px 0; }
+a { color: var(--ink-17); }
+:focus-visible { outline: 3px solid var(--ink-17); outline-offset: 2px; }
+.decision { border-left: 6px solid var(--ink-warn); background: var(--paper-warn); padding: 12px 18px 6px;
+            border-radius: 0 6px 6px 0; }
+.decision.found { border-color: var(--ink-good); background: var(--paper-good); }
+.decision.abnormal, .decision.unreadable { border-color: var(--ink-bad); background: var(--paper-bad); }
+.decision h2, .decision h3 { margin: 0 0 4px; font-size: 22px; }
+.decision ul { margin: 0 0 6px; padding-left: 20px; }
+.warning { background: var(--paper-warn); padding: 8px 14px; }
+.facts { display: flex; flex-wrap: wrap; gap: 6px 36px; margin: 16px 0; }
+.facts dt { color: var(--ink-soft); font-size: 14px; }
+.facts dd { margin: 0; font-size: 18px; font-variant-numeric: tabular-nums; }
+.readings { display: flex; flex-wrap: wrap; gap: 12px; margin: 16px 0 0; }
+.reading { flex: 1 1 260px; background: var(--paper-raised); border-radius: 6px; padding: 10px 18px; }
+.reading p { margin: 0; color: var(--ink-soft); }
+.reading p.value { font-size: 26px; font-weight: 600; color: var(--ink); font-variant-numeric: tabular-nums; }
+.scroll { overflow-x: auto; }
 table { border-collapse: collapse; font-size: 14px; font-variant-numeric: tabular-nums; }
-th, td { text-align: left; padding: 3px 22px 3px 0; border-bottom: 1px solid #e3e6ea; font-weight: 400; }
-#events td:nth-child(-n+2), #events th:nth-child(-n+2) { text-align: right; }
-th.f17 { color: var(--f17); font-weight: 600; }
-th.f19 { color: var(--f19); font-weight: 600; }
-figure { margin: 14px 0 0; }
-figcaption { display: flex; flex-wrap: wrap; gap: 2px 18px; align-items: baseline; font-size: 13px; color: #424a53; }
-figcaption b { font-size: 14px; color: #1b1f24; margin-right: 8px; }
-.key { white-space: nowrap; }
+th, td { text-align: left; padding: 4px 20px 4px 0; border-bottom: 1px solid var(--line); font-weight: 400;
+         vertical-align: baseline; }
+thead th { color: var(--ink-soft); }
+th[scope=row] { color: var(--ink); }
+.numbers td, .numbers th, .events td:nth-child(-n+2), .events th:nth-child(-n+2) { text-align: right; white-space: nowrap; }
+.numbers td:last-child, .numbers th:last-child { text-align: left; }
+thead th.f17 { color: var(--ink-17); font-weight: 600; }
+thead th.f19 { color: var(--ink-19); font-weight: 600; }
+td.good { color: var(--ink-good); font-weight: 600; } td.warn { color: var(--ink-warn); font-weight: 600; }
+td.bad { color: var(--ink-bad); font-weight: 600; }
+details { margin: 10px 0; }
+summary { cursor: pointer; color: var(--ink-17); padding: 6px 0; }
+figure { margin: 18px 0 0; }
+figcaption { display: flex; flex-wrap: wrap; gap: 2px 18px; align-items: baseline; font-size: 14px;
+             color: var(--ink-soft); }
+figcaption b { font-size: 16px; color: var(--ink); margin-right: 8px; }
 .key svg { width: 26px; height: 16px; margin-right: 5px; vertical-align: -3px; }
-.readout { position: sticky; top: 0; z-index: 1; margin: 0; padding: 4px 0; background: #ffffffee; font-size: 13px;
-           color: #57606a; font-variant-numeric: tabular-nums; min-height: 19px; }
-.readout b { color: #1b1f24; }
-svg.chart { display: block; width: 100%; height: auto; }
-svg.chart text { font-size: 13px; fill: #424a53; }
+.hint { margin: 0; font-size: 14px; color: var(--ink-soft); }
+svg.chart { display: block; width: 100%; min-width: 860px; height: auto; }
+svg.chart text { font-size: 14px; fill: var(--ink-soft); }
 svg .middle { text-anchor: middle; }
 svg .end { text-anchor: end; }
-svg text.title { fill: #57606a; }
-svg text.label.f17 { fill: var(--f17); }
-svg text.label.f19 { fill: var(--f19); }
-svg text.label.f175 { fill: var(--f175); }
-svg text.label.f18 { fill: var(--f18); }
-.f17 { stroke: var(--f17); } .f19 { stroke: var(--f19); } .f175 { stroke: var(--f175); } .f18 { stroke: var(--f18); }
-text.f17, text.f19, text.f175, text.f18 { stroke: none; }
-.grid { stroke: #e6e9ed; fill: none; }
-.tick { stroke: #8c959f; }
-.frame { fill: none; stroke: #aeb5bd; }
-.ignored { fill: #6e7781; fill-opacity: .30; }
-.phase { fill: #6e7781; fill-opacity: .10; }
-.curve { fill: none; stroke-width: 1.5; stroke-linejoin: round; stroke-opacity: .8; }
-.dots.f17 { fill: var(--f17); } .dots.f19 { fill: var(--f19); } .dots.f175 { fill: var(--f175); }
-.dots.f18 { fill: var(--f18); }
-.dots { stroke: none; }
-path.ambient { stroke-width: 1.2; stroke-dasharray: 2 3; fill: none; }
-path.threshold { stroke-width: 1.6; stroke-dasharray: 8 4; fill: none; }
-path.threshold.ratio { stroke: #424a53; }
-path.floor { stroke-width: 3; stroke-opacity: .55; fill: none; }
-.pair path { stroke: var(--good); fill: none; stroke-width: 1.6; }
+svg text.label.f17, svg text.note.f17 { fill: var(--ink-17); }
+svg text.label.f19, svg text.note.f19 { fill: var(--ink-19); }
+svg text.label.f175 { fill: var(--ink-175); }
+svg text.label.f18 { fill: var(--ink-18); }
+.f17 { stroke: var(--ink-17); } .f19 { stroke: var(--ink-19); } .f175 { stroke: var(--ink-175); }
+.f18 { stroke: var(--ink-18); }
+svg text.label { stroke: none; }
+svg text.note, svg text.pair, svg text.upright, svg text.inside { stroke: var(--paper); stroke-width: 5;
+  stroke-linejoin: round; paint-order: stroke; }
+.grid { stroke: var(--line); fill: none; }
+.tick { stroke: var(--line-strong); }
+.frame { fill: none; stroke: var(--line-strong); }
+.ignored { fill: var(--line-strong); fill-opacity: .28; }
+.phase { fill: var(--line-strong); fill-opacity: .12; }
+.curve { fill: none; stroke-width: 1.8; stroke-linejoin: round; }
+.curve.f19, .curve.f18 { stroke-dasharray: 6 3; }
+.points { stroke-width: 1.5; fill: var(--paper); }
+path.ambient { stroke-width: 1.3; stroke-dasharray: 1.5 4; fill: none; }
+path.threshold { stroke-width: 1.8; stroke-dasharray: 12 5; fill: none; }
+path.threshold.ratio { stroke: var(--ink-soft); }
+path.floor { stroke-width: 3.5; stroke-dasharray: 3 2; fill: none; }
+.pair path { stroke: var(--ink-good); fill: none; stroke-width: 1.8; }
 .pair path.span { stroke-width: 4; }
-.pair.further path { stroke-width: 1; stroke-opacity: .6; }
-svg text.pair { fill: var(--good); font-weight: 600; font-size: 14px; paint-order: stroke; stroke: #fff; stroke-width: 4; }
-.marks path { fill: none; stroke-width: 1.8; }
+.pair.further path { stroke-width: 1; stroke-dasharray: 4 3; }
+svg text.pair { fill: var(--ink-good); font-weight: 600; font-size: 16px; }
+.marks path { fill: none; stroke-width: 2; }
 .marks.start path { fill: currentColor; }
-.marks.start.f17 { color: var(--f17); } .marks.start.f19 { color: var(--f19); }
-.marks.sequence path { stroke: #92400e; fill: #f59e0b; }
-.marks.abnormal path { stroke: #7f1d1d; fill: #dc2626; }
-.marks.extend path { stroke: #57606a; }
-.cursor { stroke: #1b1f24; stroke-dasharray: 3 3; pointer-events: none; }
-.notes { max-width: 900px; font-size: 14px; color: #424a53; }
-.notes dt { font-weight: 600; color: #1b1f24; }
+.marks.start.f17 { color: var(--ink-17); } .marks.start.f19 { color: var(--ink-19); }
+.marks.sequence path { stroke: var(--ink-warn); fill: var(--paper-warn); }
+.marks.abnormal path { stroke: var(--ink-bad); fill: var(--ink-bad); }
+.marks.extend path { stroke: var(--ink-soft); }
+.box { fill: transparent; stroke-width: 2.5; }
+.box.row { stroke-width: 1; stroke-dasharray: 2 5; }
+.box.rejected { stroke-dasharray: 4 3; }
+.scalemark { stroke: var(--ink); stroke-width: 1.6; }
+.readout rect { fill: transparent; }
+.readout path { stroke: var(--ink); stroke-dasharray: 3 3; }
+.readout path, .readout text { visibility: hidden; pointer-events: none; }
+.readout:hover path, .readout:hover text { visibility: visible; }
+.notes { max-width: 900px; font-size: 15px; color: var(--ink-soft); }
+.notes dt { font-weight: 600; color: var(--ink); }
 .notes dd { margin: 0 0 6px; }
-@media print { .readout { display: none; } body { padding: 0; } }
-)";
-
-const char kFineStyle[] = R"(
-.curve.fitted { stroke: #1b1f24; stroke-dasharray: 7 4; }
-.deviation { fill: var(--good); fill-opacity: .25; stroke: none; }
-.upright { fill: none; stroke: #8c959f; }
-.upright.onset, .upright.end { stroke: var(--good); }
+@media (max-width: 600px) { body { padding: 12px 12px 32px; } }
+@media print { body { padding: 0; } .hint { display: none; } }
+.curve.fitted { stroke: var(--ink); stroke-dasharray: 7 4; }
+.deviation { fill: var(--ink-good); fill-opacity: .25; stroke: none; }
+.upright { fill: none; stroke: var(--line-strong); }
+.upright.onset, .upright.end { stroke: var(--ink-good); }
 .upright.end { stroke-dasharray: 4 3; }
-.interval path { fill: none; stroke-width: 7; stroke-opacity: .45; }
-.interval.fine { stroke: var(--good); fill: var(--good); }
-.interval.service { stroke: #57606a; fill: #57606a; }
-svg text.upright { stroke: #fff; stroke-width: 4; paint-order: stroke; font-variant-numeric: tabular-nums; }
+.interval path { fill: none; stroke-width: 7; stroke-opacity: .5; }
+.interval.fine { stroke: var(--ink-good); fill: var(--ink-good); }
+.interval.service { stroke: var(--ink-17); fill: var(--ink-17); }
+svg text.upright { font-variant-numeric: tabular-nums; }
 )";
 
-// The cursor computes levels back from the points of the drawn curves. On a thinned curve it shows the nearest point
-// that was kept.
-const char kPageScript[] = R"(
-'use strict';
-for (const section of document.querySelectorAll('.charts')) {
-  const readout = section.querySelector('.readout');
-  const charts = [...section.querySelectorAll('svg.chart')].map(svg => {
-    const at = Object.fromEntries(Object.entries(svg.dataset).map(([key, value]) => [key, +value]));
-    const curves = [...svg.querySelectorAll('.curve')].map(path => ({
-      label: path.dataset.label,
-      points: [...path.getAttribute('d').matchAll(/[ML]([\d.]+) ([\d.]+)/g)].map(point => [+point[1], +point[2]])
-    }));
-    const line = document.createElementNS(svg.namespaceURI, 'path');
-    line.setAttribute('class', 'cursor');
-    svg.append(line);
-    return {svg, at, curves, line, isRatio: svg.id.endsWith('ratios')};
-  });
-  const nearest = (points, x) => {
-    let low = 0, high = points.length - 1;
-    while (low < high) {
-      const middle = (low + high) >> 1;
-      if (points[middle][0] < x) low = middle + 1; else high = middle;
-    }
-    return low > 0 && x - points[low - 1][0] < points[low][0] - x ? points[low - 1] : points[low];
-  };
-  const describe = ({at, curves, isRatio}, x) => curves.filter(curve => curve.points.length).map(curve => {
-    const [, y] = nearest(curve.points, x);
-    const decibels = at.high - (y - at.top) / (at.bottom - at.top) * (at.high - at.low);
-    const sign = y >= at.bottom ? '&le; ' : '';
-    return `${curve.label}${isRatio ? ' over neighbours' : ''} <b>${sign}${decibels.toFixed(1)}</b>` +
-        (isRatio ? ' dB' : ' dBFS');
-  });
-  section.addEventListener('pointermove', event => {
-    const svg = event.target.closest('svg.chart');
-    if (!svg) return;
-    const {at} = charts[0];
-    const box = svg.getBoundingClientRect();
-    const x = (event.clientX - box.left) / box.width * svg.viewBox.baseVal.width;
-    const buffer = Math.round(at.from + (x - at.left) / (at.right - at.left) * (at.to - at.from));
-    if (buffer < at.from || buffer > at.to) return;
-    const snapped = at.left + (buffer - at.from) / (at.to - at.from) * (at.right - at.left);
-    const texts = charts.flatMap(chart => describe(chart, snapped));
-    for (const chart of charts) chart.line.setAttribute('d', `M${snapped} ${chart.at.top}V${chart.at.bottom}`);
-    readout.innerHTML =
-        [`buffer <b>${buffer}</b>`, `<b>${(buffer * bufferS).toFixed(3)}</b> s`, ...texts].join(' &middot; ');
-  });
-}
-)";
+const char kReadoutHint[] =
+    "Point at or touch a buffer in the picture of the two tones to read its levels; the table below has them all.";
 
-const char kReadoutHint[] = "Point at a chart to read the levels of a buffer.";
-
-#define ORVEX_KEY(style, text) \
-  "<span class='key'><svg viewBox='0 -3 26 16'><path class='" style "' d='M0 5H26'/></svg>" text "</span>"
-#define ORVEX_BAND_KEY(style, text) \
-  "<span class='key'><svg viewBox='0 -3 26 16'><rect class='" style "' width='26' height='10'/></svg>" text "</span>"
-#define ORVEX_MARK_KEY(style, shape, text)                                                                      \
-  "<span class='key'><svg viewBox='0 -3 26 16'><g class='marks " style "'><path d='" shape "'/></g></svg>" text \
-  "</"                                                                                                          \
-  "span>"
+#define ORVEX_KEY(style, text)                                                                                      \
+  "<span class='key'><svg viewBox='0 -3 26 16' aria-hidden='true'><path class='" style "' d='M0 5H26'/></svg>" text \
+  "</span>"
+#define ORVEX_BAND_KEY(style, text)                                                    \
+  "<span class='key'><svg viewBox='0 -3 26 16' aria-hidden='true'><rect class='" style \
+  "' width='26' height='10'/></svg>" text "</span>"
+#define ORVEX_MARK_KEY(style, shape, text)                                                                    \
+  "<span class='key'><svg viewBox='0 -3 26 16' aria-hidden='true'><g class='marks " style "'><path d='" shape \
+  "'/></g></svg>" text "</span>"
 
 const char kEventsLegend[] =
     ORVEX_BAND_KEY("ignored", "ignored") ORVEX_BAND_KEY("phase", "ambient phase")
@@ -161,9 +145,9 @@ const char kEventsLegend[] =
                 ORVEX_MARK_KEY("noisy f19", "M9 1l8 8m0-8l-8 8", "noisy")
                     ORVEX_MARK_KEY("sequence", "M13 -1l6 6l-6 6l-6-6z", "sequence error")
                         ORVEX_MARK_KEY("abnormal", "M13 -1l6 6l-6 6l-6-6z", "abnormal input")
-                            "<span class='key pair'><svg viewBox='0 -3 26 16'><path class='span' d='M0 5H26'/></svg>"
+                            "<span class='key pair'><svg viewBox='0 -3 26 16' aria-hidden='true'><path class='span' d='M0 5H26'/></svg>"
                             "pair: first to second tone</span>"
-                            "<span class='key pair further'><svg viewBox='0 -3 26 16'><path class='span' d='M0 5H26'/></svg>"
+                            "<span class='key pair further'><svg viewBox='0 -3 26 16' aria-hidden='true'><path class='span' d='M0 5H26'/></svg>"
                             "further pair: changes nothing in a run</span>";
 
 const char kTonesLegend[] = ORVEX_KEY("curve f17", "17 kHz") ORVEX_KEY("curve f19", "19 kHz")
@@ -183,9 +167,21 @@ const char kNeighboursLegend[] =
 const char kOnset17Legend[] = ORVEX_KEY("curve f17", "measured") ORVEX_ONSET_KEYS;
 const char kOnset19Legend[] = ORVEX_KEY("curve f19", "measured") ORVEX_ONSET_KEYS;
 
-const char kIntervalLegend[] =
-    "<span class='key'><svg viewBox='0 -3 26 16'><g class='interval fine'><path d='M0 5H26'/></g></svg>"
+const char kReadingsLegend[] =
+    "<span class='key'><svg viewBox='0 -3 26 16' aria-hidden='true'><g class='interval service'><path d='M0 5H26'/></g>"
+    "</svg>the service, ± one buffer</span>"
+    "<span class='key'><svg viewBox='0 -3 26 16' aria-hidden='true'><g class='interval fine'><path d='M0 "
+    "5H26'/></g></svg>"
     "95 % interval of the fine reading</span>";
+
+const char kSpectrogramLegend[] =
+    "<span class='key'><svg viewBox='0 -3 26 16' aria-hidden='true'><rect class='box clean f17' x='5' y='-1' "
+    "width='16' "
+    "height='11' rx='3'/></svg>reached its threshold: a tone</span>"
+    "<span class='key'><svg viewBox='0 -3 26 16' aria-hidden='true'><rect class='box rejected f19' x='5' y='-1' "
+    "width='16' height='11' rx='3'/></svg>reached it, but was rejected</span>"
+    "<span class='key pair'><svg viewBox='0 -3 26 16' aria-hidden='true'><path class='span' d='M4 9L22 1'/></svg>"
+    "pair</span>";
 
 const char kFineNotes[] = R"(<p class="notes">The receiver decides while it listens and counts whole buffers. The fine
 reading has the whole recording: it lays all bursts of a tone over one another and fits to their rise the sound that
@@ -197,6 +193,9 @@ const char kPageNotes[] = R"(<section class="notes"><h2>How to read this</h2>
 <dl>
 <dt>buffer</dt><dd>One block of the remote's audio, 768 samples or 16.50 ms, numbered from 1. Times are those of its
 end. The first 4 are ignored, the next 30 give the ambient means, and from buffer 36 on tones are looked for.</dd>
+<dt>sound over time and frequency</dt><dd>The further a place is from the page's own colour, the louder. The scale
+beside the picture has the two thresholds; they are compared with whole blocks, whose levels the picture of the two tones
+has, while the spectra here are weighted so that bursts stay narrow.</dd>
 <dt>dBFS</dt><dd>0 dBFS is a sine at full scale that fills the block. What lies
 20 dB and more below the ambient mean, digital silence too, is drawn at the bottom.</dd>
 <dt>a tone</dt><dd>is found in a block when it reaches 50 times its ambient mean (34.0 dB), is stronger than the other

@@ -1,4 +1,4 @@
-// Chooses the range of each axis, the buffers of the close-up, and what each chart shows.
+// Chooses the range of each axis and what each chart shows.
 #include "replay/report_charts.h"
 
 #include <fmt/format.h>
@@ -8,20 +8,19 @@
 #include <functional>
 #include <limits>
 
+#include "replay/chart_descriptions.h"
 #include "replay/findings.h"
+#include "replay/page_parts.h"
 #include "replay/text.h"
 
 namespace orvex::tools {
 namespace {
 
-constexpr double kShortestAxisBuffers = 40.0;
-constexpr double kCloseUpBuffers = 80.0;
-constexpr double kWorthACloseUpBuffers = 130.0;  // a shorter recording has no close-up
 constexpr double kShortestAxisDb = 40.0;
 constexpr double kBelowAmbientDb = 20.0;  // an axis goes no further below the ambient mean: deeper dips mean nothing
 
-const char* StyleOf(Tone tone) {
-  return tone == Tone::k17000Hz ? "f17" : "f19";
+Chart::Shape ShapeOf(Tone tone) {
+  return tone == Tone::k17000Hz ? Chart::Shape::kDot : Chart::Shape::kDiamond;
 }
 
 using Value = std::function<double(const RecordedBlock&)>;
@@ -69,28 +68,11 @@ double LowestLevel(const RunRecord& run, double Levels::*one, double Levels::*ot
   return ambient ? LevelDbfs(std::min((*ambient).*one, (*ambient).*other)) - kBelowAmbientDb : -INFINITY;
 }
 
-void AddPhases(Chart& chart) {
-  chart.AddBand(0, detector::kIgnoredBuffers, "ignored", "ignored");
-  chart.AddBand(detector::kIgnoredBuffers, detector::kIgnoredBuffers + detector::kAmbientBlocks, "phase",
-                "ambient phase");
-}
-
-std::vector<RecordedEvent> PairsWithin(const RunRecord& run, const View& view) {
-  std::vector<RecordedEvent> pairs;
-  std::copy_if(
-      run.GetEvents().begin(), run.GetEvents().end(), std::back_inserter(pairs), [&](const RecordedEvent& event) {
-        return event.kind == EventKind::kResult && event.first >= view.buffers.low && event.buffer <= view.buffers.high;
-      });
-  return pairs;
-}
-
 // Draws the pairs in reverse order, so that the run's own pair, the first, lies above the others.
 void AddPairs(Chart& chart, const RunRecord& run, const View& view) {
   const std::vector<RecordedEvent> pairs = PairsWithin(run, view);
-  std::for_each(pairs.rbegin(), pairs.rend(), [&](const RecordedEvent& pair) {
-    chart.AddPair(pair.first, pair.buffer,
-                  run.IsRunResult(pair) ? fmt::format("{:+.1f} ms", pair.differenceS * 1e3) : "");
-  });
+  std::for_each(pairs.rbegin(), pairs.rend(),
+                [&](const RecordedEvent& pair) { chart.AddPair(pair.first, pair.buffer, PairLabel(run, pair)); });
 }
 
 std::vector<double> BuffersOf(const RunRecord& run, EventKind kind) {
@@ -120,50 +102,62 @@ std::vector<double> Within(const View& view, std::vector<double> buffers) {
   return buffers;
 }
 
-// The middle of the close-up when no pair was found: the first event of the most telling kind there is, or else the
-// block that came closest to a tone; 0 when there is neither.
-std::int32_t MostTellingBuffer(const RunRecord& run) {
-  for (const EventKind kind :
-       {EventKind::kSequence, EventKind::kFirst17, EventKind::kFirst19, EventKind::kNoisy19, EventKind::kNoisy17}) {
-    if (const auto event = run.FindFirst(kind)) {
-      return event->buffer;
+std::string ReadoutLevel(double decibels) {
+  return std::isfinite(decibels) ? fmt::format("{:.1f}", decibels) : "no";
+}
+
+void AddToneReadouts(Chart& chart, const RunRecord& run, const View& view) {
+  std::vector<Chart::Readout> readouts;
+  for (const RecordedBlock& block : run.GetBlocks()) {
+    if (view.buffers.Holds(block.buffer)) {
+      std::string text = BufferText(block.buffer);
+      for (const Tone tone : kTones) {
+        text += fmt::format(" · {} {} dBFS, {} dB over neighbours", NameOf(tone),
+                            ReadoutLevel(LevelDbfs(block.levels.At(tone))),
+                            ReadoutLevel(Decibels(block.levels.Ratio(tone))));
+      }
+      readouts.push_back({static_cast<double>(block.buffer), text});
     }
   }
-  std::int32_t buffer = 0;
-  double nearest = 0.0;
-  for (const Tone tone : kTones) {
-    const ToneFindings found = FindTone(run, tone);
-    const double ambient = run.GetAmbient() ? run.GetAmbient()->At(tone) : 0.0;
-    if (found.strongest && ambient > 0.0 && found.strongest->levels.At(tone) / ambient > nearest) {
-      nearest = found.strongest->levels.At(tone) / ambient;
-      buffer = found.strongest->buffer;
-    }
-  }
-  return buffer;
+  chart.AddReadouts(readouts);
+}
+
+ChartText TextOf(const View& view, const char* name, const char* title, std::string description) {
+  return {view.name + name, title, std::move(description)};
 }
 
 }  // namespace
 
-View WholeRecording(const RunRecord& run) {
-  return {"whole", {0.0, std::max(run.GetLastBuffer() + 1.0, kShortestAxisBuffers)}};
+const char* StyleOf(Tone tone) {
+  return tone == Tone::k17000Hz ? "f17" : "f19";
 }
 
-std::optional<View> CloseUp(const RunRecord& run) {
-  const double end = WholeRecording(run).buffers.high;
-  const auto result = run.FindRunResult();
-  const std::int32_t middle = result ? (result->first + result->buffer) / 2 : MostTellingBuffer(run);
-  if (end < kWorthACloseUpBuffers || middle == 0) {
-    return std::nullopt;
-  }
-  const double low = std::clamp(middle - kCloseUpBuffers / 2.0, 0.0, end - kCloseUpBuffers);
-  return View{"close", {low, low + kCloseUpBuffers}};
+void AddPhases(Chart& chart, const RunRecord& run, const View& view) {
+  const std::int32_t last = run.GetLastBuffer();
+  chart.AddBand(0, std::min(last, detector::kIgnoredBuffers), "ignored", "ignored");
+  chart.AddBand(detector::kIgnoredBuffers, std::min(last, detector::kAmbientBuffer - 1), "phase", "ambient phase");
+  chart.AddBand(last, view.buffers.high, "ignored", "the recording has ended");
+}
+
+std::vector<RecordedEvent> PairsWithin(const RunRecord& run, const View& view) {
+  std::vector<RecordedEvent> pairs;
+  std::copy_if(
+      run.GetEvents().begin(), run.GetEvents().end(), std::back_inserter(pairs), [&](const RecordedEvent& event) {
+        return event.kind == EventKind::kResult && event.first >= view.buffers.low && event.buffer <= view.buffers.high;
+      });
+  return pairs;
+}
+
+std::string PairLabel(const RunRecord& run, const RecordedEvent& pair) {
+  return run.IsRunResult(pair) ? fmt::format("{:+.1f} ms", pair.differenceS * 1e3) : "";
 }
 
 std::string DrawEvents(const RunRecord& run, const View& view) {
   enum Lane : std::size_t { k17, k19, kNoisy, kSequence, kExtend };
   constexpr int kLanes = kExtend + 1;
-  Chart chart(view.name + "-events", view.buffers, kLanes * Chart::kLaneHeight);
-  AddPhases(chart);
+  Chart chart(TextOf(view, "-events", kEventsTitle, DescribeEvents(run, view)), view.buffers,
+              kLanes * Chart::kLaneHeight);
+  AddPhases(chart, run, view);
   chart.AddLaneLabel(k17, "f17", "17 kHz tones");
   chart.AddLaneLabel(k19, "f19", "19 kHz tones");
   chart.AddLaneLabel(kNoisy, "", "noisy tones");
@@ -189,8 +183,8 @@ std::string DrawEvents(const RunRecord& run, const View& view) {
   return chart.Finish();
 }
 
-std::string DrawTones(const RunRecord& run, const View& view) {
-  Chart chart(view.name + "-tones", view.buffers, 300.0);
+std::string DrawTones(const RunRecord& run, const View& view, bool hasReadouts) {
+  Chart chart(TextOf(view, "-tones", kTonesTitle, DescribeTones(run, view)), view.buffers, 300.0);
   DecibelRange range;
   std::vector<CurvePoint> curves[2];
   for (const Tone tone : kTones) {
@@ -200,13 +194,14 @@ std::string DrawTones(const RunRecord& run, const View& view) {
     range.Take(run.GetAmbient() ? LevelDbfs(detector::kToneThreshold * run.GetAmbient()->At(tone)) : NAN);
   }
   chart.AddDecibelAxis(range.Round(LowestLevel(run, &Levels::at17000, &Levels::at19000)), "level (dBFS)");
-  AddPhases(chart);
+  AddPhases(chart, run, view);
   for (const Tone tone : kTones) {
-    chart.AddCurve(curves[tone == Tone::k19000Hz], StyleOf(tone), NameOf(tone));
+    chart.AddCurve(curves[tone == Tone::k19000Hz], StyleOf(tone), NameOf(tone), ShapeOf(tone));
   }
   for (const Floor& floor : run.GetFloors()) {
     if (floor.level > detector::kToneThreshold * run.GetAmbient()->At(floor.tone)) {
-      chart.AddLevel(floor.from, floor.to, LevelDbfs(floor.level), std::string("floor ") + StyleOf(floor.tone), "");
+      chart.AddLevel(floor.from, std::min(floor.to, run.GetLastBuffer()), LevelDbfs(floor.level),
+                     std::string("floor ") + StyleOf(floor.tone), "");
     }
   }
   for (const Tone tone : kTones) {
@@ -222,20 +217,23 @@ std::string DrawTones(const RunRecord& run, const View& view) {
     }
   }
   AddPairs(chart, run, view);
+  if (hasReadouts) {
+    AddToneReadouts(chart, run, view);
+  }
   return chart.Finish();
 }
 
 std::string DrawNeighbours(const RunRecord& run, const View& view) {
   const auto at17500 = MakeCurve(run, view, [](const RecordedBlock& block) { return LevelDbfs(block.levels.at17500); });
   const auto at18000 = MakeCurve(run, view, [](const RecordedBlock& block) { return LevelDbfs(block.levels.at18000); });
-  Chart chart(view.name + "-neighbours", view.buffers, 150.0);
+  Chart chart(TextOf(view, "-neighbours", kNeighboursTitle, DescribeNeighbours(run, view)), view.buffers, 150.0);
   DecibelRange range;
   range.Take(at17500);
   range.Take(at18000);
   chart.AddDecibelAxis(range.Round(LowestLevel(run, &Levels::at17500, &Levels::at18000)), "level (dBFS)");
-  AddPhases(chart);
+  AddPhases(chart, run, view);
   chart.AddCurve(at17500, "f175", "17.5 kHz");
-  chart.AddCurve(at18000, "f18", "18 kHz");
+  chart.AddCurve(at18000, "f18", "18 kHz", Chart::Shape::kDiamond);
   if (run.GetAmbient() && run.GetAmbient()->at17500 > 0.0 && run.GetAmbient()->at18000 > 0.0) {
     const double level17500 = LevelDbfs(run.GetAmbient()->at17500);
     const double level18000 = LevelDbfs(run.GetAmbient()->at18000);
@@ -250,7 +248,7 @@ std::string DrawNeighbours(const RunRecord& run, const View& view) {
 
 std::string DrawRatios(const RunRecord& run, const View& view) {
   const double threshold = Decibels(detector::kNeighbourThreshold);
-  Chart chart(view.name + "-ratios", view.buffers, 180.0);
+  Chart chart(TextOf(view, "-ratios", kRatiosTitle, DescribeRatios(run, view)), view.buffers, 180.0);
   DecibelRange range;
   range.Take(threshold);
   std::vector<CurvePoint> curves[2];
@@ -260,9 +258,9 @@ std::string DrawRatios(const RunRecord& run, const View& view) {
     range.Take(curve);
   }
   chart.AddDecibelAxis(range.Round(-INFINITY), "tone over neighbours (dB)");
-  AddPhases(chart);
+  AddPhases(chart, run, view);
   for (const Tone tone : kTones) {
-    chart.AddCurve(curves[tone == Tone::k19000Hz], StyleOf(tone), NameOf(tone));
+    chart.AddCurve(curves[tone == Tone::k19000Hz], StyleOf(tone), NameOf(tone), ShapeOf(tone));
   }
   chart.AddLevel(detector::kAmbientBuffer + 1, view.buffers.high, threshold, "threshold ratio",
                  fmt::format("threshold {:.1f} (5 : 1)", threshold));

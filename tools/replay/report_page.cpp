@@ -1,4 +1,5 @@
-// Assembles the page from its parts: the decision comes first, the notes on how to read the charts last.
+// Assembles the page from its parts: the decision comes first, then the close-up that shows it, and the notes on how to
+// read the charts last.
 #include "replay/report_page.h"
 
 #include <fmt/format.h>
@@ -9,16 +10,18 @@
 #include "Application/OrvexDetector.h"
 #include "replay/explanation.h"
 #include "replay/fine_section.h"
+#include "replay/page_overview.h"
 #include "replay/page_parts.h"
 #include "replay/report_charts.h"
 #include "replay/report_tables.h"
+#include "replay/spectrogram_chart.h"
 #include "replay/text.h"
 
 namespace orvex::tools {
 namespace {
 
 std::string MakeFacts(const RunRecord& run, const ReportSubject& subject) {
-  const std::size_t buffers = (subject.bytes + kVoiceBlockBytes - 1) / kVoiceBlockBytes;
+  const std::size_t buffers = (subject.samples.size() + kVoiceBlockSamples - 1) / kVoiceBlockSamples;
   const auto result = run.FindRunResult();
   const auto count = [&](auto... kinds) {
     const auto& events = run.GetEvents();
@@ -26,7 +29,7 @@ std::string MakeFacts(const RunRecord& run, const ReportSubject& subject) {
                                         [=](const RecordedEvent& event) { return (... || (event.kind == kinds)); }));
   };
   return "<dl class='facts'>\n" +
-         Fact("recording", fmt::format("{:.2f} s", static_cast<double>(subject.bytes) / 2.0 / kVoiceRateHz)) +
+         Fact("recording", fmt::format("{:.2f} s", static_cast<double>(subject.samples.size()) / kVoiceRateHz)) +
          Fact("buffers", std::to_string(buffers)) + Fact("analysed blocks", std::to_string(run.GetBlocks().size())) +
          Fact("mode", run.IsHearable() ? "hearable" : "detection") +
          Fact("difference", result ? fmt::format("{:+.1f} ms", result->differenceS * 1e3) : "none") +
@@ -34,12 +37,12 @@ std::string MakeFacts(const RunRecord& run, const ReportSubject& subject) {
          Fact("sequence errors", count(EventKind::kSequence)) + "</dl>\n";
 }
 
-std::string MakeDecision(const RunRecord& run) {
+std::string MakeDecision(const RunRecord& run, const PagePart& part) {
   const Explanation explanation = Explain(run);
   static const char* const kStyles[] = {"found", "doubtful", "not-found", "abnormal"};
   std::ostringstream html;
-  html << "<section id='decision' class='" << kStyles[static_cast<std::size_t>(explanation.outcome)] << "'>\n<h2>"
-       << Escaped(explanation.headline) << "</h2>\n<ul>\n";
+  html << "<section class='decision " << kStyles[static_cast<std::size_t>(explanation.outcome)] << "'>\n"
+       << Heading(part, Escaped(explanation.headline)) << "<ul>\n";
   for (const std::string& reason : explanation.reasons) {
     html << "<li>" << Escaped(reason) << "</li>\n";
   }
@@ -47,39 +50,68 @@ std::string MakeDecision(const RunRecord& run) {
   return html.str();
 }
 
-std::string MakeCharts(const RunRecord& run, const View& view, const std::string& title, bool isWhole) {
-  std::string html = "<section class='charts'>\n<h2>" + title + "</h2>\n<p class='readout'>" + kReadoutHint + "</p>\n";
-  html += Figure("What the receiver reported", kEventsLegend, DrawEvents(run, view));
-  html += Figure("The two tones", kTonesLegend, DrawTones(run, view));
-  html += Figure("Each tone over the mean of 17.5 and 18 kHz", kRatiosLegend, DrawRatios(run, view));
-  if (isWhole) {
-    html += Figure("The neighbour frequencies", kNeighboursLegend, DrawNeighbours(run, view));
+std::string MakeCharts(const RunRecord& run, const ReportSubject& subject, View view, const PagePart& part,
+                       bool isWhole) {
+  view.name = part.prefix + view.name;
+  std::string html = "<section class='charts'>\n" + Heading(part, Escaped(view.title));
+  if (!isWhole) {
+    html += std::string("<p class='hint'>") + kReadoutHint + "</p>\n";
   }
-  return html + "</section>\n";
+  html += Figure(kSpectrogramTitle, kSpectrogramLegend, DrawSpectrogram(run, subject.samples, view));
+  html += Figure(kTonesTitle, kTonesLegend, DrawTones(run, view, !isWhole));
+  html += Figure(kEventsTitle, kEventsLegend, DrawEvents(run, view));
+  html += Figure(kRatiosTitle, kRatiosLegend, DrawRatios(run, view));
+  html += Figure(kNeighboursTitle, kNeighboursLegend, DrawNeighbours(run, view));
+  return html + MakeValueTable(run, view) + "</section>\n";
+}
+
+std::string MakePart(const RunRecord& run, const ReportSubject& subject, const std::optional<fine::Reading>& fine,
+                     const PagePart& part) {
+  std::string html;
+  if (!subject.warning.empty()) {
+    html += "<p class='warning'>" + Escaped(subject.warning) + "</p>\n";
+  }
+  html += MakeDecision(run, part) + (fine ? MakeReadings(run, *fine, part) : "") +
+          MakeCharts(run, subject, CloseUp(run), part, false) + MakeFacts(run, subject) + MakeToneTable(run) +
+          MakeCharts(run, subject, WholeRecording(run), part, true) + MakeEventTable(run, part);
+  return html + (fine ? MakeOnsets(*fine, part) : "");
 }
 
 }  // namespace
 
+void ReportPage::Add(const RunRecord& run, const ReportSubject& subject, const std::optional<fine::Reading>& fine) {
+  ++m_Count;
+  if (!m_IsOfSeveral) {
+    m_Title = subject.file;
+    m_Parts = MakePart(run, subject, fine, {"", 2});
+    return;
+  }
+  const std::string name = fmt::format("recording-{}", m_Count);
+  m_Lines += MakeOverviewLine(name, subject.file, run, fine);
+  m_Parts += fmt::format("<article id='{0}' aria-labelledby='{0}-file'>\n<h2 id='{0}-file'><code>{1}</code></h2>\n",
+                         name, Escaped(subject.file)) +
+             MakePart(run, subject, fine, {name + "-", 3}) + "</article>\n";
+}
+
+void ReportPage::AddUnreadable(const std::string& file, const std::string& problem) {
+  ++m_Count;
+  m_Lines += MakeOverviewLine(file, problem);
+}
+
+std::string ReportPage::Finish() const {
+  const std::string title = m_IsOfSeveral ? Counted(static_cast<std::int64_t>(m_Count), "recording")
+                                          : "<code>" + Escaped(m_Title) + "</code>";
+  return std::string(kPageBegin) + "<title>" + (m_IsOfSeveral ? title : Escaped(m_Title)) +
+         " - orvex-replay</title>\n<style>" + kPageStyle + "</style>\n</head>\n<body>\n<header><h1>Replay of " + title +
+         "</h1></header>\n<main>\n" + (m_IsOfSeveral ? MakeOverview(m_Lines) : "") + m_Parts + kPageNotes +
+         "</main>\n</body>\n</html>\n";
+}
+
 std::string MakeReportPage(const RunRecord& run, const ReportSubject& subject,
                            const std::optional<fine::Reading>& fine) {
-  std::ostringstream html;
-  html << kPageBegin << "<title>" << Escaped(subject.file) << " - orvex-replay</title>\n<style>" << kPageStyle
-       << (fine ? kFineStyle : "") << "</style>\n</head>\n<body>\n<header><h1>Replay of <code>" << Escaped(subject.file)
-       << "</code></h1></header>\n";
-  if (!subject.warning.empty()) {
-    html << "<p class='warning'>" << Escaped(subject.warning) << "</p>\n";
-  }
-  html << MakeDecision(run) << MakeFacts(run, subject) << MakeToneTable(run)
-       << (fine ? MakeFineSection(run, *fine) : "")
-       << MakeCharts(run, WholeRecording(run), "The whole recording", true);
-  if (const auto view = CloseUp(run)) {
-    html << MakeCharts(
-        run, *view,
-        fmt::format("Close-up: buffers {:.0f} to {:.0f}", std::max(1.0, view->buffers.low), view->buffers.high), false);
-  }
-  html << MakeEventTable(run) << kPageNotes << fmt::format("<script>const bufferS = {:.17g};", detector::kBufferS)
-       << kPageScript << "</script>\n</body>\n</html>\n";
-  return html.str();
+  ReportPage page(1);
+  page.Add(run, subject, fine);
+  return page.Finish();
 }
 
 }  // namespace orvex::tools

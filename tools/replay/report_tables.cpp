@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cmath>
 #include <functional>
 #include <sstream>
 
@@ -14,6 +15,7 @@ namespace orvex::tools {
 namespace {
 
 constexpr std::size_t kMostEvents = 200;
+constexpr std::size_t kMostValueRows = 120;
 
 std::string LevelText(double magnitude) {
   return magnitude > 0.0 ? fmt::format("{:.1f} dBFS", LevelDbfs(magnitude)) : "digital silence";
@@ -69,6 +71,46 @@ std::string WhatHappened(const RunRecord& run, const RecordedEvent& event) {
   return "";
 }
 
+using DecibelsOf = std::function<double(const ToneMagnitudes&)>;
+
+// The highest in the blocks; "-" for silence.
+std::string HighestCell(const RecordedBlock* blocks, std::size_t count, const DecibelsOf& decibels) {
+  double highest = -INFINITY;
+  std::for_each(blocks, blocks + count, [&](const RecordedBlock& block) {
+    const double value = decibels(block.levels);
+    highest = value > highest ? value : highest;  // not a number: neither
+  });
+  return std::isfinite(highest) ? fmt::format("<td>{:.1f}</td>", highest) : "<td>-</td>";
+}
+
+// What became of the tones in the blocks: the best verdict on each.
+std::string TonesText(const RunRecord& run, const RecordedBlock* blocks, std::size_t count) {
+  static const char* const kTexts[] = {"", "", " covered", " noisy", ""};
+  std::string text;
+  for (const Tone tone : kTones) {
+    Verdict best = Verdict::kNotLookedAt;
+    std::for_each(blocks, blocks + count,
+                  [&](const RecordedBlock& block) { best = std::max(best, Judge(run, block, tone)); });
+    if (best > Verdict::kWeak) {
+      text += (text.empty() ? "" : ", ") + std::string(NameOf(tone)) + kTexts[static_cast<std::size_t>(best)];
+    }
+  }
+  return text;
+}
+
+std::string MakeValueRow(const RunRecord& run, const RecordedBlock* blocks, std::size_t count) {
+  std::string row =
+      fmt::format("<tr><th scope='row'>{}</th><td>{:.3f}</td>", blocks->buffer, blocks->buffer * detector::kBufferS);
+  const auto add = [&](const DecibelsOf& decibels) { row += HighestCell(blocks, count, decibels); };
+  for (const Tone tone : kTones) {
+    add([=](const ToneMagnitudes& levels) { return LevelDbfs(levels.At(tone)); });
+    add([=](const ToneMagnitudes& levels) { return Decibels(levels.Ratio(tone)); });
+  }
+  add([](const ToneMagnitudes& levels) { return LevelDbfs(levels.at17500); });
+  add([](const ToneMagnitudes& levels) { return LevelDbfs(levels.at18000); });
+  return row + "<td>" + TonesText(run, blocks, count) + "</td></tr>\n";
+}
+
 }  // namespace
 
 std::string MakeToneTable(const RunRecord& run) {
@@ -90,32 +132,59 @@ std::string MakeToneTable(const RunRecord& run) {
   const ToneFindings found17 = FindTone(run, Tone::k17000Hz);
   const ToneFindings found19 = FindTone(run, Tone::k19000Hz);
   std::ostringstream html;
-  html << "<table id='tones'>\n<tr><th></th><th class='f17'>17 kHz, television's speaker</th><th class='f19'>19 kHz, "
-          "optical output</th></tr>\n";
+  html << "<table class='tones'>\n<thead><tr><td></td><th scope='col' class='f17'>17 kHz, television's speaker</th>"
+          "<th scope='col' class='f19'>19 kHz, optical output</th></tr></thead>\n<tbody>\n";
   for (const ToneRow& row : rows) {
-    html << "<tr id='" << row.id << "'><th>" << row.title << "</th><td>" << row.cell(found17, Tone::k17000Hz)
-         << "</td><td>" << row.cell(found19, Tone::k19000Hz) << "</td></tr>\n";
+    html << "<tr class='" << row.id << "'><th scope='row'>" << row.title << "</th><td>"
+         << row.cell(found17, Tone::k17000Hz) << "</td><td>" << row.cell(found19, Tone::k19000Hz) << "</td></tr>\n";
   }
-  html << "</table>\n";
-  return html.str();
+  html << "</tbody>\n</table>\n";
+  return Scrollable("Levels and blocks of each tone", html.str());
 }
 
-std::string MakeEventTable(const RunRecord& run) {
+std::string MakeValueTable(const RunRecord& run, const View& view) {
+  std::vector<RecordedBlock> blocks;
+  std::copy_if(run.GetBlocks().begin(), run.GetBlocks().end(), std::back_inserter(blocks),
+               [&](const RecordedBlock& block) { return view.buffers.Holds(block.buffer); });
+  if (blocks.empty()) {
+    return "";
+  }
+  const std::size_t perRow = (blocks.size() + kMostValueRows - 1) / kMostValueRows;
+  const std::string caption = perRow == 1 ? "Values of these pictures as a table"
+                                          : fmt::format(
+                                                "Values of these pictures as a table: the highest of each {} "
+                                                "buffers",
+                                                perRow);
+  std::ostringstream html;
+  html << "<table class='numbers'>\n<thead><tr><th scope='col'>buffer</th><th scope='col'>time (s)</th><th scope='col' "
+          "class='f17'>17 kHz (dBFS)</th><th scope='col' class='f17'>over neighbours (dB)</th><th scope='col' "
+          "class='f19'>19 kHz (dBFS)</th><th scope='col' class='f19'>over neighbours (dB)</th><th scope='col'>17.5 kHz "
+          "(dBFS)</th><th scope='col'>18 kHz (dBFS)</th><th scope='col'>tones</th></tr></thead>\n<tbody>\n";
+  for (std::size_t begin = 0; begin < blocks.size(); begin += perRow) {
+    html << MakeValueRow(run, blocks.data() + begin, std::min(perRow, blocks.size() - begin));
+  }
+  html << "</tbody>\n</table>\n";
+  return "<details class='values'><summary>" + caption + "</summary>\n" +
+         Scrollable(view.title + ": values", html.str()) + "</details>\n";
+}
+
+std::string MakeEventTable(const RunRecord& run, const PagePart& part) {
   const auto& events = run.GetEvents();
   const std::size_t shown = std::min(events.size(), kMostEvents);
   std::ostringstream html;
-  html << "<section><h2>Events</h2>\n<table id='events'>\n<tr><th>buffer</th><th>time (s)</th><th>event</th></tr>\n";
+  html << "<table class='events'>\n<thead><tr><th scope='col'>buffer</th><th scope='col'>time (s)</th><th "
+          "scope='col'>event</th></tr></thead>\n<tbody>\n";
   for (std::size_t i = 0; i < shown; ++i) {
     const RecordedEvent& event = events[i];
     html << fmt::format("<tr><td>{}</td><td>{:.3f}</td><td>{}</td></tr>\n", event.buffer,
                         event.buffer * detector::kBufferS, WhatHappened(run, event));
   }
-  html << "</table>\n";
-  if (shown < events.size()) {
-    html << "<p>" << events.size() - shown << " more; the lines of orvex-replay have them all.</p>\n";
-  }
-  html << "</section>\n";
-  return html.str();
+  html << "</tbody>\n</table>\n";
+  const std::string rest =
+      shown < events.size()
+          ? fmt::format("<p>{} more; the lines of orvex-replay have them all.</p>\n", events.size() - shown)
+          : "";
+  return "<section>" + Heading(part, "Events") + Scrollable("Events", html.str()) + rest + "</section>\n";
 }
 
 }  // namespace orvex::tools

@@ -53,8 +53,17 @@ std::string Fact(const std::string& name, const std::string& value) {
   return "<div><dt>" + name + "</dt><dd>" + Escaped(value) + "</dd></div>\n";
 }
 
+std::string Heading(const PagePart& part, const std::string& html) {
+  return fmt::format("<h{0}>{1}</h{0}>\n", part.heading, html);
+}
+
+std::string Scrollable(const std::string& name, const std::string& html) {
+  return "<div class='scroll' tabindex='0' role='group' aria-label='" + Escaped(name) + "'>\n" + html + "</div>\n";
+}
+
 std::string Figure(const std::string& title, const std::string& legend, const std::string& chart) {
-  return "<figure>\n<figcaption><b>" + title + "</b>" + legend + "</figcaption>\n" + chart + "</figure>\n";
+  return "<figure>\n<figcaption><b>" + title + "</b>" + legend + "</figcaption>\n" + Scrollable(title, chart) +
+         "</figure>\n";
 }
 
 double Decibels(double ratio) {

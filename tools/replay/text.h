@@ -22,6 +22,14 @@ std::string Counted(std::int64_t count, const char* what);
 
 // A name and its value, within a list of facts. The value is escaped.
 std::string Fact(const std::string& name, const std::string& value);
+// What differs between the recordings of a page.
+struct PagePart {
+  std::string prefix;  // of the elements' names
+  int heading = 2;     // level of the headings
+};
+std::string Heading(const PagePart& part, const std::string& html);
+// Can be scrolled sideways where the window is narrow, also by the keyboard. The name is escaped.
+std::string Scrollable(const std::string& name, const std::string& html);
 // A chart below its title and legend.
 std::string Figure(const std::string& title, const std::string& legend, const std::string& chart);
 

@@ -43,17 +43,57 @@ const lookAtPair = (svg, pair) => {
   return { first: bufferAt(svg, first ? middleOf(first) : span.left),
            second: bufferAt(svg, second ? middleOf(second) : span.right) };
 };
+const isShown = element => getComputedStyle(element).visibility == 'visible' && element.getBoundingClientRect().width > 0;
+const shownTexts = svg => [...svg.querySelectorAll('text')].filter(isShown);
 const findOverlaps = svg => {
-  const texts = [...svg.querySelectorAll('text')].map(text => [text.textContent, text.getBoundingClientRect()]);
+  const texts = shownTexts(svg).map(text => [text.textContent, text.getBoundingClientRect()]);
   return texts.flatMap(([name, a], i) => texts.slice(i + 1).filter(([, b]) =>
       a.left < b.right - 1 && b.left < a.right - 1 && a.top < b.bottom - 3 && b.top < a.bottom - 3)
       .map(([other]) => `${svg.id}: ${name} / ${other}`));
 };
+const findCut = svg => {
+  const around = svg.getBoundingClientRect();
+  return [...svg.querySelectorAll('text, .marks path, .points, .interval')].filter(isShown).filter(part => {
+    const box = part.getBoundingClientRect();
+    return box.left < around.left - 1 || box.right > around.right + 1 || box.top < around.top - 1 || box.bottom > around.bottom + 1;
+  }).map(part => `${svg.id}: ${part.textContent || part.getAttribute('class')}`);
+};
+const heightOfText = text => parseFloat(getComputedStyle(text).fontSize) * (text.ownerSVGElement ?
+    text.ownerSVGElement.getBoundingClientRect().width / text.ownerSVGElement.viewBox.baseVal.width : 1);
+const colourOf = text => text.match(/[\d.]+/g).map(Number);
+const groundOf = element => {
+  for (; element; element = element.parentElement) {
+    const colour = colourOf(getComputedStyle(element).backgroundColor);
+    if (colour.length == 3 || colour[3] == 1) return colour;
+  }
+  return [255, 255, 255];
+};
+const luminance = colour => colour.slice(0, 3).map(c => c / 255)
+    .map(c => c <= 0.03928 ? c / 12.92 : ((c + 0.055) / 1.055) ** 2.4)
+    .reduce((sum, c, n) => sum + c * [0.2126, 0.7152, 0.0722][n], 0);
+const contrastOf = element => {
+  const style = getComputedStyle(element);
+  const [a, b] = [luminance(colourOf(element.ownerSVGElement ? style.fill : style.color)), luminance(groundOf(element))];
+  return (Math.max(a, b) + 0.05) / (Math.min(a, b) + 0.05);
+};
+for (const details of document.querySelectorAll('details')) details.open = true;
+const written = [...document.body.querySelectorAll('*')].filter(element =>
+    !['SCRIPT', 'title', 'desc'].includes(element.tagName) && isShown(element) &&
+    [...element.childNodes].some(node => node.nodeType == Node.TEXT_NODE && node.data.trim()));
+const isReached = element => {
+  element.focus();
+  return document.activeElement == element;
+};
 const texts = selector => [...document.querySelectorAll(selector)].map(element => element.textContent);
 const seen = {
   errors: problems, resources: performance.getEntriesByType('resource').length,
-  overflow: document.documentElement.scrollWidth - innerWidth, overlaps: [],
-  headline: texts('#decision h2')[0], reasons: texts('#decision li'), title: texts('h1')[0], facts: {}, charts: {}
+  overflow: document.documentElement.scrollWidth - innerWidth, overlaps: [], cut: [],
+  paper: getComputedStyle(document.body).backgroundColor,
+  faint: written.filter(element => contrastOf(element) < 4.5).map(element => element.textContent),
+  small: written.filter(element => heightOfText(element) < 11.5).map(element => element.textContent),
+  unreached: [...document.querySelectorAll('.scroll, summary, a')].filter(element => !isReached(element))
+      .map(element => element.textContent.slice(0, 50)),
+  headline: texts('.decision h2, .decision h3')[0], reasons: texts('.decision li'), title: texts('h1')[0], facts: {}, charts: {}
 };
 for (const fact of document.querySelectorAll('.facts div')) {
   seen.facts[fact.querySelector('dt').textContent] = fact.querySelector('dd').textContent;
@@ -74,13 +114,10 @@ for (const svg of document.querySelectorAll('svg.chart')) {
     })
   };
   seen.overlaps.push(...findOverlaps(svg));
+  seen.cut.push(...findCut(svg));
 }
-const tones = document.getElementById('whole-tones');
-const frame = tones.querySelector('.frame').getBoundingClientRect();
-tones.dispatchEvent(new PointerEvent('pointermove', {
-  bubbles: true, clientX: frame.left + (POINT_AT - tones.dataset.from) / (tones.dataset.to - tones.dataset.from) * frame.width
-}));
-seen.readout = texts('.readout')[0];
+seen.readouts = texts('.readout text');
+seen.shownReadouts = [...document.querySelectorAll('.readout text')].filter(isShown).length;
 const result = document.createElement('pre');
 result.id = 'seen';
 result.textContent = JSON.stringify(seen);
@@ -101,13 +138,15 @@ bool HasBrowser() {
   return std::system("command -v chromium >/dev/null") == 0;
 }
 
-Json::Value LookAt(const std::string& page, int width, int pointAt, const TemporaryFolder& folder) {
-  const std::string look = Replaced(kLook, "POINT_AT", std::to_string(pointAt));
-  folder.Write("page.html",
-               Replaced(Replaced(page, "<title>", kWatch + std::string("<title>")), "</body>", look + "</body>"));
+Json::Value LookAt(const std::string& page, const Window& window, const TemporaryFolder& folder) {
+  const std::string policy = "default-src 'none';";
+  std::string watched = Replaced(page, policy, policy + " script-src 'unsafe-inline';");
+  watched = Replaced(watched, "<title>", kWatch + std::string("<title>"));
+  folder.Write("page.html", Replaced(watched, "</body>", kLook + std::string("</body>")));
   const std::string command =
       "cd '" + folder.Path() + "' && HOME=\"$PWD\" timeout 60 chromium --headless --no-sandbox --disable-gpu" +
-      " --disable-dev-shm-usage --user-data-dir=\"$PWD/profile\" --window-size=" + std::to_string(width) +
+      " --disable-dev-shm-usage --user-data-dir=\"$PWD/profile\" --blink-settings=preferredColorScheme=" +
+      (window.isDark ? "0" : "1") + " --window-size=" + std::to_string(window.width) +
       ",900 --dump-dom \"file://$PWD/page.html\" >dom 2>errors";
   if (std::system(command.c_str()) != 0) {
     throw std::runtime_error("chromium failed: " + folder.Read("errors"));

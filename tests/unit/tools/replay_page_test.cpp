@@ -54,17 +54,19 @@ fine::Reading ReadFinely(const std::vector<std::uint8_t>& bytes) {
   return reading;
 }
 
-std::string PageOf(const std::vector<std::uint8_t>& bytes, const std::string& file = "dump",
-                   const std::optional<fine::Reading>& fine = std::nullopt) {
-  return MakeReportPage(ReplayRecord(bytes), {file, "", bytes.size()}, fine);
+// What holds for every page.
+void ExpectReadablePage(const Json::Value& seen) {
+  for (const char* const flaw : {"errors", "overlaps", "cut", "faint", "small", "unreached"}) {
+    EXPECT_EQ(Json::Value(Json::arrayValue), seen[flaw]) << flaw;
+  }
+  EXPECT_EQ(0, seen["resources"].asInt());
+  EXPECT_EQ(0, seen["shownReadouts"].asInt());
+  EXPECT_LE(seen["overflow"].asInt(), 0);
 }
 
 // What holds for the page of every recording.
 void ExpectFlawlessPage(const Json::Value& seen) {
-  EXPECT_EQ(Json::Value(Json::arrayValue), seen["errors"]);
-  EXPECT_EQ(0, seen["resources"].asInt());
-  EXPECT_LE(seen["overflow"].asInt(), 0);
-  EXPECT_EQ(Json::Value(Json::arrayValue), seen["overlaps"]);
+  ExpectReadablePage(seen);
   for (const auto& [name, labels] : std::map<std::string, std::vector<std::string>>{
            {"tones", {"17 kHz", "19 kHz"}}, {"ratios", {"17 kHz", "19 kHz"}}, {"neighbours", {"17.5 kHz", "18 kHz"}}}) {
     const Json::Value& curves = seen["charts"]["whole-" + name]["curves"];
@@ -103,7 +105,7 @@ TEST_F(ReplayPageInABrowser, ShowsThePairOfAGoodRun) {
   const RunRecord run = ReplayRecord(bytes);
   const auto result = run.FindFirst(EventKind::kResult);
   ASSERT_TRUE(result);
-  const Json::Value seen = LookAt(PageOf(bytes), 1280, result->first, m_Folder);
+  const Json::Value seen = LookAt(PageOf(bytes), {1280}, m_Folder);
   ExpectFlawlessPage(seen);
   EXPECT_EQ("The optical output is 99.0 ms late", seen["headline"].asString());
   EXPECT_EQ("+99.0 ms", seen["facts"]["difference"].asString());
@@ -113,17 +115,20 @@ TEST_F(ReplayPageInABrowser, ShowsThePairOfAGoodRun) {
       EXPECT_TRUE(curve["isInside"].asBool()) << chart;
     }
   }
-  for (const char* const chart : {"whole-events", "whole-tones", "whole-ratios", "close-events", "close-tones"}) {
+  for (const char* const chart :
+       {"whole-events", "whole-tones", "whole-ratios", "close-events", "close-tones", "close-spectrogram"}) {
     const Json::Value& pairs = seen["charts"][chart]["pairs"];
     ASSERT_EQ(1u, pairs.size()) << chart;
     EXPECT_THAT(pairs[0]["first"].asDouble(), testing::DoubleNear(result->first, 0.6)) << chart;
     EXPECT_THAT(pairs[0]["second"].asDouble(), testing::DoubleNear(result->buffer, 0.6)) << chart;
   }
-  EXPECT_EQ(81u, seen["charts"]["close-tones"]["curves"][0]["points"].asUInt());
+  const auto points = seen["charts"]["close-tones"]["curves"][0]["points"].asUInt();
+  EXPECT_EQ(21u, points);
   EXPECT_EQ(2, seen["charts"]["whole-tones"]["thresholds"].asInt());
   EXPECT_THAT(Numbers(seen["charts"]["close-events"]["marks"]["start f17"]), Contains(Near(result->first)));
+  ASSERT_EQ(points, seen["readouts"].size());
   const auto& first = run.GetBlocks()[static_cast<std::size_t>(result->first - 5)];
-  const std::string readout = seen["readout"].asString();
+  const std::string readout = seen["readouts"][7].asString();
   EXPECT_THAT(readout, StartsWith("buffer " + std::to_string(result->first) + " "));
   double level = 0.0;
   ASSERT_EQ(1, std::sscanf(readout.c_str() + readout.find("17 kHz "), "17 kHz %lf dBFS", &level));
@@ -135,7 +140,7 @@ TEST_F(ReplayPageInABrowser, ShowsWhyASilentOutputGaveNoDifference) {
   room.opticalMuted = true;
   const auto bytes = RecordInRoom(room);
   const RunRecord run = ReplayRecord(bytes);
-  const Json::Value seen = LookAt(PageOf(bytes), 1000, 60, m_Folder);
+  const Json::Value seen = LookAt(PageOf(bytes), {1000}, m_Folder);
   ExpectFlawlessPage(seen);
   EXPECT_EQ("No difference: 19 kHz (optical output) was not found", seen["headline"].asString());
   EXPECT_THAT(seen["reasons"][1].asString(), HasSubstr("19 kHz (optical output) never reached its threshold"));
@@ -152,7 +157,7 @@ TEST_F(ReplayPageInABrowser, ShowsWhyASilentOutputGaveNoDifference) {
 TEST_F(ReplayPageInABrowser, ShowsNoisyTonesSequenceErrorsAndAbnormalInput) {
   const std::string far(19, '.');
   const auto bytes = MakeRecording(Ambient() + "7" + far + "9.x.." + std::string(10, 'y') + "....");
-  const Json::Value seen = LookAt(PageOf(bytes), 1600, 56, m_Folder);
+  const Json::Value seen = LookAt(PageOf(bytes), {1600}, m_Folder);
   ExpectFlawlessPage(seen);
   EXPECT_EQ("Given up: abnormal input", seen["headline"].asString());
   EXPECT_EQ("11", seen["facts"]["noisy tones"].asString());
@@ -170,7 +175,7 @@ TEST_F(ReplayPageInABrowser, ShowsANoisyRoom) {
   sim::RoomConfig room;
   room.noiseDbfs = -25.0;
   const auto bytes = RecordInRoom(room);
-  const Json::Value seen = LookAt(PageOf(bytes), 1280, 60, m_Folder);
+  const Json::Value seen = LookAt(PageOf(bytes), {1280}, m_Folder);
   ExpectFlawlessPage(seen);
   EXPECT_EQ("No difference: neither tone was found", seen["headline"].asString());
   EXPECT_THAT(seen["reasons"][0].asString(), HasSubstr("17 kHz (television's speaker) never reached its threshold"));
@@ -182,7 +187,7 @@ TEST_F(ReplayPageInABrowser, StaysSmallForALongRecordingAndKeepsItsPeak) {
   const auto bytes = MakeRecording(Ambient() + std::string(2000, '.') + "7" + std::string(1964, '.'));  // 66 s
   const std::string page = PageOf(bytes);
   EXPECT_LT(page.size(), 250000u);
-  const Json::Value seen = LookAt(page, 1280, 60, m_Folder);
+  const Json::Value seen = LookAt(page, {1280}, m_Folder);
   ExpectFlawlessPage(seen);
   const Json::Value& curve = seen["charts"]["whole-tones"]["curves"][0];
   EXPECT_LE(curve["points"].asUInt(), 2000u);
@@ -197,7 +202,7 @@ TEST_F(ReplayPageInABrowser, ShowsTheFineReadingToScale) {
   const auto bytes = RecordInRoom(room);
   const fine::Reading reading = ReadFinely(bytes);
   ASSERT_TRUE(reading.differenceS) << reading.reason;
-  const Json::Value seen = LookAt(PageOf(bytes, "dump", reading), 1280, 60, m_Folder);
+  const Json::Value seen = LookAt(PageOf(bytes, "dump", reading), {1280}, m_Folder);
   ExpectFlawlessPage(seen);
   EXPECT_NEAR(1e3 * *reading.differenceS, std::stod(seen["facts"]["fine difference"].asString()), 0.0051);
   EXPECT_EQ("4", seen["facts"]["pairs that agree"].asString());
@@ -225,6 +230,33 @@ TEST_F(ReplayPageInABrowser, ShowsTheFineReadingToScale) {
   }
 }
 
+// With every kind of part, on a phone and on a desk, on light and on dark paper.
+TEST_F(ReplayPageInABrowser, ShowsSeveralRecordingsInWindowsOfAllKinds) {
+  const auto pair = RecordInRoom({});
+  sim::RoomConfig muted;
+  muted.opticalMuted = true;
+  const auto missing = RecordInRoom(muted);
+  const auto cut = MakeRecording("....");
+  ReportPage page(4);
+  page.Add(ReplayRecord(pair), SubjectOf(pair, "a/name/that/is/too/long/for/a/narrow/window.raw"), ReadFinely(pair));
+  page.AddUnreadable("gone", "gone: cannot be read: No such file or directory");
+  page.Add(ReplayRecord(missing), SubjectOf(missing));
+  page.Add(ReplayRecord(cut), SubjectOf(cut));
+  const std::string html = page.Finish();
+  EXPECT_LT(html.size(), 600000u);
+  for (const int width : {400, 1400}) {
+    const Json::Value light = LookAt(html, {width}, m_Folder);
+    const Json::Value dark = LookAt(html, {width, true}, m_Folder);
+    EXPECT_NE(light["paper"], dark["paper"]);
+    EXPECT_EQ("Replay of 4 recordings", light["title"].asString());
+    for (const Json::Value& seen : {light, dark}) {
+      ExpectReadablePage(seen);
+      EXPECT_TRUE(seen["charts"].isMember("recording-1-fine-grid"));
+      EXPECT_TRUE(seen["charts"].isMember("recording-4-close-spectrogram"));
+    }
+  }
+}
+
 // A recording in which the receiver and the fine reading find nothing of the test sound.
 std::string PageWith(const fine::Reading& reading) {
   return PageOf(MakeRecording(Ambient() + "..."), "dump", reading);
@@ -234,7 +266,7 @@ TEST(ReplayPageFine, TellsWhyThereIsNoDifference) {
   fine::Reading reading;
   reading.reason = "a tone is < 3 & > 2";
   const std::string page = PageWith(reading);
-  EXPECT_THAT(page, HasSubstr("<h2>Fine reading: no difference</h2>"));
+  EXPECT_THAT(page, HasSubstr("<p>The fine reading</p><p class='value'>none</p>"));
   EXPECT_THAT(page, HasSubstr("<p class='warning'>There is no fine difference: a tone is &lt; 3 &amp; &gt; 2.</p>"));
   EXPECT_THAT(page, HasSubstr("<dt>fine difference</dt><dd>none</dd>"));
   EXPECT_THAT(page, HasSubstr("<dt>95 % interval</dt><dd>none</dd>"));
@@ -253,9 +285,9 @@ TEST(ReplayPageFine, ShowsTheOnsetsOfARefusedReading) {
   EXPECT_THAT(page, HasSubstr("id='fine-17'"));
   EXPECT_THAT(page, HasSubstr("id='fine-19'"));
   EXPECT_THAT(page, HasSubstr("<b>17 kHz, television's speaker: begins at 1.00000 s</b>"));
-  EXPECT_THAT(page, HasSubstr("aria-label='17 kHz, television&#39;s speaker: the mean of its bursts"));
-  EXPECT_THAT(page, HasSubstr("The measured envelope reaches 200 % of the direct sound.'"));
-  EXPECT_THAT(page, HasSubstr("The measured envelope reaches 10 % of the direct sound.'"));
+  EXPECT_THAT(page, HasSubstr(">Onset of 17 kHz, television&#39;s speaker</title>"));
+  EXPECT_THAT(page, HasSubstr("The measured envelope reaches 200 % of the direct sound.</desc>"));
+  EXPECT_THAT(page, HasSubstr("The measured envelope reaches 10 % of the direct sound.</desc>"));
   EXPECT_THAT(page, HasSubstr("onset ± 1.000 ms"));
   EXPECT_THAT(page, Not(HasSubstr("id='fine-grid'")));
   EXPECT_THAT(page, Not(HasSubstr("id='fine-interval'")));
@@ -267,29 +299,24 @@ TEST(ReplayPageFine, IsShownWithoutADifferenceOfTheReceiver) {
   reading.intervalS = {-0.0101, -0.0099};
   reading.ratePpm = -0.2;
   const std::string page = PageWith(reading);
-  EXPECT_THAT(page, HasSubstr("<h2>Fine reading: the optical output is 10.00 ms early</h2>"));
-  EXPECT_THAT(page, HasSubstr("<p>The receiver found no difference.</p>"));
+  EXPECT_THAT(page, HasSubstr("<p>The fine reading</p><p class='value'>-10.00 ms</p>"));
+  EXPECT_THAT(page, HasSubstr("<p>The service found no difference.</p>"));
   EXPECT_THAT(page, HasSubstr("<dt>error of the remote's rate</dt><dd>+0 ppm</dd>"));
   EXPECT_THAT(page, HasSubstr("<dt>95 % interval</dt><dd>-10.10 to -9.90 ms</dd>"));
-  EXPECT_THAT(page, HasSubstr(">receiver: none</text>"));
+  EXPECT_THAT(page, HasSubstr(">service: none</text>"));
   EXPECT_THAT(page, HasSubstr("<title>fine reading: -10.00 ms, -10.10 to -9.90 ms</title>"));
 }
 
 TEST(ReplayPageFine, IsNotMentionedWhenThereIsNone) {
-  EXPECT_THAT(PageOf(MakeRecording(Ambient() + "7..9")), Not(HasSubstr("fine")));
+  const std::string page = PageOf(MakeRecording(Ambient() + "7..9"));
+  EXPECT_THAT(page, Not(HasSubstr("class='fine'")));
+  EXPECT_THAT(page, Not(HasSubstr("fine reading")));
 }
 
 TEST(ReplayPage, EscapesTheNameOfTheFile) {
   const std::string page = PageOf(MakeRecording(Ambient()), "<b>&\"'.raw");
   EXPECT_THAT(page, HasSubstr("<code>&lt;b&gt;&amp;&quot;&#39;.raw</code>"));
   EXPECT_THAT(page, Not(HasSubstr("<b>&")));
-}
-
-TEST(ReplayPage, NeedsNothingBesideItself) {
-  const std::string page = PageOf(MakeRecording(Ambient() + "7..9"));
-  for (const char* const reference : {"http:", "https:", "src=", "url(", "@import", "<img", "<link rel=\"style"}) {
-    EXPECT_THAT(page, Not(HasSubstr(reference)));
-  }
 }
 
 TEST(ReplayPage, CanBeMadeOfAnyRecording) {
@@ -305,7 +332,7 @@ TEST(ReplayPage, CanBeMadeOfAnyRecording) {
 
 TEST(ReplayPage, ShowsTheWarningAboutARecording) {
   const auto bytes = MakeRecording(Ambient());
-  EXPECT_THAT(MakeReportPage(ReplayRecord(bytes), {"a.wav", "a.wav: 48000 Hz", bytes.size()}),
+  EXPECT_THAT(MakeReportPage(ReplayRecord(bytes), {"a.wav", "a.wav: 48000 Hz", SamplesOf({bytes, ""})}),
               HasSubstr("<p class='warning'>a.wav: 48000 Hz</p>"));
 }
 

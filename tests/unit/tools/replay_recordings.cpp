@@ -83,4 +83,13 @@ RunRecord ReplayRecord(const std::vector<std::uint8_t>& bytes, bool hearable) {
   return run;
 }
 
+ReportSubject SubjectOf(const std::vector<std::uint8_t>& bytes, const std::string& file) {
+  return {file, "", SamplesOf({bytes, ""})};
+}
+
+std::string PageOf(const std::vector<std::uint8_t>& bytes, const std::string& file,
+                   const std::optional<fine::Reading>& fine) {
+  return MakeReportPage(ReplayRecord(bytes), SubjectOf(bytes, file), fine);
+}
+
 }  // namespace orvex::tools

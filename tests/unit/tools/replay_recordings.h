@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "orvex/platform/remote_voice.h"
+#include "replay/report_page.h"
 #include "replay/run_record.h"
 
 namespace orvex::tools {
@@ -48,5 +49,10 @@ std::vector<Json::Value> ReplayLines(const std::vector<std::uint8_t>& bytes, boo
 
 // What the receiver reports about a recording.
 RunRecord ReplayRecord(const std::vector<std::uint8_t>& bytes, bool hearable = false);
+
+ReportSubject SubjectOf(const std::vector<std::uint8_t>& bytes, const std::string& file = "dump");
+// The page about one recording.
+std::string PageOf(const std::vector<std::uint8_t>& bytes, const std::string& file = "dump",
+                   const std::optional<fine::Reading>& fine = std::nullopt);
 
 }  // namespace orvex::tools
