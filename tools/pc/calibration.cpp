@@ -21,8 +21,16 @@ constexpr std::chrono::milliseconds kQuiet(300);
 // its grid besides.
 constexpr double kAgreesMs = 2.0;
 constexpr double kCoarselyAgreesMs = kAgreesMs + kVoiceBlockMs;
+// Outputs with clocks of their own wander for some seconds after one of them began or lost sound. What remains is taken
+// into the delay then, and listened to again, so many times altogether.
+constexpr double kStaysMs = 0.5;
+constexpr int kListenings = 3;
 // The delay is set to tenths of a millisecond.
 constexpr double kStepsPerMs = 10.0;
+
+double InSteps(double ms) {
+  return std::round(ms * kStepsPerMs) / kStepsPerMs;
+}
 
 double ToMs(double s) {
   return s * 1e3;
@@ -80,7 +88,7 @@ private:
     if (m_Options.coarse) {
       ListenAgain(servicesMs, kCoarselyAgreesMs);
     } else {
-      SetByReading(std::round((*m_OldMs - *m_Result.beforeMs) * kStepsPerMs) / kStepsPerMs);
+      SetByReading(InSteps(*m_OldMs - *m_Result.beforeMs));
     }
   }
 
@@ -134,8 +142,25 @@ private:
                                               "can be set: make the reference output faster",
                                               wantedMs, m_Options.maximumDelayMs));
     } else {
-      ListenAgain(std::max(0.0, wantedMs), kAgreesMs);
+      Approach(std::max(0.0, wantedMs));
     }
+  }
+
+  void Approach(double delayMs) {
+    std::optional<double> nextMs = delayMs;
+    for (int n = 0; n < kListenings && nextMs; ++n) {
+      ListenAgain(*nextMs, kAgreesMs);
+      nextMs = BetterDelayMs();
+    }
+  }
+
+  // Empty: there is none.
+  std::optional<double> BetterDelayMs() const {
+    if (m_Result.verdict != PcVerdict::kAligned || std::abs(*m_Result.afterMs) <= kStaysMs) {
+      return std::nullopt;
+    }
+    const double delayMs = std::clamp(InSteps(*m_Result.appliedMs - *m_Result.afterMs), 0.0, m_Options.maximumDelayMs);
+    return delayMs == *m_Result.appliedMs ? std::nullopt : std::optional(delayMs);
   }
 
   void ListenAgain(double delayMs, double agreesMs) {

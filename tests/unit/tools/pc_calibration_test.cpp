@@ -175,6 +175,27 @@ TEST(PcCalibration, PutsTheOldDelayBackWhenTheSecondListeningDoesNotAgree) {
   EXPECT_THAT(result.afterMs, Optional(DoubleNear(-30.0, kExactMs)));
 }
 
+TEST(PcCalibration, FollowsOutputsThatStillWanderAndListensAgain) {
+  FakeRoom room;
+  room.wayMs = -60.0;
+  room.beforePlaying = [&] { room.wayMs = std::max(-61.2, room.wayMs - 1.2); };
+  const Calibration result = CalibrateIn(room);
+  EXPECT_EQ(PcVerdict::kAligned, result.verdict) << result.words;
+  EXPECT_THAT(room.delaysSet, testing::ElementsAre(60.0, 61.2));
+  EXPECT_THAT(result.appliedMs, Optional(61.2));
+  EXPECT_THAT(result.afterMs, Optional(DoubleNear(0.0, kExactMs)));
+}
+
+TEST(PcCalibration, LeavesOutputsThatDoNotSettleAtWhatIsStillAligned) {
+  FakeRoom room;
+  room.wayMs = -60.0;
+  room.beforePlaying = [&] { room.wayMs -= 1.2; };
+  const Calibration result = CalibrateIn(room);
+  EXPECT_EQ(PcVerdict::kAligned, result.verdict) << result.words;
+  EXPECT_THAT(room.delaysSet, testing::ElementsAre(60.0, 61.2, 62.4));
+  EXPECT_THAT(result.afterMs, Optional(DoubleNear(-1.2, kExactMs)));
+}
+
 TEST(PcCalibration, PutsTheOldDelayBackWhenTheSecondListeningHearsNothing) {
   FakeRoom room;
   room.wayMs = -60.0;
