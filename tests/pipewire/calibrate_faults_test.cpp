@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "pipewire/client/pc_config.h"
+#include "pipewire/living_room.h"
 #include "pipewire/pc_run.h"
 
 namespace orvex::integration {
@@ -26,10 +27,10 @@ protected:
   }
   // Starts a calibration; returns when it says `news`.
   void CalibrateUntil(const char* news) {
-    m_Calibrate = StartPc(*m_Room, {"calibrate"});
+    m_Calibrate = StartPc(m_Room->GetDaemon(), {"calibrate"});
     ASSERT_TRUE(m_Room->GetDaemon().WaitForLog("pc-calibrate", news)) << m_Room->GetDaemon().LogOf("pc-calibrate");
   }
-  PcOutcome Finish() { return FinishPc(*m_Room, *m_Calibrate, "calibrate"); }
+  PcOutcome Finish() { return FinishPc(m_Room->GetDaemon(), *m_Calibrate, "calibrate"); }
   void ExpectNothingLeft() {
     for (const char* node : {"orvex-pc", "orvex-voice"}) {
       EXPECT_TRUE(m_Room->GetClient().WaitForNoNode(node)) << node;
@@ -74,7 +75,7 @@ TEST_F(CalibrateFaults, ADelayedOutputThatGoes) {
 TEST_F(CalibrateFaults, AnOutputThatIsNotThere) {
   EnterRoom();
   m_Room->RemoveDelayed();
-  const PcOutcome outcome = RunPc(*m_Room, {"calibrate", "--json"});
+  const PcOutcome outcome = RunPc(m_Room->GetDaemon(), {"calibrate", "--json"});
   EXPECT_EQ(1, outcome.exitCode);
   EXPECT_EQ("failed", outcome.result["verdict"].asString()) << outcome.log;
   EXPECT_THAT(outcome.result["reason"].asString(), HasSubstr("the output \"soundbar\" is not there: switch it on"));
@@ -114,7 +115,7 @@ TEST_F(CalibrateFaults, AHeadsetDoesNotReach19Kilohertz) {
   RoomWays ways;
   ways.microphoneHz = 16000;
   EnterRoom(ways);
-  const PcOutcome outcome = RunPc(*m_Room, {"calibrate", "--json"});
+  const PcOutcome outcome = RunPc(m_Room->GetDaemon(), {"calibrate", "--json"});
   EXPECT_EQ(1, outcome.exitCode);
   EXPECT_EQ("no_microphone", outcome.result["verdict"].asString()) << outcome.log;
   EXPECT_THAT(outcome.result["reason"].asString(), HasSubstr("samples at 16000 Hz and cannot hear 19 kHz"));
@@ -125,7 +126,7 @@ TEST_F(CalibrateFaults, AMutedMicrophoneGivesDigitalSilence) {
   RoomWays ways;
   ways.noise = 0.0F;
   EnterRoom(ways);
-  const PcOutcome outcome = RunPc(*m_Room, {"calibrate", "--json"});
+  const PcOutcome outcome = RunPc(m_Room->GetDaemon(), {"calibrate", "--json"});
   EXPECT_EQ(1, outcome.exitCode);
   EXPECT_EQ("no_microphone", outcome.result["verdict"].asString()) << outcome.log;
   EXPECT_THAT(outcome.result["reason"].asString(), HasSubstr("digital silence"));
@@ -134,7 +135,7 @@ TEST_F(CalibrateFaults, AMutedMicrophoneGivesDigitalSilence) {
 
 TEST_F(CalibrateFaults, WhenTheDelayedOutputIsTheLaterOneItSaysWhatToSwap) {
   EnterRoom({10.0, 60.0});
-  const PcOutcome outcome = RunPc(*m_Room, {"calibrate", "--json"});
+  const PcOutcome outcome = RunPc(m_Room->GetDaemon(), {"calibrate", "--json"});
   EXPECT_EQ(1, outcome.exitCode);
   EXPECT_EQ("out_of_range", outcome.result["verdict"].asString()) << outcome.log;
   EXPECT_THAT(outcome.result["reason"].asString(), HasSubstr("swap reference and delayed"));
@@ -144,11 +145,11 @@ TEST_F(CalibrateFaults, WhenTheDelayedOutputIsTheLaterOneItSaysWhatToSwap) {
 
 TEST_F(CalibrateFaults, AnotherProgramThatRecordsTheMicrophoneDoesNotMatter) {
   EnterRoom();
-  const auto other = StartPc(*m_Room, {"calibrate"});
+  const auto other = StartPc(m_Room->GetDaemon(), {"calibrate"});
   ASSERT_TRUE(m_Room->GetDaemon().WaitForLog("pc-calibrate", kListens));
   const auto recorder =
       m_Room->GetDaemon().Run("recorder", "/usr/bin/pw-record", {"--target", "microphone", "/dev/null"});
-  const PcOutcome outcome = FinishPc(*m_Room, *other, "calibrate");
+  const PcOutcome outcome = FinishPc(m_Room->GetDaemon(), *other, "calibrate");
   EXPECT_EQ(0, outcome.exitCode) << outcome.log;
   EXPECT_THAT(outcome.log, HasSubstr("aligned: "));
 }
@@ -156,7 +157,7 @@ TEST_F(CalibrateFaults, AnotherProgramThatRecordsTheMicrophoneDoesNotMatter) {
 TEST_F(CalibrateFaults, AComputerThatIsNotSetUpIsTold) {
   EnterRoom();
   std::filesystem::remove(m_Room->GetDaemon().GetConfigFolder() / "pc.json");
-  const PcOutcome outcome = RunPc(*m_Room, {"calibrate"});
+  const PcOutcome outcome = RunPc(m_Room->GetDaemon(), {"calibrate"});
   EXPECT_NE(0, outcome.exitCode);
   EXPECT_THAT(outcome.log, HasSubstr("orvex-pc setup"));
 }

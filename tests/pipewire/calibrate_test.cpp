@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "pipewire/living_room.h"
 #include "pipewire/pc_run.h"
 
 namespace orvex::integration {
@@ -29,8 +30,8 @@ class Calibrate : public PcTest, public testing::WithParamInterface<Room> {};
 TEST_P(Calibrate, BringsTheOutputsTogether) {
   const Room& truth = GetParam();
   LivingRoom room({truth.referenceMs, truth.delayedMs, truth.noise});
-  ASSERT_EQ(0, RunPc(room, {"delay", std::to_string(truth.delayMs)}).exitCode);
-  const PcOutcome outcome = RunPc(room, {"calibrate", "--json"});
+  ASSERT_EQ(0, RunPc(room.GetDaemon(), {"delay", std::to_string(truth.delayMs)}).exitCode);
+  const PcOutcome outcome = RunPc(room.GetDaemon(), {"calibrate", "--json"});
   EXPECT_EQ(0, outcome.exitCode) << outcome.log;
   EXPECT_EQ("aligned", outcome.result["verdict"].asString()) << outcome.log;
   EXPECT_NEAR(truth.TruthMs(truth.delayMs), outcome.result["before_ms"].asDouble(), kRemainsMs);

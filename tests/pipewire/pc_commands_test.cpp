@@ -7,6 +7,7 @@
 
 #include "linux/json_text.h"
 #include "pipewire/client/pc_config.h"
+#include "pipewire/living_room.h"
 #include "pipewire/pc_run.h"
 
 namespace orvex::integration {
@@ -16,7 +17,7 @@ using testing::HasSubstr;
 
 class PcCommands : public PcTest {
 protected:
-  PcOutcome Run(const std::vector<std::string>& arguments) { return RunPc(m_Room, arguments); }
+  PcOutcome Run(const std::vector<std::string>& arguments) { return RunPc(m_Room.GetDaemon(), arguments); }
   std::filesystem::path ConfigFile() { return m_Room.GetDaemon().GetConfigFolder() / "pc.json"; }
   // The programs of the person are to play to this one.
   std::string DefaultOutput() {

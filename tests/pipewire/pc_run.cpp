@@ -4,15 +4,15 @@
 
 namespace orvex::integration {
 
-std::unique_ptr<Process> StartPc(LivingRoom& room, const std::vector<std::string>& arguments) {
-  return room.GetDaemon().Run("pc-" + arguments.front(), ORVEX_PC_PROGRAM, arguments,
-                              {{"ORVEX_PIPEWIRE_PLUGIN", ORVEX_PIPEWIRE_PLUGIN_FILE}});
+std::unique_ptr<Process> StartPc(const PrivateDaemon& daemon, const std::vector<std::string>& arguments) {
+  return daemon.Run("pc-" + arguments.front(), ORVEX_PC_PROGRAM, arguments,
+                    {{"ORVEX_PIPEWIRE_PLUGIN", ORVEX_PIPEWIRE_PLUGIN_FILE}});
 }
 
-PcOutcome FinishPc(LivingRoom& room, Process& process, const std::string& command) {
+PcOutcome FinishPc(const PrivateDaemon& daemon, Process& process, const std::string& command) {
   PcOutcome outcome;
   outcome.exitCode = process.WaitForEnd().exitCode.value_or(-1);
-  outcome.log = room.GetDaemon().LogOf("pc-" + command);
+  outcome.log = daemon.LogOf("pc-" + command);
   try {
     outcome.result = port::ParseJsonObject(outcome.log, "a JSON object");
   } catch (const port::JsonError&) {
@@ -21,8 +21,8 @@ PcOutcome FinishPc(LivingRoom& room, Process& process, const std::string& comman
   return outcome;
 }
 
-PcOutcome RunPc(LivingRoom& room, const std::vector<std::string>& arguments) {
-  return FinishPc(room, *StartPc(room, arguments), arguments.front());
+PcOutcome RunPc(const PrivateDaemon& daemon, const std::vector<std::string>& arguments) {
+  return FinishPc(daemon, *StartPc(daemon, arguments), arguments.front());
 }
 
 void PcTest::SetUp() {

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "pipewire/living_room.h"
+#include "pipewire/private_daemon.h"
 
 namespace orvex::integration {
 
@@ -18,10 +18,10 @@ struct PcOutcome {
   std::string log;     // both
 };
 
-// The output is in room.GetDaemon().LogOf("pc-" + arguments.front()).
-std::unique_ptr<Process> StartPc(LivingRoom& room, const std::vector<std::string>& arguments);
-PcOutcome FinishPc(LivingRoom& room, Process& process, const std::string& command);
-PcOutcome RunPc(LivingRoom& room, const std::vector<std::string>& arguments);
+// The output is in daemon.LogOf("pc-" + arguments.front()).
+std::unique_ptr<Process> StartPc(const PrivateDaemon& daemon, const std::vector<std::string>& arguments);
+PcOutcome FinishPc(const PrivateDaemon& daemon, Process& process, const std::string& command);
+PcOutcome RunPc(const PrivateDaemon& daemon, const std::vector<std::string>& arguments);
 
 // Skipped without PipeWire's plug-in for libasound.
 class PcTest : public testing::Test {

@@ -99,7 +99,8 @@ void PrivateDaemon::Stop() {
 }
 
 void PrivateDaemon::Start() {
-  m_Daemon = Run("pipewire", ORVEX_PIPEWIRE_PROGRAM, {"-c", ORVEX_PIPEWIRE_TEST_FILES "/daemon.conf"});
+  m_Daemon = Run("pipewire", ORVEX_PIPEWIRE_PROGRAM, {"-c", ORVEX_PIPEWIRE_TEST_FILES "/daemon.conf"},
+                 {{"ALSA_CONFIG_PATH", ORVEX_PIPEWIRE_CARDS_FILE}});
   WaitForSocket(m_Folder / "run" / kSocket, *m_Daemon);
   m_SessionManager = Run("wireplumber", ORVEX_WIREPLUMBER_PROGRAM, {"-c", "policy.conf"});
 }

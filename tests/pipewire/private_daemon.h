@@ -31,6 +31,9 @@ public:
   std::filesystem::path GetConfigFolder() const { return m_Folder / "config" / "orvex"; }
   std::filesystem::path GetStateFolder() const { return m_Folder / "state" / "orvex"; }
 
+  // Where a room keeps its cards, see room_cards.h.
+  std::filesystem::path GetRoomFile() const { return m_Folder / "cards"; }
+
   // Starts a program that uses this daemon. Its output is in LogOf(name). `environment`: what else it gets.
   std::unique_ptr<Process> Run(const std::string& name, const std::filesystem::path& program,
                                const std::vector<std::string>& arguments = {},
