@@ -1,4 +1,5 @@
 # cmake -DSOURCE=FOLDER -DHEADER=FILE -P commit.cmake: writes the commit of the source to HEADER, unless it stands there.
+cmake_minimum_required(VERSION 3.25)
 set(ENV{GIT_OPTIONAL_LOCKS} 0)
 set(git git -C ${SOURCE})
 set(commit "")
