@@ -59,6 +59,12 @@ TEST_F(PcCommands, DevicesAreTheOutputsAndMicrophonesWithoutOurOwn) {
   EXPECT_TRUE(devices["television"]["in_use"].asBool());
 }
 
+TEST_F(PcCommands, TheShellIsOfferedTheNodesThatSetupCanChoose) {
+  EXPECT_EQ("television\t\n", Run({"--complete-words", "setup", "--reference", "tele"}).log);
+  // The log goes on.
+  EXPECT_EQ("television\t\nmicrophone\t\n", Run({"--complete-words", "setup", "--microphone", "mic"}).log);
+}
+
 TEST_F(PcCommands, SetupWritesWhatIsChosenAndRemoveTakesItBack) {
   std::filesystem::remove(ConfigFile());
   const std::string before = DefaultOutput();

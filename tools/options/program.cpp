@@ -3,6 +3,7 @@
 
 #include <cstdio>
 
+#include "options/completion.h"
 #include "options/parser.h"
 #include "options/usage_check.h"
 #include "options/version.h"
@@ -43,6 +44,10 @@ const Command* Program::Read(const std::vector<std::string>& words) const {
 }
 
 int Program::RunCommand(const std::vector<std::string>& words) const {
+  if (!words.empty() && words.front() == kCompleteWords) {
+    std::fputs(CompletionLines(*this, {words.begin() + 1, words.end()}).c_str(), stdout);
+    return kExitGood;
+  }
   const Command* const command = Read(words);
   return command == nullptr ? kExitGood : command->RunAction();
 }

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <map>
+#include <utility>
 
 #include "options/value_text.h"
 
@@ -24,6 +25,12 @@ namespace value {
 
 ValueKind Text(const std::string& name) {
   return {name, name, ""};
+}
+
+ValueKind Text(const std::string& name, WordFinder findWords) {
+  ValueKind kind = Text(name);
+  kind.findWords = std::move(findWords);
+  return kind;
 }
 
 ValueKind File(const std::string& name) {

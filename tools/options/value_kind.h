@@ -10,6 +10,9 @@
 
 namespace orvex::tools {
 
+// For completion: finds the values that there are, by the positional arguments before.
+using WordFinder = std::function<std::vector<std::string>(const std::vector<std::string>& arguments)>;
+
 enum class PathKind { kNone, kFile, kFolder };
 
 struct ValueKind {
@@ -18,12 +21,14 @@ struct ValueKind {
   std::string range;     // for the help: "0 to 2000"; empty: nothing to say
   std::function<bool(const std::string& text)> accepts = [](const std::string&) { return true; };
   std::vector<std::string> words = {};  // values that have a name
-  PathKind paths = PathKind::kNone;     // values that are paths of things that there are
+  WordFinder findWords = [](const std::vector<std::string>&) { return std::vector<std::string>(); };
+  PathKind paths = PathKind::kNone;  // values that are paths of things that there are
 };
 
 namespace value {
 
 ValueKind Text(const std::string& name);
+ValueKind Text(const std::string& name, WordFinder findWords);
 ValueKind File(const std::string& name = "FILE");
 ValueKind Folder(const std::string& name = "DIR");
 

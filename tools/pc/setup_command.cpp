@@ -123,6 +123,20 @@ int RunSetup(SetupArguments arguments) {
   return out.HasFailed() ? kExitFailed : kExitGood;
 }
 
+// Completed with what there is.
+ValueKind NodeOf(AudioNodeKind kind) {
+  return value::Text("NODE", [=](const auto&) {
+    Daemon daemon;
+    std::vector<std::string> names;
+    for (const AudioNode& node : ListAudioNodes(daemon)) {
+      if (node.kind == kind) {
+        names.push_back(node.name);
+      }
+    }
+    return names;
+  });
+}
+
 }  // namespace
 
 void AddSetupCommand(Command& program) {
@@ -130,9 +144,10 @@ void AddSetupCommand(Command& program) {
   Command& command = program.AddCommand(
       "setup", "choose the two outputs and the microphone, and start the delay line; asks for what is left out");
   pipewire::PcConfig& config = arguments->config;
-  command.Add("--reference", config.reference, value::Text("NODE"), "the output that is heard as it is, the later one");
-  command.Add("--delayed", config.delayed, value::Text("NODE"), "the output that is to be delayed, the earlier one");
-  command.Add("--microphone", config.microphone, value::Text("NODE"), "the microphone that listens");
+  const ValueKind output = NodeOf(AudioNodeKind::kOutput);
+  command.Add("--reference", config.reference, output, "the output that is heard as it is, the later one");
+  command.Add("--delayed", config.delayed, output, "the output that is to be delayed, the earlier one");
+  command.Add("--microphone", config.microphone, NodeOf(AudioNodeKind::kMicrophone), "the microphone that listens");
   command.AddFlag("--no-service", arguments->noService, "only write the file; orvex-delay is started by hand");
   command.AddFlag("--default", arguments->isDefault, "programs are to play to \"Orvex\" by default");
   command.AddExample("orvex-pc setup");

@@ -65,12 +65,12 @@ void AddValueCommands(Command& program) {
   Command& get = add("get", "print a value of the television", Get);
   Command& set = add("set", "change a value of the television, which is made if it is missing", Set);
   Command& list = add("list", "print all values: name, value, unit, range, meaning", List);
+  const ValueKind name = value::Text("NAME", [](const auto&) { return ValueNames(); });
   for (Command* const command : {&get, &set}) {
-    command
-        ->Add("NAME", arguments->name, value::Text("NAME"), "full name, or a part that only one has, such as \"delay\"")
-        .Required();
+    command->Add("NAME", arguments->name, name, "full name, or a part that only one has, such as \"delay\"").Required();
   }
-  set.Add("VALUE", arguments->value, value::Text("VALUE"), "the new value").Required();
+  const ValueKind value = value::Text("VALUE", [](const auto& before) { return ValuesOf(before.front()); });
+  set.Add("VALUE", arguments->value, value, "the new value").Required();
   get.AddExample("orvex-tv get --tv /tmp/mytv delay");
   set.AddExample("orvex-tv set --tv /tmp/mytv sound/mute 1");
   list.AddExample("orvex-tv list --tv /tmp/mytv");

@@ -2,6 +2,7 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -9,6 +10,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "options/completion.h"
 #include "options/program.h"
 #include "options/suggestion.h"
 #include "options/version.h"
@@ -50,7 +52,11 @@ struct Bell {
     const Option& loud = ringing.AddFlag("-l,--loud", isLoud, "for all to hear");
     const Option& muffled = ringing.AddFlag("--muffled", isMuffled, "for few to hear").NotWith(loud);
     ringing.Add("--cloth", tone, value::Text("CLOTH"), "around the clapper").OnlyWith(muffled);
-    ringing.Add("BELL", bells, value::Text("BELL"), "which to ring").Required();
+    const auto bellsAfter = [](const std::vector<std::string>& before) {
+      return before.empty() ? std::vector<std::string>{"great", "small"}
+                            : std::vector<std::string>{"after-" + before[0]};
+    };
+    ringing.Add("BELL", bells, value::Text("BELL", bellsAfter), "which to ring").Required();
     ringing.AddExample("bell ring --pause 20 great");
     ringing.SetAction([this] { return ring(); });
     Command& give = program.AddCommand("give", "throw a coin");
@@ -202,6 +208,48 @@ TEST(Program, TurnsExceptionsIntoMessagesAndExitCodes) {
   EXPECT_EQ("2 bell: no tower\n", call(std::domain_error("no tower")));
   EXPECT_EQ("7 bell: it is cracked\n", call(CommandError("it is cracked")));
   EXPECT_EQ("7 bell: no memory\n", call(std::runtime_error("no memory")));
+}
+
+// What is offered for the last word, with blanks between.
+std::string OffersFor(const std::vector<std::string>& words) {
+  const Bell bell;
+  std::istringstream lines(CompletionLines(bell.program, words));
+  std::string offers;
+  for (std::string line; std::getline(lines, line);) {
+    offers += (offers.empty() ? "" : " ") + (line[0] == '\t' ? line.substr(1) : line.substr(0, line.find('\t')));
+  }
+  return offers;
+}
+
+TEST(Completion, OffersCommandsOptionsAndWhatOneOfThemCanBe) {
+  EXPECT_EQ("ring give", OffersFor({""}));
+  EXPECT_EQ("give", OffersFor({"g"}));
+  EXPECT_EQ("-h --help --version", OffersFor({"-"}));
+  EXPECT_EQ("--level --loud", OffersFor({"ring", "--l"}));
+  EXPECT_EQ("none", OffersFor({"ring", "--level", ""}));
+  EXPECT_EQ("none", OffersFor({"ring", "--level", "=", "n"})) << "as bash splits it";
+  EXPECT_EQ("--level=none", OffersFor({"ring", "--level=n"})) << "as zsh and fish leave it";
+  EXPECT_EQ("files", OffersFor({"ring", "--sound", "a"}));
+  EXPECT_EQ("", OffersFor({"ring", "--pause", ""}));
+  EXPECT_EQ("", OffersFor({}));
+}
+
+TEST(Completion, OffersArgumentsByWhatStandsBefore) {
+  EXPECT_EQ("great small", OffersFor({"ring", "--pause", "5", "-l", ""}));
+  EXPECT_EQ("after-great", OffersFor({"ring", "great", ""}));
+  EXPECT_EQ("", OffersFor({"ring", "--", "-"}));
+  EXPECT_EQ("", OffersFor({"give", "penny", ""}));
+}
+
+TEST(Completion, OffersAnOptionOnceUnlessItMayBeRepeated) {
+  EXPECT_EQ("", OffersFor({"ring", "--muffled", "--mu"}));
+  EXPECT_EQ("--sound", OffersFor({"ring", "--sound", "a.wav", "--so"}));
+}
+
+TEST(Completion, IsPrintedWithTheMeaningOfEachWord) {
+  const BellOutcome outcome = CallBell(Bell(), {kCompleteWords, ""});
+  EXPECT_EQ(0, outcome.exitCode);
+  EXPECT_EQ("ring\tring the bells\ngive\tthrow a coin\n", outcome.out);
 }
 
 TEST(DidYouMean, NamesTheNearestWord) {
