@@ -1,24 +1,15 @@
-# bash completion for the commands that people call: what their --help names.
-
-_orvex_words() {
-  "$@" --help 2>/dev/null | awk '
-    /^[^ ].*:$/ { block = $0 }
-    block == "Commands:" && /^  [a-z]/ { print $1 }
-    /^  -/ { sub(/[ =:].*/, "", $1); count = split($1, names, ","); for (n = 1; n <= count; ++n) print names[n] }'
-}
+# bash completion of Orvex's commands, which know themselves what can follow.
 
 _orvex() {
-  local word=${COMP_WORDS[COMP_CWORD]} words command=
+  local line
   COMPREPLY=()
-  case ${1##*/} in
-    orvex-tv | orvex-pc) [ "$COMP_CWORD" -eq 1 ] || command=${COMP_WORDS[1]} ;;
-  esac
-  case $command:$word in
-    *:-*) words=$(_orvex_words "$1" $command) ;;
-    get: | set: | get:* | set:*) words=$("$1" list 2>/dev/null | awk '{ print $1 }') ;;
-    :*) words=$(_orvex_words "$1" | grep -v '^-') ;;
-  esac
-  mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")
+  while IFS= read -r line; do
+    case $line in
+      $'\tfiles') compopt -o default ;;
+      $'\tfolders') compopt -o dirnames ;;
+      *) COMPREPLY+=("${line%%$'\t'*}") ;;
+    esac
+  done < <("$1" --complete-words "${COMP_WORDS[@]:1:COMP_CWORD}" 2>/dev/null)
 }
 
-complete -o default -F _orvex orvex-tv orvex-testsound orvex-replay orvex-sweep orvex-pc orvex-delay
+complete -F _orvex orvex-tv orvex-testsound orvex-replay orvex-sweep orvex-pc orvex-delay
