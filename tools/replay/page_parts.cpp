@@ -35,7 +35,7 @@ a { color: var(--ink-17); }
 .decision { border-left: 6px solid var(--ink-warn); background: var(--paper-warn); padding: 12px 18px 6px;
             border-radius: 0 6px 6px 0; }
 .decision.found { border-color: var(--ink-good); background: var(--paper-good); }
-.decision.abnormal, .decision.unreadable { border-color: var(--ink-bad); background: var(--paper-bad); }
+.decision.abnormal { border-color: var(--ink-bad); background: var(--paper-bad); }
 .decision h2, .decision h3 { margin: 0 0 4px; font-size: 22px; }
 .decision ul { margin: 0 0 6px; padding-left: 20px; }
 .warning { background: var(--paper-warn); padding: 8px 14px; }
@@ -52,10 +52,12 @@ th, td { text-align: left; padding: 4px 20px 4px 0; border-bottom: 1px solid var
          vertical-align: baseline; }
 thead th { color: var(--ink-soft); }
 th[scope=row] { color: var(--ink); }
-.numbers td, .numbers th, .events td:nth-child(-n+2), .events th:nth-child(-n+2) { text-align: right; white-space: nowrap; }
+.numbers td, .numbers th, .events td:nth-child(-n+2), .events th:nth-child(-n+2) { text-align: right; }
+.numbers td { white-space: nowrap; }
 .numbers td:last-child, .numbers th:last-child { text-align: left; }
 thead th.f17 { color: var(--ink-17); font-weight: 600; }
 thead th.f19 { color: var(--ink-19); font-weight: 600; }
+.overview td { min-width: 110px; }
 td.good { color: var(--ink-good); font-weight: 600; } td.warn { color: var(--ink-warn); font-weight: 600; }
 td.bad { color: var(--ink-bad); font-weight: 600; }
 details { margin: 10px 0; }
@@ -139,16 +141,16 @@ const char kReadoutHint[] =
   "'/></g></svg>" text "</span>"
 
 const char kEventsLegend[] =
-    ORVEX_BAND_KEY("ignored", "ignored") ORVEX_BAND_KEY("phase", "ambient phase")
+    ORVEX_BAND_KEY("ignored", "ignored, or behind the end") ORVEX_BAND_KEY("phase", "ambient phase")
         ORVEX_MARK_KEY("clean f17", "M13 0v10", "block with a clean tone")
             ORVEX_MARK_KEY("start f17", "M8 5a5 5 0 1 0 10 0a5 5 0 1 0-10 0", "taken as the first tone")
                 ORVEX_MARK_KEY("noisy f19", "M9 1l8 8m0-8l-8 8", "noisy")
                     ORVEX_MARK_KEY("sequence", "M13 -1l6 6l-6 6l-6-6z", "sequence error")
                         ORVEX_MARK_KEY("abnormal", "M13 -1l6 6l-6 6l-6-6z", "abnormal input")
-                            "<span class='key pair'><svg viewBox='0 -3 26 16' aria-hidden='true'><path class='span' d='M0 5H26'/></svg>"
-                            "pair: first to second tone</span>"
-                            "<span class='key pair further'><svg viewBox='0 -3 26 16' aria-hidden='true'><path class='span' d='M0 5H26'/></svg>"
-                            "further pair: changes nothing in a run</span>";
+                            "<span class='key pair'><svg viewBox='0 -3 26 16' aria-hidden='true'>"
+                            "<path class='span' d='M0 5H26'/></svg>pair: first to second tone</span>"
+                            "<span class='key pair further'><svg viewBox='0 -3 26 16' aria-hidden='true'>"
+                            "<path class='span' d='M0 5H26'/></svg>further pair: changes nothing in a run</span>";
 
 const char kTonesLegend[] = ORVEX_KEY("curve f17", "17 kHz") ORVEX_KEY("curve f19", "19 kHz")
     ORVEX_KEY("ambient f17", "ambient mean") ORVEX_KEY("threshold f17", "threshold, 34.0 dB above it")
@@ -194,8 +196,8 @@ const char kPageNotes[] = R"(<section class="notes"><h2>How to read this</h2>
 <dt>buffer</dt><dd>One block of the remote's audio, 768 samples or 16.50 ms, numbered from 1. Times are those of its
 end. The first 4 are ignored, the next 30 give the ambient means, and from buffer 36 on tones are looked for.</dd>
 <dt>sound over time and frequency</dt><dd>The further a place is from the page's own colour, the louder. The scale
-beside the picture has the two thresholds; they are compared with whole blocks, whose levels the picture of the two tones
-has, while the spectra here are weighted so that bursts stay narrow.</dd>
+beside the picture has the two thresholds. They are compared with whole blocks, whose levels the picture of the two
+tones has; the spectra here are weighted so that bursts stay narrow.</dd>
 <dt>dBFS</dt><dd>0 dBFS is a sine at full scale that fills the block. What lies
 20 dB and more below the ambient mean, digital silence too, is drawn at the bottom.</dd>
 <dt>a tone</dt><dd>is found in a block when it reaches 50 times its ambient mean (34.0 dB), is stronger than the other

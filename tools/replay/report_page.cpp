@@ -10,7 +10,6 @@
 #include "Application/OrvexDetector.h"
 #include "replay/explanation.h"
 #include "replay/fine_section.h"
-#include "replay/page_overview.h"
 #include "replay/page_parts.h"
 #include "replay/report_charts.h"
 #include "replay/report_tables.h"
@@ -80,26 +79,24 @@ std::string MakePart(const RunRecord& run, const ReportSubject& subject, const s
 }  // namespace
 
 void ReportPage::Add(const RunRecord& run, const ReportSubject& subject, const std::optional<fine::Reading>& fine) {
-  ++m_Count;
   if (!m_IsOfSeveral) {
     m_Title = subject.file;
     m_Parts = MakePart(run, subject, fine, {"", 2});
     return;
   }
-  const std::string name = fmt::format("recording-{}", m_Count);
-  m_Lines += MakeOverviewLine(name, subject.file, run, fine);
+  const std::string name = fmt::format("recording-{}", m_Lines.size() + 1);
+  m_Lines.push_back(MakeOverviewLine(name, subject.file, run, fine));
   m_Parts += fmt::format("<article id='{0}' aria-labelledby='{0}-file'>\n<h2 id='{0}-file'><code>{1}</code></h2>\n",
                          name, Escaped(subject.file)) +
              MakePart(run, subject, fine, {name + "-", 3}) + "</article>\n";
 }
 
 void ReportPage::AddUnreadable(const std::string& file, const std::string& problem) {
-  ++m_Count;
-  m_Lines += MakeOverviewLine(file, problem);
+  m_Lines.push_back(MakeUnreadableLine(file, problem));
 }
 
 std::string ReportPage::Finish() const {
-  const std::string title = m_IsOfSeveral ? Counted(static_cast<std::int64_t>(m_Count), "recording")
+  const std::string title = m_IsOfSeveral ? Counted(static_cast<std::int64_t>(m_Lines.size()), "recording")
                                           : "<code>" + Escaped(m_Title) + "</code>";
   return std::string(kPageBegin) + "<title>" + (m_IsOfSeveral ? title : Escaped(m_Title)) +
          " - orvex-replay</title>\n<style>" + kPageStyle + "</style>\n</head>\n<body>\n<header><h1>Replay of " + title +

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "fine/fine_reading.h"
+#include "replay/page_overview.h"
 #include "replay/run_record.h"
 
 namespace orvex::tools {
@@ -34,9 +35,8 @@ public:
 
 private:
   const bool m_IsOfSeveral;
-  std::size_t m_Count = 0;
   std::string m_Title;
-  std::string m_Lines;  // of the overview
+  std::vector<OverviewLine> m_Lines;  // one for each recording
   std::string m_Parts;
 };
 

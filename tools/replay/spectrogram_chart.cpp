@@ -25,6 +25,7 @@ constexpr double kColumnsPerBuffer = 8.0;
 constexpr std::size_t kShades = 32;
 constexpr double kRowHalfKhz = 0.3;
 constexpr double kNoteAboveKhz = 0.18;
+constexpr double kNoteBelowKhz = 0.42;
 
 double FrequencyKhz(Tone tone) {
   return tone == Tone::k17000Hz ? 17.0 : 19.0;
@@ -133,7 +134,9 @@ void AddTone(Chart& chart, const RunRecord& run, const View& view, Tone tone) {
         fmt::format("{} reached its threshold in buffers {:.0f} to {:.0f}{}", NameOf(tone), stretch.buffers.low + 1.0,
                     stretch.buffers.high, stretch.isClean ? "" : ", and was rejected"));
   }
-  chart.AddNote(RowOf(tone).high + kNoteAboveKhz, StyleOf(tone),
+  // Not between the rows, where the pair is drawn.
+  const Span row = RowOf(tone);
+  chart.AddNote(tone == Tone::k17000Hz ? row.low - kNoteBelowKhz : row.high + kNoteAboveKhz, StyleOf(tone),
                 fmt::format("{}, {}: {}", NameOf(tone), OriginOf(tone), InBrief(run, tone)));
 }
 

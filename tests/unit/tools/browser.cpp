@@ -43,7 +43,8 @@ const lookAtPair = (svg, pair) => {
   return { first: bufferAt(svg, first ? middleOf(first) : span.left),
            second: bufferAt(svg, second ? middleOf(second) : span.right) };
 };
-const isShown = element => getComputedStyle(element).visibility == 'visible' && element.getBoundingClientRect().width > 0;
+const isShown = element =>
+    getComputedStyle(element).visibility == 'visible' && element.getBoundingClientRect().width > 0;
 const shownTexts = svg => [...svg.querySelectorAll('text')].filter(isShown);
 const findOverlaps = svg => {
   const texts = shownTexts(svg).map(text => [text.textContent, text.getBoundingClientRect()]);
@@ -53,9 +54,10 @@ const findOverlaps = svg => {
 };
 const findCut = svg => {
   const around = svg.getBoundingClientRect();
-  return [...svg.querySelectorAll('text, .marks path, .points, .interval')].filter(isShown).filter(part => {
+  return [...svg.querySelectorAll('text, .marks path, .points, .interval')].filter(part => {
     const box = part.getBoundingClientRect();
-    return box.left < around.left - 1 || box.right > around.right + 1 || box.top < around.top - 1 || box.bottom > around.bottom + 1;
+    return box.left < around.left - 1 || box.right > around.right + 1 || box.top < around.top - 1 ||
+        box.bottom > around.bottom + 1;
   }).map(part => `${svg.id}: ${part.textContent || part.getAttribute('class')}`);
 };
 const heightOfText = text => parseFloat(getComputedStyle(text).fontSize) * (text.ownerSVGElement ?
@@ -73,7 +75,8 @@ const luminance = colour => colour.slice(0, 3).map(c => c / 255)
     .reduce((sum, c, n) => sum + c * [0.2126, 0.7152, 0.0722][n], 0);
 const contrastOf = element => {
   const style = getComputedStyle(element);
-  const [a, b] = [luminance(colourOf(element.ownerSVGElement ? style.fill : style.color)), luminance(groundOf(element))];
+  const a = luminance(colourOf(element.ownerSVGElement ? style.fill : style.color));
+  const b = luminance(groundOf(element));
   return (Math.max(a, b) + 0.05) / (Math.min(a, b) + 0.05);
 };
 for (const details of document.querySelectorAll('details')) details.open = true;
@@ -93,7 +96,8 @@ const seen = {
   small: written.filter(element => heightOfText(element) < 11.5).map(element => element.textContent),
   unreached: [...document.querySelectorAll('.scroll, summary, a')].filter(element => !isReached(element))
       .map(element => element.textContent.slice(0, 50)),
-  headline: texts('.decision h2, .decision h3')[0], reasons: texts('.decision li'), title: texts('h1')[0], facts: {}, charts: {}
+  headline: texts('.decision h2, .decision h3')[0], reasons: texts('.decision li'), title: texts('h1')[0],
+  facts: {}, charts: {}
 };
 for (const fact of document.querySelectorAll('.facts div')) {
   seen.facts[fact.querySelector('dt').textContent] = fact.querySelector('dd').textContent;

@@ -23,7 +23,7 @@ struct Window {
 //   resources  files that it loaded
 //   overflow   pixels that it is wider than the window
 //   overlaps   pairs of texts of one chart that cover each other
-//   cut        texts and marks that their chart has no room for
+//   cut        texts and marks that their chart has no room for, also those that are not shown yet
 //   paper      colour behind the page
 //   faint      texts that have less than 4.5 : 1 of contrast
 //   small      texts that are less than 11.5 pixels high
