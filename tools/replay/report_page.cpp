@@ -56,11 +56,11 @@ std::string MakeCharts(const RunRecord& run, const ReportSubject& subject, View 
   if (!isWhole) {
     html += std::string("<p class='hint'>") + kReadoutHint + "</p>\n";
   }
-  html += Figure(kSpectrogramTitle, kSpectrogramLegend, DrawSpectrogram(run, subject.samples, view));
-  html += Figure(kTonesTitle, kTonesLegend, DrawTones(run, view, !isWhole));
-  html += Figure(kEventsTitle, kEventsLegend, DrawEvents(run, view));
-  html += Figure(kRatiosTitle, kRatiosLegend, DrawRatios(run, view));
-  html += Figure(kNeighboursTitle, kNeighboursLegend, DrawNeighbours(run, view));
+  html += Figure(kSpectrogramTitle, kSpectrogramLegend, DrawSpectrogram(run, subject.samples, view), view.title);
+  html += Figure(kTonesTitle, kTonesLegend, DrawTones(run, view, !isWhole), view.title);
+  html += Figure(kEventsTitle, kEventsLegend, DrawEvents(run, view), view.title);
+  html += Figure(kRatiosTitle, kRatiosLegend, DrawRatios(run, view), view.title);
+  html += Figure(kNeighboursTitle, kNeighboursLegend, DrawNeighbours(run, view), view.title);
   return html + MakeValueTable(run, view) + "</section>\n";
 }
 

@@ -61,9 +61,10 @@ std::string Scrollable(const std::string& name, const std::string& html) {
   return "<div class='scroll' tabindex='0' role='group' aria-label='" + Escaped(name) + "'>\n" + html + "</div>\n";
 }
 
-std::string Figure(const std::string& title, const std::string& legend, const std::string& chart) {
-  return "<figure>\n<figcaption><b>" + title + "</b>" + legend + "</figcaption>\n" + Scrollable(title, chart) +
-         "</figure>\n";
+std::string Figure(const std::string& title, const std::string& legend, const std::string& chart,
+                   const std::string& where) {
+  return "<figure>\n<figcaption><b>" + title + "</b>" + legend + "</figcaption>\n" +
+         Scrollable(where.empty() ? title : title + ", " + where, chart) + "</figure>\n";
 }
 
 double Decibels(double ratio) {

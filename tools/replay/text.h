@@ -30,8 +30,9 @@ struct PagePart {
 std::string Heading(const PagePart& part, const std::string& html);
 // Can be scrolled sideways where the window is narrow, also by the keyboard. The name is escaped.
 std::string Scrollable(const std::string& name, const std::string& html);
-// A chart below its title and legend.
-std::string Figure(const std::string& title, const std::string& legend, const std::string& chart);
+// A chart below its title and legend. `where`, which tells charts of one title apart, is heard and not seen.
+std::string Figure(const std::string& title, const std::string& legend, const std::string& chart,
+                   const std::string& where = "");
 
 // 20 log10; minus infinity for 0.
 double Decibels(double ratio);

@@ -123,6 +123,16 @@ TEST(ReplayPageStructure, HasPicturesAndTablesInWhatTheKeyboardScrolls) {
   }
 }
 
+TEST(ReplayPageStructure, HasANameOfItsOwnForEachThingThatTheKeyboardReaches) {
+  std::set<std::string> names;
+  for (const Element& element : ReadMarkup(EveryPage()[0])) {
+    if (element.Get("tabindex") == "0") {
+      EXPECT_TRUE(names.insert(element.Get("aria-label")).second) << element.Get("aria-label");
+    }
+  }
+  EXPECT_THAT(names, SizeIs(testing::Ge(15u)));
+}
+
 TEST(ReplayPageStructure, ShowsWhereTheKeyboardIs) {
   EXPECT_THAT(kPageStyle, HasSubstr(":focus-visible { outline: 3px solid var(--ink-17);"));
   EXPECT_THAT(kPageStyle, Not(HasSubstr("outline: none")));

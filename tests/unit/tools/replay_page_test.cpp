@@ -230,8 +230,8 @@ TEST_F(ReplayPageInABrowser, ShowsTheFineReadingToScale) {
   }
 }
 
-// With every kind of part, on a phone and on a desk, on light and on dark paper.
-TEST_F(ReplayPageInABrowser, ShowsSeveralRecordingsInWindowsOfAllKinds) {
+// With every kind of part.
+TEST_F(ReplayPageInABrowser, ShowsSeveralRecordingsOnADarkPhoneAndALightDesk) {
   const auto pair = RecordInRoom({});
   sim::RoomConfig muted;
   muted.opticalMuted = true;
@@ -244,16 +244,14 @@ TEST_F(ReplayPageInABrowser, ShowsSeveralRecordingsInWindowsOfAllKinds) {
   page.Add(ReplayRecord(cut), SubjectOf(cut));
   const std::string html = page.Finish();
   EXPECT_LT(html.size(), 600000u);
-  for (const int width : {400, 1400}) {
-    const Json::Value light = LookAt(html, {width}, m_Folder);
-    const Json::Value dark = LookAt(html, {width, true}, m_Folder);
-    EXPECT_NE(light["paper"], dark["paper"]);
-    EXPECT_EQ("Replay of 4 recordings", light["title"].asString());
-    for (const Json::Value& seen : {light, dark}) {
-      ExpectReadablePage(seen);
-      EXPECT_TRUE(seen["charts"].isMember("recording-1-fine-grid"));
-      EXPECT_TRUE(seen["charts"].isMember("recording-4-close-spectrogram"));
-    }
+  const Json::Value phone = LookAt(html, {400, true}, m_Folder);
+  const Json::Value desk = LookAt(html, {1400}, m_Folder);
+  EXPECT_NE(phone["paper"], desk["paper"]);
+  for (const Json::Value& seen : {phone, desk}) {
+    ExpectReadablePage(seen);
+    EXPECT_EQ("Replay of 4 recordings", seen["title"].asString());
+    EXPECT_TRUE(seen["charts"].isMember("recording-1-fine-grid"));
+    EXPECT_TRUE(seen["charts"].isMember("recording-4-close-spectrogram"));
   }
 }
 
