@@ -81,6 +81,22 @@ TEST_F(Delay, BeginsWithoutItsOutputsAndWaitsForThem) {
   EXPECT_THAT(m_Daemon.LogOf("delay"), HasSubstr("orvex-delay: soundbar: not there, waiting for it\n"));
 }
 
+// So that nothing is computed, and cards may be switched off.
+TEST_F(Delay, RestsWithItsOutputsWhileNothingPlays) {
+  StartDelay();
+  const auto isEach = [&](bool isRunning) {
+    const std::vector<std::string> nodes{"orvex", "orvex-delay", kReference, kDelayed};
+    return std::all_of(nodes.begin(), nodes.end(),
+                       [&](const std::string& node) { return m_Client->WaitForRunning(node, isRunning); });
+  };
+  EXPECT_TRUE(isEach(false));
+  {
+    const ProgramStream stream(*m_Client, "orvex");
+    EXPECT_TRUE(isEach(true));
+  }
+  EXPECT_TRUE(isEach(false));
+}
+
 // By the time that the session manager has moved a program's stream to another output it would have moved ours.
 TEST_F(Delay, IsNotLinkedToAnotherOutputWhenItsOwnIsGone) {
   StartDelay();

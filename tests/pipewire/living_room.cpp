@@ -164,6 +164,7 @@ void LivingRoom::Enter() {
                                         {{kRoom, {"heard"}}, {kMicrophone, {"input_MONO"}}},
                                         // It gives the clock where it is part of the graph.
                                         {{kRoom, {"heard"}}, {"driver", {"playback_FL"}}}},
+      m_Ways.isProgrammePlaying ? pipewire::LinkKeeper::Nodes::kRun : pipewire::LinkKeeper::Nodes::kMayRest,
       pipewire::LinkKeeper::Callbacks{});
 }
 

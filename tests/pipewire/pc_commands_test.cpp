@@ -9,6 +9,7 @@
 #include "pipewire/client/pc_config.h"
 #include "pipewire/living_room.h"
 #include "pipewire/pc_run.h"
+#include "pipewire/program_stream.h"
 
 namespace orvex::integration {
 namespace {
@@ -41,6 +42,8 @@ private:
 };
 
 TEST_F(PcCommands, DevicesAreTheOutputsAndMicrophonesWithoutOurOwn) {
+  const ProgramStream stream(m_Room.GetClient(), "orvex");
+  ASSERT_TRUE(m_Room.GetClient().WaitForRunning("television", true));
   const PcOutcome outcome = Run({"devices", "--json"});
   EXPECT_EQ(0, outcome.exitCode);
   std::map<std::string, Json::Value> devices;

@@ -17,6 +17,7 @@ struct RoomWays {
   float noise = 0.004F;  // largest amplitude; 0: digital silence between the sounds
   double humHz = 0.0;    // of a tone that is in the room all the time; 0: there is none
   int microphoneHz = 48000;
+  bool isProgrammePlaying = true;  // so that the outputs run; else they rest while nothing plays
 };
 
 // Inputs: the reference output, the delayed output. Output: the microphone.

@@ -147,7 +147,7 @@ SoundProbe::SoundProbe(TestClient& client, const std::string& reference, const s
                                       {{delayed, {"monitor_FR"}}, {kListener, {"in_3"}}},
                                       // All of them follow this one's clock.
                                       {{kPlayer, {"out_0"}}, {"driver", {"playback_FL"}}}};
-  m_Links = std::make_unique<LinkKeeper>(connection, links, LinkKeeper::Callbacks{});
+  m_Links = std::make_unique<LinkKeeper>(connection, links, LinkKeeper::Nodes::kRun, LinkKeeper::Callbacks{});
 }
 
 SoundProbe::~SoundProbe() {

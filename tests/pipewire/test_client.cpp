@@ -6,6 +6,8 @@
 
 #include <algorithm>
 
+#include "pipewire/client/node_proxy.h"
+
 namespace orvex::integration {
 
 using pipewire::Object;
@@ -42,6 +44,28 @@ bool TestClient::WaitForNode(const std::string& name) {
 
 bool TestClient::WaitForNoNode(const std::string& name) {
   return WaitUntil([&] { return m_Connection->FindNode(name) == nullptr; });
+}
+
+bool TestClient::WaitForRunning(const std::string& name, bool isRunning) {
+  std::string state;
+  std::unique_ptr<pipewire::NodeProxy> node;
+  {
+    const Lock lock(m_Loop);
+    const pipewire::Object* const object = m_Connection->FindNode(name);
+    if (object == nullptr) {
+      return false;
+    }
+    pipewire::NodeProxy::Callbacks callbacks;
+    callbacks.onState = [&](const std::string& now) {
+      state = now;
+      m_Loop.Notify();
+    };
+    node = std::make_unique<pipewire::NodeProxy>(*m_Connection, object->id, std::vector<std::uint32_t>{}, callbacks);
+  }
+  const bool isReached = WaitUntil([&] { return !state.empty() && (state == "running") == isRunning; });
+  const Lock lock(m_Loop);
+  node.reset();
+  return isReached;
 }
 
 std::vector<std::string> TestClient::GetLinks() const {

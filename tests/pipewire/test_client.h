@@ -28,6 +28,8 @@ public:
   bool WaitUntil(const std::function<bool()>& isReached);
   bool WaitForNode(const std::string& name);
   bool WaitForNoNode(const std::string& name);
+  // It processes sound, or rests.
+  bool WaitForRunning(const std::string& name, bool isRunning);
   // "node:port node:port" of each link that there is, sorted.
   std::vector<std::string> GetLinks() const;
   bool WaitForLinks(std::size_t count);

@@ -116,7 +116,7 @@ void DelayProgram::MakeLinks() {
       m_Say(fmt::format("{}: not there, waiting for it", output));
     }
   }
-  m_Links = std::make_unique<LinkKeeper>(m_Connection, LinksOf(m_Config),
+  m_Links = std::make_unique<LinkKeeper>(m_Connection, LinksOf(m_Config), LinkKeeper::Nodes::kMayRest,
                                          LinkKeeper::Callbacks{[this] { TellOutputs(); }, m_Say});
 }
 

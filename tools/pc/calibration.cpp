@@ -16,7 +16,6 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::chrono::milliseconds kQuiet(300);
 // What may remain: of the fine reading, the wandering of outputs with clocks of their own; of the service, the block of
 // its grid besides.
 constexpr double kAgreesMs = 2.0;
@@ -65,7 +64,7 @@ private:
   }
 
   void Measure() {
-    if (IsDigitalSilence(m_Room.Listen(kQuiet))) {
+    if (IsDigitalSilence(m_Room.Prepare())) {
       throw MicrophoneProblem(WhyUnread({}, {}));
     }
     const ServiceRun run = m_Room.RunService();

@@ -19,6 +19,9 @@ namespace {
 using pipewire::ThreadLoop;
 using std::chrono::milliseconds;
 
+constexpr milliseconds kQuiet(300);
+// A card's clock has settled 3 s after it begins; the service's first burst comes 1.1 s after its start.
+constexpr milliseconds kAfterRest(2000);
 // Before the test sound, for the noise.
 constexpr milliseconds kBeforeSound(400);
 // After the sound's own end, for the way to the microphone, besides the delay. With the silence at the sound's end that
@@ -51,7 +54,7 @@ void Computer::Check() {
   CheckMicrophone(nodes);
 }
 
-void Computer::CheckOutput(const std::vector<AudioNode>& nodes, const std::string& name) const {
+void Computer::CheckOutput(const std::vector<AudioNode>& nodes, const std::string& name) {
   const AudioNode* const output = FindAudioNode(nodes, AudioNodeKind::kOutput, name);
   if (output == nullptr) {
     throw CommandError(
@@ -63,6 +66,7 @@ void Computer::CheckOutput(const std::vector<AudioNode>& nodes, const std::strin
     throw CommandError(fmt::format("the output \"{}\" is {}: turn it up", name,
                                    output->isMuted.value_or(false) ? "muted" : "at volume 0"));
   }
+  m_HaveRested = m_HaveRested || output->state != "running";
 }
 
 void Computer::CheckMicrophone(const std::vector<AudioNode>& nodes) const {
@@ -104,9 +108,10 @@ void Computer::WaitForLastSound(const Recorder& recorder) {
   WaitWhileListening(recorder, kAfterSound + milliseconds(std::llround(GetDelayMs())));
 }
 
-VoiceSamples Computer::Listen(milliseconds duration) {
+VoiceSamples Computer::Prepare() {
+  m_Awake.emplace(m_Daemon);
   Recorder recorder(m_Config.microphone);
-  WaitWhileListening(recorder, duration);
+  WaitWhileListening(recorder, m_HaveRested ? kAfterRest : kQuiet);
   return recorder.Finish();
 }
 

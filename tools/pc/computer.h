@@ -10,6 +10,7 @@
 #include "pc/daemon.h"
 #include "pc/delay_line_proxy.h"
 #include "pc/living_room.h"
+#include "pc/outputs_awake.h"
 #include "pc/recorder.h"
 #include "pipewire/client/pc_config.h"
 #include "run/run_signals.h"
@@ -37,12 +38,12 @@ public:
 
   double GetDelayMs() override { return m_Delay.GetMs(); }
   void SetDelayMs(double delayMs) override { m_Delay.SetMs(delayMs); }
-  VoiceSamples Listen(std::chrono::milliseconds duration) override;
+  VoiceSamples Prepare() override;
   ServiceRun RunService() override;
   VoiceSamples PlayAndListen() override;
 
 private:
-  void CheckOutput(const std::vector<AudioNode>& nodes, const std::string& name) const;
+  void CheckOutput(const std::vector<AudioNode>& nodes, const std::string& name);
   void CheckMicrophone(const std::vector<AudioNode>& nodes) const;
   std::optional<std::int64_t> DelayInForce();
   void WaitWhileListening(const Recorder& recorder, std::chrono::milliseconds duration);
@@ -55,6 +56,8 @@ private:
   const Callbacks m_Callbacks;
   Daemon m_Daemon;
   DelayLineProxy m_Delay{m_Daemon};
+  bool m_HaveRested = false;
+  std::optional<OutputsAwake> m_Awake;
 };
 
 }  // namespace orvex::tools

@@ -38,7 +38,8 @@ public:
   virtual double GetDelayMs() = 0;
   // Returns when the delay is in force.
   virtual void SetDelayMs(double delayMs) = 0;
-  virtual VoiceSamples Listen(std::chrono::milliseconds duration) = 0;
+  // Has the outputs run from now on, and listens until their clocks have settled.
+  virtual VoiceSamples Prepare() = 0;
   virtual ServiceRun RunService() = 0;
   // Plays the test sound and listens until its last burst has come by the slower way.
   virtual VoiceSamples PlayAndListen() = 0;

@@ -8,8 +8,8 @@
 
 namespace orvex::pipewire {
 
-LinkKeeper::LinkKeeper(Connection& connection, const std::vector<WantedLink>& links, Callbacks callbacks)
-    : m_Connection(connection), m_Callbacks(std::move(callbacks)) {
+LinkKeeper::LinkKeeper(Connection& connection, const std::vector<WantedLink>& links, Nodes nodes, Callbacks callbacks)
+    : m_Connection(connection), m_Nodes(nodes), m_Callbacks(std::move(callbacks)) {
   for (const WantedLink& link : links) {
     m_Slots.push_back({link, SPA_ID_INVALID, SPA_ID_INVALID, nullptr, Slot::State::kNone});
   }
@@ -72,11 +72,13 @@ void LinkKeeper::Update(Slot& slot) {
     return;
   }
   slot.state = Slot::State::kMade;
-  slot.link = std::make_unique<CreatedObject>(m_Connection, "link-factory", PW_TYPE_INTERFACE_Link,
-                                              Properties{{PW_KEY_LINK_OUTPUT_PORT, std::to_string(from)},
-                                                         {PW_KEY_LINK_INPUT_PORT, std::to_string(to)},
-                                                         {PW_KEY_OBJECT_LINGER, "false"}},
-                                              [this, &slot](const std::string& error) { OnGone(slot, error); });
+  slot.link =
+      std::make_unique<CreatedObject>(m_Connection, "link-factory", PW_TYPE_INTERFACE_Link,
+                                      Properties{{PW_KEY_LINK_OUTPUT_PORT, std::to_string(from)},
+                                                 {PW_KEY_LINK_INPUT_PORT, std::to_string(to)},
+                                                 {PW_KEY_LINK_PASSIVE, m_Nodes == Nodes::kMayRest ? "true" : "false"},
+                                                 {PW_KEY_OBJECT_LINGER, "false"}},
+                                      [this, &slot](const std::string& error) { OnGone(slot, error); });
 }
 
 void LinkKeeper::OnGone(Slot& slot, const std::string& error) {

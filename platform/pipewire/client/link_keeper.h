@@ -25,6 +25,9 @@ struct WantedLink {
 // Used on the loop's thread, or with the loop locked.
 class LinkKeeper : private RegistryListener {
 public:
+  // What is linked runs always, or only while something else plays or records there; an output that rests is suspended.
+  enum class Nodes { kRun, kMayRest };
+
   struct Callbacks {
     // The links are as complete as the nodes that are there allow.
     std::function<void()> onUpdate = [] {};
@@ -32,7 +35,7 @@ public:
     std::function<void(const std::string& problem)> onProblem = [](const std::string&) {};
   };
 
-  LinkKeeper(Connection& connection, const std::vector<WantedLink>& links, Callbacks callbacks);
+  LinkKeeper(Connection& connection, const std::vector<WantedLink>& links, Nodes nodes, Callbacks callbacks);
   ~LinkKeeper() override;
   LinkKeeper(const LinkKeeper&) = delete;
   LinkKeeper& operator=(const LinkKeeper&) = delete;
@@ -58,6 +61,7 @@ private:
   void OnGone(Slot& slot, const std::string& error);
 
   Connection& m_Connection;
+  const Nodes m_Nodes;
   const Callbacks m_Callbacks;
   std::vector<Slot> m_Slots;
   bool m_IsUpdateRequested = false;

@@ -51,7 +51,7 @@ public:
     delayMs = wanted;
     delaysSet.push_back(wanted);
   }
-  VoiceSamples Listen(std::chrono::milliseconds /*duration*/) override { return quiet; }
+  VoiceSamples Prepare() override { return quiet; }
   ServiceRun RunService() override {
     ServiceRun run;
     run.heard = Hear();
