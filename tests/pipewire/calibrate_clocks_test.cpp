@@ -15,6 +15,7 @@ struct Clocks {
   double referencePpm;
   double delayedPpm;
   double microphonePpm;
+  bool isProgrammePlaying = true;
 
   friend void PrintTo(const Clocks& clocks, std::ostream* out) {
     *out << clocks.referencePpm << "_" << clocks.delayedPpm << "_" << clocks.microphonePpm;
@@ -25,7 +26,8 @@ class CalibrateClocks : public PcTest, public testing::WithParamInterface<Clocks
 
 TEST_P(CalibrateClocks, BringsTheOutputsTogether) {
   const Clocks& clocks = GetParam();
-  ClockedRoom room({{clocks.referencePpm, 190.0}, {clocks.delayedPpm, 15.0}, {clocks.microphonePpm}});
+  ClockedRoom room(
+      {{clocks.referencePpm, 190.0}, {clocks.delayedPpm, 15.0}, {clocks.microphonePpm}, clocks.isProgrammePlaying});
   const PcOutcome outcome = RunPc(room.GetDaemon(), {"calibrate", "--json"});
   EXPECT_EQ(0, outcome.exitCode) << outcome.log;
   EXPECT_EQ("aligned", outcome.result["verdict"].asString()) << outcome.log;
@@ -40,7 +42,7 @@ INSTANTIATE_TEST_SUITE_P(Rooms, CalibrateClocks, testing::Values(Clocks{0.0, 80.
 
 INSTANTIATE_TEST_SUITE_P(MoreRooms, CalibrateClocks,
                          testing::Values(Clocks{0.0, -150.0, 80.0}, Clocks{80.0, -150.0, 0.0},
-                                         Clocks{-150.0, 80.0, 0.0}));
+                                         Clocks{-150.0, 80.0, 0.0}, Clocks{0.0, 80.0, -150.0, false}));
 
 }  // namespace
 }  // namespace orvex::integration
