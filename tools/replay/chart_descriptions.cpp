@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cmath>
 #include <functional>
 
 #include "replay/findings.h"
@@ -15,8 +16,9 @@ namespace {
 using DecibelsIn = std::function<double(const ToneMagnitudes&)>;
 
 std::string DescribeView(const View& view) {
-  return fmt::format("{}: buffers {:.0f} to {:.0f}, {:.2f} to {:.2f} s.", view.title, std::max(1.0, view.buffers.low),
-                     view.buffers.high, view.buffers.low * detector::kBufferS, view.buffers.high * detector::kBufferS);
+  return fmt::format("{}: buffers {:.0f} to {:.0f}, {:.2f} to {:.2f} s.", view.title,
+                     std::max(1.0, std::ceil(view.buffers.low)), std::floor(view.buffers.high),
+                     view.buffers.low * detector::kBufferS, view.buffers.high * detector::kBufferS);
 }
 
 // " 17 kHz is highest in buffer 58 (0.957 s): -24.1 dBFS."

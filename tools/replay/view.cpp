@@ -15,9 +15,10 @@ namespace {
 
 constexpr double kShortestWholeBuffers = 40.0;
 constexpr double kShareBehindTheEnd = 0.02;  // of the whole recording
-// What a close-up shows before and behind what it is about. The beginning lies in the half that a narrow window shows.
-constexpr double kBefore = 7.0;
-constexpr double kBehind = 6.0;
+// What a close-up shows before and behind what it is about, and half a buffer more, so that no block lies on the frame.
+// The beginning lies in the half that a narrow window shows.
+constexpr double kBefore = 6.5;
+constexpr double kBehind = 6.5;
 constexpr double kShortestCloseUp = 20.0;
 constexpr std::int32_t kLongestCloseUp = 40;
 

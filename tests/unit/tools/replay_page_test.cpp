@@ -123,12 +123,12 @@ TEST_F(ReplayPageInABrowser, ShowsThePairOfAGoodRun) {
     EXPECT_THAT(pairs[0]["second"].asDouble(), testing::DoubleNear(result->buffer, 0.6)) << chart;
   }
   const auto points = seen["charts"]["close-tones"]["curves"][0]["points"].asUInt();
-  EXPECT_EQ(21u, points);
+  EXPECT_EQ(20u, points);
   EXPECT_EQ(2, seen["charts"]["whole-tones"]["thresholds"].asInt());
   EXPECT_THAT(Numbers(seen["charts"]["close-events"]["marks"]["start f17"]), Contains(Near(result->first)));
   ASSERT_EQ(points, seen["readouts"].size());
   const auto& first = run.GetBlocks()[static_cast<std::size_t>(result->first - 5)];
-  const std::string readout = seen["readouts"][7].asString();
+  const std::string readout = seen["readouts"][6].asString();
   EXPECT_THAT(readout, StartsWith("buffer " + std::to_string(result->first) + " "));
   double level = 0.0;
   ASSERT_EQ(1, std::sscanf(readout.c_str() + readout.find("17 kHz "), "17 kHz %lf dBFS", &level));

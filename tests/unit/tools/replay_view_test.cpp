@@ -18,9 +18,9 @@ TEST(ReplayView, IsOfThePairWithRoomOnBothSides) {
     for (const std::string rest : {"", "...", std::string(200, '.').c_str()}) {
       const View view = CloseUpOf(Ambient() + pair + rest);
       EXPECT_EQ("Close-up: the pair", view.title);
-      EXPECT_EQ(29.0, view.buffers.low);
+      EXPECT_EQ(29.5, view.buffers.low);
       EXPECT_GE(view.buffers.high, 36 + distance + 6);
-      EXPECT_LE(view.buffers.Length(), 32.0);
+      EXPECT_LE(view.buffers.Length(), 33.0);
     }
   }
 }
