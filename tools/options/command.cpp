@@ -27,11 +27,6 @@ Option& Option::OnlyWith(const Option& other) {
   return *this;
 }
 
-Option& Option::WithDefault(const std::string& value) {
-  defaultText = value;
-  return *this;
-}
-
 std::vector<std::string> Option::Names() const {
   std::vector<std::string> all;
   std::istringstream parts(names);

@@ -38,7 +38,6 @@ struct Option {
   Option& InGroup(const std::string& heading);
   Option& NotWith(const Option& other);
   Option& OnlyWith(const Option& other);
-  Option& WithDefault(const std::string& value);  // where the variable's own value does not say it
 
   std::vector<std::string> Names() const;
   // By which messages call it: "--verbose", "NAME".

@@ -71,7 +71,9 @@ private:
     }
     CLI::Option* const result = app.add_option(option.names, CLI::callback_t(), option.HelpText());
     result->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)->group(option.group)->required(option.isRequired);
-    result->option_text(option.names == option.kind.name ? " " : option.kind.name);
+    // The name of an argument needs no other beside it. An empty text would be replaced by the library's own.
+    const std::string name = option.names == option.kind.name ? "" : option.kind.name + " ";
+    result->option_text(name + (option.isRepeated ? "..." : " "));
     if (option.isRepeated) {
       result->expected(CLI::detail::expected_max_vector_size);
     }

@@ -1,7 +1,6 @@
 // Numbers are read independently of the language of the person.
 #include "options/value_kind.h"
 
-#include <algorithm>
 #include <map>
 #include <utility>
 
