@@ -65,7 +65,7 @@ private:
 
   void Measure() {
     if (IsDigitalSilence(m_Room.Prepare())) {
-      throw MicrophoneProblem(WhyUnread({}, {}));
+      throw MicrophoneProblem(WhyUnread({}, {}, 0));
     }
     const ServiceRun run = m_Room.RunService();
     m_Result.terminate = run.report.terminate;
@@ -85,7 +85,7 @@ private:
     }
     m_Result.beforeMs = ToMs(*reading.differenceS);
     if (m_Options.coarse) {
-      ListenAgain(servicesMs, kCoarselyAgreesMs);
+      ListenAgain(servicesMs, kCoarselyAgreesMs, kCoarselyAgreesMs);
     } else {
       SetByReading(InSteps(*m_OldMs - *m_Result.beforeMs));
     }
@@ -109,11 +109,12 @@ private:
   // A service that could not do its work says more than what was heard.
   void EndUnread(const ServiceRun& run, const fine::Reading& reading) {
     const std::string& terminate = run.report.terminate;
+    const std::uint64_t losses = m_Room.CountLosses();
     if (terminate == kFoundDifference || terminate == kFoundNothing) {
-      End(PcVerdict::kNoDifference, WhyUnread(run.heard, reading));
+      End(PcVerdict::kNoDifference, WhyUnread(run.heard, reading, losses));
     } else {
-      End(PcVerdict::kFailed,
-          "the service ended with \"" + terminate + "\", " + EndInWords(terminate) + ": --verbose shows its log");
+      End(PcVerdict::kFailed, "the service ended with \"" + terminate + "\", " + EndInWords(terminate) + ": " +
+                                  (losses > 0 ? LossesInWords(losses) : "--verbose shows its log"));
     }
   }
 
@@ -148,7 +149,7 @@ private:
   void Approach(double delayMs) {
     std::optional<double> nextMs = delayMs;
     for (int n = 0; n < kListenings && nextMs; ++n) {
-      ListenAgain(*nextMs, kAgreesMs);
+      ListenAgain(*nextMs, kAgreesMs, kStaysMs);
       nextMs = BetterDelayMs();
     }
   }
@@ -162,24 +163,30 @@ private:
     return delayMs == *m_Result.appliedMs ? std::nullopt : std::optional(delayMs);
   }
 
-  void ListenAgain(double delayMs, double agreesMs) {
+  // What remains of up to `staysMs` agrees in any case; more, up to `agreesMs`, when no sound has been lost: of cards
+  // that lost sound, a difference is soon another one.
+  void ListenAgain(double delayMs, double agreesMs, double staysMs) {
     m_Room.SetDelayMs(delayMs);
     m_Options.onNews(fmt::format("delay {:.1f} ms, listening once more", delayMs));
     const VoiceSamples heard = m_Room.PlayAndListen();
     const fine::Reading reading = m_Reader.Read({heard.data(), heard.size()});
     if (!reading.differenceS) {
-      End(PcVerdict::kFailed, "the second listening gave no difference: " + WhyUnread(heard, reading));
+      End(PcVerdict::kFailed,
+          "the second listening gave no difference: " + WhyUnread(heard, reading, m_Room.CountLosses()));
       return;
     }
     Take(reading);
     m_Result.afterMs = ToMs(*reading.differenceS);
     m_Result.appliedMs = delayMs;
-    if (std::abs(*m_Result.afterMs) <= agreesMs) {
+    const double remainsMs = std::abs(*m_Result.afterMs);
+    const std::uint64_t losses = remainsMs <= staysMs ? 0 : m_Room.CountLosses();
+    if (remainsMs <= agreesMs && losses == 0) {
       End(PcVerdict::kAligned, "");
     } else {
-      End(PcVerdict::kWorse, fmt::format("the second listening does not agree, {:+.1f} ms remain with a delay of "
-                                         "{:.1f} ms: try again, in a quieter room or with the outputs louder",
-                                         *m_Result.afterMs, delayMs));
+      End(PcVerdict::kWorse,
+          fmt::format("the second listening does not agree, {:+.1f} ms remain with a delay of {:.1f} ms: {}",
+                      *m_Result.afterMs, delayMs,
+                      losses > 0 ? LossesInWords(losses) : "try again, in a quieter room or with the outputs louder"));
     }
   }
 

@@ -28,6 +28,7 @@ constexpr milliseconds kBeforeSound(400);
 // is longer than two pairs are apart: so it shows that no further burst comes.
 constexpr milliseconds kAfterSound(500);
 constexpr milliseconds kStartPatience(3000);
+constexpr milliseconds kReportPatience(3000);
 // A signal is noticed this late while a sound plays.
 constexpr milliseconds kLook(50);
 // 19 kHz needs twice that, and the filters of converters some room.
@@ -46,6 +47,11 @@ void RemoveFiles(const std::vector<std::string>& files) {
 Computer::Computer(const pipewire::PcConfig& config, std::filesystem::path service, RunSignals& signals,
                    Callbacks callbacks)
     : m_Config(config), m_Service(std::move(service)), m_Signals(signals), m_Callbacks(std::move(callbacks)) {}
+
+Computer::~Computer() {
+  const ThreadLoop::Lock lock(m_Daemon.GetLoop());
+  m_Cycles.reset();
+}
 
 void Computer::Check() {
   const std::vector<AudioNode> nodes = ListAudioNodes(m_Daemon);
@@ -112,6 +118,7 @@ VoiceSamples Computer::Prepare() {
   m_Awake.emplace(m_Daemon);
   Recorder recorder(m_Config.microphone);
   WaitWhileListening(recorder, m_HaveRested ? kAfterRest : kQuiet);
+  WatchCycles();
   return recorder.Finish();
 }
 
@@ -139,6 +146,36 @@ ServiceRun Computer::RunService() {
   run.heard = recorder.Finish();
   run.changedAt = std::min<std::size_t>(changedAt, run.heard.size());
   return run;
+}
+
+// Cards that begin may miss a cycle; that is not counted.
+void Computer::WatchCycles() {
+  const ThreadLoop::Lock lock(m_Daemon.GetLoop());
+  m_Cycles = std::make_unique<pipewire::CycleWatch>(m_Daemon.GetConnection(), [this] { m_Daemon.GetLoop().Notify(); });
+}
+
+// The profiler collects its reports for some time: those of all that was heard have come with the first later one. As
+// the outputs are kept awake there is one, unless the daemon has no profiler.
+std::uint64_t Computer::CountLosses() {
+  const ThreadLoop::Lock lock(m_Daemon.GetLoop());
+  if (!m_Cycles) {
+    return 0;
+  }
+  const auto& drivers = m_Cycles->GetReport().GetDrivers();
+  const std::int64_t nowNs = std::chrono::nanoseconds(std::chrono::steady_clock::now().time_since_epoch()).count();
+  if (m_Cycles->HasProfiler()) {
+    m_Daemon.WaitUntil(
+        [&] {
+          return std::any_of(drivers.begin(), drivers.end(),
+                             [&](const auto& driver) { return driver.second.lastNs > nowNs; });
+        },
+        kReportPatience);
+  }
+  std::uint64_t losses = 0;
+  for (const auto& [name, driver] : drivers) {
+    losses += driver.late;
+  }
+  return losses;
 }
 
 std::optional<std::int64_t> Computer::DelayInForce() {

@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <string>
 
 #include "options/errors.h"
@@ -12,6 +13,7 @@
 #include "pc/living_room.h"
 #include "pc/outputs_awake.h"
 #include "pc/recorder.h"
+#include "pipewire/client/cycle_watch.h"
 #include "pipewire/client/pc_config.h"
 #include "run/run_signals.h"
 
@@ -32,6 +34,9 @@ public:
 
   // Throws CommandError when there is no PipeWire daemon.
   Computer(const pipewire::PcConfig& config, std::filesystem::path service, RunSignals& signals, Callbacks callbacks);
+  ~Computer() override;
+  Computer(const Computer&) = delete;
+  Computer& operator=(const Computer&) = delete;
 
   // Both outputs and the microphone are there, switched on and fit. Throws MicrophoneProblem or CommandError.
   void Check();
@@ -41,12 +46,14 @@ public:
   VoiceSamples Prepare() override;
   ServiceRun RunService() override;
   VoiceSamples PlayAndListen() override;
+  std::uint64_t CountLosses() override;
 
 private:
   void CheckOutput(const std::vector<AudioNode>& nodes, const std::string& name);
   void CheckMicrophone(const std::vector<AudioNode>& nodes) const;
   std::optional<std::int64_t> DelayInForce();
   void WaitWhileListening(const Recorder& recorder, std::chrono::milliseconds duration);
+  void WatchCycles();
   void WaitForLastSound(const Recorder& recorder);
   void Play(const Recorder& recorder);
 
@@ -58,6 +65,7 @@ private:
   DelayLineProxy m_Delay{m_Daemon};
   bool m_HaveRested = false;
   std::optional<OutputsAwake> m_Awake;
+  std::unique_ptr<pipewire::CycleWatch> m_Cycles;  // since the outputs run; with the loop locked
 };
 
 }  // namespace orvex::tools

@@ -43,6 +43,8 @@ public:
   virtual ServiceRun RunService() = 0;
   // Plays the test sound and listens until its last burst has come by the slower way.
   virtual VoiceSamples PlayAndListen() = 0;
+  // How often sound has been lost so far, because the computer was too busy to work it off in time.
+  virtual std::uint64_t CountLosses() = 0;
 };
 
 }  // namespace orvex::tools

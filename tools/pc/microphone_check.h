@@ -11,7 +11,10 @@ namespace orvex::tools {
 // Not one sample differs from 0, as of a microphone that is muted.
 bool IsDigitalSilence(const VoiceSamples& heard);
 
-// Why the test sound could not be read in what was heard, and what to do.
-std::string WhyUnread(const VoiceSamples& heard, const fine::Reading& reading);
+// That sound was lost, and what to do.
+std::string LossesInWords(std::uint64_t losses);
+
+// Why the test sound could not be read in what was heard, and what to do. `losses`: as LivingRoom::CountLosses().
+std::string WhyUnread(const VoiceSamples& heard, const fine::Reading& reading, std::uint64_t losses);
 
 }  // namespace orvex::tools

@@ -1,6 +1,7 @@
 // The core's and the registry's events, turned into objects and calls.
 #include "pipewire/client/connection.h"
 
+#include <pipewire/extensions/profiler.h>
 #include <pipewire/pipewire.h>
 
 #include <algorithm>
@@ -18,7 +19,8 @@ Object::Kind KindOf(const char* type) {
   static const std::map<std::string, Object::Kind> kKinds{{PW_TYPE_INTERFACE_Node, Object::Kind::kNode},
                                                           {PW_TYPE_INTERFACE_Port, Object::Kind::kPort},
                                                           {PW_TYPE_INTERFACE_Link, Object::Kind::kLink},
-                                                          {PW_TYPE_INTERFACE_Device, Object::Kind::kDevice}};
+                                                          {PW_TYPE_INTERFACE_Device, Object::Kind::kDevice},
+                                                          {PW_TYPE_INTERFACE_Profiler, Object::Kind::kProfiler}};
   const auto found = kKinds.find(type);
   return found == kKinds.end() ? Object::Kind::kOther : found->second;
 }

@@ -21,7 +21,7 @@ Properties ToProperties(const spa_dict* dict);
 
 // An object as the daemon's registry announces it, with few of its properties; NodeProxy has all of a node's.
 struct Object {
-  enum class Kind { kNode, kPort, kLink, kDevice, kOther };
+  enum class Kind { kNode, kPort, kLink, kDevice, kProfiler, kOther };
 
   std::uint32_t id = 0;
   Kind kind = Kind::kOther;

@@ -34,6 +34,7 @@ public:
   std::function<void()> beforePlaying = [] {};
   bool isDelayGone = false;
   std::vector<double> delaysSet = {};
+  std::uint64_t losses = 0;
 
   FakeRoom() {
     ending.exitCode = 0;
@@ -72,6 +73,8 @@ public:
     beforePlaying();
     return Hear();
   }
+
+  std::uint64_t CountLosses() override { return losses; }
 
 private:
   VoiceSamples Hear() {
@@ -196,6 +199,43 @@ TEST(PcCalibration, LeavesOutputsThatDoNotSettleAtWhatIsStillAligned) {
   EXPECT_THAT(result.afterMs, Optional(DoubleNear(-1.2, kExactMs)));
 }
 
+TEST(PcCalibration, DoesNotFollowOutputsThatHaveLostSound) {
+  FakeRoom room;
+  room.wayMs = -60.0;
+  room.delayMs = 20.0;
+  room.losses = 3;
+  room.beforePlaying = [&] { room.wayMs = -61.2; };
+  const Calibration result = CalibrateIn(room);
+  EXPECT_EQ(PcVerdict::kWorse, result.verdict);
+  EXPECT_THAT(result.words, HasSubstr("-1.2 ms remain with a delay of 60.0 ms: the computer was too busy"));
+  EXPECT_THAT(room.delaysSet, testing::ElementsAre(60.0, 20.0));
+}
+
+TEST(PcCalibration, IsAlignedWhenBothListeningsAgreeThoughSoundWasLost) {
+  for (const bool coarse : {false, true}) {
+    FakeRoom room;
+    room.wayMs = -60.0;
+    room.losses = 3;
+    if (coarse) {
+      room.servicesMs = 66.0;
+    }
+    EXPECT_EQ(PcVerdict::kAligned, CalibrateIn(room, coarse).verdict);
+  }
+}
+
+TEST(PcCalibration, SaysThatSoundWasLostWhenItCannotBeRead) {
+  FakeRoom room;
+  room.wayMs = -60.0;
+  room.losses = 3;
+  // Of one pair a burst lacks, of the others there is none.
+  room.sound.design.pairs = 1;
+  const Calibration result = CalibrateIn(room);
+  EXPECT_EQ(PcVerdict::kNoDifference, result.verdict);
+  EXPECT_THAT(result.words, HasSubstr("lost sound 3 times"));
+  EXPECT_THAT(result.words, testing::Not(HasSubstr("turn the outputs up")));
+  EXPECT_EQ(0.0, room.delayMs);
+}
+
 TEST(PcCalibration, PutsTheOldDelayBackWhenTheSecondListeningHearsNothing) {
   FakeRoom room;
   room.wayMs = -60.0;
@@ -248,7 +288,9 @@ TEST(PcCalibration, SaysThatTheServiceCouldNotPlay) {
   room.report.terminate = "play_fail";
   const Calibration result = CalibrateIn(room);
   EXPECT_EQ(PcVerdict::kFailed, result.verdict);
-  EXPECT_THAT(result.words, HasSubstr("\"play_fail\", the test sound cannot be played"));
+  EXPECT_THAT(result.words, HasSubstr("\"play_fail\", the test sound cannot be played: --verbose"));
+  room.losses = 2;
+  EXPECT_THAT(CalibrateIn(room).words, HasSubstr("cannot be played: the computer was too busy"));
 }
 
 TEST(PcCalibration, FailsWithAServiceThatDoesNotEndInOrder) {

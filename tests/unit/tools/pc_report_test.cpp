@@ -108,8 +108,23 @@ TEST(PcMicrophone, SaysTheReadingsOwnReasonWhenBothTonesAreHeard) {
   fine::Reading reading;
   reading.isHeard = {true, true};
   reading.reason = "the bursts of 19 kHz are too weak";
-  EXPECT_THAT(WhyUnread(VoiceSamples(10, 5), reading),
+  EXPECT_THAT(WhyUnread(VoiceSamples(10, 5), reading, 0),
               testing::StartsWith("the bursts of 19 kHz are too weak: turn the outputs up"));
+}
+
+TEST(PcMicrophone, SaysThatSoundWasLostInsteadOfAskingForMore) {
+  fine::Reading reading;
+  reading.isHeard = {true, true};
+  reading.reason = "only one pair of bursts";
+  EXPECT_EQ(
+      "only one pair of bursts: the computer was too busy and lost sound 12 times: let it finish what it does, and "
+      "try again",
+      WhyUnread(VoiceSamples(10, 5), reading, 12));
+  reading.isHeard = {true, false};
+  EXPECT_THAT(
+      WhyUnread(VoiceSamples(10, 5), reading, 1),
+      testing::AllOf(testing::HasSubstr("does the microphone reach 19 kHz"), testing::HasSubstr("lost sound once:")));
+  EXPECT_THAT(WhyUnread(VoiceSamples(10, 0), reading, 1), testing::Not(testing::HasSubstr("busy")));
 }
 
 }  // namespace

@@ -1,0 +1,110 @@
+// orvex-pc calibrate on a computer that is too busy, whose sound has no priority.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <linux/capability.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+
+#include <array>
+#include <atomic>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "pipewire/clocked_room.h"
+#include "pipewire/living_room.h"
+#include "pipewire/pc_run.h"
+
+namespace orvex::integration {
+namespace {
+
+constexpr RoomWays kBusyRoom{190.0, 15.0};
+constexpr double kBusyOldMs = 25.0;
+constexpr double kNotWrongMs = 0.5;
+// Of sound cards that are settled.
+constexpr double kCardsNotWrongMs = 1.5;
+
+// What this process starts from now on has no real-time priority, also where the person who runs the tests may have it.
+// That cannot be taken back.
+void GiveUpPriority() {
+  for (const auto resource : {RLIMIT_RTPRIO, RLIMIT_NICE}) {
+    const rlimit none{0, 0};
+    ::setrlimit(resource, &none);
+  }
+  ::prctl(PR_CAPBSET_DROP, CAP_SYS_NICE, 0, 0, 0);
+}
+
+class BusyLoops {
+public:
+  BusyLoops() {
+    for (std::thread& loop : m_Loops) {
+      loop = std::thread([this] {
+        while (!m_IsEnding) {
+        }
+      });
+    }
+  }
+  ~BusyLoops() {
+    m_IsEnding = true;
+    for (std::thread& loop : m_Loops) {
+      loop.join();
+    }
+  }
+  BusyLoops(const BusyLoops&) = delete;
+  BusyLoops& operator=(const BusyLoops&) = delete;
+
+private:
+  std::atomic<bool> m_IsEnding{false};
+  std::array<std::thread, 2> m_Loops;
+};
+
+// Whether the calibration is aligned or refused depends on what else the machine does.
+class CalibrateBusy : public PcTest {
+protected:
+  void SetUp() override {
+    PcTest::SetUp();
+    GiveUpPriority();
+  }
+  static PcOutcome CalibrateBusily(const PrivateDaemon& daemon) {
+    const BusyLoops loops;
+    return RunPc(daemon, {"calibrate", "--json"});
+  }
+  static void ExpectRefused(const PcOutcome& outcome) {
+    EXPECT_EQ(1, outcome.exitCode) << outcome.log;
+    EXPECT_THAT(outcome.result["reason"].asString(), testing::HasSubstr("the computer was too busy and lost sound"))
+        << outcome.log;
+    EXPECT_NEAR(kBusyOldMs, outcome.result["applied_ms"].asDouble(), kNotWrongMs) << outcome.log;
+  }
+};
+
+TEST_F(CalibrateBusy, IsRightOrSaysThatSoundWasLost) {
+  LivingRoom room(kBusyRoom);
+  room.SetDelay(kBusyOldMs);
+  const PcOutcome outcome = CalibrateBusily(room.GetDaemon());
+  if (outcome.result["verdict"].asString() != "aligned") {
+    ExpectRefused(outcome);
+    EXPECT_NEAR(kBusyOldMs, room.GetDelay(), 0.05);
+    return;
+  }
+  const double truthMs = kBusyRoom.delayedMs + room.GetDelay() - kBusyRoom.referenceMs;
+  EXPECT_NEAR(0.0, truthMs, kNotWrongMs) << outcome.log;
+  EXPECT_NEAR(truthMs, outcome.result["after_ms"].asDouble(), kNotWrongMs) << outcome.log;
+}
+
+// The loss of sound moves the cards against each other: they are given the time to settle.
+TEST_F(CalibrateBusy, IsRightWithSoundCardsOrSaysThatSoundWasLost) {
+  ClockedRoom room({{0.0, kBusyRoom.referenceMs}, {80.0, kBusyRoom.delayedMs}, {-150.0}});
+  ASSERT_EQ(0, RunPc(room.GetDaemon(), {"delay", std::to_string(kBusyOldMs)}).exitCode);
+  const PcOutcome outcome = CalibrateBusily(room.GetDaemon());
+  if (outcome.result["verdict"].asString() != "aligned") {
+    ExpectRefused(outcome);
+    return;
+  }
+  constexpr std::size_t kUntilSettled = 50;  // impulses: 3 s
+  const std::vector<double> differencesMs = room.MeasureDifferencesMs(kUntilSettled);
+  ASSERT_EQ(kUntilSettled, differencesMs.size());
+  EXPECT_NEAR(0.0, differencesMs.back(), kCardsNotWrongMs) << outcome.log;
+}
+
+}  // namespace
+}  // namespace orvex::integration
