@@ -15,6 +15,7 @@ namespace orvex::integration {
 namespace {
 
 using testing::HasSubstr;
+using testing::Not;
 
 class PcCommands : public PcTest {
 protected:
@@ -66,6 +67,24 @@ TEST_F(PcCommands, TheShellIsOfferedTheNodesThatSetupCanChoose) {
   EXPECT_EQ("television\t\n", Run({"--complete-words", "setup", "--reference", "tele"}).log);
   // The log goes on.
   EXPECT_EQ("television\t\nmicrophone\t\n", Run({"--complete-words", "setup", "--microphone", "mic"}).log);
+}
+
+// On a terminal of its own, which "script" gives it.
+TEST_F(PcCommands, SetupAsksForWhatIsLeftOutUntilTheAnswerFits) {
+  std::filesystem::remove(ConfigFile());
+  const std::string asking = std::string(ORVEX_PC_PROGRAM) + " setup --reference soundbar --no-service";
+  const auto process = m_Room.GetDaemon().Run(
+      "asking", "/bin/sh", {"-c", "printf '9\\n3\\nmicrophone\\n' | script -qec '" + asking + "' /dev/null"});
+  EXPECT_EQ("exit code 0", Describe(process->WaitForEnd()));
+  const std::string log = m_Room.GetDaemon().LogOf("asking");
+  EXPECT_THAT(log, Not(HasSubstr("Which output is heard as it is")));
+  EXPECT_THAT(log, HasSubstr("Which output is to be delayed, the earlier one?"));
+  EXPECT_THAT(log, HasSubstr("  3  television  Television (HDMI)"));
+  EXPECT_THAT(log, HasSubstr("\"9\": expected a number from 1 to 3"));
+  EXPECT_THAT(log, HasSubstr("Which microphone listens, where you sit?"));
+  const pipewire::PcConfig config = pipewire::ReadPcConfig(ConfigFile());
+  EXPECT_EQ("television", config.delayed);
+  EXPECT_EQ("microphone", config.microphone);
 }
 
 TEST_F(PcCommands, SetupWritesWhatIsChosenAndRemoveTakesItBack) {
