@@ -1,6 +1,6 @@
 # How all of our own code is compiled.
 option(ORVEX_WERROR "treat warnings as errors" ON)
-option(ORVEX_UNITY "compile several files of tests, tools and models at a time: sooner done from nothing" ON)
+option(ORVEX_UNITY "compile several files of tests, tools, models and ports at a time: sooner done from nothing" ON)
 set(ORVEX_SANITIZE "" CACHE STRING "sanitizers to build with: address,undefined or thread")
 
 # Link to this in every target of ours.
@@ -20,5 +20,4 @@ add_compile_options(-g1)
 if(ORVEX_SANITIZE)
   add_compile_options(-O1 -fsanitize=${ORVEX_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${ORVEX_SANITIZE})
-  set(CMAKE_UNITY_BUILD ${ORVEX_UNITY}) # the service, too: it is never delivered
 endif()

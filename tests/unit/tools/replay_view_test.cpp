@@ -15,8 +15,8 @@ View CloseUpOf(const std::string& blocks) {
 TEST(ReplayView, IsOfThePairWithRoomOnBothSides) {
   for (const int distance : {1, 4, 19}) {
     const std::string pair = "7" + std::string(static_cast<std::size_t>(distance - 1), '.') + "9";
-    for (const std::string rest : {"", "...", std::string(200, '.').c_str()}) {
-      const View view = CloseUpOf(Ambient() + pair + rest);
+    for (const std::size_t more : {0, 3, 200}) {
+      const View view = CloseUpOf(Ambient() + pair + std::string(more, '.'));
       EXPECT_EQ("Close-up: the pair", view.title);
       EXPECT_EQ(29.5, view.buffers.low);
       EXPECT_GE(view.buffers.high, 36 + distance + 6);
