@@ -12,10 +12,6 @@
 namespace orvex::pipewire {
 namespace {
 
-struct Port {
-  char unused;  // libpipewire gives each port memory of its user's
-};
-
 pw_properties* PropertiesOf(const Properties& properties) {
   pw_properties* result = pw_properties_new(nullptr, nullptr);
   for (const auto& [key, value] : properties) {
@@ -27,6 +23,10 @@ pw_properties* PropertiesOf(const Properties& properties) {
 }  // namespace
 
 struct FilterNode::State {
+  struct Port {
+    char unused;  // libpipewire gives each port memory of its user's
+  };
+
   Description description;
   SoundProcessor& processor;
   pw_filter* filter = nullptr;

@@ -15,7 +15,7 @@ View CloseUpOf(const std::string& blocks) {
 TEST(ReplayView, IsOfThePairWithRoomOnBothSides) {
   for (const int distance : {1, 4, 19}) {
     const std::string pair = "7" + std::string(static_cast<std::size_t>(distance - 1), '.') + "9";
-    for (const std::size_t more : {0, 3, 200}) {
+    for (const std::size_t more : {0U, 3U, 200U}) {
       const View view = CloseUpOf(Ambient() + pair + std::string(more, '.'));
       EXPECT_EQ("Close-up: the pair", view.title);
       EXPECT_EQ(29.5, view.buffers.low);
