@@ -19,6 +19,8 @@ constexpr std::int32_t kRuns = 2;
 struct CycleOfDriver {
   std::string driver;
   std::int64_t startNs = 0;
+  std::int64_t lengthNs = 0;
+  std::int64_t signalNs = 0;  // when the driver began it
   std::int32_t xruns = 0;
   bool isLate = false;
 };
@@ -33,22 +35,28 @@ void ReadInfo(const spa_pod* info, CycleOfDriver& cycle) {
 void ReadClock(const spa_pod* clock, CycleOfDriver& cycle) {
   std::int32_t number = 0;
   const char* name = nullptr;
+  spa_fraction rate{};
+  std::int64_t position = 0;
+  std::int64_t frames = 0;
   spa_pod_parse_struct(clock, SPA_POD_Int(&number), SPA_POD_Int(&number), SPA_POD_String(&name),
-                       SPA_POD_Long(&cycle.startNs));
+                       SPA_POD_Long(&cycle.startNs), SPA_POD_Fraction(&rate), SPA_POD_Long(&position),
+                       SPA_POD_Long(&frames));
+  cycle.lengthNs = rate.denom == 0 ? 0 : frames * 1'000'000'000 * rate.num / rate.denom;
 }
 
 // Of the driver and of each node that follows it; empty: unreadable.
-std::string ReadNode(const spa_pod* block, std::int32_t& state) {
+std::string ReadNode(const spa_pod* block, std::int64_t& signalNs, std::int32_t& state) {
   std::int32_t id = 0;
   const char* name = nullptr;
   std::int64_t timeNs = 0;
   const int result =
-      spa_pod_parse_struct(block, SPA_POD_Int(&id), SPA_POD_String(&name), SPA_POD_Long(&timeNs), SPA_POD_Long(&timeNs),
-                           SPA_POD_Long(&timeNs), SPA_POD_Long(&timeNs), SPA_POD_Int(&state));
+      spa_pod_parse_struct(block, SPA_POD_Int(&id), SPA_POD_String(&name), SPA_POD_Long(&timeNs),
+                           SPA_POD_Long(&signalNs), SPA_POD_Long(&timeNs), SPA_POD_Long(&timeNs), SPA_POD_Int(&state));
   return result < 0 || name == nullptr ? "" : name;
 }
 
 void ReadProperty(const spa_pod_prop& property, CycleOfDriver& cycle) {
+  std::int64_t signalNs = 0;
   std::int32_t state = 0;
   switch (property.key) {
     case SPA_PROFILER_info:
@@ -58,10 +66,10 @@ void ReadProperty(const spa_pod_prop& property, CycleOfDriver& cycle) {
       ReadClock(&property.value, cycle);
       break;
     case SPA_PROFILER_driverBlock:
-      cycle.driver = ReadNode(&property.value, state);
+      cycle.driver = ReadNode(&property.value, cycle.signalNs, state);
       break;
     case SPA_PROFILER_followerBlock:
-      ReadNode(&property.value, state);
+      ReadNode(&property.value, signalNs, state);
       cycle.isLate = cycle.isLate || state == kIsToRun || state == kRuns;
       break;
     default:
@@ -76,6 +84,8 @@ CycleOfDriver ReadCycle(const spa_pod* report) {
        spa_pod_prop_is_inside(&object->body, object->pod.size, property); property = spa_pod_prop_next(property)) {
     ReadProperty(*property, cycle);
   }
+  // A card that follows loses its place when the driver comes so late.
+  cycle.isLate = cycle.isLate || (cycle.lengthNs > 0 && cycle.signalNs - cycle.startNs > cycle.lengthNs / 2);
   return cycle;
 }
 

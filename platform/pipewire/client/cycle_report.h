@@ -1,5 +1,5 @@
 // What the daemon's profiler tells of the sound graph: cycles that were not done when the next one began, as on a busy
-// computer. The sound of such a cycle is lost.
+// computer. The sound of such a cycle is lost, or cards lose their places.
 #pragma once
 
 #include <cstdint>

@@ -21,12 +21,14 @@ struct ToldCycle {
   std::int64_t startNs;
   std::int32_t xruns;
   std::vector<std::int32_t> followers;
+  std::int64_t signalNs = 0;
 };
 
-void AddBlock(spa_pod_builder* builder, std::uint32_t key, const char* name, std::int32_t state) {
+void AddBlock(spa_pod_builder* builder, std::uint32_t key, const char* name, std::int32_t state,
+              std::int64_t signalNs = 0) {
   const spa_fraction latency{1024, 48000};
   spa_pod_builder_prop(builder, key, 0);
-  spa_pod_builder_add_struct(builder, SPA_POD_Int(7), SPA_POD_String(name), SPA_POD_Long(1), SPA_POD_Long(2),
+  spa_pod_builder_add_struct(builder, SPA_POD_Int(7), SPA_POD_String(name), SPA_POD_Long(1), SPA_POD_Long(signalNs),
                              SPA_POD_Long(3), SPA_POD_Long(4), SPA_POD_Int(state), SPA_POD_Fraction(&latency),
                              SPA_POD_Int(9));
 }
@@ -40,8 +42,8 @@ void AddCycle(spa_pod_builder* builder, const ToldCycle& cycle) {
   spa_pod_builder_prop(builder, SPA_PROFILER_clock, 0);
   const spa_fraction rate{1, 48000};
   spa_pod_builder_add_struct(builder, SPA_POD_Int(0), SPA_POD_Int(5), SPA_POD_String("clock"),
-                             SPA_POD_Long(cycle.startNs), SPA_POD_Fraction(&rate), SPA_POD_Long(0));
-  AddBlock(builder, SPA_PROFILER_driverBlock, cycle.driver, kDone);
+                             SPA_POD_Long(cycle.startNs), SPA_POD_Fraction(&rate), SPA_POD_Long(0), SPA_POD_Long(1024));
+  AddBlock(builder, SPA_PROFILER_driverBlock, cycle.driver, kDone, cycle.signalNs);
   for (const std::int32_t state : cycle.followers) {
     AddBlock(builder, SPA_PROFILER_followerBlock, "follower", state);
   }
@@ -84,6 +86,12 @@ TEST(CycleReport, ANodeThatHasNothingToWaitForIsNotLate) {
 TEST(CycleReport, ADriverThatCountsAnXrunIsLateButNotForThoseBefore) {
   EXPECT_EQ(0U, Tell({{"card", 100, 12, {kDone}}}).late);
   EXPECT_EQ(1U, Tell({{"card", 100, 12, {kDone}}, {"card", 200, 13, {kDone}}, {"card", 300, 13, {kDone}}}).late);
+}
+
+// A cycle of 1024 frames lasts 21.3 ms.
+TEST(CycleReport, ADriverThatBeginsHalfACycleLateIsLate) {
+  EXPECT_EQ(0U, Tell({{"card", 100, 0, {kDone}, 100 + 10'000'000}}).late);
+  EXPECT_EQ(1U, Tell({{"card", 100, 0, {kDone}, 100 + 11'000'000}}).late);
 }
 
 TEST(CycleReport, TellsDriversApart) {
