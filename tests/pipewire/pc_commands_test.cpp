@@ -152,6 +152,7 @@ TEST_F(PcCommands, StatusShowsTheChain) {
   EXPECT_EQ(2, whole.result["reference"]["links"].asInt());
   EXPECT_EQ(2, whole.result["delayed"]["links"].asInt());
   EXPECT_EQ("television", whole.result["reference"]["name"].asString());
+  EXPECT_THAT(whole.result["xruns"].getMemberNames(), testing::ElementsAre("driver")) << whole.log;
   EXPECT_TRUE(whole.result["last_calibration"].isNull());
 }
 

@@ -3,6 +3,8 @@
 #include <json/writer.h>
 #include <pipewire/keys.h>
 
+#include <algorithm>
+#include <chrono>
 #include <memory>
 
 #include "options/errors.h"
@@ -11,6 +13,7 @@
 #include "pc/commands.h"
 #include "pc/delay_line_proxy.h"
 #include "pc/last_calibration.h"
+#include "pipewire/client/cycle_watch.h"
 #include "pipewire/client/delay_node.h"
 #include "pipewire/client/pc_config.h"
 
@@ -18,6 +21,9 @@ namespace orvex::tools {
 namespace {
 
 using pipewire::Object;
+
+// The profiler collects what it tells for so long, and longer on a busy computer.
+constexpr std::chrono::milliseconds kReportPatience(3000);
 
 // Links between the delay line and this node, one for each channel.
 int LinksWith(Daemon& daemon, const std::string& name) {
@@ -50,6 +56,23 @@ Json::Value NodeStatus(Daemon& daemon, const std::vector<AudioNode>& nodes, Audi
   return status;
 }
 
+// Of each driver of a graph since it was made, by name; null: nothing runs, or the daemon has no profiler.
+Json::Value Xruns(Daemon& daemon, const std::vector<AudioNode>& nodes) {
+  const bool isRunning =
+      std::any_of(nodes.begin(), nodes.end(), [](const AudioNode& node) { return node.state == "running"; });
+  const pipewire::ThreadLoop::Lock lock(daemon.GetLoop());
+  const pipewire::CycleWatch watch(daemon.GetConnection(), [&] { daemon.GetLoop().Notify(); });
+  const auto& drivers = watch.GetReport().GetDrivers();
+  Json::Value xruns;
+  if (isRunning && watch.HasProfiler()) {
+    daemon.WaitUntil([&] { return !drivers.empty(); }, kReportPatience);
+    for (const auto& [name, cycles] : drivers) {
+      xruns[name] = cycles.xruns;
+    }
+  }
+  return xruns;
+}
+
 Json::Value Status(Daemon& daemon, const pipewire::PcConfig& config) {
   const std::vector<AudioNode> nodes = ListAudioNodes(daemon);
   Json::Value status(Json::objectValue);
@@ -64,6 +87,7 @@ Json::Value Status(Daemon& daemon, const pipewire::PcConfig& config) {
   status["reference"] = NodeStatus(daemon, nodes, AudioNodeKind::kOutput, config.reference);
   status["delayed"] = NodeStatus(daemon, nodes, AudioNodeKind::kOutput, config.delayed);
   status["microphone"] = NodeStatus(daemon, nodes, AudioNodeKind::kMicrophone, config.microphone);
+  status["xruns"] = Xruns(daemon, nodes);
   status["last_calibration"] = LastCalibration();
   return status;
 }
@@ -85,6 +109,12 @@ std::string StatusText(const Json::Value& status) {
   text += NodeLine("reference output", status["reference"]);
   text += NodeLine("delayed output", status["delayed"]);
   text += NodeLine("microphone", status["microphone"]);
+  std::string xruns;
+  for (const std::string& driver : status["xruns"].getMemberNames()) {
+    xruns += fmt::format("{}{} ({})", xruns.empty() ? "" : ", ", status["xruns"][driver].asInt(), driver);
+  }
+  text += fmt::format("{:<18}{}\n", "xruns",
+                      xruns.empty() ? "not known: nothing plays, or PipeWire has no profiler" : xruns);
   const Json::Value& last = status["last_calibration"];
   std::string words = "none";
   if (!last.isNull()) {
