@@ -35,7 +35,7 @@ FaultTable ReadFaults(const std::filesystem::path& file) {
 Faults::Faults(std::filesystem::path file) : m_File(std::move(file)), m_Table(ReadFaults(m_File)) {}
 
 Faults& Faults::Instance() {
-  static const port::NoDestroy<Faults> faults(Television::Instance().PathOf("faults.json"));
+  static const port::NoDestroy<Faults> faults(Television::Instance().FaultsFile());
   return *faults;
 }
 

@@ -75,7 +75,7 @@ LivingRoom& LivingRoom::Instance() {
 }
 
 void LivingRoom::Build() {
-  const std::filesystem::path file = m_Television.PathOf("room.json");
+  const std::filesystem::path file = m_Television.RoomFile();
   m_Room = std::make_unique<sim::Room>(sim::ParseRoom(ReadRoomText(file), file.string()));
   const std::string& noiseFile = m_Room->GetConfig().noiseFile;
   if (!noiseFile.empty()) {

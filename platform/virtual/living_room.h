@@ -20,8 +20,8 @@ class LivingRoom final : public SoundSink {
 public:
   using Block = sim::VoiceChannel::Block;
 
-  // Reads room.json and the noise that it names. When they cannot be used, that is one line on stderr and the room is
-  // absent: it takes sound and gives none.
+  // Reads the television's room and the noise that it names. When they cannot be used, that is one line on stderr and
+  // the room is absent: it takes sound and gives none.
   explicit LivingRoom(const Television& television);
 
   // The room of this process's television, made on first use. The destructor of a static object may close the device.

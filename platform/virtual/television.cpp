@@ -137,6 +137,14 @@ fs::path Television::DirectoryFromEnvironment() {
   return LastResort();
 }
 
+fs::path Television::RoomFile() const {
+  return EnvironmentPath("ORVEX_TV_ROOM").value_or(PathOf(kRoomFile));
+}
+
+fs::path Television::FaultsFile() const {
+  return EnvironmentPath("ORVEX_TV_FAULTS").value_or(PathOf("faults.json"));
+}
+
 const Television& Television::Instance() {
   static const port::NoDestroy<const Television> television(CreateOrNowhere(DirectoryFromEnvironment()));
   return *television;

@@ -50,6 +50,10 @@ public:
 
   const std::filesystem::path& GetDirectory() const { return m_Directory; }
   std::filesystem::path PathOf(const std::string& name) const { return m_Directory / name; }
+  // What describes the room and the faults: the file that ORVEX_TV_ROOM or ORVEX_TV_FAULTS names, else the directory's
+  // own room.json or faults.json.
+  std::filesystem::path RoomFile() const;
+  std::filesystem::path FaultsFile() const;
 
   // The value's text, checked against its description. Throws TelevisionError.
   std::string Get(const std::string& name) const;

@@ -1,7 +1,6 @@
 // Most options are rows of a table: a name, a unit, a text and what the value does to a room.
 #include "tv/room_options.h"
 
-#include <algorithm>
 #include <filesystem>
 
 #include "orvex/sim/room_json.h"
@@ -48,7 +47,7 @@ constexpr const char kNoNoise[] = "none";
 
 void RoomOptions::AddTo(Command& command) {
   const char* const kGroup = "Room";
-  command.Add("--room", m_File, value::File(), "room.json to begin with").InGroup(kGroup);
+  command.Add("--room", m_File, value::File(), "room.json to begin with; -: standard input").InGroup(kGroup);
   for (const NumberOption& option : kNumberOptions) {
     command.Add(option.name, m_Numbers[option.name], value::Number(option.unit), option.text).InGroup(kGroup);
   }
@@ -58,12 +57,6 @@ void RoomOptions::AddTo(Command& command) {
       .InGroup(kGroup);
   command.AddFlag("--optical-muted", m_OpticalMuted, "the external device is silent").InGroup(kGroup);
   command.Add("--seed", m_Seed, value::WholeNumber("N"), "of everything random").InGroup(kGroup);
-}
-
-bool RoomOptions::Empty() const {
-  const auto given = [](const auto& entry) { return entry.second.has_value(); };
-  return m_File.empty() && m_NoiseDbfs.empty() && !m_Seed && !m_OpticalMuted &&
-         std::none_of(m_Numbers.begin(), m_Numbers.end(), given);
 }
 
 std::optional<RoomConfig> RoomOptions::ReadFile() const {

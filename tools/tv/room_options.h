@@ -16,8 +16,8 @@ public:
   // Adds the options; the values arrive in this object, which must outlive `command`.
   void AddTo(Command& command);
 
-  // Nothing was given: a television's own room stays as it is.
-  bool Empty() const;
+  // The file of --room; empty: not given.
+  const std::string& GetFile() const { return m_File; }
   // The room of --room, or none. Throws sim::RoomError or UsageError.
   std::optional<sim::RoomConfig> ReadFile() const;
   // `room` with what the command line says. Throws sim::RoomError.

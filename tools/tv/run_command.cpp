@@ -69,7 +69,7 @@ private:
 };
 
 // Those of this run only: a television that is kept has the records of earlier runs.
-std::vector<Json::Value> EventsSince(const std::string& file, std::size_t countBefore) {
+std::vector<Json::Value> EventsSince(const std::filesystem::path& file, std::size_t countBefore) {
   std::vector<Json::Value> records = ReadEventRecords(file).records;
   records.erase(records.begin(), records.begin() + static_cast<std::ptrdiff_t>(std::min(countBefore, records.size())));
   return records;
@@ -81,9 +81,8 @@ RunSummary Calibrate(const RunArguments& arguments, RunSignals& signals, Standar
   RunSummary summary;
   summary.misalignmentBeforeMs = television.MisalignmentMs(television.DelayMs());
   Watcher watcher(arguments, television, out);
-  summary.ending = RunService(
-      {FindService(arguments.service, "orvex-service"), {"ORVEX_TV=" + television.Get().GetDirectory().string()}},
-      signals, [&](const std::string& line) { return watcher.OnLine(line); });
+  summary.ending = RunService({FindService(arguments.service, "orvex-service"), television.Environment()}, signals,
+                              [&](const std::string& line) { return watcher.OnLine(line); });
   summary.report = watcher.Report();
   summary.delayAfterMs = television.DelayMs();
   summary.misalignmentAfterMs = television.MisalignmentMs(summary.delayAfterMs);
@@ -140,16 +139,18 @@ void AddRunCommand(Command& program) {
   Command& command = program.AddCommand("run", "calibrate once and show what happens");
   TelevisionOptions& television = arguments->television;
   command.Add("--tv", television.directory, value::Folder(),
-              "directory of the television, kept; default: a temporary one");
+              "directory of the television, kept; default: what ORVEX_TV names, else a temporary one");
   command.Add("--base-delay", television.baseDelayMs,
               value::WholeNumber("MS", 0, std::numeric_limits<std::uint32_t>::max()),
               "delay of the optical output before the run");
-  command.Add("--faults", television.faultsFile, value::File(), "faults.json to inject");
+  command.Add("--faults", television.faultsFile, value::File(), "faults.json to inject in this run; -: standard input");
   command.Add("--service", arguments->service, value::File("PATH"),
               "the service; default: ORVEX_SERVICE, else beside orvex-tv");
   command.AddFlag("--json", arguments->json, "print one JSON object and nothing else on stdout");
   command.AddFlag("-v,--verbose", arguments->verbose, "show the service's log on stderr");
   television.room.AddTo(command);
+  command.AddFlag("--save-room", television.saveRoom, "make this room the television's own, for later runs too")
+      .InGroup("Room");
   command.AddExample("orvex-tv run --optical-latency 80 --noise -55");
   command.AddExample("orvex-tv run --tv /tmp/mytv --json");
   command.SetAction([=] { return Run(*arguments); });

@@ -1,11 +1,7 @@
-// A temporary directory is removed at the end. In one that a person names, only what is missing is made.
+// Only what is missing is made in a television that is kept; all else lies in a folder beside it while runs last.
 #include "tv/run_television.h"
 
-#include <stdlib.h>
-
-#include <cerrno>
-#include <cstring>
-#include <filesystem>
+#include <cstdlib>
 #include <stdexcept>
 #include <system_error>
 
@@ -20,68 +16,92 @@ namespace orvex::tools {
 namespace {
 
 constexpr const char kDelay[] = "delay/spdif";
-constexpr const char kRoomFile[] = "room.json";
-constexpr const char kFaultsFile[] = "faults.json";
 
-std::filesystem::path MakeTemporaryFolder() {
-  std::string pattern = (std::filesystem::temp_directory_path() / "orvex_tv_XXXXXX").string();
-  if (::mkdtemp(pattern.data()) == nullptr) {
-    throw CommandError(pattern + ": cannot be made: " + std::strerror(errno));
-  }
-  return pattern;
-}
-
-void CheckFaults(const std::string& text, const std::string& path) {
+std::string FaultsAsGiven(const std::string& path) {
+  std::string text = ReadTextFile(path);
   try {
     static_cast<void>(virtual_tv::ParseFaults(text));
   } catch (const std::runtime_error& problem) {
     throw UsageError(path + ": " + problem.what());
   }
+  return text;
+}
+
+bool IsKept(const TelevisionOptions& options) {
+  const char* const named = std::getenv("ORVEX_TV");
+  return !options.directory.empty() || (named != nullptr && *named != '\0');
+}
+
+std::filesystem::path DirectoryOf(const TelevisionOptions& options, const ScratchFolder& scratch) {
+  if (!IsKept(options)) {
+    return scratch / "tv";
+  }
+  return options.directory.empty() ? virtual_tv::Television::DirectoryFromEnvironment()
+                                   : std::filesystem::absolute(options.directory);
+}
+
+void CheckTogether(const TelevisionOptions& options) {
+  if (options.saveRoom && !IsKept(options)) {
+    throw UsageError("--save-room: the television is temporary, expected --tv or ORVEX_TV to name one");
+  }
+  if (options.faultsFile == kStandardInput && options.room.GetFile() == kStandardInput) {
+    throw UsageError("--room and --faults are both standard input, expected a file for one of them");
+  }
 }
 
 }  // namespace
 
-RunTelevision::RunTelevision(const TelevisionOptions& options)
-    : m_IsTemporary(options.directory.empty()),
-      m_Television(m_IsTemporary ? MakeTemporaryFolder() : std::filesystem::absolute(options.directory)) {
-  try {
-    Prepare(options);
-  } catch (...) {
-    if (m_IsTemporary) {
-      std::error_code ignored;
-      std::filesystem::remove_all(m_Television.GetDirectory(), ignored);
-    }
-    throw;
-  }
-}
-
-RunTelevision::~RunTelevision() {
-  if (m_IsTemporary) {
-    std::error_code ignored;
-    std::filesystem::remove_all(m_Television.GetDirectory(), ignored);
-  }
+RunTelevision::RunTelevision(const TelevisionOptions& options) : m_Television(DirectoryOf(options, m_Scratch)) {
+  CheckTogether(options);
+  Fill(options);
 }
 
 // Everything is read and checked before the first write.
-void RunTelevision::Prepare(const TelevisionOptions& options) {
-  std::string faults;
-  if (!options.faultsFile.empty()) {
-    faults = ReadTextFile(options.faultsFile);
-    CheckFaults(faults, options.faultsFile);
-  }
-  std::optional<sim::RoomConfig> room = options.room.ReadFile();
+void RunTelevision::Fill(const TelevisionOptions& options) {
+  const std::string faults = options.faultsFile.empty() ? "" : FaultsAsGiven(options.faultsFile);
+  const std::optional<sim::RoomConfig> room = options.room.ReadFile();
   m_Television.Create();
-  const std::string roomPath = m_Television.PathOf(kRoomFile).string();
-  m_Room = options.room.Override(room ? *room : sim::ParseRoom(ReadTextFile(roomPath), roomPath));
-  if (!options.room.Empty()) {
-    port::ReplaceFile(roomPath, sim::RoomToJson(m_Room));
+  m_Room = options.room.Override(room ? *room : ReadRoomFile(m_Television.RoomFile().string()));
+  if (options.saveRoom) {
+    SaveRoom();
   }
   if (!options.faultsFile.empty()) {
-    port::ReplaceFile(m_Television.PathOf(kFaultsFile), faults);
+    port::ReplaceFile(FaultsFile(), faults);
   }
   if (options.baseDelayMs) {
     m_Television.Set(kDelay, std::to_string(*options.baseDelayMs));
   }
+  m_BaseDelayMs = DelayMs();
+  Prepare(0);
+}
+
+// A noise file within the television is named as from there, so that the directory can be moved.
+void RunTelevision::SaveRoom() const {
+  sim::RoomConfig room = m_Room;
+  const std::filesystem::path relative =
+      std::filesystem::path(room.noiseFile).lexically_relative(m_Television.GetDirectory());
+  if (!relative.empty() && *relative.begin() != "..") {
+    room.noiseFile = relative.string();
+  }
+  port::ReplaceFile(m_Television.PathOf("room.json"), sim::RoomToJson(room));
+}
+
+void RunTelevision::Prepare(std::uint64_t run) const {
+  sim::RoomConfig room = m_Room;
+  room.seed += run;
+  port::ReplaceFile(RoomFile(), sim::RoomToJson(room));
+  if (m_BaseDelayMs && DelayMs() != m_BaseDelayMs) {
+    m_Television.Set(kDelay, std::to_string(*m_BaseDelayMs));
+  }
+}
+
+std::vector<std::string> RunTelevision::Environment() const {
+  std::vector<std::string> variables{"ORVEX_TV=" + m_Television.GetDirectory().string(),
+                                     "ORVEX_TV_ROOM=" + RoomFile().string()};
+  if (std::filesystem::exists(FaultsFile())) {
+    variables.push_back("ORVEX_TV_FAULTS=" + FaultsFile().string());
+  }
+  return variables;
 }
 
 std::optional<std::int64_t> RunTelevision::DelayMs() const {

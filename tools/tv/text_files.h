@@ -5,7 +5,9 @@
 
 namespace orvex::tools {
 
-// The whole file, of at most 1 MiB. Throws UsageError, which names the file.
+constexpr char kStandardInput[] = "-";
+
+// The whole file, or all of standard input, of at most 1 MiB. Throws UsageError, which names the file.
 std::string ReadTextFile(const std::string& path);
 
 }  // namespace orvex::tools

@@ -1,4 +1,6 @@
 // The television of a run: what the options put into its directory, and what they leave alone.
+#include <stdlib.h>
+
 #include <filesystem>
 #include <iterator>
 #include <sstream>
@@ -7,6 +9,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "linux/small_files.h"
 #include "options/program.h"
 #include "orvex/sim/room_json.h"
 #include "tv/run_television.h"
@@ -15,6 +18,7 @@
 namespace orvex::tools {
 namespace {
 
+using testing::Contains;
 using testing::DoubleEq;
 using testing::HasSubstr;
 using testing::Optional;
@@ -29,7 +33,7 @@ TelevisionOptions Options(const std::string& roomArguments) {
 }
 
 sim::RoomConfig RoomOf(const RunTelevision& television) {
-  return ReadRoomFile(television.Get().PathOf("room.json").string());
+  return ReadRoomFile(television.RoomFile().string());
 }
 
 TEST(RunTelevision, RemovesATemporaryOneAtTheEnd) {
@@ -42,17 +46,57 @@ TEST(RunTelevision, RemovesATemporaryOneAtTheEnd) {
   EXPECT_FALSE(std::filesystem::exists(directory));
 }
 
-TEST(RunTelevision, KeepsAnExistingOneWithTheValuesThatWereNotGiven) {
+TelevisionOptions OptionsOn(const std::string& directory, const std::string& roomArguments) {
+  TelevisionOptions options = Options(roomArguments);
+  options.directory = directory;
+  return options;
+}
+
+TEST(RunTelevision, KeepsAnExistingOneWithItsDelayAndItsRoom) {
   const TemporaryFolder folder;
-  TelevisionOptions options = Options("--tv-latency 50");
-  options.directory = folder.Path();
+  const std::string room = folder.Write("room.json", R"({"tv": {"latency_ms": 60}})");
+  TelevisionOptions options = OptionsOn(folder.Path(), "--optical-latency 50");
   options.baseDelayMs = 70;
-  { const RunTelevision television(options); }
-  options = Options("");
-  options.directory = folder.Path();
-  const RunTelevision again(options);
+  {
+    const RunTelevision television(options);
+    EXPECT_DOUBLE_EQ(60.0, RoomOf(television).tv.latencyMs);
+    EXPECT_DOUBLE_EQ(50.0, RoomOf(television).optical.latencyMs);
+  }
+  EXPECT_EQ(R"({"tv": {"latency_ms": 60}})", folder.Read("room.json"));
+  const RunTelevision again(OptionsOn(folder.Path(), ""));
   EXPECT_EQ(70, again.Get().GetNumber("delay/spdif"));
-  EXPECT_DOUBLE_EQ(50.0, RoomOf(again).tv.latencyMs);
+  EXPECT_DOUBLE_EQ(60.0, RoomOf(again).tv.latencyMs);
+  EXPECT_DOUBLE_EQ(sim::RoomConfig().optical.latencyMs, RoomOf(again).optical.latencyMs);
+}
+
+TEST(RunTelevision, MakesTheRoomTheTelevisionsOwnOnRequest) {
+  const TemporaryFolder folder;
+  folder.Write("room.json", R"({"microphone": {"noise_file": "fan.wav"}})");
+  TelevisionOptions options = OptionsOn(folder.Path(), "--optical-latency 50");
+  options.saveRoom = true;
+  EXPECT_EQ(folder / "fan.wav", RoomOf(RunTelevision(options)).noiseFile);
+  const sim::RoomConfig saved = sim::ParseRoom(folder.Read("room.json"), "room.json");
+  EXPECT_DOUBLE_EQ(50.0, saved.optical.latencyMs);
+  EXPECT_EQ("fan.wav", saved.noiseFile);
+  options.directory.clear();
+  EXPECT_THROW(const RunTelevision television(options), UsageError);
+}
+
+TEST(RunTelevision, IsTheOneThatTheEnvironmentNamesUnlessTheOptionDoes) {
+  const TemporaryFolder folder;
+  ::setenv("ORVEX_TV", (folder / "named").c_str(), 1);
+  EXPECT_EQ(folder / "named", RunTelevision(TelevisionOptions{}).Get().GetDirectory());
+  EXPECT_EQ(folder / "given", RunTelevision(OptionsOn(folder / "given", "")).Get().GetDirectory());
+  ::setenv("ORVEX_TV", "", 1);
+  EXPECT_TRUE(std::filesystem::exists(folder / "named/room.json"));
+}
+
+TEST(RunTelevision, BeginsEachRunWithTheSameDelayAndAnotherSeed) {
+  const RunTelevision television(Options("--seed 7"));
+  television.Get().Set("delay/spdif", "12");
+  television.Prepare(2);
+  EXPECT_EQ(100, television.DelayMs());
+  EXPECT_EQ(9u, RoomOf(television).seed);
 }
 
 struct OptionCase {
@@ -112,13 +156,19 @@ TEST(RunTelevision, RefusesImpossibleAndUnreadableRooms) {
   EXPECT_THROW(Options("--noise loud"), UsageError);
 }
 
-TEST(RunTelevision, CopiesFaultsAndRefusesWhatIsNoObject) {
+TEST(RunTelevision, LeavesTheFaultsOfATelevisionAsTheyAreAndRefusesWhatIsNoObject) {
   const TemporaryFolder folder;
   TelevisionOptions options;
   options.directory = folder / "tv";
   options.faultsFile = folder.Write("faults.json", R"({"voice.start": [-115, 0]})");
-  { const RunTelevision television(options); }
-  EXPECT_EQ(R"({"voice.start": [-115, 0]})", folder.Read("tv/faults.json"));
+  std::filesystem::create_directory(options.directory);
+  folder.Write("tv/faults.json", "{}");
+  {
+    const RunTelevision television(options);
+    EXPECT_THAT(television.Environment(), Contains("ORVEX_TV_FAULTS=" + television.FaultsFile().string()));
+    EXPECT_EQ(R"({"voice.start": [-115, 0]})", port::ReadSmallFile(television.FaultsFile(), 100));
+  }
+  EXPECT_EQ("{}", folder.Read("tv/faults.json"));
   options.faultsFile = folder.Write("faults.json", "[1]");
   try {
     const RunTelevision television(options);
@@ -127,6 +177,9 @@ TEST(RunTelevision, CopiesFaultsAndRefusesWhatIsNoObject) {
     EXPECT_THAT(error.what(), HasSubstr(options.faultsFile + ": expected a JSON object"));
   }
   options.faultsFile = folder / "missing.json";
+  EXPECT_THROW(const RunTelevision television(options), UsageError);
+  options = Options("--room -");
+  options.faultsFile = "-";
   EXPECT_THROW(const RunTelevision television(options), UsageError);
 }
 

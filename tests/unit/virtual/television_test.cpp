@@ -60,6 +60,16 @@ TEST(TelevisionPlace, IsNamedByTheFirstVariableThatIsSet) {
   }
 }
 
+TEST(TelevisionPlace, OfRoomAndFaultsIsTheDirectoryUnlessAVariableNamesAFile) {
+  const Television television("/a");
+  EXPECT_EQ(television.RoomFile(), "/a/room.json");
+  EXPECT_EQ(television.FaultsFile(), "/a/faults.json");
+  const Variable room("ORVEX_TV_ROOM", "/b/hall.json");
+  const Variable faults("ORVEX_TV_FAULTS", "/c/deaf.json");
+  EXPECT_EQ(television.RoomFile(), "/b/hall.json");
+  EXPECT_EQ(television.FaultsFile(), "/c/deaf.json");
+}
+
 TEST(TelevisionPlace, ThatCannotBeMadeIsAProblemAndNoEndOfTheProcess) {
   testing::GTEST_FLAG(death_test_style) = "threadsafe";  // in a process that has no television yet
   const auto use = [] {
