@@ -34,11 +34,11 @@ std::vector<std::string> Events(const std::vector<Json::Value>& objects) {
 
 TEST(Replay, OfARunsOwnDumpGivesThatRunsResultBitForBit) {
   for (const char* const opticalLatencyMs : {"20", "150"}) {
-    const Json::Value run =
-        RunProgram(ORVEX_TV_PROGRAM, {"run", "--json", "--optical-latency", opticalLatencyMs}).Json();
+    const TestTelevision folder;
+    const std::string kept = folder.PathOf("kept").string();
+    const Json::Value run = RunTool({"run", "--json", "--optical-latency", opticalLatencyMs, "--keep", kept}).Json();
     ASSERT_EQ("done", run["terminate"].asString());
     const ToolRun replay = RunProgram(ORVEX_REPLAY_PROGRAM, {run["dump_file"].asString()});
-    RemoveDump(run);
     EXPECT_EQ("exit code 0", Describe(replay.ending)) << replay.errors;
     const std::vector<Json::Value> objects = Objects(replay.output);
     ASSERT_FALSE(objects.empty());

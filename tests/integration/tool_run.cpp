@@ -3,7 +3,6 @@
 
 #include <json/reader.h>
 
-#include <filesystem>
 #include <memory>
 
 #include "integration/test_television.h"
@@ -30,19 +29,8 @@ ToolRun RunProgram(const std::string& program, const std::vector<std::string>& a
   return run;
 }
 
-void RemoveDump(const Json::Value& json) {
-  for (const char* const key : {"dump_file", "result_file"}) {
-    if (json.isObject() && json[key].isString()) {
-      std::error_code ignored;
-      std::filesystem::remove(json[key].asString(), ignored);
-    }
-  }
-}
-
 ToolRun RunTool(const std::vector<std::string>& arguments) {
-  const ToolRun run = RunProgram(ORVEX_TV_PROGRAM, arguments);
-  RemoveDump(run.Json());
-  return run;
+  return RunProgram(ORVEX_TV_PROGRAM, arguments);
 }
 
 }  // namespace orvex::integration

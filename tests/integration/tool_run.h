@@ -22,10 +22,7 @@ struct ToolRun {
 // Runs a program to its end.
 ToolRun RunProgram(const std::string& program, const std::vector<std::string>& arguments);
 
-// Removes the debug dump's files that a run's JSON output names.
-void RemoveDump(const Json::Value& json);
-
-// Runs orvex-tv. Files of the debug dump that a JSON output names are removed.
+// Runs orvex-tv.
 ToolRun RunTool(const std::vector<std::string>& arguments);
 
 }  // namespace orvex::integration

@@ -1,6 +1,5 @@
 // orvex-tv from the outside: what a run prints, what it comes to, exit codes.
 #include <cmath>
-#include <set>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -57,12 +56,9 @@ void CheckRun(const ToolRun& run, double differenceMs) {
 TEST(Tool, TwentyRunsBringTheOutputsTogether) {
   std::vector<ToolRun> runs(kRuns);
   InParallel(kRuns, [&](std::size_t run) { runs[run] = RunWithDifference(run); });
-  std::set<std::string> dumps;
   for (std::size_t run = 0; run < runs.size(); ++run) {
     CheckRun(runs[run], DifferenceMs(run));
-    dumps.insert(runs[run].Json()["dump_file"].asString());
   }
-  EXPECT_EQ(static_cast<std::size_t>(kRuns), dumps.size());
 }
 
 struct ToolCase {

@@ -1,25 +1,25 @@
-// orvex-tv run: one calibration on a virtual television.
+// orvex-tv run: calibrations on a virtual television.
 #include <string.h>
 
-#include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <filesystem>
 #include <limits>
 #include <memory>
+#include <optional>
 #include <string>
 #include <system_error>
-#include <vector>
 
 #include <fmt/core.h>
 
+#include "linux/json_text.h"
 #include "options/errors.h"
 #include "output/standard_output.h"
 #include "run/run_signals.h"
 #include "tv/commands.h"
-#include "tv/event_records.h"
-#include "tv/run_summary.h"
-#include "tv/run_television.h"
+#include "tv/heard_report.h"
+#include "tv/kept_folder.h"
+#include "tv/one_run.h"
+#include "tv/run_figures.h"
 #include "tv/verdict.h"
 
 namespace orvex::tools {
@@ -27,6 +27,9 @@ namespace {
 
 struct RunArguments {
   TelevisionOptions television;
+  std::optional<std::uint32_t> times;
+  std::string keep;
+  std::string report;
   std::string service;
   bool json = false;
   bool verbose = false;
@@ -36,107 +39,139 @@ void PrintProblem(const std::string& problem) {
   std::fprintf(stderr, "orvex-tv: %s\n", problem.c_str());
 }
 
-// Shows what happens while it happens.
-class Watcher {
-public:
-  Watcher(const RunArguments& arguments, const RunTelevision& television, StandardOutput& out)
-      : m_Arguments(arguments), m_Out(out), m_Follower([&television] { return television.DelayMs(); }) {}
+std::uintmax_t SizeOf(const std::filesystem::path& file) {
+  std::error_code error;
+  const std::uintmax_t size = std::filesystem::file_size(file, error);
+  return error ? 0 : size;
+}
 
-  // False: nobody sees it any more.
-  bool OnLine(const std::string& line) {
-    if (m_Arguments.verbose) {
-      std::fprintf(stderr, "%s\n", line.c_str());
+// All runs of a command. One that is interrupted, or of which nobody reads the output, is the last and leaves nothing.
+class Runs {
+public:
+  Runs(const RunArguments& arguments, const TelevisionInput& input)
+      : m_Arguments(arguments), m_Figures(arguments.times.value_or(1)) {
+    if (!arguments.report.empty()) {
+      m_Report.emplace(arguments.report, Count());
+      if (m_Report->TakesStandardOutput() && arguments.json) {
+        throw UsageError("--report -: takes standard output for the page, expected no --json beside it");
+      }
     }
-    const auto news = m_Follower.Follow(line);
-    if (news && !m_Arguments.json) {
-      m_Out.Write(TimeStamp() + *news + "\n");
+    if (!arguments.keep.empty()) {
+      m_Kept.emplace(arguments.keep, arguments.times.has_value());
     }
-    return !m_Out.HasFailed();
+    m_Television.emplace(arguments.television, input);
   }
 
-  const RunReport& Report() const { return m_Follower.GetReport(); }
+  int Run() {
+    for (std::uint32_t run = 1; run <= Count() && !IsOver(); ++run) {
+      m_Television->Prepare(run - 1);
+      Add(run);
+    }
+    if (m_Arguments.times) {
+      Say(m_Arguments.json ? port::CompactJson(m_Figures.ToJson()) + "\n" : m_Figures.ToText());
+    }
+    if (m_Report && !m_Report->Write()) {
+      PrintProblem("--report " + m_Arguments.report + ": nothing was recorded, so there is no page");
+    }
+    return ExitCode();
+  }
 
 private:
-  std::string TimeStamp() const {
-    const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - m_Start;
-    return fmt::format("{:8.2f} s  ", elapsed.count());
+  std::uint32_t Count() const { return m_Arguments.times.value_or(1); }
+  bool IsOver() { return m_Signals.Interruption() != 0 || m_Out.HasFailed(); }
+
+  void Add(std::uint32_t run) {
+    const std::uintmax_t logStart = SizeOf(m_Television->LogFile());
+    RunSummary summary = RunOnce(m_Arguments.service, *m_Television, m_Signals, Watcher());
+    const bool isOver = IsOver();
+    if (!isOver) {
+      m_Figures.Add(summary);
+      Leave(run, logStart, summary);
+    }
+    if (isOver || !m_Kept) {
+      RemoveDebugFiles(summary);
+    }
+    if (const std::string problem = summary.ending.Problem(); !problem.empty()) {
+      PrintProblem(problem);
+    }
+    if (!isOver || !m_Arguments.times) {
+      Say(TextOf(run, summary));
+    }
+  }
+
+  // What is left of a run beside its text.
+  void Leave(std::uint32_t run, std::uintmax_t logStart, RunSummary& summary) {
+    if (m_Report) {
+      m_Report->Add(run, summary);
+    }
+    if (m_Kept) {
+      m_Kept->Keep(run, *m_Television, logStart, summary);
+    }
+  }
+
+  RunWatcher Watcher() {
+    const auto onLine = [this](const std::string& line) {
+      if (m_Arguments.verbose) {
+        std::fprintf(stderr, "%s\n", line.c_str());
+      }
+      return !m_Out.HasFailed();
+    };
+    const auto onNews = [this](const std::string& line) {
+      if (!m_Arguments.json && !m_Arguments.times) {
+        Say(line);
+      }
+    };
+    return {onLine, onNews};
+  }
+
+  std::string TextOf(std::uint32_t run, const RunSummary& summary) const {
+    if (m_Arguments.times) {
+      return m_Arguments.json
+                 ? port::CompactJson(SummaryValue(summary)) + "\n"
+                 : fmt::format("  {:<24}{}\n", fmt::format("run {} of {}", run, Count()), VerdictInWords(summary));
+    }
+    return m_Arguments.json ? SummaryJson(summary) : SummaryText(summary);
+  }
+
+  // Standard output is the page's when that goes there.
+  void Say(const std::string& text) {
+    if (!m_Report || !m_Report->TakesStandardOutput()) {
+      m_Out.Write(text);
+    }
+  }
+
+  int ExitCode() {
+    if (const int interruption = m_Signals.Interruption(); interruption != 0) {
+      PrintProblem("interrupted by signal " + std::to_string(interruption) + " (" + ::strsignal(interruption) + ")");
+      return kExitSignal + interruption;
+    }
+    if (m_Out.HasFailed()) {
+      PrintProblem(m_Out.Problem());
+      return kExitFailed;
+    }
+    return m_Figures.AreAllGood() ? kExitGood : kExitFailed;
   }
 
   const RunArguments& m_Arguments;
-  StandardOutput& m_Out;
-  LogFollower m_Follower;
-  std::chrono::steady_clock::time_point m_Start = std::chrono::steady_clock::now();
+  RunSignals m_Signals;
+  StandardOutput m_Out;
+  RunFigures m_Figures;
+  std::optional<HeardReport> m_Report;
+  std::optional<KeptFolder> m_Kept;
+  std::optional<RunTelevision> m_Television;
 };
 
-// Those of this run only: a television that is kept has the records of earlier runs.
-std::vector<Json::Value> EventsSince(const std::filesystem::path& file, std::size_t countBefore) {
-  std::vector<Json::Value> records = ReadEventRecords(file).records;
-  records.erase(records.begin(), records.begin() + static_cast<std::ptrdiff_t>(std::min(countBefore, records.size())));
-  return records;
-}
-
-RunSummary Calibrate(const RunArguments& arguments, RunSignals& signals, StandardOutput& out) {
-  const RunTelevision television(arguments.television);
-  const std::size_t eventsBefore = ReadEventRecords(television.EventFile()).records.size();
-  RunSummary summary;
-  summary.misalignmentBeforeMs = television.MisalignmentMs(television.DelayMs());
-  Watcher watcher(arguments, television, out);
-  summary.ending = RunService({FindService(arguments.service, "orvex-service"), television.Environment()}, signals,
-                              [&](const std::string& line) { return watcher.OnLine(line); });
-  summary.report = watcher.Report();
-  summary.delayAfterMs = television.DelayMs();
-  summary.misalignmentAfterMs = television.MisalignmentMs(summary.delayAfterMs);
-  summary.events = EventsSince(television.EventFile(), eventsBefore);
-  return summary;
-}
-
-// What the service has left of its recordings.
-void RemoveDebugFiles(RunReport& report) {
-  for (const std::string& file : report.debugFiles) {
-    std::error_code ignored;
-    std::filesystem::remove(file, ignored);
-  }
-  report.debugFiles.clear();
-  report.dumpFile.clear();
-  report.resultFile.clear();
-}
-
-int ExitCodeOf(const RunSummary& summary, int interruption, const StandardOutput& out) {
-  if (interruption != 0) {
-    PrintProblem("interrupted by signal " + std::to_string(interruption) + " (" + ::strsignal(interruption) + ")");
-    return kExitSignal + interruption;
-  }
-  if (out.HasFailed()) {
-    PrintProblem(out.Problem());
-    return kExitFailed;
-  }
-  return IsGood(VerdictOf(summary)) ? kExitGood : kExitFailed;
-}
-
-// A run that is interrupted, or of which nobody reads the output to its end, leaves nothing behind.
+// Standard input is read while an interrupt still ends the program.
 int Run(const RunArguments& arguments) {
-  RunSignals signals;
-  StandardOutput out;
-  RunSummary summary = Calibrate(arguments, signals, out);
-  if (signals.Interruption() != 0 || out.HasFailed()) {
-    RemoveDebugFiles(summary.report);
-  }
-  if (const std::string problem = summary.ending.Problem(); !problem.empty()) {
-    PrintProblem(problem);
-  }
-  out.Write(arguments.json ? SummaryJson(summary) : SummaryText(summary));
-  const int interruption = signals.Interruption();
-  if (interruption != 0 || out.HasFailed()) {
-    RemoveDebugFiles(summary.report);
-  }
-  return ExitCodeOf(summary, interruption, out);
+  const TelevisionInput input = ReadInput(arguments.television);
+  return Runs(arguments, input).Run();
 }
 
 }  // namespace
 
 void AddRunCommand(Command& program) {
   const auto arguments = std::make_shared<RunArguments>();
-  Command& command = program.AddCommand("run", "calibrate once and show what happens");
+  Command& command = program.AddCommand("run", "calibrate and show what happens");
   TelevisionOptions& television = arguments->television;
   command.Add("--tv", television.directory, value::Folder(),
               "directory of the television, kept; default: what ORVEX_TV names, else a temporary one");
@@ -144,15 +179,24 @@ void AddRunCommand(Command& program) {
               value::WholeNumber("MS", 0, std::numeric_limits<std::uint32_t>::max()),
               "delay of the optical output before the run");
   command.Add("--faults", television.faultsFile, value::File(), "faults.json to inject in this run; -: standard input");
+  command.Add("--times", arguments->times, value::WholeNumber("N", 1, 1000000),
+              "run so often, each from the same delay with another seed, and sum up what remains");
+  command.Add("--keep", arguments->keep, value::Folder(),
+              "keep recording, results, log, records and room of each run in this new folder");
+  command.Add("--report", arguments->report, value::File("OUT.html"),
+              "also write a page for a browser: what was heard, and why a difference was or was not found");
   command.Add("--service", arguments->service, value::File("PATH"),
               "the service; default: ORVEX_SERVICE, else beside orvex-tv");
-  command.AddFlag("--json", arguments->json, "print one JSON object and nothing else on stdout");
+  command.AddFlag(
+      "--json", arguments->json,
+      "print one JSON object and nothing else on stdout; with --times one a line, and one with the figures");
   command.AddFlag("-v,--verbose", arguments->verbose, "show the service's log on stderr");
   television.room.AddTo(command);
   command.AddFlag("--save-room", television.saveRoom, "make this room the television's own, for later runs too")
       .InGroup("Room");
   command.AddExample("orvex-tv run --optical-latency 80 --noise -55");
-  command.AddExample("orvex-tv run --tv /tmp/mytv --json");
+  command.AddExample("orvex-tv run --optical-muted --keep heard --report heard.html");
+  command.AddExample("orvex-tv run --times 10 --json");
   command.SetAction([=] { return Run(*arguments); });
 }
 

@@ -31,7 +31,7 @@ std::string Line(const char* name, const std::string& value) {
 
 }  // namespace
 
-std::string SummaryJson(const RunSummary& summary) {
+Json::Value SummaryValue(const RunSummary& summary) {
   Json::Value json(Json::objectValue);
   json["verdict"] = NameOf(VerdictOf(summary));
   json["terminate"] = summary.report.terminate;
@@ -49,9 +49,13 @@ std::string SummaryJson(const RunSummary& summary) {
   for (const Json::Value& event : summary.events) {
     json["events"].append(event);
   }
+  return json;
+}
+
+std::string SummaryJson(const RunSummary& summary) {
   Json::StreamWriterBuilder writer;
   writer["indentation"] = "  ";
-  return Json::writeString(writer, json) + "\n";
+  return Json::writeString(writer, SummaryValue(summary)) + "\n";
 }
 
 std::string SummaryText(const RunSummary& summary) {
@@ -67,6 +71,9 @@ std::string SummaryText(const RunSummary& summary) {
                                         Number("{:+.1f} ms", summary.misalignmentAfterMs) + " after");
   text += Line("ended", report.terminate + " (" + report.result + ") after " +
                             Number("{:.2f} s", static_cast<double>(summary.ending.duration.count()) / 1000.0));
+  if (!report.dumpFile.empty()) {
+    text += Line("recording", report.dumpFile);
+  }
   text += Line("verdict", VerdictInWords(summary));
   return text;
 }

@@ -21,7 +21,9 @@ struct RunSummary {
   std::vector<Json::Value> events;
 };
 
-// One object with a line end; what is not known is null.
+// What is not known is null.
+Json::Value SummaryValue(const RunSummary& summary);
+// The same as an indented text with a line end.
 std::string SummaryJson(const RunSummary& summary);
 // Some lines for a person.
 std::string SummaryText(const RunSummary& summary);

@@ -51,22 +51,25 @@ void CheckTogether(const TelevisionOptions& options) {
 
 }  // namespace
 
-RunTelevision::RunTelevision(const TelevisionOptions& options) : m_Television(DirectoryOf(options, m_Scratch)) {
+TelevisionInput ReadInput(const TelevisionOptions& options) {
   CheckTogether(options);
-  Fill(options);
+  return {options.room.ReadFile(), options.faultsFile.empty() ? "" : FaultsAsGiven(options.faultsFile)};
+}
+
+RunTelevision::RunTelevision(const TelevisionOptions& options, const TelevisionInput& input)
+    : m_Television(DirectoryOf(options, m_Scratch)) {
+  Fill(options, input);
 }
 
 // Everything is read and checked before the first write.
-void RunTelevision::Fill(const TelevisionOptions& options) {
-  const std::string faults = options.faultsFile.empty() ? "" : FaultsAsGiven(options.faultsFile);
-  const std::optional<sim::RoomConfig> room = options.room.ReadFile();
+void RunTelevision::Fill(const TelevisionOptions& options, const TelevisionInput& input) {
   m_Television.Create();
-  m_Room = options.room.Override(room ? *room : ReadRoomFile(m_Television.RoomFile().string()));
+  m_Room = options.room.Override(input.room ? *input.room : ReadRoomFile(m_Television.RoomFile().string()));
   if (options.saveRoom) {
     SaveRoom();
   }
   if (!options.faultsFile.empty()) {
-    port::ReplaceFile(FaultsFile(), faults);
+    port::ReplaceFile(FaultsFile(), input.faults);
   }
   if (options.baseDelayMs) {
     m_Television.Set(kDelay, std::to_string(*options.baseDelayMs));

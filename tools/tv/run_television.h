@@ -22,13 +22,22 @@ struct TelevisionOptions {
   bool saveRoom = false;
 };
 
+// What the options name, read and checked.
+struct TelevisionInput {
+  std::optional<sim::RoomConfig> room;
+  std::string faults;
+};
+
+// Throws UsageError or sim::RoomError.
+TelevisionInput ReadInput(const TelevisionOptions& options);
+
 // What the options do not say is as on an existing television, and the default on a new one. The television's own
 // room.json and faults.json stay as they are.
 class RunTelevision {
 public:
-  // Throws UsageError, sim::RoomError or virtual_tv::TelevisionError; a television that existed is then unchanged, its
+  // Throws sim::RoomError or virtual_tv::TelevisionError; a television that existed is then unchanged, its
   // missing files aside.
-  explicit RunTelevision(const TelevisionOptions& options);
+  RunTelevision(const TelevisionOptions& options, const TelevisionInput& input);
 
   // Before the n-th run, from 0: the delay is again that of before the first run, and the room has the n-th seed after
   // its own.
@@ -47,7 +56,7 @@ public:
   std::optional<double> MisalignmentMs(std::optional<std::int64_t> delayMs) const;
 
 private:
-  void Fill(const TelevisionOptions& options);
+  void Fill(const TelevisionOptions& options, const TelevisionInput& input);
   void SaveRoom() const;
 
   ScratchFolder m_Scratch;

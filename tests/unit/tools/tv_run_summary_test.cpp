@@ -10,6 +10,7 @@ namespace orvex::tools {
 namespace {
 
 using testing::HasSubstr;
+using testing::Not;
 
 RunSummary GoodRun() {
   RunSummary summary;
@@ -72,6 +73,13 @@ TEST(SummaryText, ShowsDelaysDifferenceAndTruth) {
                                  "done (pass) after 3.29 s", "verdict                 aligned: +8.0 ms remain\n"}) {
     EXPECT_THAT(text, HasSubstr(part));
   }
+}
+
+TEST(SummaryText, NamesTheRecordingIfOneIsKept) {
+  RunSummary summary = GoodRun();
+  EXPECT_THAT(SummaryText(summary), HasSubstr("  recording               /tmp/dump\n"));
+  summary.report.dumpFile.clear();
+  EXPECT_THAT(SummaryText(summary), Not(HasSubstr("recording")));
 }
 
 TEST(SummaryText, SaysWhichDelayIsInForceWhenItIsNotTheOneThatWasWanted) {

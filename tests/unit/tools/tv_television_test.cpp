@@ -32,6 +32,12 @@ TelevisionOptions Options(const std::string& roomArguments) {
   return options;
 }
 
+// Made from what the options name.
+class PreparedTelevision : public RunTelevision {
+public:
+  explicit PreparedTelevision(const TelevisionOptions& options) : RunTelevision(options, ReadInput(options)) {}
+};
+
 sim::RoomConfig RoomOf(const RunTelevision& television) {
   return ReadRoomFile(television.RoomFile().string());
 }
@@ -39,7 +45,7 @@ sim::RoomConfig RoomOf(const RunTelevision& television) {
 TEST(RunTelevision, RemovesATemporaryOneAtTheEnd) {
   std::string directory;
   {
-    const RunTelevision television(TelevisionOptions{});
+    const PreparedTelevision television(TelevisionOptions{});
     directory = television.Get().GetDirectory().string();
     EXPECT_TRUE(std::filesystem::exists(directory));
   }
@@ -58,12 +64,12 @@ TEST(RunTelevision, KeepsAnExistingOneWithItsDelayAndItsRoom) {
   TelevisionOptions options = OptionsOn(folder.Path(), "--optical-latency 50");
   options.baseDelayMs = 70;
   {
-    const RunTelevision television(options);
+    const PreparedTelevision television(options);
     EXPECT_DOUBLE_EQ(60.0, RoomOf(television).tv.latencyMs);
     EXPECT_DOUBLE_EQ(50.0, RoomOf(television).optical.latencyMs);
   }
   EXPECT_EQ(R"({"tv": {"latency_ms": 60}})", folder.Read("room.json"));
-  const RunTelevision again(OptionsOn(folder.Path(), ""));
+  const PreparedTelevision again(OptionsOn(folder.Path(), ""));
   EXPECT_EQ(70, again.Get().GetNumber("delay/spdif"));
   EXPECT_DOUBLE_EQ(60.0, RoomOf(again).tv.latencyMs);
   EXPECT_DOUBLE_EQ(sim::RoomConfig().optical.latencyMs, RoomOf(again).optical.latencyMs);
@@ -74,25 +80,25 @@ TEST(RunTelevision, MakesTheRoomTheTelevisionsOwnOnRequest) {
   folder.Write("room.json", R"({"microphone": {"noise_file": "fan.wav"}})");
   TelevisionOptions options = OptionsOn(folder.Path(), "--optical-latency 50");
   options.saveRoom = true;
-  EXPECT_EQ(folder / "fan.wav", RoomOf(RunTelevision(options)).noiseFile);
+  EXPECT_EQ(folder / "fan.wav", RoomOf(PreparedTelevision(options)).noiseFile);
   const sim::RoomConfig saved = sim::ParseRoom(folder.Read("room.json"), "room.json");
   EXPECT_DOUBLE_EQ(50.0, saved.optical.latencyMs);
   EXPECT_EQ("fan.wav", saved.noiseFile);
   options.directory.clear();
-  EXPECT_THROW(const RunTelevision television(options), UsageError);
+  EXPECT_THROW(const PreparedTelevision television(options), UsageError);
 }
 
 TEST(RunTelevision, IsTheOneThatTheEnvironmentNamesUnlessTheOptionDoes) {
   const TemporaryFolder folder;
   ::setenv("ORVEX_TV", (folder / "named").c_str(), 1);
-  EXPECT_EQ(folder / "named", RunTelevision(TelevisionOptions{}).Get().GetDirectory());
-  EXPECT_EQ(folder / "given", RunTelevision(OptionsOn(folder / "given", "")).Get().GetDirectory());
+  EXPECT_EQ(folder / "named", PreparedTelevision(TelevisionOptions{}).Get().GetDirectory());
+  EXPECT_EQ(folder / "given", PreparedTelevision(OptionsOn(folder / "given", "")).Get().GetDirectory());
   ::setenv("ORVEX_TV", "", 1);
   EXPECT_TRUE(std::filesystem::exists(folder / "named/room.json"));
 }
 
 TEST(RunTelevision, BeginsEachRunWithTheSameDelayAndAnotherSeed) {
-  const RunTelevision television(Options("--seed 7"));
+  const PreparedTelevision television(Options("--seed 7"));
   television.Get().Set("delay/spdif", "12");
   television.Prepare(2);
   EXPECT_EQ(100, television.DelayMs());
@@ -127,7 +133,7 @@ TEST(RunTelevision, WritesEveryRoomOption) {
   for (const OptionCase& option : cases) {
     sim::RoomConfig expected;
     option.expected(expected);
-    EXPECT_TRUE(expected == RoomOf(RunTelevision(Options(option.arguments)))) << option.arguments;
+    EXPECT_TRUE(expected == RoomOf(PreparedTelevision(Options(option.arguments)))) << option.arguments;
   }
 }
 
@@ -135,7 +141,7 @@ TEST(RunTelevision, LetsTheCommandLineOverrideTheRoomFile) {
   const TemporaryFolder folder;
   const std::string file =
       folder.Write("room.json", R"({"seed": 7, "tv": {"latency_ms": 20}, "optical": {"latency_ms": 30}})");
-  const sim::RoomConfig room = RoomOf(RunTelevision(Options("--room " + file + " --tv-latency 25")));
+  const sim::RoomConfig room = RoomOf(PreparedTelevision(Options("--room " + file + " --tv-latency 25")));
   EXPECT_EQ(7u, room.seed);
   EXPECT_DOUBLE_EQ(25.0, room.tv.latencyMs);
   EXPECT_DOUBLE_EQ(30.0, room.optical.latencyMs);
@@ -144,15 +150,15 @@ TEST(RunTelevision, LetsTheCommandLineOverrideTheRoomFile) {
 TEST(RunTelevision, FindsANoiseFileBesideTheRoomFileThatNamesIt) {
   const TemporaryFolder folder;
   const std::string file = folder.Write("room.json", R"({"microphone": {"noise_file": "fan.wav"}})");
-  EXPECT_EQ(folder / "fan.wav", RoomOf(RunTelevision(Options("--room " + file))).noiseFile);
+  EXPECT_EQ(folder / "fan.wav", RoomOf(PreparedTelevision(Options("--room " + file))).noiseFile);
 }
 
 TEST(RunTelevision, RefusesImpossibleAndUnreadableRooms) {
   const TemporaryFolder folder;
   const std::string broken = folder.Write("broken.json", R"({"seed": "many"})");
-  EXPECT_THROW(RunTelevision(Options("--room " + broken)), sim::RoomError);
-  EXPECT_THROW(RunTelevision(Options("--loss 2")), sim::RoomError);
-  EXPECT_THROW(RunTelevision(Options("--room " + (folder / "missing.json"))), UsageError);
+  EXPECT_THROW(PreparedTelevision(Options("--room " + broken)), sim::RoomError);
+  EXPECT_THROW(PreparedTelevision(Options("--loss 2")), sim::RoomError);
+  EXPECT_THROW(PreparedTelevision(Options("--room " + (folder / "missing.json"))), UsageError);
   EXPECT_THROW(Options("--noise loud"), UsageError);
 }
 
@@ -164,29 +170,29 @@ TEST(RunTelevision, LeavesTheFaultsOfATelevisionAsTheyAreAndRefusesWhatIsNoObjec
   std::filesystem::create_directory(options.directory);
   folder.Write("tv/faults.json", "{}");
   {
-    const RunTelevision television(options);
+    const PreparedTelevision television(options);
     EXPECT_THAT(television.Environment(), Contains("ORVEX_TV_FAULTS=" + television.FaultsFile().string()));
     EXPECT_EQ(R"({"voice.start": [-115, 0]})", port::ReadSmallFile(television.FaultsFile(), 100));
   }
   EXPECT_EQ("{}", folder.Read("tv/faults.json"));
   options.faultsFile = folder.Write("faults.json", "[1]");
   try {
-    const RunTelevision television(options);
+    const PreparedTelevision television(options);
     ADD_FAILURE() << "accepted";
   } catch (const UsageError& error) {
     EXPECT_THAT(error.what(), HasSubstr(options.faultsFile + ": expected a JSON object"));
   }
   options.faultsFile = folder / "missing.json";
-  EXPECT_THROW(const RunTelevision television(options), UsageError);
+  EXPECT_THROW(const PreparedTelevision television(options), UsageError);
   options = Options("--room -");
   options.faultsFile = "-";
-  EXPECT_THROW(const RunTelevision television(options), UsageError);
+  EXPECT_THROW(const PreparedTelevision television(options), UsageError);
 }
 
 TEST(RunTelevision, KnowsTheTruthForTheDelayInForce) {
   TelevisionOptions options = Options("--tv-latency 30 --optical-latency 50");
   options.baseDelayMs = 100;
-  const RunTelevision television(options);
+  const PreparedTelevision television(options);
   EXPECT_THAT(television.MisalignmentMs(television.DelayMs()), Optional(DoubleEq(120.0)));
   television.Get().Set("delay/spdif", "0");
   EXPECT_THAT(television.MisalignmentMs(television.DelayMs()), Optional(DoubleEq(20.0)));
