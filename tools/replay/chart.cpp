@@ -15,7 +15,6 @@ namespace orvex::tools {
 namespace {
 
 // In the units of the SVG's view box. The page scales the chart to its own width.
-constexpr double kWidth = 1020.0;
 constexpr double kLeft = 58.0;
 constexpr double kRight = 820.0;
 constexpr double kTop = 34.0;
@@ -26,45 +25,7 @@ constexpr double kLabelGap = 10.0;
 constexpr double kTitleGap = 30.0;  // leaves room for half of the last tick's number
 constexpr double kScaleWidth = 14.0;
 constexpr double kPairLabelWidth = 90.0;
-constexpr double kCharacterWidth = 8.5;
 constexpr double kMarkSpacing = 12.0;  // blocks at least this far apart are marked, too
-
-// The smallest step of 1, 2 or 5 times a power of ten of which at most `count` fit into `length`.
-double TickStep(double length, double count) {
-  const double rough = length / count;
-  const double power = std::pow(10.0, std::floor(std::log10(rough)));
-  for (const double factor : {1.0, 2.0, 5.0}) {
-    if (factor * power >= rough) {
-      return factor * power;
-    }
-  }
-  return 10.0 * power;
-}
-
-// The path of a mark around the place that it begins with.
-const char* PathOf(Chart::Shape shape) {
-  static const char* const kPaths[] = {"m0-5v10", "m-4.5 0a4.5 4.5 0 1 0 9 0a4.5 4.5 0 1 0-9 0", "m-4-4l8 8m0-8l-8 8",
-                                       "m0-6l6 6l-6 6l-6-6z"};
-  return kPaths[static_cast<std::size_t>(shape)];
-}
-
-// The number of decimal places with which the labels of adjacent ticks differ.
-int DecimalsOf(double step) {
-  if (step < 0.1) {
-    return 2;
-  }
-  return step < 1.0 ? 1 : 0;
-}
-
-std::vector<double> Ticks(Span span, double step) {
-  std::vector<double> ticks;
-  const auto first = static_cast<long>(std::ceil(span.low / step));
-  const auto last = static_cast<long>(std::floor(span.high / step));
-  for (long tick = first; tick <= last; ++tick) {
-    ticks.push_back(static_cast<double>(tick) * step);
-  }
-  return ticks;
-}
 
 }  // namespace
 
@@ -166,7 +127,7 @@ void Chart::AddNote(double decibels, const std::string& style, const std::string
 }
 
 void Chart::AddCurve(const std::vector<CurvePoint>& curve, const std::string& style, const std::string& label,
-                     Shape shape) {
+                     MarkShape shape) {
   std::ostringstream path;
   std::ostringstream marks;
   const bool hasMarks = m_IsOfRecording && (kRight - kLeft) / m_Buffers.Length() >= kMarkSpacing;
@@ -249,7 +210,7 @@ void Chart::AddLaneLabel(std::size_t lane, const std::string& style, const std::
   AddText(kRight + kLabelGap, y + kLaneHeight / 2.0 + 4.0, "label " + style, label);
 }
 
-void Chart::AddMarks(std::size_t lane, const std::vector<double>& buffers, Shape shape, const std::string& style) {
+void Chart::AddMarks(std::size_t lane, const std::vector<double>& buffers, MarkShape shape, const std::string& style) {
   const double y = LaneMiddle(lane);
   std::set<long> columns;
   m_Svg << "<g class='marks " << style << "'>";
@@ -322,7 +283,7 @@ std::string Chart::Finish() {
              "<svg class='chart' id='{0}' viewBox='0 0 {1:.0f} {2:.0f}' role='img' aria-labelledby='{0}-title "
              "{0}-desc' data-from='{3:g}' data-to='{4:g}'>\n<title id='{0}-title'>{5}</title>\n"
              "<desc id='{0}-desc'>{6}</desc>\n",
-             m_Text.name, kWidth, height, m_Buffers.low, m_Buffers.high, Escaped(m_Text.title),
+             m_Text.name, kPictureWidth, height, m_Buffers.low, m_Buffers.high, Escaped(m_Text.title),
              Escaped(m_Text.description)) +
          m_Svg.str() + "</svg>\n";
 }

@@ -6,18 +6,11 @@
 #include <string>
 #include <vector>
 
+#include "chart/svg.h"
+#include "chart/ticks.h"
 #include "replay/curve.h"
 
 namespace orvex::tools {
-
-// Both ends of an axis.
-struct Span {
-  double low = 0.0;
-  double high = 1.0;
-
-  double Length() const { return high - low; }
-  bool Holds(double value) const { return value >= low && value <= high; }
-};
 
 // An axis below or above the plot.
 struct Axis {
@@ -60,9 +53,8 @@ public:
   void AddLevel(double fromBuffer, double toBuffer, double decibels, const std::string& style,
                 const std::string& label);
   // Blocks that are far enough apart are marked, too, each kind of curve in its own shape.
-  enum class Shape { kTick, kDot, kCross, kDiamond };
   void AddCurve(const std::vector<CurvePoint>& curve, const std::string& style, const std::string& label,
-                Shape shape = Shape::kDot);
+                MarkShape shape = MarkShape::kDot);
   // Marks the two tones of a pair over the whole height of the plot. A pair without a label is drawn faintly.
   void AddPair(double first, double second, const std::string& label);
   // A pair as a line from one place to another.
@@ -81,7 +73,7 @@ public:
   static constexpr double kLaneHeight = 24.0;
   void AddLaneLabel(std::size_t lane, const std::string& style, const std::string& label);
   // Of several marks in the same column only the first is drawn.
-  void AddMarks(std::size_t lane, const std::vector<double>& buffers, Shape shape, const std::string& style);
+  void AddMarks(std::size_t lane, const std::vector<double>& buffers, MarkShape shape, const std::string& style);
 
   // A column of colours in the right margin, the lowest level first, and lines at the levels that are named.
   struct ScaleMark {

@@ -11,6 +11,7 @@
 #include <optional>
 #include <vector>
 
+#include "chart/svg.h"
 #include "fine/burst_shape.h"
 #include "replay/chart.h"
 #include "replay/page_parts.h"

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 
+#include "chart/svg.h"
 #include "replay/explanation.h"
 #include "replay/findings.h"
 #include "replay/text.h"

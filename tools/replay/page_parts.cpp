@@ -12,18 +12,9 @@ const char kPageBegin[] = R"(<!DOCTYPE html>
 <meta name="viewport" content="width=device-width, initial-scale=1"/>
 )";
 
-// All colours are those of the two lists at the beginning. Each --ink can be read on each --paper: a test computes the
-// contrasts.
+// All colours are those of kPalette.
 const char kPageStyle[] = R"(
-:root { color-scheme: light dark;
-  --paper: #ffffff; --paper-raised: #f4f6f9; --paper-good: #ecf8ef; --paper-warn: #fff5e2; --paper-bad: #fdeeee;
-  --ink: #1b1f24; --ink-soft: #4b535d; --ink-17: #0b5cad; --ink-19: #a83a08; --ink-175: #0b655e; --ink-18: #7e22ce;
-  --ink-good: #11652d; --ink-warn: #854800; --ink-bad: #a91616; --line: #dfe3e8; --line-strong: #868f99; }
-@media (prefers-color-scheme: dark) { :root {
-  --paper: #14181d; --paper-raised: #1e242b; --paper-good: #11291a; --paper-warn: #2e2512; --paper-bad: #341b1d;
-  --ink: #e9edf2; --ink-soft: #adb7c3; --ink-17: #74b6ff; --ink-19: #ffa06b; --ink-175: #52d3c2; --ink-18: #d1a1ff;
-  --ink-good: #62d58a; --ink-warn: #f3bb50; --ink-bad: #ff9090; --line: #343c46; --line-strong: #77828e; }
-  svg image, svg .scale { filter: invert(1) hue-rotate(180deg); } }
+@media (prefers-color-scheme: dark) { svg image, svg .scale { filter: invert(1) hue-rotate(180deg); } }
 body { margin: 0 auto; max-width: 1160px; padding: 16px 24px 40px; background: var(--paper); color: var(--ink);
        font: 16px/1.5 system-ui, "DejaVu Sans", sans-serif; }
 h1 { font-size: 22px; font-weight: 600; margin: 0 0 14px; overflow-wrap: anywhere; }

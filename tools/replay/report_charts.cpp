@@ -19,8 +19,8 @@ namespace {
 constexpr double kShortestAxisDb = 40.0;
 constexpr double kBelowAmbientDb = 20.0;  // an axis goes no further below the ambient mean: deeper dips mean nothing
 
-Chart::Shape ShapeOf(Tone tone) {
-  return tone == Tone::k17000Hz ? Chart::Shape::kDot : Chart::Shape::kDiamond;
+MarkShape ShapeOf(Tone tone) {
+  return tone == Tone::k17000Hz ? MarkShape::kDot : MarkShape::kDiamond;
 }
 
 using Value = std::function<double(const RecordedBlock&)>;
@@ -163,18 +163,18 @@ std::string DrawEvents(const RunRecord& run, const View& view) {
   chart.AddLaneLabel(kNoisy, "", "noisy tones");
   chart.AddLaneLabel(kSequence, "", "sequence errors");
   chart.AddLaneLabel(kExtend, "", "extend commands");
-  chart.AddMarks(k17, Within(view, CleanBlocks(run, Tone::k17000Hz)), Chart::Shape::kTick, "clean f17");
-  chart.AddMarks(k19, Within(view, CleanBlocks(run, Tone::k19000Hz)), Chart::Shape::kTick, "clean f19");
-  const auto add = [&](std::size_t lane, EventKind kind, Chart::Shape shape, const char* style) {
+  chart.AddMarks(k17, Within(view, CleanBlocks(run, Tone::k17000Hz)), MarkShape::kTick, "clean f17");
+  chart.AddMarks(k19, Within(view, CleanBlocks(run, Tone::k19000Hz)), MarkShape::kTick, "clean f19");
+  const auto add = [&](std::size_t lane, EventKind kind, MarkShape shape, const char* style) {
     chart.AddMarks(lane, Within(view, BuffersOf(run, kind)), shape, style);
   };
-  add(k17, EventKind::kFirst17, Chart::Shape::kDot, "start f17");
-  add(k19, EventKind::kFirst19, Chart::Shape::kDot, "start f19");
-  add(kNoisy, EventKind::kNoisy17, Chart::Shape::kCross, "noisy f17");
-  add(kNoisy, EventKind::kNoisy19, Chart::Shape::kCross, "noisy f19");
-  add(kNoisy, EventKind::kAbnormal, Chart::Shape::kDiamond, "abnormal");
-  add(kSequence, EventKind::kSequence, Chart::Shape::kDiamond, "sequence");
-  add(kExtend, EventKind::kExtend, Chart::Shape::kTick, "extend");
+  add(k17, EventKind::kFirst17, MarkShape::kDot, "start f17");
+  add(k19, EventKind::kFirst19, MarkShape::kDot, "start f19");
+  add(kNoisy, EventKind::kNoisy17, MarkShape::kCross, "noisy f17");
+  add(kNoisy, EventKind::kNoisy19, MarkShape::kCross, "noisy f19");
+  add(kNoisy, EventKind::kAbnormal, MarkShape::kDiamond, "abnormal");
+  add(kSequence, EventKind::kSequence, MarkShape::kDiamond, "sequence");
+  add(kExtend, EventKind::kExtend, MarkShape::kTick, "extend");
   for (const RecordedEvent& pair : PairsWithin(run, view)) {
     const bool is17First = pair.differenceS > 0.0;
     chart.AddLink({is17First ? k17 : k19, static_cast<double>(pair.first)},
@@ -233,7 +233,7 @@ std::string DrawNeighbours(const RunRecord& run, const View& view) {
   chart.AddDecibelAxis(range.Round(LowestLevel(run, &Levels::at17500, &Levels::at18000)), "level (dBFS)");
   AddPhases(chart, run, view);
   chart.AddCurve(at17500, "f175", "17.5 kHz");
-  chart.AddCurve(at18000, "f18", "18 kHz", Chart::Shape::kDiamond);
+  chart.AddCurve(at18000, "f18", "18 kHz", MarkShape::kDiamond);
   if (run.GetAmbient() && run.GetAmbient()->at17500 > 0.0 && run.GetAmbient()->at18000 > 0.0) {
     const double level17500 = LevelDbfs(run.GetAmbient()->at17500);
     const double level18000 = LevelDbfs(run.GetAmbient()->at18000);

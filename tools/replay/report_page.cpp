@@ -8,6 +8,8 @@
 #include <sstream>
 
 #include "Application/OrvexDetector.h"
+#include "chart/palette.h"
+#include "chart/svg.h"
 #include "replay/explanation.h"
 #include "replay/fine_section.h"
 #include "replay/page_parts.h"
@@ -99,9 +101,9 @@ std::string ReportPage::Finish() const {
   const std::string title = m_IsOfSeveral ? Counted(static_cast<std::int64_t>(m_Lines.size()), "recording")
                                           : "<code>" + Escaped(m_Title) + "</code>";
   return std::string(kPageBegin) + "<title>" + (m_IsOfSeveral ? title : Escaped(m_Title)) +
-         " - orvex-replay</title>\n<style>" + kPageStyle + "</style>\n</head>\n<body>\n<header><h1>Replay of " + title +
-         "</h1></header>\n<main>\n" + (m_IsOfSeveral ? MakeOverview(m_Lines) : "") + m_Parts + kPageNotes +
-         "</main>\n</body>\n</html>\n";
+         " - orvex-replay</title>\n<style>" + kPalette + kPageStyle +
+         "</style>\n</head>\n<body>\n<header><h1>Replay of " + title + "</h1></header>\n<main>\n" +
+         (m_IsOfSeveral ? MakeOverview(m_Lines) : "") + m_Parts + kPageNotes + "</main>\n</body>\n</html>\n";
 }
 
 std::string MakeReportPage(const RunRecord& run, const ReportSubject& subject,

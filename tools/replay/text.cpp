@@ -5,33 +5,9 @@
 
 #include <cmath>
 
-namespace orvex::tools {
+#include "chart/svg.h"
 
-std::string Escaped(const std::string& text) {
-  std::string escaped;
-  for (const char c : text) {
-    switch (c) {
-      case '&':
-        escaped += "&amp;";
-        break;
-      case '<':
-        escaped += "&lt;";
-        break;
-      case '>':
-        escaped += "&gt;";
-        break;
-      case '"':
-        escaped += "&quot;";
-        break;
-      case '\'':
-        escaped += "&#39;";
-        break;
-      default:
-        escaped += c;
-    }
-  }
-  return escaped;
-}
+namespace orvex::tools {
 
 const char* NameOf(Tone tone) {
   return tone == Tone::k17000Hz ? "17 kHz" : "19 kHz";

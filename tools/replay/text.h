@@ -1,4 +1,4 @@
-// Names, numbers with their units, escaped texts and the smallest elements for the report.
+// Names, numbers with their units, and the smallest elements for the report.
 #pragma once
 
 #include <cstdint>
@@ -7,9 +7,6 @@
 #include "receiver/receiver_rig.h"
 
 namespace orvex::tools {
-
-// Escapes a text for HTML and SVG, between tags as well as within quotes.
-std::string Escaped(const std::string& text);
 
 // "17 kHz", "19 kHz".
 const char* NameOf(Tone tone);

@@ -8,6 +8,7 @@
 #include <set>
 #include <stdexcept>
 
+#include "chart/palette.h"
 #include "replay/page_parts.h"
 #include "unit/tools/markup.h"
 #include "unit/tools/replay_recordings.h"
@@ -163,7 +164,7 @@ TEST(ReplayPageStructure, NeverSkipsALevelOfHeadings) {
 }
 
 TEST(ReplayPageStructure, TellsCurvesOfAChartApartByTheirStrokesToo) {
-  const std::string style = kPageStyle;
+  const std::string style = std::string(kPalette) + kPageStyle;
   EXPECT_THAT(style, HasSubstr(".curve.f19, .curve.f18 { stroke-dasharray: 6 3; }"));
   EXPECT_THAT(style, HasSubstr(".curve.fitted { stroke: var(--ink); stroke-dasharray: 7 4; }"));
   EXPECT_THAT(style, Not(HasSubstr(".curve.f17 {")));
@@ -186,7 +187,7 @@ Palette ReadPalette(const std::string& css) {
 
 // Light and dark.
 std::array<Palette, 2> ReadPalettes() {
-  const std::string style = kPageStyle;
+  const std::string style = std::string(kPalette) + kPageStyle;
   const std::size_t dark = style.find("@media (prefers-color-scheme: dark)");
   const std::size_t end = style.find("}", dark);
   EXPECT_NE(std::string::npos, end);
@@ -241,7 +242,7 @@ TEST(ReplayPageColours, LetEachInkBeReadOnEachPaper) {
 // The bands of a chart cover the paper in part, and labels stand on them.
 TEST(ReplayPageColours, LetInksBeReadOnBands) {
   static const std::regex kBand("\\.[a-z]+ \\{ fill: var\\(--line-strong\\); fill-opacity: (\\.[0-9]+); \\}");
-  const std::string style = kPageStyle;
+  const std::string style = std::string(kPalette) + kPageStyle;
   int bands = 0;
   for (std::sregex_iterator at(style.begin(), style.end(), kBand), end; at != end; ++at, ++bands) {
     const double cover = std::stod((*at)[1]);
@@ -258,7 +259,7 @@ TEST(ReplayPageColours, LetInksBeReadOnBands) {
 }
 
 TEST(ReplayPageColours, StandInTheTwoListsAlone) {
-  const std::string style = kPageStyle;
+  const std::string style = std::string(kPalette) + kPageStyle;
   static const std::regex kNumber("#[0-9a-fA-F]{3,8}\\b|rgba?\\(|hsla?\\(");
   const auto numbers = std::distance(std::sregex_iterator(style.begin(), style.end(), kNumber), std::sregex_iterator());
   const auto [light, dark] = ReadPalettes();
