@@ -48,7 +48,6 @@ outputs by PipeWire; a command chooses the outputs and calibrates.")
 set(exact "(= ${PROJECT_VERSION})")
 set(CPACK_DEBIAN_SERVICE_PACKAGE_DEPENDS "orvex-host-tools ${exact}")
 set(CPACK_DEBIAN_HOST-TOOLS_PACKAGE_RECOMMENDS "orvex-service ${exact}")
-set(CPACK_DEBIAN_HOST-TOOLS_PACKAGE_SUGGESTS gnuplot-nox)
 set(CPACK_DEBIAN_DEV_PACKAGE_ARCHITECTURE all)
 set(CPACK_DEBIAN_DEV_PACKAGE_DEPENDS "cmake, libboost-dev, libgmock-dev, libgtest-dev, libefl-all-dev, libjsoncpp-dev, pkg-config")
 # The service plays by libasound, whose plug-in for PipeWire is in pipewire-alsa.

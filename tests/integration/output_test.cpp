@@ -118,7 +118,7 @@ TEST_F(OutputOfSweep, IsNeitherARecordingNorTheOtherOutputNorADevice) {
            {{"--csv", PathOf("noise.wav"), "--recording", PathOf("noise.wav")}, "noise.wav: the same file as "},
            {{"--csv", PathOf("new.svg"), "--plot", PathOf("./new.svg")}, "new.svg: the same file as "},
            {{"--csv", Device()}, "device: no regular file, expected one or a new name"},
-           {{"--plot", PathOf("new.jpg")}, "new.jpg: expected a name that ends in .svg or .png"},
+           {{"--plot", PathOf("new.jpg")}, "new.jpg: expected a name that ends in .svg"},
            {{"--csv", "/nonexistent/rooms.csv"}, "rooms.csv: cannot be written: No such file or directory"}}) {
     const ToolRun run = Sweep(arguments);
     EXPECT_EQ("exit code 2", Describe(run.ending));

@@ -73,10 +73,7 @@ void DefineOptions(Program& program, Arguments& arguments) {
               "WAV files of one channel, for --disturbance recording");
   program.Add("--csv", arguments.csv, value::File(),
               "write one line per room to FILE; -: to standard output, and the table to standard error");
-  program
-      .Add("--plot", arguments.plot, value::File(),
-           "draw figures into FILE, an SVG or PNG by its ending; needs gnuplot; not with --fine")
-      .NotWith(fine);
+  program.Add("--plot", arguments.plot, value::File(), "draw figures into FILE, an SVG; not with --fine").NotWith(fine);
 }
 
 // Tried before the work begins.
@@ -104,7 +101,8 @@ void Write(const Outputs& outputs, const Arguments& arguments, const Plan& plan,
     outputs.csv->Write([&](std::ostream& out) { WriteCsv(out, plan, result); });
   }
   if (outputs.plot && result.IsComplete()) {
-    outputs.plot->Write([&](std::ostream& out) { DrawFigures(out, *arguments.plot, plan, result); });
+    const SweepCommand command{arguments.axes, arguments.options.rooms, arguments.seed, arguments.recordings};
+    outputs.plot->Write([&](std::ostream& out) { DrawFigures(out, command, plan, result); });
   }
 }
 

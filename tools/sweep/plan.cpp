@@ -54,6 +54,14 @@ const std::string& Plan::Text(Axis axis, std::size_t row) const {
   return m_Axes[axis].Text(Position(axis, row));
 }
 
+std::string Plan::Name(const std::vector<Axis>& axes, std::size_t row) const {
+  std::string name;
+  for (const Axis axis : axes) {
+    name += (name.empty() ? "" : ", ") + std::string(AxisKinds()[axis].name) + " " + Text(axis, row);
+  }
+  return name;
+}
+
 RoomValues Plan::Draw(std::size_t row, std::size_t room) const {
   RoomValues values{};
   std::mt19937_64 random = MakeRandom(m_Seed, room, 0);

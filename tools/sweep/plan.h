@@ -39,6 +39,8 @@ public:
   // Axes that have several rows, and what they are in one row.
   std::vector<Axis> ListedAxes() const;
   const std::string& Text(Axis axis, std::size_t row) const;
+  // "tone-db 46, rt60-s 0.4": what some axes are in one row; empty without an axis.
+  std::string Name(const std::vector<Axis>& axes, std::size_t row) const;
 
   // Room `room` is the same in every row, but for what the row says; the reflections of a row that has fewer are the
   // first of another's.

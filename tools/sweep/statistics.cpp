@@ -52,6 +52,19 @@ void SummariseReadings(const std::vector<RoomResult>& results, Statistics& stati
 
 }  // namespace
 
+// E. B. Wilson, Probable Inference, the Law of Succession, and Statistical Inference, 1927.
+ShareInterval WilsonInterval(double percent, std::size_t rooms) {
+  if (rooms == 0) {
+    return {0.0, 100.0};
+  }
+  constexpr double kZ = 1.959964;  // 95 % of a normal distribution lie within so many standard deviations
+  const double share = percent / 100.0;
+  const double spread = kZ * kZ / static_cast<double>(rooms);
+  const double middle = (share + spread / 2.0) / (1.0 + spread);
+  const double half = std::sqrt(spread * std::max(share * (1.0 - share), 0.0) + spread * spread / 4.0) / (1.0 + spread);
+  return {100.0 * std::max(middle - half, 0.0), 100.0 * std::min(middle + half, 1.0)};
+}
+
 Statistics Summarise(const std::vector<RoomResult>& results) {
   Statistics statistics;
   statistics.rooms = results.size();

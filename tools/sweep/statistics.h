@@ -53,6 +53,14 @@ struct Statistics {
   double halfWidthMs = 0.0;  // median
 };
 
+// Between which shares of all rooms there are the true one lies with 95 % confidence, by Wilson's score interval, when
+// `percent` of `rooms` rooms were hit. Also where none or all of them were, it has a width.
+struct ShareInterval {
+  double lowPercent;
+  double highPercent;
+};
+ShareInterval WilsonInterval(double percent, std::size_t rooms);
+
 Statistics Summarise(const std::vector<RoomResult>& results);
 
 }  // namespace orvex::tools

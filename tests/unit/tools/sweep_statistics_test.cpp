@@ -70,5 +70,17 @@ TEST(SweepStatistics, IsAllZeroWithoutARoom) {
   EXPECT_EQ(0.0, Summarise({}).rmsMs);
 }
 
+// Against tables of the score interval.
+TEST(SweepStatistics, KnowsHowSureAShareIs) {
+  const auto check = [](double low, double high, const ShareInterval& interval) {
+    EXPECT_NEAR(low, interval.lowPercent, 0.005);
+    EXPECT_NEAR(high, interval.highPercent, 0.005);
+  };
+  check(40.38, 59.62, WilsonInterval(50.0, 100));
+  check(0.0, 27.75, WilsonInterval(0.0, 10));
+  check(72.25, 100.0, WilsonInterval(100.0, 10));
+  check(0.0, 100.0, WilsonInterval(0.0, 0));
+}
+
 }  // namespace
 }  // namespace orvex::tools
