@@ -2,8 +2,11 @@
 #include "sweep/plot.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
+#include <algorithm>
 #include <filesystem>
+#include <iterator>
 #include <stdexcept>
 
 #include "sweep/plot_drawing.h"
@@ -24,6 +27,48 @@ std::string Quoted(const std::string& word) {
     quoted += c == '\'' ? "'\\''" : std::string(1, c);
   }
   return "'" + quoted + "'";
+}
+
+std::vector<std::string> Words(const SweepCommand& command) {
+  std::vector<std::string> words{"orvex-sweep", "--rooms", std::to_string(command.rooms), "--seed",
+                                 std::to_string(command.seed)};
+  for (const auto& [axis, value] : command.axes) {
+    const AxisKind& kind = AxisKinds()[axis];
+    if (value == kind.byDefault) {
+      continue;
+    }
+    words.push_back(std::string("--") + kind.name);
+    if (value[0] == '-') {
+      words.back() += '=' + value;  // else it would be taken for an option
+    } else {
+      words.push_back(value);
+    }
+  }
+  if (!command.recordings.empty()) {
+    words.emplace_back("--recording");
+    std::transform(command.recordings.begin(), command.recordings.end(), std::back_inserter(words), Quoted);
+  }
+  return words;
+}
+
+// Lines that a shell puts together again.
+std::vector<std::string> SplitForAShell(const std::vector<std::string>& words) {
+  std::vector<std::string> lines(1);
+  for (const std::string& word : words) {
+    const std::string begin = lines.back().empty() ? "" : " ";
+    if (!begin.empty() && lines.back().size() + word.size() + 3 > kPlotLineLength) {
+      lines.back() += " \\";
+      lines.push_back(word);
+    } else {
+      lines.back() += begin + word;
+    }
+    while (lines.back().size() + 2 > kPlotLineLength) {
+      const std::string rest = lines.back().substr(kPlotLineLength - 2);
+      lines.back().replace(kPlotLineLength - 2, std::string::npos, "\\");
+      lines.push_back(rest);
+    }
+  }
+  return lines;
 }
 
 std::string Title(const Plan& plan) {
@@ -55,24 +100,15 @@ std::string Description(const Plan& plan, const SweepResult& result) {
 }  // namespace
 
 std::string Text(const SweepCommand& command) {
-  std::string text = fmt::format("orvex-sweep --rooms {} --seed {}", command.rooms, command.seed);
-  for (const auto& [axis, value] : command.axes) {
-    const AxisKind& kind = AxisKinds()[axis];
-    if (value != kind.byDefault) {
-      // A value that begins with "-" is not taken for an option.
-      text += fmt::format(" --{}{}{}", kind.name, value[0] == '-' ? '=' : ' ', value);
-    }
-  }
-  for (const std::string& recording : command.recordings) {
-    text += (&recording == &command.recordings.front() ? " --recording " : " ") + Quoted(recording);
-  }
-  return text;
+  return fmt::format("{}", fmt::join(Words(command), " "));
 }
 
 void DrawFigures(std::ostream& out, const SweepCommand& command, const Plan& plan, const SweepResult& result) {
   PlotDrawing drawing;
   drawing.AddLines("heading", Title(plan));
-  drawing.AddLines("command", Text(command));
+  for (const std::string& line : SplitForAShell(Words(command))) {
+    drawing.AddLine("command", line);
+  }
   drawing.AddLines("soft",
                    fmt::format("Rooms: {}{}. Seed: {}.", command.rooms,
                                plan.Rows() == 1 ? "" : fmt::format(" in each of {} rows", plan.Rows()), command.seed));

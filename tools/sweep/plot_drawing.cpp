@@ -12,6 +12,8 @@
 namespace orvex::tools {
 namespace {
 
+static_assert(kPlotLineLength * kCharacterWidth <= kPictureWidth - 2.0 * kPlotMargin);
+
 const char kPlotStyle[] = R"(
 svg { display: block; width: 100%; min-width: 860px; max-width: 1160px; height: auto; margin: 0 auto; }
 text { font: 14px system-ui, "DejaVu Sans", sans-serif; fill: var(--ink-soft); }
@@ -57,11 +59,14 @@ void PlotDrawing::AddText(double x, double y, const std::string& style, const st
   m_Svg += fmt::format("<text class='{}' x='{:.1f}' y='{:.1f}'>{}</text>\n", style, x, y, Escaped(text));
 }
 
+void PlotDrawing::AddLine(const std::string& style, const std::string& line) {
+  Skip(kPlotTextHeight);
+  AddText(kPlotMargin, m_Bottom - 5.0, style, line);
+}
+
 void PlotDrawing::AddLines(const std::string& style, const std::string& text) {
-  constexpr auto kLength = static_cast<std::size_t>((kPictureWidth - 2.0 * kPlotMargin) / kCharacterWidth);
-  for (const std::string& line : SplitIntoLines(text, kLength)) {
-    Skip(kPlotTextHeight);
-    AddText(kPlotMargin, m_Bottom - 5.0, style, line);
+  for (const std::string& line : SplitIntoLines(text, kPlotLineLength)) {
+    AddLine(style, line);
   }
 }
 

@@ -1,6 +1,7 @@
 // The page that the figures of a sweep are drawn on, from the top down.
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 namespace orvex::tools {
@@ -8,6 +9,7 @@ namespace orvex::tools {
 // In the units of the view box, whose width is kPictureWidth.
 constexpr double kPlotMargin = 14.0;
 constexpr double kPlotTextHeight = 20.0;
+constexpr std::size_t kPlotLineLength = 116;  // characters between the margins
 
 class PlotDrawing {
 public:
@@ -16,7 +18,8 @@ public:
   double Bottom() const { return m_Bottom; }
 
   void AddText(double x, double y, const std::string& style, const std::string& text);
-  // At the left margin, below what there is; a long text takes several lines.
+  // At the left margin, below what there is. AddLines() gives a long text several lines.
+  void AddLine(const std::string& style, const std::string& line);
   void AddLines(const std::string& style, const std::string& text);
   void AddPath(const std::string& style, const std::string& path);
   void AddFrame(double x, double y, double width, double height);

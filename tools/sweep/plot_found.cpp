@@ -22,7 +22,7 @@ constexpr double kFoundRight = kPictureWidth - kPlotMargin;
 constexpr double kFoundHeight = 240.0;
 constexpr Span kShownPercent{-4.0, 104.0};  // leaves room for marks at 0 and 100
 constexpr double kFoundPadding = 36.0;      // left of the first value, and right of the last one
-constexpr double kBesideLine = 6.0;         // lines are so much apart, so that none hides another's bars
+constexpr double kBesideLine = 8.0;         // lines are so much apart, so that none hides another's bars
 constexpr double kSampleWidth = 40.0;       // of a line, in the legend
 
 struct LineStyle {

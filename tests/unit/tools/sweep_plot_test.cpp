@@ -120,6 +120,23 @@ TEST(SweepPlot, NamesACommandThatAShellReadsAsItWasMeant) {
       Text(command));
 }
 
+TEST(SweepPlot, SplitsALongCommandSoThatAShellPutsItTogetherAgain) {
+  std::string tones = "30";
+  for (int tone = 31; tone < 90; ++tone) {
+    tones += "," + std::to_string(tone);
+  }
+  const PlottedSweep sweep({{axis::kToneDb, tones}, {axis::kRt60S, "0.25"}}, {FoundRoom(1.0)});
+  std::string together;
+  std::size_t lines = 0;
+  for (const Element& line : WithClass(ReadMarkup(sweep.Draw()), "command")) {
+    EXPECT_LE(line.text.size(), 116u);
+    together += line.text + "\n";
+    ++lines;
+  }
+  EXPECT_EQ(3u, lines);
+  EXPECT_EQ(Text(sweep.command) + "\n", std::regex_replace(together, std::regex("\\\\\n"), ""));
+}
+
 TEST(SweepPlot, DrawsTheShareFoundFromLeftToRightWithBarsOfConfidence) {
   const auto elements = ReadMarkup(TwoLevels().Draw());
   const auto marks = WithClass(elements, "mark");
