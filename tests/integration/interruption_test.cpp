@@ -119,7 +119,7 @@ void ExpectNothingLeft(const TemporaryRun& run) {
 
 // The service has gone through its destroy step and was not killed.
 void ExpectServiceEndedInOrder(const TemporaryRun& run) {
-  EXPECT_THAT(run.ReadErrors(), HasSubstr("> \033[32mDestroy"));
+  EXPECT_THAT(run.ReadErrors(), HasSubstr("> Destroy"));
   EXPECT_THAT(run.ReadErrors(), Not(HasSubstr("the service ")));
 }
 

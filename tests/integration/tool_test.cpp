@@ -14,6 +14,7 @@ namespace {
 using testing::ContainsRegex;
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::Not;
 
 constexpr int kRuns = 20;
 constexpr int kBaseMs = 350;  // more than any difference here: nothing is cut off at 0
@@ -141,6 +142,37 @@ TEST(Tool, RunsOnATelevisionThatIsKept) {
   EXPECT_EQ("{device=Somebody|1;source=1;videoinfo=tv|6|60;codec=0}", json["events"][0]["value"].asString());
   EXPECT_THAT(json["events"][2]["value"].asString(), HasSubstr("terminate=done"));
   EXPECT_THAT(RunTool({"events", "--tv", directory}).output, HasSubstr("{device=Somebody|1;"));
+}
+
+struct StandardInputCase {
+  std::string input;
+  std::string command;
+  const char* output;  // part of it, or of stderr
+};
+
+// What a file can hold can come through a pipe.
+TEST(Tool, ReadsStandardInputWhereverAFileIsNamed) {
+  const TestTelevision folder;
+  folder.WriteFile("input.json", R"({"tv": {"latency_ms": "long"}})");
+  folder.WriteFile("faults", R"({"voice.begin": -5})");
+  folder.WriteFile("message", "{\n}\n");
+  ASSERT_EQ("exit code 0", Describe(RunProgram(ORVEX_TESTSOUND_PROGRAM, {folder.PathOf("sound.wav").string()}).ending));
+  const std::string directory = folder.GetDirectory().string();
+  const StandardInputCase rows[] = {
+      {"input.json", ORVEX_TV_PROGRAM " run --room -", "-: \"tv.latency_ms\" is \"long\""},
+      {"faults", ORVEX_TV_PROGRAM " run --faults -", "-: \"voice.begin\": -5: expected a known operation"},
+      {"message", ORVEX_TV_PROGRAM " send --tv " + directory + " -", "messages.sock: no service listens"},
+      {"sound.wav", ORVEX_TESTSOUND_PROGRAM " --check -", "-: fit\n"},
+      {"faults", ORVEX_TESTSOUND_PROGRAM " --check -", "-: "},
+      {"sound.wav", ORVEX_SWEEP_PROGRAM " --rooms 1 --disturbance recording --recording -", "-: 2 channels of "},
+      {"sound.wav", ORVEX_REPLAY_PROGRAM " -", "-: 2 channels, expected 1"},
+  };
+  for (const StandardInputCase& row : rows) {
+    const ToolRun run =
+        RunProgram("/bin/sh", {"-c", "cat '" + folder.PathOf(row.input).string() + "' | " + row.command});
+    EXPECT_THAT(run.output + run.errors, HasSubstr(row.output)) << row.command;
+    EXPECT_THAT(run.output + run.errors, Not(HasSubstr("/proc/"))) << row.command;
+  }
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 #include <fmt/core.h>
 
 #include <chrono>
-#include <cstdio>
 #include <memory>
 #include <optional>
 #include <string>
@@ -16,6 +15,7 @@
 #include "pc/last_calibration.h"
 #include "pc/sound_report.h"
 #include "pipewire/client/delay_node.h"
+#include "run/log_colours.h"
 
 namespace orvex::tools {
 namespace {
@@ -52,12 +52,11 @@ Calibration CalibrateThisComputer(const CalibrateArguments& arguments, RunSignal
   Calibration result;
   try {
     Computer computer(pipewire::ReadPcConfig(pipewire::PcConfigFile()),
-                      FindService(arguments.service, "orvex-service-pc"), signals,
-                      {show, [&](const std::string& line) {
-                         if (arguments.verbose) {
-                           std::fprintf(stderr, "%s\n", line.c_str());
-                         }
-                       }});
+                      FindService(arguments.service, "orvex-service-pc"), signals, {show, [&](const std::string& line) {
+                                                                                      if (arguments.verbose) {
+                                                                                        PrintLogLine(line);
+                                                                                      }
+                                                                                    }});
     computer.Check();
     CalibrationOptions options;
     options.coarse = arguments.coarse;

@@ -8,26 +8,12 @@
 #include <fmt/core.h>
 
 #include "orvex/platform/remote_voice.h"
+#include "run/log_colours.h"
 
 namespace orvex::tools {
 namespace {
 
 constexpr double kLoggedResolutionS = 0.0001;  // four digits
-
-std::string WithoutColours(const std::string& line) {
-  std::string text;
-  for (std::size_t n = 0; n < line.size(); ++n) {
-    if (line[n] != '\033') {
-      text += line[n];
-      continue;
-    }
-    n = line.find('m', n);
-    if (n == std::string::npos) {
-      break;
-    }
-  }
-  return text;
-}
 
 // What follows "file: function(line) > ".
 std::optional<std::string> MessageOf(const std::string& text) {

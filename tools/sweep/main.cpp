@@ -3,10 +3,12 @@
 #include <iostream>
 #include <map>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <thread>
 
 #include "options/program.h"
+#include "output/input_file.h"
 #include "output/output_file.h"
 #include "progress/interruption.h"
 #include "progress/progress.h"
@@ -70,7 +72,7 @@ void DefineOptions(Program& program, Arguments& arguments) {
   program.Add("--jobs", options.jobs, value::WholeNumber("N", 1, 1024),
               "rooms at a time; the results do not depend on it");
   program.Add("--recording", arguments.recordings, value::File(),
-              "WAV files of one channel, for --disturbance recording");
+              "WAV files of one channel, for --disturbance recording; -: standard input");
   program.Add("--csv", arguments.csv, value::File(),
               "write one line per room to FILE; -: to standard output, and the table to standard error");
   program.Add("--plot", arguments.plot, value::File(), "draw figures into FILE, an SVG; not with --fine").NotWith(fine);
@@ -106,10 +108,19 @@ void Write(const Outputs& outputs, const Arguments& arguments, const Plan& plan,
   }
 }
 
+Sound ReadRecordedSound(const std::string& path) {
+  const InputFile file(path);
+  try {
+    return ReadSound(file.Path());
+  } catch (const std::runtime_error& problem) {
+    throw std::runtime_error(file.Named(problem.what()));
+  }
+}
+
 int Sweep(Arguments& arguments) {
   const Outputs outputs(arguments);
   for (const std::string& file : arguments.recordings) {
-    arguments.options.recordings.push_back(ReadSound(file));
+    arguments.options.recordings.push_back(ReadRecordedSound(file));
   }
   const Plan plan(arguments.axes, arguments.seed);
   const Interruption interruption;

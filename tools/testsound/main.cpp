@@ -1,11 +1,14 @@
 // orvex-testsound: writes the test sound, or checks whether a file is fit to be one.
+#include <algorithm>
 #include <cstdio>
 #include <string>
 #include <vector>
 
 #include "options/program.h"
+#include "output/input_file.h"
 #include "testsound/checker.h"
 #include "testsound/generator.h"
+#include "testsound/wave_file.h"
 
 namespace {
 
@@ -22,8 +25,9 @@ struct Arguments {
 
 void DefineOptions(Program& program, Arguments& arguments) {
   SoundDesign& design = arguments.design;
-  Option& check = program.Add("--check", arguments.check, value::File(),
-                              "say whether FILE is fit, and why not; cannot be combined with another option");
+  Option& check =
+      program.Add("--check", arguments.check, value::File(),
+                  "say whether FILE is fit, and why not; -: standard input; cannot be combined with another option");
   const auto add = [&](const char* name, auto& value, const ValueKind& kind, const char* text) {
     program.Add(name, value, kind, text).NotWith(check);
   };
@@ -45,8 +49,20 @@ int Report(const std::vector<std::string>& reasons) {
   return reasons.empty() ? kFit : kUnfit;
 }
 
+std::vector<std::string> ReasonsOf(const std::string& path) {
+  const InputFile file(path);
+  try {
+    std::vector<std::string> reasons = CheckFile(file.Path());
+    std::transform(reasons.begin(), reasons.end(), reasons.begin(),
+                   [&](const std::string& reason) { return file.Named(reason); });
+    return reasons;
+  } catch (const WaveFileError& problem) {
+    throw WaveFileError(file.Named(problem.what()));
+  }
+}
+
 int Check(const std::string& path) {
-  const int result = Report(CheckFile(path));
+  const int result = Report(ReasonsOf(path));
   std::printf("%s: %s\n", path.c_str(), result == kFit ? "fit" : "not fit");
   return result;
 }

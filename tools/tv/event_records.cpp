@@ -14,6 +14,7 @@
 
 #include <json/reader.h>
 
+#include "linux/json_text.h"
 #include "linux/printable_text.h"
 #include "options/errors.h"
 #include "run/file_descriptor.h"
@@ -103,6 +104,14 @@ EventRecords ReadEventRecords(const std::string& path) {
     }
   }
   return events;
+}
+
+std::string EventLines(const std::vector<Json::Value>& records) {
+  std::string lines;
+  for (const Json::Value& record : records) {
+    lines += port::CompactJson(record) + "\n";
+  }
+  return lines;
 }
 
 std::string EventTable(const std::vector<Json::Value>& records) {

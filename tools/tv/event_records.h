@@ -16,6 +16,9 @@ struct EventRecords {
 // A missing file has no records. Throws CommandError when `path` is no regular file or cannot be read.
 EventRecords ReadEventRecords(const std::string& path);
 
+// Each record on a line of its own.
+std::string EventLines(const std::vector<Json::Value>& records);
+
 // The records as a table with a heading line; every cell is one line of printable text.
 std::string EventTable(const std::vector<Json::Value>& records);
 

@@ -5,9 +5,9 @@
 #include <string>
 #include <system_error>
 
-#include "linux/json_text.h"
 #include "linux/small_files.h"
 #include "options/errors.h"
+#include "tv/event_records.h"
 
 namespace orvex::tools {
 namespace {
@@ -38,14 +38,6 @@ std::string TailOf(const fs::path& file, std::uintmax_t start) {
   std::ostringstream tail;
   tail << in.rdbuf();
   return tail.str();
-}
-
-std::string LinesOf(const std::vector<Json::Value>& records) {
-  std::string lines;
-  for (const Json::Value& record : records) {
-    lines += port::CompactJson(record) + "\n";
-  }
-  return lines;
 }
 
 }  // namespace
@@ -87,7 +79,7 @@ void KeptFolder::Fill(const fs::path& folder, const RunTelevision& television, s
                       RunSummary& summary) const {
   MoveDebugFiles(folder, summary.report);
   port::ReplaceFile(folder / "service.log", TailOf(television.LogFile(), logStart));
-  port::ReplaceFile(folder / "events.jsonl", LinesOf(summary.events));
+  port::ReplaceFile(folder / "events.jsonl", EventLines(summary.events));
   fs::copy_file(television.RoomFile(), folder / "room.json");
   if (fs::exists(television.FaultsFile())) {
     fs::copy_file(television.FaultsFile(), folder / "faults.json");

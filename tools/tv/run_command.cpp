@@ -14,6 +14,7 @@
 #include "linux/json_text.h"
 #include "options/errors.h"
 #include "output/standard_output.h"
+#include "run/log_colours.h"
 #include "run/run_signals.h"
 #include "tv/commands.h"
 #include "tv/heard_report.h"
@@ -112,7 +113,7 @@ private:
   RunWatcher Watcher() {
     const auto onLine = [this](const std::string& line) {
       if (m_Arguments.verbose) {
-        std::fprintf(stderr, "%s\n", line.c_str());
+        PrintLogLine(line);
       }
       return !m_Out.HasFailed();
     };

@@ -8,6 +8,7 @@
 #include "tv/commands.h"
 #include "tv/message_client.h"
 #include "tv/television_option.h"
+#include "tv/text_files.h"
 
 namespace orvex::tools {
 namespace {
@@ -35,11 +36,22 @@ bool IsError(const std::string& reply) {
   }
 }
 
+// From standard input it may be written on several lines.
+std::string MessageOf(const std::string& argument) {
+  if (argument != kStandardInput) {
+    CheckMessage(argument);
+    return argument;
+  }
+  const std::string text = ReadTextFile(kStandardInput);
+  CheckMessage(text);
+  return port::CompactJson(port::ParseJson(text));
+}
+
 void Send(const SendArguments& arguments) {
-  CheckMessage(arguments.message);
+  const std::string message = MessageOf(arguments.message);
   const auto timeout = std::chrono::milliseconds(static_cast<std::int64_t>(arguments.timeoutS * 1000.0));
   const std::string path = TelevisionOf(arguments.directory).PathOf("messages.sock").string();
-  const std::string reply = ExchangeMessage(path, arguments.message, timeout);
+  const std::string reply = ExchangeMessage(path, message, timeout);
   std::printf("%s\n", reply.c_str());
   if (IsError(reply)) {
     throw CommandError(path + ": the reply is an error");
@@ -52,7 +64,8 @@ void AddSendCommand(Command& program) {
   const auto arguments = std::make_shared<SendArguments>();
   Command& command = program.AddCommand("send", "send a message to the running service and print the reply");
   AddTelevisionOption(command, arguments->directory);
-  command.Add("JSON", arguments->message, value::Text("JSON"), "the message, one line").Required();
+  command.Add("JSON", arguments->message, value::Text("JSON"), "the message, one line; -: from standard input")
+      .Required();
   command.Add("--timeout", arguments->timeoutS, value::Number("S", 0.001, 3600.0), "longest wait for the reply");
   command.AddExample(R"(orvex-tv send --tv /tmp/mytv '{"type": "request", "body": {"command": "stop"}}')");
   command.SetAction([=] {

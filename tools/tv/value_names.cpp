@@ -1,4 +1,4 @@
-// A name is taken when it is one part of exactly one value's path.
+// A name is taken when it is one part of exactly one value's path, or else the end of one.
 #include "tv/value_names.h"
 
 #include <algorithm>
@@ -13,9 +13,32 @@
 namespace orvex::tools {
 namespace {
 
+// Shorter ones would be hit by mistake.
+constexpr std::size_t kShortestEnd = 4;
+
 bool HasPart(const std::string& path, const std::string& part) {
   const std::filesystem::path parts(path);
   return std::find(parts.begin(), parts.end(), std::filesystem::path(part)) != parts.end();
+}
+
+bool HasEnd(const std::string& path, const std::string& end) {
+  return end.size() >= kShortestEnd && path.size() >= end.size() &&
+         path.compare(path.size() - end.size(), end.size(), end) == 0;
+}
+
+std::vector<std::string> ValuesMeant(const std::string& name) {
+  for (const auto has : {HasPart, HasEnd}) {
+    std::vector<std::string> meant;
+    for (const std::string& value : ValueNames()) {
+      if (has(value, name)) {
+        meant.push_back(value);
+      }
+    }
+    if (!meant.empty()) {
+      return meant;
+    }
+  }
+  return {};
 }
 
 // More are not chosen from a list.
@@ -37,13 +60,10 @@ std::string FullValueName(const std::string& name) {
   }
   const std::vector<std::string> all = ValueNames();
   std::vector<std::string> parts = all;
-  std::vector<std::string> meant;
+  const std::vector<std::string> meant = ValuesMeant(name);
   for (const std::string& value : all) {
     for (const std::filesystem::path& part : std::filesystem::path(value)) {
       parts.push_back(part.string());
-    }
-    if (HasPart(value, name)) {
-      meant.push_back(value);
     }
   }
   if (meant.size() == 1) {

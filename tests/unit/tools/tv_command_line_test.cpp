@@ -1,5 +1,7 @@
 // orvex-tv as it is called: what it prints and its exit codes.
 #include <filesystem>
+#include <map>
+#include <sstream>
 #include <string>
 
 #include <gmock/gmock.h>
@@ -47,6 +49,38 @@ TEST_F(TvCommandLine, ListsEveryValueWithItsMeaning) {
   EXPECT_THAT(list.out, testing::ContainsRegex("delay/spdif +77 ms +0\\.\\.4294967295 +delay of the optical output"));
   EXPECT_THAT(list.out, testing::ContainsRegex("tv/brand +\\(missing\\)"));
   EXPECT_THAT(list.out, testing::ContainsRegex("sound/volume +\\(unreadable\\)"));
+}
+
+TEST_F(TvCommandLine, PrintsValuesAsJson) {
+  Call({"set", "--tv", m_Tv.c_str(), "delay", "77"});
+  std::filesystem::remove(m_Tv + "/tv/brand");
+  const Json::Value get = port::ParseJson(Call({"get", "--tv", m_Tv.c_str(), "--json", "delay"}).out);
+  EXPECT_EQ("delay/spdif", get["name"].asString());
+  EXPECT_EQ(77, get["value"].asInt());
+  EXPECT_EQ("ms", get["unit"].asString());
+  EXPECT_EQ(4294967295, get["maximum"].asInt64());
+  std::istringstream lines(Call({"list", "--tv", m_Tv.c_str(), "--json"}).out);
+  std::map<std::string, Json::Value> values;
+  for (std::string line; std::getline(lines, line);) {
+    const Json::Value value = port::ParseJson(line);
+    values[value["name"].asString()] = value;
+  }
+  EXPECT_EQ(77, values["delay/spdif"]["value"].asInt());
+  EXPECT_TRUE(values["tv/brand"]["value"].isNull());
+  EXPECT_THAT(values["tv/brand"]["problem"].asString(), HasSubstr("does not exist"));
+}
+
+TEST_F(TvCommandLine, SaysWhyThereAreNoRecordsWhileTheUserHasNotAgreed) {
+  Call({"set", "--tv", m_Tv.c_str(), "delay", "77"});
+  const TvOutcome none = Call({"events", "--tv", m_Tv.c_str(), "--json"});
+  EXPECT_EQ("", none.out);
+  EXPECT_EQ("orvex-tv: no records are collected, as the user has not agreed; orvex-tv set --tv " + m_Tv +
+                " agree 1 does that\n",
+            none.error);
+  Call({"set", "--tv", m_Tv.c_str(), "agree", "1"});
+  EXPECT_EQ("", Call({"events", "--tv", m_Tv.c_str()}).error);
+  m_Folder.Write("tv/events.jsonl", "{\"event\": \"ORVEXENV\"}\n");
+  EXPECT_EQ("{\"event\":\"ORVEXENV\"}\n", Call({"events", "--tv", m_Tv.c_str(), "--json"}).out);
 }
 
 TEST_F(TvCommandLine, PrintsRecordsAndNamesTheLinesThatAreNone) {
@@ -159,6 +193,12 @@ TEST_F(TvCommandLine, ShowsTheRunAndOnRequestTheLog) {
   EXPECT_EQ("", quiet.error);
   const TvOutcome verbose = Call({"run", "--verbose", "--service", service.c_str()});
   EXPECT_EQ("A.cpp: f(1) > completed ambient noise\n", verbose.error);
+}
+
+// What takes standard error here is no terminal.
+TEST_F(TvCommandLine, ShowsTheLogWithoutItsColours) {
+  const std::string service = Service("printf 'A.cpp: f(1) > \\033[32mDestroy\\033[0m\\n'\n");
+  EXPECT_EQ("A.cpp: f(1) > Destroy\n", Call({"run", "--verbose", "--service", service.c_str()}).error);
 }
 
 }  // namespace

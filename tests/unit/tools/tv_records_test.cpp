@@ -27,6 +27,13 @@ TEST(FullValueName, AcceptsFullNamesAndAnyPartThatOnlyOneHas) {
   EXPECT_EQ("settings/db/any/key", FullValueName("settings/db/any/key"));
 }
 
+TEST(FullValueName, AcceptsTheEndOfANameThatOnlyOneHasFromFourLettersOn) {
+  EXPECT_EQ("settings/db/menu/tessar/homedatacontrol/defaultdisclaimeragree", FullValueName("agree"));
+  EXPECT_EQ("settings/db/device-detector-service/optical_change_flag", FullValueName("change_flag"));
+  EXPECT_EQ("tv/hdmi_inputs", FullValueName("puts"));
+  EXPECT_THROW(FullValueName("uts"), UsageError);
+}
+
 std::string Refusal(const std::string& name) {
   try {
     return "accepted as " + FullValueName(name);
