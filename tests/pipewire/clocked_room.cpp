@@ -120,7 +120,9 @@ ClockedRoom::ClockedRoom(const ClockedRoomDesign& design)
   constexpr std::size_t kDelayLinks = 8;
   RequireInRoom(m_Client->WaitForLinks(kDelayLinks), "the links of orvex-delay");
   if (design.isProgrammePlaying) {
-    MakeStriker();
+    // For 6 s: cards that have just begun wander against each other.
+    constexpr std::size_t kUntilSettled = 100;
+    RequireInRoom(MeasureDifferencesMs(kUntilSettled).size() == kUntilSettled, "the programme");
   }
 }
 

@@ -18,7 +18,7 @@ struct ClockedRoomDesign {
   CardDesign reference;
   CardDesign delayed;
   CardDesign microphone;
-  bool isProgrammePlaying = true;  // else the outputs rest until something is to be measured
+  bool isProgrammePlaying = true;  // for a while; else the outputs rest until something is to be measured
 };
 
 class ClockedRoom {

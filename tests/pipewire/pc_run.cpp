@@ -25,6 +25,10 @@ PcOutcome RunPc(const PrivateDaemon& daemon, const std::vector<std::string>& arg
   return FinishPc(daemon, *StartPc(daemon, arguments), arguments.front());
 }
 
+bool SaysThatSoundWasLost(const PcOutcome& outcome) {
+  return outcome.result["reason"].asString().find("the computer was too busy and lost sound") != std::string::npos;
+}
+
 void PcTest::SetUp() {
   if (std::string(ORVEX_PIPEWIRE_PLUGIN_FILE).empty()) {
     GTEST_SKIP() << "PipeWire's plug-in for libasound is not there; script/pipewire-plugin fetches it";

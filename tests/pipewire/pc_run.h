@@ -23,6 +23,9 @@ std::unique_ptr<Process> StartPc(const PrivateDaemon& daemon, const std::vector<
 PcOutcome FinishPc(const PrivateDaemon& daemon, Process& process, const std::string& command);
 PcOutcome RunPc(const PrivateDaemon& daemon, const std::vector<std::string>& arguments);
 
+// A calibration was refused because the computer was too busy.
+bool SaysThatSoundWasLost(const PcOutcome& outcome);
+
 // Skipped without PipeWire's plug-in for libasound.
 class PcTest : public testing::Test {
 protected:
