@@ -24,6 +24,8 @@ constexpr double kCoarselyAgreesMs = kAgreesMs + kVoiceBlockMs;
 // into the delay then, and listened to again, so many times altogether.
 constexpr double kStaysMs = 0.5;
 constexpr int kListenings = 3;
+// A listening that would end later is not begun: a person waits.
+constexpr std::chrono::seconds kLimit(12);
 // The delay is set to tenths of a millisecond.
 constexpr double kStepsPerMs = 10.0;
 
@@ -40,7 +42,6 @@ public:
   Procedure(LivingRoom& room, const CalibrationOptions& options) : m_Room(room), m_Options(options) {}
 
   Calibration Run() {
-    const Clock::time_point start = Clock::now();
     try {
       m_OldMs = m_Room.GetDelayMs();
       m_Result.appliedMs = m_OldMs;
@@ -53,7 +54,7 @@ public:
     if (m_OldMs && m_Result.verdict != PcVerdict::kAligned) {
       PutBack();
     }
-    m_Result.durationS = std::chrono::duration<double>(Clock::now() - start).count();
+    m_Result.durationS = std::chrono::duration<double>(Clock::now() - m_Start).count();
     return m_Result;
   }
 
@@ -148,9 +149,13 @@ private:
 
   void Approach(double delayMs) {
     std::optional<double> nextMs = delayMs;
-    for (int n = 0; n < kListenings && nextMs; ++n) {
+    bool isInTime = true;
+    for (int n = 0; n < kListenings && nextMs && isInTime; ++n) {
+      const Clock::time_point before = Clock::now();
       ListenAgain(*nextMs, kAgreesMs, kStaysMs);
       nextMs = BetterDelayMs();
+      const Clock::time_point now = Clock::now();
+      isInTime = now + (now - before) <= m_Start + kLimit;
     }
   }
 
@@ -203,6 +208,7 @@ private:
   LivingRoom& m_Room;
   const CalibrationOptions& m_Options;
   const fine::FineReader m_Reader;
+  const Clock::time_point m_Start = Clock::now();
   std::optional<double> m_OldMs;
   Calibration m_Result;
 };
