@@ -13,6 +13,7 @@
 #include "linux/settings_files.h"
 #include "virtual/alsa_config.h"
 #include "virtual/exit_codes.h"
+#include "virtual/last_run.h"
 #include "virtual/late_main_loop.h"
 #include "virtual/television.h"
 
@@ -61,5 +62,6 @@ int AppMain(int /*argc*/, char** /*argv*/, FwEflApplication* application) {
   // Both change the environment, while there is one thread.
   port::TakeNotifySocketFromEnvironment();
   virtual_tv::ConfigureAlsa();
+  virtual_tv::BeginLastRun();
   return RunOnTelevision(television, application);
 }

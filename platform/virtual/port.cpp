@@ -7,6 +7,7 @@
 #include "linux/log_line.h"
 #include "linux/small_files.h"
 #include "linux/utc_time.h"
+#include "virtual/last_run.h"
 #include "virtual/television.h"
 
 namespace orvex::port {
@@ -18,6 +19,7 @@ void ReportProblem(const std::string& text) {
 bool WriteLogRecord(const LogRecord& record) {
   // A broken stderr is no failure: nobody reads it any more.
   static_cast<void>(WriteWhole(STDERR_FILENO, record.text));
+  virtual_tv::NoteForLastRun(record.text);
   const auto file = virtual_tv::Television::Instance().PathOf("service.log");
   return AppendLine(file, UtcNow() + " " + LogLine(record));
 }

@@ -7,6 +7,7 @@
 #include "integration/expectation.h"
 #include "integration/parallel.h"
 #include "integration/tool_run.h"
+#include "linux/json_text.h"
 
 namespace orvex::integration {
 namespace {
@@ -138,6 +139,12 @@ TEST(Tool, RunsOnATelevisionThatIsKept) {
   ASSERT_TRUE(json.isObject()) << run.output << run.errors;
   EXPECT_EQ(220, json["base_ms"].asInt());
   EXPECT_EQ(json["applied_ms"].asInt64(), television.Get("delay/spdif"));
+  const Json::Value last = port::ParseJson(television.ReadFile("last_run.json"));
+  EXPECT_EQ("done", last["terminate"].asString());
+  EXPECT_EQ("pass", last["result"].asString());
+  EXPECT_EQ(220, last["delay_before_ms"].asInt());
+  EXPECT_EQ(json["applied_ms"].asInt64(), last["delay_after_ms"].asInt64());
+  EXPECT_NEAR(1e3 * json["difference_s"].asDouble(), last["difference_ms"].asDouble(), 0.06);
   ASSERT_EQ(3U, json["events"].size());
   EXPECT_EQ("{device=Somebody|1;source=1;videoinfo=tv|6|60;codec=0}", json["events"][0]["value"].asString());
   EXPECT_THAT(json["events"][2]["value"].asString(), HasSubstr("terminate=done"));
