@@ -25,6 +25,7 @@ constexpr double kLabelGap = 10.0;
 constexpr double kTitleGap = 30.0;  // leaves room for half of the last tick's number
 constexpr double kScaleWidth = 14.0;
 constexpr double kPairLabelWidth = 90.0;
+constexpr double kBandLabelY = 34.0;   // below a pair's label
 constexpr double kMarkSpacing = 12.0;  // blocks at least this far apart are marked, too
 
 }  // namespace
@@ -93,7 +94,7 @@ void Chart::AddBand(double fromBuffer, double toBuffer, const std::string& style
       "<rect class='{}' x='{:.1f}' y='{:.1f}' width='{:.1f}' height='{:.1f}'><title>{}</title></rect>\n", style, left,
       kTop, width, m_Height, Escaped(label));
   if (width > kCharacterWidth * static_cast<double>(label.size())) {
-    AddText(left + width / 2.0, kTop + 17.0, "inside middle", label);
+    AddText(left + width / 2.0, kTop + kBandLabelY, "inside middle", label);
   }
 }
 

@@ -98,6 +98,20 @@ protected:
   const TemporaryFolder m_Folder;
 };
 
+// The service stops its recording with the second tone.
+TEST_F(ReplayPageInABrowser, ShowsTheDumpOfAGoodRunWithoutOverlaps) {
+  sim::RoomConfig room;
+  room.optical.latencyMs = room.tv.latencyMs + 100.0;
+  auto bytes = RecordInRoom(room);
+  const auto result = ReplayRecord(bytes).FindFirst(EventKind::kResult);
+  ASSERT_TRUE(result);
+  constexpr std::size_t kBufferBytes = 768 * sizeof(std::int16_t);
+  bytes.resize((static_cast<std::size_t>(result->buffer) + 1) * kBufferBytes);
+  const Json::Value seen = LookAt(PageOf(bytes), {1280}, m_Folder);
+  ExpectFlawlessPage(seen);
+  EXPECT_EQ("+99.0 ms", seen["facts"]["difference"].asString());
+}
+
 TEST_F(ReplayPageInABrowser, ShowsThePairOfAGoodRun) {
   sim::RoomConfig room;
   room.optical.latencyMs = room.tv.latencyMs + 100.0;
