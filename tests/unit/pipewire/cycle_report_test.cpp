@@ -28,21 +28,22 @@ void AddBlock(spa_pod_builder* builder, std::uint32_t key, const char* name, std
               std::int64_t signalNs = 0) {
   const spa_fraction latency{1024, 48000};
   spa_pod_builder_prop(builder, key, 0);
-  spa_pod_builder_add_struct(builder, SPA_POD_Int(7), SPA_POD_String(name), SPA_POD_Long(1), SPA_POD_Long(signalNs),
-                             SPA_POD_Long(3), SPA_POD_Long(4), SPA_POD_Int(state), SPA_POD_Fraction(&latency),
-                             SPA_POD_Int(9));
+  spa_pod_builder_add_struct(builder, SPA_POD_Int(7), SPA_POD_String(name), SPA_POD_Long(std::int64_t{1}),
+                             SPA_POD_Long(signalNs), SPA_POD_Long(std::int64_t{3}), SPA_POD_Long(std::int64_t{4}),
+                             SPA_POD_Int(state), SPA_POD_Fraction(&latency), SPA_POD_Int(9));
 }
 
 void AddCycle(spa_pod_builder* builder, const ToldCycle& cycle) {
   spa_pod_frame object{};
   spa_pod_builder_push_object(builder, &object, SPA_TYPE_OBJECT_Profiler, 0);
   spa_pod_builder_prop(builder, SPA_PROFILER_info, 0);
-  spa_pod_builder_add_struct(builder, SPA_POD_Long(1), SPA_POD_Float(0.5F), SPA_POD_Float(0.5F), SPA_POD_Float(0.5F),
-                             SPA_POD_Int(cycle.xruns));
+  spa_pod_builder_add_struct(builder, SPA_POD_Long(std::int64_t{1}), SPA_POD_Float(0.5F), SPA_POD_Float(0.5F),
+                             SPA_POD_Float(0.5F), SPA_POD_Int(cycle.xruns));
   spa_pod_builder_prop(builder, SPA_PROFILER_clock, 0);
   const spa_fraction rate{1, 48000};
   spa_pod_builder_add_struct(builder, SPA_POD_Int(0), SPA_POD_Int(5), SPA_POD_String("clock"),
-                             SPA_POD_Long(cycle.startNs), SPA_POD_Fraction(&rate), SPA_POD_Long(0), SPA_POD_Long(1024));
+                             SPA_POD_Long(cycle.startNs), SPA_POD_Fraction(&rate), SPA_POD_Long(std::int64_t{0}),
+                             SPA_POD_Long(std::int64_t{1024}));
   AddBlock(builder, SPA_PROFILER_driverBlock, cycle.driver, kDone, cycle.signalNs);
   for (const std::int32_t state : cycle.followers) {
     AddBlock(builder, SPA_PROFILER_followerBlock, "follower", state);
