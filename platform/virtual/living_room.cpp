@@ -1,22 +1,19 @@
 // Builds the room from the virtual television's files and guards it.
 #include "virtual/living_room.h"
 
-#include <sndfile.h>
-
 #include <filesystem>
 #include <stdexcept>
-#include <vector>
 
 #include "linux/no_destroy.h"
 #include "linux/port.h"
 #include "linux/small_files.h"
 #include "orvex/sim/room_json.h"
+#include "virtual/noise_file.h"
 
 namespace orvex::virtual_tv {
 namespace {
 
 constexpr std::size_t kMaximumRoomBytes = 1U << 20U;
-constexpr sf_count_t kMaximumNoiseSamples = sf_count_t{1} << 26U;  // 20 minutes of stereo at 48000 Hz
 
 std::string ReadRoomText(const std::filesystem::path& path) {
   std::string text;
@@ -29,33 +26,6 @@ std::string ReadRoomText(const std::filesystem::path& path) {
     throw std::runtime_error(path.string() + ": expected at most " + std::to_string(kMaximumRoomBytes) + " bytes");
   }
   return text;
-}
-
-struct Noise {
-  std::vector<float> samples;
-  double rateHz;
-};
-
-// The mean of the file's channels.
-Noise ReadNoise(const std::string& path) {
-  SF_INFO info{};
-  const std::unique_ptr<SNDFILE, decltype(&sf_close)> file(sf_open(path.c_str(), SFM_READ, &info), &sf_close);
-  if (!file) {
-    throw std::runtime_error("noise_file \"" + path + "\": expected a sound file: " + sf_strerror(nullptr));
-  }
-  if (info.frames <= 0 || info.frames > kMaximumNoiseSamples / info.channels) {
-    throw std::runtime_error("noise_file \"" + path + "\": " + std::to_string(info.frames) + " frames of " +
-                             std::to_string(info.channels) + " channels: expected 1 to " +
-                             std::to_string(kMaximumNoiseSamples) + " samples");
-  }
-  const auto channels = static_cast<std::size_t>(info.channels);
-  std::vector<float> interleaved(static_cast<std::size_t>(info.frames) * channels);
-  const auto frames = static_cast<std::size_t>(sf_readf_float(file.get(), interleaved.data(), info.frames));
-  Noise noise{std::vector<float>(frames), static_cast<double>(info.samplerate)};
-  for (std::size_t sample = 0; sample < frames * channels; ++sample) {
-    noise.samples[sample / channels] += interleaved[sample] / static_cast<float>(channels);
-  }
-  return noise;
 }
 
 }  // namespace
@@ -85,7 +55,7 @@ void LivingRoom::Build() {
 }
 
 void LivingRoom::LoadNoise(const std::string& file) {
-  const Noise noise = ReadNoise(file);
+  const NoiseFile noise = ReadNoiseFile(file);
   try {
     m_Room->SetNoise(noise.samples, noise.rateHz);
   } catch (const std::invalid_argument& problem) {

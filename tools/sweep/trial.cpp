@@ -36,7 +36,8 @@ public:
         m_Late(TimeOfMs(trial.lateMs)),
         m_End(kLongestRun + m_Late) {
     if (!trial.disturbance.empty()) {
-      m_Room.SetNoise(trial.disturbance, trial.room.microphoneRateHz);
+      const bool isAtOwnRate = trial.disturbanceRateHz != 0.0;
+      m_Room.SetNoise(trial.disturbance, isAtOwnRate ? trial.disturbanceRateHz : trial.room.microphoneRateHz);
     }
   }
 

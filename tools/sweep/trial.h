@@ -14,7 +14,8 @@ struct Trial {
   double lateMs = 0.0;              // delay of the main loop on each event
   bool finishedMark = true;         // the receiver's finished mark is set at the first result
   std::vector<std::int16_t> sound;  // interleaved stereo at 48000 Hz
-  std::vector<float> disturbance;   // added to the noise, at the microphone's nominal rate; full scale is 1
+  std::vector<float> disturbance;   // added to the noise; full scale is 1
+  double disturbanceRateHz = 0.0;   // 0: the microphone's nominal rate
 };
 
 enum class Ending { kFound, kNothing, kAbnormal };

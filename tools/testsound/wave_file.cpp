@@ -10,8 +10,6 @@
 
 #include <sndfile.hh>
 
-#include "testsound/sound_design.h"
-
 namespace orvex::tools {
 namespace {
 
@@ -20,7 +18,6 @@ constexpr std::size_t kRiffBytes = 12;
 constexpr std::size_t kFormatBytes = 24;  // chunk header and the 16 bytes of plain PCM
 constexpr std::size_t kDataHeaderBytes = 8;
 constexpr std::uint32_t kPlainFormatSize = 16;
-constexpr std::uint16_t kChannels = 2;
 constexpr std::uint16_t kBytesPerSample = 2;
 static_assert(kWaveHeaderBytes == kRiffBytes + kFormatBytes + kDataHeaderBytes);
 
@@ -70,17 +67,18 @@ void Append(std::string& bytes, std::uint32_t value, std::size_t width) {
   }
 }
 
-std::string Serialise(const std::vector<std::int16_t>& samples) {
+std::string Serialise(const std::vector<std::int16_t>& samples, const WaveFormat& format) {
   const auto dataSize = static_cast<std::uint32_t>(samples.size() * kBytesPerSample);
   std::string bytes = "RIFF";
   Append(bytes, dataSize + kRiffBytes - 8 + kFormatBytes + kDataHeaderBytes, 4);
   bytes += "WAVEfmt ";
   Append(bytes, kPlainFormatSize, 4);
   Append(bytes, 1, 2);  // PCM
-  Append(bytes, kChannels, 2);
-  Append(bytes, kSoundRateHz, 4);
-  Append(bytes, kSoundRateHz * kChannels * kBytesPerSample, 4);
-  Append(bytes, kChannels * kBytesPerSample, 2);
+  const std::uint32_t frameBytes = std::uint32_t{format.channels} * kBytesPerSample;
+  Append(bytes, format.channels, 2);
+  Append(bytes, format.rateHz, 4);
+  Append(bytes, format.rateHz * frameBytes, 4);
+  Append(bytes, frameBytes, 2);
   Append(bytes, 8 * kBytesPerSample, 2);
   bytes += "data";
   Append(bytes, dataSize, 4);
@@ -133,8 +131,8 @@ std::vector<std::int16_t> ReadSamples(const std::string& path) {
   return samples;
 }
 
-void WriteWaveFile(const OutputFile& file, const std::vector<std::int16_t>& samples) {
-  file.Write([&](std::ostream& out) { out << Serialise(samples); });
+void WriteWaveFile(const OutputFile& file, const std::vector<std::int16_t>& samples, const WaveFormat& format) {
+  file.Write([&](std::ostream& out) { out << Serialise(samples, format); });
 }
 
 }  // namespace orvex::tools

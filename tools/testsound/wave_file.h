@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "output/output_file.h"
+#include "testsound/sound_design.h"
 
 namespace orvex::tools {
 
@@ -35,7 +36,14 @@ WaveHeader ReadWaveHeader(const std::string& path);
 // The samples of all channels, interleaved. Throws WaveFileError when the file is no usable sound file.
 std::vector<std::int16_t> ReadSamples(const std::string& path);
 
-// Writes 48000 Hz, 2 channels, 16 bits, byte for byte the same for the same samples. Throws OutputError.
-void WriteWaveFile(const OutputFile& file, const std::vector<std::int16_t>& samples);
+struct WaveFormat {
+  std::uint32_t rateHz;
+  std::uint16_t channels;
+};
+constexpr WaveFormat kTestSoundFormat{kSoundRateHz, 2};
+
+// Writes 16 bits, byte for byte the same for the same samples. Throws OutputError.
+void WriteWaveFile(const OutputFile& file, const std::vector<std::int16_t>& samples,
+                   const WaveFormat& format = kTestSoundFormat);
 
 }  // namespace orvex::tools

@@ -31,6 +31,7 @@ int RunCommandLine(int argc, const char* const* argv) {
                   kExitFailed);
   program.SetUsageErrors(IsWrongInput);
   AddRunCommand(program);
+  AddRecordCommand(program);
   AddValueCommands(program);
   AddSendCommand(program);
   AddEventsCommand(program);

@@ -6,6 +6,7 @@
 namespace orvex::tools {
 
 void AddRunCommand(Command& program);
+void AddRecordCommand(Command& program);
 void AddValueCommands(Command& program);
 void AddSendCommand(Command& program);
 void AddEventsCommand(Command& program);

@@ -45,6 +45,8 @@ public:
   // For the service that runs on it, "NAME=value" each.
   std::vector<std::string> Environment() const;
 
+  // With the seed of the first run.
+  const sim::RoomConfig& GetRoom() const { return m_Room; }
   const virtual_tv::Television& Get() const { return m_Television; }
   std::filesystem::path EventFile() const { return m_Television.PathOf("events.jsonl"); }
   std::filesystem::path LogFile() const { return m_Television.PathOf("service.log"); }
