@@ -71,7 +71,7 @@ public:
     if (m_Arguments.times) {
       Say(m_Arguments.json ? port::CompactJson(m_Figures.ToJson()) + "\n" : m_Figures.ToText());
     }
-    if (m_Report && !m_Report->Write()) {
+    if (m_Report && !m_Report->Write() && !IsOver()) {
       PrintProblem("--report " + m_Arguments.report + ": nothing was recorded, so there is no page");
     }
     return ExitCode();

@@ -141,6 +141,16 @@ TEST_F(InterruptedRun, LeavesNothingAndSaysWhichSignalItWas) {
   }
 }
 
+TEST_F(InterruptedRun, HasNoPageAndNoFolderAndDoesNotComplainOfThat) {
+  const std::string service = ServiceWithDebugFiles("kill -INT $PPID; while :; do sleep 0.01; done\n");
+  const std::string page = m_Folder / "page.html";
+  const std::string kept = m_Folder / "kept";
+  const TvOutcome run = Call({"run", "--report", page.c_str(), "--keep", kept.c_str(), "--service", service.c_str()});
+  EXPECT_THAT(run.error, StartsWith("orvex-tv: interrupted by signal 2 ("));
+  EXPECT_FALSE(std::filesystem::exists(page));
+  EXPECT_FALSE(std::filesystem::exists(kept));
+}
+
 TEST_F(InterruptedRun, DoesNotBeginWhenTheSignalCameBefore) {
   sigset_t held;
   sigset_t before;
