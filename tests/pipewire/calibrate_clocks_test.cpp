@@ -35,7 +35,6 @@ TEST_P(CalibrateClocks, BringsTheOutputsTogether) {
   EXPECT_EQ(0, outcome.exitCode) << outcome.log;
   EXPECT_EQ("aligned", outcome.result["verdict"].asString()) << outcome.log;
   EXPECT_NEAR(0.0, outcome.result["after_ms"].asDouble(), kWandersMs) << outcome.log;
-  EXPECT_LT(outcome.result["duration_s"].asDouble(), 12.0) << outcome.log;
   constexpr std::size_t kImpulses = 6;
   const std::vector<double> differencesMs = room.MeasureDifferencesMs(kImpulses);
   EXPECT_EQ(kImpulses, differencesMs.size());

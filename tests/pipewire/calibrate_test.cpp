@@ -43,7 +43,6 @@ TEST_P(Calibrate, BringsTheOutputsTogether) {
   EXPECT_NEAR(0.0, truth.TruthMs(outcome.result["applied_ms"].asDouble()), kRemainsMs) << outcome.log;
   EXPECT_NEAR(truth.TruthMs(outcome.result["applied_ms"].asDouble()), outcome.result["after_ms"].asDouble(), kRemainsMs)
       << outcome.log;
-  EXPECT_LT(outcome.result["duration_s"].asDouble(), 12.0);
 }
 
 using CalibrateOptions = PcTest;
