@@ -117,6 +117,7 @@ TEST_F(OutputOfSweep, IsNeitherARecordingNorTheOtherOutputNorADevice) {
   for (const auto& [arguments, error] : std::vector<std::pair<std::vector<std::string>, std::string>>{
            {{"--csv", PathOf("noise.wav"), "--recording", PathOf("noise.wav")}, "noise.wav: the same file as "},
            {{"--csv", PathOf("new.svg"), "--plot", PathOf("./new.svg")}, "new.svg: the same file as "},
+           {{"--csv", "-", "--plot", "-"}, "--csv and --plot both take standard output"},
            {{"--csv", Device()}, "device: no regular file, expected one or a new name"},
            {{"--plot", PathOf("new.jpg")}, "new.jpg: expected a name that ends in .svg"},
            {{"--csv", "/nonexistent/rooms.csv"}, "rooms.csv: cannot be written: No such file or directory"}}) {
@@ -131,6 +132,10 @@ TEST_F(OutputOfSweep, IsNeitherARecordingNorTheOtherOutputNorADevice) {
 
 TEST_F(OutputOfSweep, GoesToStandardOutputWithTheTableOnStandardError) {
   const ToolRun file = Sweep({"--csv", PathOf("rooms.csv")});
+  const ToolRun figures = Sweep({"--plot", "-"});
+  EXPECT_EQ("exit code 0", Describe(figures.ending));
+  EXPECT_THAT(figures.output, testing::AllOf(testing::StartsWith("<svg"), testing::EndsWith("</svg>\n")));
+  EXPECT_THAT(figures.errors, HasSubstr("rooms"));
   const ToolRun run = Sweep({"--csv", "-"});
   EXPECT_EQ("exit code 0", Describe(run.ending));
   EXPECT_EQ(m_Folder.ReadFile("rooms.csv"), run.output);

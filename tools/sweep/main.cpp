@@ -75,7 +75,10 @@ void DefineOptions(Program& program, Arguments& arguments) {
               "WAV files of one channel, for --disturbance recording; -: standard input");
   program.Add("--csv", arguments.csv, value::File(),
               "write one line per room to FILE; -: to standard output, and the table to standard error");
-  program.Add("--plot", arguments.plot, value::File(), "draw figures into FILE, an SVG; not with --fine").NotWith(fine);
+  program
+      .Add("--plot", arguments.plot, value::File(),
+           "draw figures into FILE, an SVG; -: to standard output, and the table to standard error; not with --fine")
+      .NotWith(fine);
 }
 
 // Tried before the work begins.
@@ -93,12 +96,17 @@ struct Outputs {
       CheckFigures(*arguments.plot);
       plot.emplace(*arguments.plot, others);
     }
+    if (csv && plot && csv->IsStandardOutput() && plot->IsStandardOutput()) {
+      throw OutputError("--csv and --plot both take standard output, expected one of them");
+    }
   }
+
+  bool TakeStandardOutput() const { return (csv && csv->IsStandardOutput()) || (plot && plot->IsStandardOutput()); }
 };
 
 // An incomplete sweep is not drawn: nobody would see that from the figures.
 void Write(const Outputs& outputs, const Arguments& arguments, const Plan& plan, const SweepResult& result) {
-  WriteTable(outputs.csv && outputs.csv->IsStandardOutput() ? std::cerr : std::cout, plan, result);
+  WriteTable(outputs.TakeStandardOutput() ? std::cerr : std::cout, plan, result);
   if (outputs.csv) {
     outputs.csv->Write([&](std::ostream& out) { WriteCsv(out, plan, result); });
   }

@@ -119,7 +119,7 @@ void DrawFigures(std::ostream& out, const SweepCommand& command, const Plan& pla
 }
 
 void CheckFigures(const std::string& path) {
-  if (std::filesystem::path(path).extension() != ".svg") {
+  if (path != "-" && std::filesystem::path(path).extension() != ".svg") {
     throw std::runtime_error(path + ": expected a name that ends in .svg");
   }
 }

@@ -27,7 +27,7 @@ std::string Text(const SweepCommand& command);
 // Draws the share found, how the errors are distributed, and error over true difference.
 void DrawFigures(std::ostream& out, const SweepCommand& command, const Plan& plan, const SweepResult& result);
 
-// Throws std::runtime_error when `path` has another ending than .svg: to be known before an hour's work.
+// Throws std::runtime_error when `path` is not "-" and has another ending than .svg: to be known before an hour's work.
 void CheckFigures(const std::string& path);
 
 }  // namespace orvex::tools
