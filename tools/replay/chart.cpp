@@ -32,10 +32,11 @@ constexpr double kMarkSpacing = 12.0;  // blocks at least this far apart are mar
 
 Chart::Chart(const ChartText& text, Span buffers, double height)
     : m_Text(text), m_Buffers(buffers), m_Height(height), m_IsOfRecording(true) {
-  AddAxes({"time (s)", detector::kBufferS}, Axis{"buffer"});
+  AddAxes({"time (s)", detector::kBufferS}, ChartAxis{"buffer"});
 }
 
-Chart::Chart(const ChartText& text, Span buffers, double height, const Axis& below, const std::optional<Axis>& above)
+Chart::Chart(const ChartText& text, Span buffers, double height, const ChartAxis& below,
+             const std::optional<ChartAxis>& above)
     : m_Text(text), m_Buffers(buffers), m_Height(height), m_IsOfRecording(false) {
   AddAxes(below, above);
 }
@@ -54,7 +55,7 @@ void Chart::AddText(double x, double y, const std::string& style, const std::str
   m_Svg << fmt::format("<text x='{:.1f}' y='{:.1f}' class='{}'>{}</text>\n", x, y, style, Escaped(text));
 }
 
-void Chart::AddAxes(const Axis& below, const std::optional<Axis>& above) {
+void Chart::AddAxes(const ChartAxis& below, const std::optional<ChartAxis>& above) {
   const double bottom = kTop + m_Height;
   if (above) {
     for (const double buffer : Ticks(m_Buffers, std::max(1.0, TickStep(m_Buffers.Length(), 12.0)))) {

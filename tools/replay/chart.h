@@ -13,7 +13,7 @@
 namespace orvex::tools {
 
 // An axis below or above the plot.
-struct Axis {
+struct ChartAxis {
   std::string title;
   double perBuffer = 1.0;  // how much of what the axis counts is a buffer
 };
@@ -36,7 +36,8 @@ public:
   // A chart of something else than the recording. Where the other functions say buffers, they mean what the lower axis
   // counts divided by its `perBuffer`; the upper axis, when there is one, counts these. Where they say decibels, they
   // mean what the title of that axis says.
-  Chart(const ChartText& text, Span buffers, double height, const Axis& below, const std::optional<Axis>& above);
+  Chart(const ChartText& text, Span buffers, double height, const ChartAxis& below,
+        const std::optional<ChartAxis>& above);
   // A line over the whole height of the plot; a label, when there is one, stands right of its upper end.
   void AddUpright(double buffer, const std::string& style, const std::string& label);
   // A bar from one end to the other in the middle of a lane, with a dot. The title is their tooltip.
@@ -105,7 +106,7 @@ private:
   double Y(double decibels) const;
   double LaneMiddle(std::size_t lane) const;
   void AddText(double x, double y, const std::string& style, const std::string& text);
-  void AddAxes(const Axis& below, const std::optional<Axis>& above);
+  void AddAxes(const ChartAxis& below, const std::optional<ChartAxis>& above);
   void AddPairLabel(double left, double right, double y, const std::string& label);
   void AddMarginLabels();
 

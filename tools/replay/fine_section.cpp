@@ -94,7 +94,7 @@ std::string DrawGrid(const RunRecord& run, const fine::Reading& reading, const P
        fmt::format("The fine reading, {:+.2f} ms, with its interval, {}, on the service's grid of {:.2f} ms. {}",
                    Ms(*reading.differenceS), IntervalText(reading.intervalS), kVoiceBlockMs,
                    CompareWithReceiver(run, *reading.differenceS))},
-      span, kLanes * Chart::kLaneHeight, {"difference (ms)", kVoiceBlockMs}, Axis{"buffers"});
+      span, kLanes * Chart::kLaneHeight, {"difference (ms)", kVoiceBlockMs}, ChartAxis{"buffers"});
   for (double buffer = span.low; buffer <= span.high; buffer += 1.0) {
     chart.AddUpright(buffer, "buffer", "");
   }

@@ -11,7 +11,7 @@
 namespace orvex::fine {
 namespace {
 
-Recording Tone(double hz, double amplitude, double phase, std::size_t count) {
+Recording ToneOf(double hz, double amplitude, double phase, std::size_t count) {
   Recording recording;
   for (std::size_t n = 0; n < count; ++n) {
     const double cycles = hz / kVoiceRateHz * static_cast<double>(n);
@@ -32,7 +32,7 @@ TEST(FineBaseBand, LowPassSumsToOneAndIsSymmetric) {
 
 TEST(FineBaseBand, AToneBecomesHalfItsAmplitudeWithItsPhase) {
   for (const double hz : {tools::kLeftToneHz, tools::kRightToneHz}) {
-    const Recording tone = Tone(hz, 20000.0, 0.7, 2000);
+    const Recording tone = ToneOf(hz, 20000.0, 0.7, 2000);
     for (const std::complex<double>& value : BaseBand(hz).Values(SamplesOf(tone), 100, 90, 20)) {
       EXPECT_NEAR(0.0, std::abs(value - std::polar(10000.0, 0.7)), 1.0) << hz;
     }
@@ -43,7 +43,7 @@ TEST(FineBaseBand, TheOtherToneIsSuppressedByMoreThan90Db) {
   const double limit = 0.5 * 30000.0 * std::pow(10.0, -90.0 / 20.0);
   const std::array<double, 2> tones = {tools::kLeftToneHz, tools::kRightToneHz};
   for (const std::size_t heard : {0U, 1U}) {
-    const Recording tone = Tone(tones[heard], 30000.0, 0.3, 2000);
+    const Recording tone = ToneOf(tones[heard], 30000.0, 0.3, 2000);
     for (const std::complex<double>& value : BaseBand(tones[1 - heard]).Values(SamplesOf(tone), 100, 180, 10)) {
       EXPECT_LT(std::abs(value), limit) << tones[heard];
     }
