@@ -2,6 +2,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <optional>
+
 #include "pipewire/clocked_room.h"
 #include "pipewire/pc_run.h"
 
@@ -39,6 +42,31 @@ TEST_P(CalibrateClocks, BringsTheOutputsTogether) {
   const std::vector<double> differencesMs = room.MeasureDifferencesMs(kImpulses);
   EXPECT_EQ(kImpulses, differencesMs.size());
   EXPECT_THAT(differencesMs, testing::Each(testing::DoubleNear(0.0, kWandersMs))) << outcome.log;
+}
+
+using CalibrateFromRest = PcTest;
+
+// How long a card has run when it plays its first burst. Empty: it plays none.
+std::optional<double> RunsBeforeItsFirstBurstS(const RoomCard& card) {
+  constexpr int kBurst = INT16_MAX / 50;
+  const auto now = static_cast<std::int64_t>(card.TickAt(MonotonicNs()));
+  for (std::int64_t tick = card.RunsSince(); tick < now; ++tick) {
+    if (std::abs(card.GetSample(tick)) > kBurst) {
+      return static_cast<double>(tick - card.RunsSince()) / RoomCard::kRateHz;
+    }
+  }
+  return std::nullopt;
+}
+
+// Cards that begin anew wander for some seconds, and the service plays 1.1 s after its start. Whether the calibration
+// is aligned in the end does not matter here.
+TEST_F(CalibrateFromRest, HasTheOutputsRunForSomeSecondsBeforeTheFirstBurst) {
+  ClockedRoom room({{0.0, 190.0}, {80.0, 15.0}, {-150.0}, false});
+  EXPECT_EQ(0, room.GetCards().reference.RunsSince());
+  const PcOutcome outcome = RunPc(room.GetDaemon(), {"calibrate", "--json"});
+  for (const RoomCard* const card : {&room.GetCards().reference, &room.GetCards().delayed}) {
+    EXPECT_THAT(RunsBeforeItsFirstBurstS(*card), testing::Optional(testing::Gt(2.5))) << outcome.log;
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(MoreRooms, CalibrateClocks,

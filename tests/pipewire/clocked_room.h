@@ -30,6 +30,7 @@ public:
   ClockedRoom& operator=(const ClockedRoom&) = delete;
 
   PrivateDaemon& GetDaemon() { return m_Daemon; }
+  const RoomCards& GetCards() const { return *m_Cards; }
 
   // Plays so many impulses, one after the other, as a program does: how much later each comes to the microphone from
   // the delayed output than from the reference output, by what the cards play. An impulse that is lost is played

@@ -34,6 +34,12 @@ double RoomCard::NsOf(double tick) const {
   return static_cast<double>(m_BeginNs) + tick / m_RateHz * kNsPerSecond;
 }
 
+void RoomCard::Start(std::int64_t tick) {
+  if (m_End == 0 || tick - m_End > kRest) {
+    m_RunsSince = tick;
+  }
+}
+
 void RoomCard::Play(std::int64_t tick, const std::int16_t* samples, std::size_t stride, std::size_t count) {
   const std::int64_t silentFrom = std::max(m_End.load(), tick - kKept);
   for (std::int64_t silent = silentFrom; silent < tick; ++silent) {

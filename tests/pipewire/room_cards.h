@@ -26,6 +26,11 @@ public:
   double NsOf(double tick) const;
   double GetWayMs() const { return m_WayMs; }
 
+  // The device begins, or goes on after it has lost sound.
+  void Start(std::int64_t tick);
+  // The tick at which it began after a rest, or for the first time; 0: never. Sound that was lost is no rest.
+  std::int64_t RunsSince() const { return m_RunsSince; }
+
   // What it plays from this tick on. What was to be played later is replaced.
   void Play(std::int64_t tick, const std::int16_t* samples, std::size_t stride, std::size_t count);
   // 0 where nothing was played, where that is too long ago, and in the future.
@@ -35,10 +40,12 @@ public:
 
 private:
   static constexpr std::int64_t kKept = 1 << 20;  // 22 s
+  static constexpr std::int64_t kRest = kRateHz / 2;
 
   std::int64_t m_BeginNs = 0;
   double m_RateHz = kRateHz;
   double m_WayMs = 0.0;
+  std::atomic<std::int64_t> m_RunsSince{0};
   std::atomic<std::int64_t> m_End{0};  // tick after the last one that was played
   std::array<std::int16_t, kKept> m_Samples{};
 };
@@ -58,6 +65,7 @@ public:
   SharedRoomCards(const SharedRoomCards&) = delete;
   SharedRoomCards& operator=(const SharedRoomCards&) = delete;
 
+  RoomCards& operator*() const { return *m_Cards; }
   RoomCards* operator->() const { return m_Cards; }
 
 private:

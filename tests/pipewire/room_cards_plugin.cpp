@@ -75,6 +75,7 @@ snd_pcm_ioplug_callback_t CardPcm::MakeCallbacks() {
   callbacks.start = [](snd_pcm_ioplug_t* io) {
     CardPcm& card = Of(io);
     card.m_StartTick = std::llround(card.m_Card.TickAt(MonotonicNs()));
+    card.m_Card.Start(card.m_StartTick);
     card.m_IsRunning = true;
     return 0;
   };

@@ -54,7 +54,7 @@ public:
     if (m_OldMs && m_Result.verdict != PcVerdict::kAligned) {
       PutBack();
     }
-    m_Result.durationS = std::chrono::duration<double>(Clock::now() - m_Start).count();
+    m_Result.durationS = std::chrono::duration<double>(m_Options.now() - m_Start).count();
     return m_Result;
   }
 
@@ -151,10 +151,10 @@ private:
     std::optional<double> nextMs = delayMs;
     bool isInTime = true;
     for (int n = 0; n < kListenings && nextMs && isInTime; ++n) {
-      const Clock::time_point before = Clock::now();
+      const Clock::time_point before = m_Options.now();
       ListenAgain(*nextMs, kAgreesMs, kStaysMs);
       nextMs = BetterDelayMs();
-      const Clock::time_point now = Clock::now();
+      const Clock::time_point now = m_Options.now();
       isInTime = now + (now - before) <= m_Start + kLimit;
     }
   }
@@ -208,7 +208,7 @@ private:
   LivingRoom& m_Room;
   const CalibrationOptions& m_Options;
   const fine::FineReader m_Reader;
-  const Clock::time_point m_Start = Clock::now();
+  const Clock::time_point m_Start = m_Options.now();
   std::optional<double> m_OldMs;
   Calibration m_Result;
 };

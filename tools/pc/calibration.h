@@ -2,6 +2,7 @@
 // rest, and a second listening says what remains.
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <optional>
 #include <string>
@@ -41,6 +42,8 @@ struct Calibration {
 struct CalibrationOptions {
   bool coarse = false;        // leave the delay at what the service set
   double maximumDelayMs = 0;  // of the delay line
+  // A calibration takes its time by it.
+  std::function<std::chrono::steady_clock::time_point()> now = std::chrono::steady_clock::now;
   std::function<void(const std::string& news)> onNews = [](const std::string&) {};
   std::function<void(const ServiceRun& run, const fine::Reading& reading)> onRun = [](const ServiceRun&,
                                                                                       const fine::Reading&) {};

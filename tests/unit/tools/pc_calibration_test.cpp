@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <stdexcept>
 
 #include "options/errors.h"
@@ -13,6 +14,7 @@
 namespace orvex::tools {
 namespace {
 
+using std::chrono::milliseconds;
 using testing::DoubleNear;
 using testing::HasSubstr;
 using testing::Optional;
@@ -35,6 +37,8 @@ public:
   bool isDelayGone = false;
   std::vector<double> delaysSet = {};
   std::uint64_t losses = 0;
+  milliseconds listeningTakes{0};  // each of them, of the service or not
+  milliseconds now{0};
 
   FakeRoom() {
     ending.exitCode = 0;
@@ -55,6 +59,7 @@ public:
   VoiceSamples Prepare() override { return quiet; }
   ServiceRun RunService() override {
     ServiceRun run;
+    now += listeningTakes;
     run.heard = Hear();
     run.changedAt = run.heard.size();
     if (servicesMs) {
@@ -71,6 +76,7 @@ public:
   }
   VoiceSamples PlayAndListen() override {
     beforePlaying();
+    now += listeningTakes;
     return Hear();
   }
 
@@ -89,6 +95,7 @@ Calibration CalibrateIn(FakeRoom& room, bool coarse = false) {
   CalibrationOptions options;
   options.coarse = coarse;
   options.maximumDelayMs = kMaximumMs;
+  options.now = [&room] { return std::chrono::steady_clock::time_point(room.now); };
   return Calibrate(room, options);
 }
 
@@ -197,6 +204,28 @@ TEST(PcCalibration, LeavesOutputsThatDoNotSettleAtWhatIsStillAligned) {
   EXPECT_EQ(PcVerdict::kAligned, result.verdict) << result.words;
   EXPECT_THAT(room.delaysSet, testing::ElementsAre(60.0, 61.2, 62.4));
   EXPECT_THAT(result.afterMs, Optional(DoubleNear(-1.2, kExactMs)));
+}
+
+TEST(PcCalibration, BeginsNoListeningThatWouldEndAfterTwelveSeconds) {
+  struct Row {
+    milliseconds listeningTakes;
+    std::vector<double> delaysSet;
+    double durationS;
+  };
+  const Row rows[] = {{milliseconds(3000), {60.0, 61.2, 62.4}, 12.0},
+                      {milliseconds(3001), {60.0, 61.2}, 9.003},
+                      {milliseconds(4000), {60.0, 61.2}, 12.0},
+                      {milliseconds(4001), {60.0}, 8.002}};
+  for (const Row& row : rows) {
+    FakeRoom room;
+    room.wayMs = -60.0;
+    room.beforePlaying = [&] { room.wayMs -= 1.2; };
+    room.listeningTakes = row.listeningTakes;
+    const Calibration result = CalibrateIn(room);
+    EXPECT_EQ(PcVerdict::kAligned, result.verdict) << result.words;
+    EXPECT_EQ(row.delaysSet, room.delaysSet);
+    EXPECT_DOUBLE_EQ(row.durationS, result.durationS);
+  }
 }
 
 TEST(PcCalibration, DoesNotFollowOutputsThatHaveLostSound) {
