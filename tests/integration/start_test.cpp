@@ -12,6 +12,7 @@
 
 #include "integration/expectation.h"
 #include "integration/parallel.h"
+#include "options/version.h"
 
 namespace orvex::integration {
 namespace {
@@ -45,9 +46,10 @@ private:
 };
 
 TEST_F(Start, AsksNothingOfATelevisionToTellItsHelpAndVersion) {
+  const std::string version = "orvex-service " + tools::Version() + "\n";
   for (const auto& [argument, text] :
        {std::pair("--help", "Usage: orvex-service"), std::pair("-h", "Usage: orvex-service"),
-        std::pair("--version", "orvex-service ")}) {
+        std::pair("--version", version.c_str())}) {
     fs::remove(Folder() / "out");
     const fs::path television = Folder() / "television";
     EXPECT_EQ("exit code 0", Run(std::string("\"$0\" ") + argument, {{"ORVEX_TV", television.string()}}));

@@ -1,13 +1,12 @@
-// The only file that is compiled again for another commit.
+// The only file of the tools that is compiled again for another commit.
 #include "options/version.h"
 
-#include "options/commit.h"
+#include <orvex_version.h>
 
 namespace orvex::tools {
 
 std::string Version() {
-  const std::string commit = ORVEX_COMMIT;
-  return ORVEX_VERSION + (commit.empty() ? "" : " (" + commit + ")");
+  return ORVEX_VERSION;
 }
 
 }  // namespace orvex::tools

@@ -41,6 +41,23 @@ std::vector<std::string> ValuesMeant(const std::string& name) {
   return {};
 }
 
+// What may have been meant by `name`: values, parts of their paths, and ends of these about as long as `name`.
+std::vector<std::string> WordsLike(const std::string& name) {
+  std::vector<std::string> words = ValueNames();
+  for (const std::string& value : ValueNames()) {
+    for (const std::filesystem::path& element : std::filesystem::path(value)) {
+      const std::string part = element.string();
+      words.push_back(part);
+      for (std::size_t length = std::max(kShortestEnd, name.size() - 1); length <= name.size() + 1; ++length) {
+        if (length < part.size()) {
+          words.push_back(part.substr(part.size() - length));
+        }
+      }
+    }
+  }
+  return words;
+}
+
 // More are not chosen from a list.
 constexpr std::int64_t kMostOffered = 10;
 
@@ -58,20 +75,13 @@ std::string FullValueName(const std::string& name) {
   if (virtual_tv::DescribeTelevisionValue(name)) {
     return name;
   }
-  const std::vector<std::string> all = ValueNames();
-  std::vector<std::string> parts = all;
   const std::vector<std::string> meant = ValuesMeant(name);
-  for (const std::string& value : all) {
-    for (const std::filesystem::path& part : std::filesystem::path(value)) {
-      parts.push_back(part.string());
-    }
-  }
   if (meant.size() == 1) {
     return meant.front();
   }
   if (meant.empty()) {
-    throw UsageError("\"" + name + "\" is no value of a television" + DidYouMean(name, parts) +
-                     "\nKnown are any settings/db/... and:" + Lines(all));
+    throw UsageError("\"" + name + "\" is no value of a television" + DidYouMean(name, WordsLike(name)) +
+                     "\nKnown are any settings/db/... and:" + Lines(ValueNames()));
   }
   throw UsageError("\"" + name + "\" may be one of:" + Lines(meant));
 }

@@ -1,4 +1,6 @@
 // What a person asks of the program on the command line of a computer.
+#include <orvex_version.h>
+
 #include "linux/program_arguments.h"
 
 namespace {

@@ -27,6 +27,7 @@ TEST_F(TvCommandLine, RefusesUnknownNamesAndBadValues) {
   const TvOutcome name = Call({"get", "--tv", m_Tv.c_str(), "colour"});
   EXPECT_EQ(2, name.exitCode);
   EXPECT_THAT(name.error, AllOf(HasSubstr("\"colour\""), HasSubstr("delay/spdif")));
+  EXPECT_THAT(Call({"get", "--tv", m_Tv.c_str(), "agre"}).error, HasSubstr(", did you mean \"agree\"?\nKnown "));
   EXPECT_THAT(Call({"get", "--tv", m_Tv.c_str(), "volmue"}).error, HasSubstr(", did you mean \"volume\"?\nKnown "));
   const TvOutcome value = Call({"set", "--tv", m_Tv.c_str(), "mute", "2"});
   EXPECT_EQ(2, value.exitCode);
