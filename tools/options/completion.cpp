@@ -78,7 +78,10 @@ private:
     }
   }
 
-  void OfferValues(const Option& option, const std::string& before) {
+  void OfferValues(const Option& option, std::string before) {
+    if (option.kind.isList && m_Last.find(',', before.size()) != std::string::npos) {
+      before = m_Last.substr(0, m_Last.rfind(',') + 1);
+    }
     for (const std::string& word : option.kind.words) {
       Add(before + word, "");
     }

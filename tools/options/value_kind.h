@@ -22,6 +22,7 @@ struct ValueKind {
   std::function<bool(const std::string& text)> accepts = [](const std::string&) { return true; };
   std::vector<std::string> words = {};  // values that have a name
   WordFinder findWords = [](const std::vector<std::string>&) { return std::vector<std::string>(); };
+  bool isList = false;               // of such values, with commas between
   PathKind paths = PathKind::kNone;  // values that are paths of things that there are
 };
 

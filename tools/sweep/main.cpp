@@ -56,6 +56,7 @@ void DefineAxes(Program& program, Arguments& arguments, const Option& fine) {
     text = kind.byDefault;
     Option& option = program.Add(std::string("--") + kind.name, text, value::Text("VALUES"), kind.text).InGroup("Axes");
     option.kind.words = kind.names;
+    option.kind.isList = true;
     if (kind.isOfFineReading) {
       option.OnlyWith(fine);
     }

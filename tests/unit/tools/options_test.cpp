@@ -46,7 +46,9 @@ struct Bell {
     ringing.Add("--pause", pauseMs, value::Number("MS", 0, 1000), "between two strokes");
     ringing.Add("--seed", seed, value::WholeNumber("N"), "of everything random");
     ringing.Add("-n,--strokes", strokes, value::WholeNumber("N", 1, 12), "of each bell");
-    ringing.Add("--tone", tone, value::Text("TONE"), "of the bells").InGroup("Sound");
+    Option& tones = ringing.Add("--tone", tone, value::Text("TONE"), "of the bells").InGroup("Sound");
+    tones.kind.words = {"bright", "dull"};
+    tones.kind.isList = true;
     ringing.Add("--level", level, value::OrWord(value::Number("DB"), "none"), "of the bells").InGroup("Sound");
     ringing.Add("--sound", sounds, value::File(), "of the bells").InGroup("Sound");
     const Option& loud = ringing.AddFlag("-l,--loud", isLoud, "for all to hear");
@@ -233,6 +235,15 @@ TEST(Completion, OffersCommandsOptionsAndWhatOneOfThemCanBe) {
   EXPECT_EQ("files", OffersFor({"ring", "--sound", "a"}));
   EXPECT_EQ("", OffersFor({"ring", "--pause", ""}));
   EXPECT_EQ("", OffersFor({}));
+}
+
+TEST(Completion, OffersTheNextOfAListWithThoseBeforeIt) {
+  EXPECT_EQ("bright dull", OffersFor({"ring", "--tone", ""}));
+  EXPECT_EQ("dull,bright", OffersFor({"ring", "--tone", "dull,b"}));
+  EXPECT_EQ("dull,bright,bright dull,bright,dull", OffersFor({"ring", "--tone", "dull,bright,"}));
+  EXPECT_EQ("--tone=dull,bright --tone=dull,dull", OffersFor({"ring", "--tone=dull,"}));
+  EXPECT_EQ("dull,bright dull,dull", OffersFor({"ring", "--tone", "=", "dull,"})) << "as bash splits it";
+  EXPECT_EQ("", OffersFor({"ring", "--level", "none,"})) << "no list";
 }
 
 TEST(Completion, OffersArgumentsByWhatStandsBefore) {
