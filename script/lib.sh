@@ -30,8 +30,8 @@ configure() {
   fi
 }
 
-# build_targets BUILD_DIR TARGET...: builds them and shows how far it is: on a terminal in one line, elsewhere every 10 s.
-# What the build prints is shown when it fails.
+# build_targets BUILD_DIR TARGET...: builds them and shows on a terminal how far it is. What the build prints is shown
+# when it fails.
 build_targets() {
   local folder=$1 log=$1/demo.log result=0
   shift
@@ -44,16 +44,11 @@ build_targets() {
 
 # Of lines such as "[12/57] Building …", what is in brackets.
 show_steps() {
-  local line step next=$((SECONDS + 10))
+  local line step
   while read -r line; do
     step=${line%%]*}
-    if [ "$line" = "$step" ]; then
-      continue
-    elif [ -t 2 ]; then
+    if [ -t 2 ] && [ "$line" != "$step" ]; then
       printf '\r    %s ' "${step#[}" >&2
-    elif [ $SECONDS -ge $next ]; then
-      say "    ${step#[}"
-      next=$((SECONDS + 10))
     fi
   done
   [ ! -t 2 ] || [ -z "${step:-}" ] || printf '\r%40s\r' '' >&2

@@ -1,4 +1,4 @@
-// A terminal gets one line that is rewritten twice a second, anything else a line every 10 s.
+// The line is rewritten twice a second.
 #include "progress/progress.h"
 
 #include <unistd.h>
@@ -9,34 +9,34 @@
 
 namespace orvex::tools {
 
-Progress::Progress(std::string program, std::string unit, std::size_t total)
-    : m_Program(std::move(program)),
-      m_Unit(std::move(unit)),
-      m_Total(total),
-      m_Terminal(::isatty(STDERR_FILENO) == 1) {}
+ProgressScreen ProgressScreen::Stderr() {
+  return {::isatty(STDERR_FILENO) == 1, std::chrono::steady_clock::now};
+}
+
+Progress::Progress(std::string program, std::string unit, std::size_t total, ProgressScreen screen)
+    : m_Program(std::move(program)), m_Unit(std::move(unit)), m_Total(total), m_Screen(std::move(screen)) {}
 
 Progress::~Progress() {
-  if (m_Terminal && m_Shown) {
+  if (m_IsShown) {
     std::fputc('\n', stderr);
   }
 }
 
 double Progress::ElapsedS() const {
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - m_Start).count();
+  return std::chrono::duration<double>(m_Screen.now() - m_Start).count();
 }
 
 void Progress::Show(std::size_t done) {
   const double elapsedS = ElapsedS();
-  if (elapsedS < m_NextS) {
+  if (!m_Screen.isTerminal || elapsedS < m_NextS) {
     return;
   }
-  m_NextS = elapsedS + (m_Terminal ? 0.5 : 10.0);
+  m_NextS = elapsedS + 0.5;
   const double leftS =
       elapsedS * static_cast<double>(m_Total - done) / static_cast<double>(std::max<std::size_t>(done, 1));
-  std::fprintf(stderr, "%s%s: %zu of %zu %s, %.0f s left%s", m_Terminal ? "\r" : "", m_Program.c_str(), done, m_Total,
-               m_Unit.c_str(), leftS, m_Terminal ? "   " : "\n");
+  std::fprintf(stderr, "\r%s: %zu of %zu %s, %.0f s left   ", m_Program.c_str(), done, m_Total, m_Unit.c_str(), leftS);
   std::fflush(stderr);
-  m_Shown = true;
+  m_IsShown = true;
 }
 
 }  // namespace orvex::tools
