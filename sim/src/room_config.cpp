@@ -2,6 +2,7 @@
 #include "orvex/sim/room_config.h"
 
 #include <sstream>
+#include <stdexcept>
 #include <tuple>
 
 #include "sim/src/room_fields.h"
@@ -30,6 +31,16 @@ void CheckReflections(const RoomField& field, std::vector<Reflection>& reflectio
   }
 }
 
+RoomField FieldOfNumber(RoomConfig& config, const std::string& name) {
+  for (const RoomField& field : MakeRoomFields(config)) {
+    if (NameOf(field) == name && (std::holds_alternative<double*>(field.target) ||
+                                  std::holds_alternative<std::optional<double>*>(field.target))) {
+      return field;
+    }
+  }
+  throw std::out_of_range("a room has no number \"" + name + "\"");
+}
+
 }  // namespace
 
 RoomConfig::RoomConfig() {
@@ -49,6 +60,21 @@ void CheckRoom(const RoomConfig& config, const std::string& nameForErrors) {
     } else if (std::vector<Reflection>* const* list = std::get_if<std::vector<Reflection>*>(&field.target)) {
       CheckReflections(field, **list, nameForErrors);
     }
+  }
+}
+
+NumberRange RangeOfNumber(const std::string& name) {
+  RoomConfig config;
+  const RoomField field = FieldOfNumber(config, name);
+  return {field.min, field.max};
+}
+
+void SetNumber(RoomConfig& config, const std::string& name, double value) {
+  const RoomField field = FieldOfNumber(config, name);
+  if (double* const* number = std::get_if<double*>(&field.target)) {
+    **number = value;
+  } else {
+    *std::get<std::optional<double>*>(field.target) = value;
   }
 }
 

@@ -20,7 +20,7 @@ public:
   const std::string& GetFile() const { return m_File; }
   // The room of --room, or none. Throws sim::RoomError or UsageError.
   std::optional<sim::RoomConfig> ReadFile() const;
-  // `room` with what the command line says. Throws sim::RoomError.
+  // `room` with what the command line says.
   sim::RoomConfig Override(sim::RoomConfig room) const;
 
 private:

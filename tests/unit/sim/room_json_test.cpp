@@ -3,6 +3,7 @@
 
 #include <cmath>
 #include <limits>
+#include <stdexcept>
 #include <string>
 
 #include <gmock/gmock.h>
@@ -150,6 +151,21 @@ TEST(RoomJsonTest, TextThatIsNoJsonObjectIsRefusedWithLineAndColumn) {
 
 TEST(RoomJsonTest, ALongValueIsCutInTheError) {
   EXPECT_LT(ErrorOf("{\"seed\": \"" + std::string(10000, 'x') + "\"}").size(), 200U);
+}
+
+TEST(RoomConfigTest, ANumberGoesByItsNameInJson) {
+  EXPECT_EQ(20000.0, RangeOfNumber("microphone.rate_hz").minimum);
+  EXPECT_EQ(96000.0, RangeOfNumber("microphone.rate_hz").maximum);
+  RoomConfig config;
+  SetNumber(config, "optical.lock_ms", 33.0);
+  SetNumber(config, "microphone.noise_dbfs", -44.0);
+  RoomConfig expected;
+  expected.opticalLockMs = 33.0;
+  expected.noiseDbfs = -44.0;
+  EXPECT_EQ(config, expected);
+  for (const char* const name : {"lock_ms", "optical.muted", "seed", ""}) {
+    EXPECT_THROW(RangeOfNumber(name), std::out_of_range) << name;
+  }
 }
 
 TEST(RoomConfigTest, ValuesThatJsonCannotHoldAreRefusedToo) {

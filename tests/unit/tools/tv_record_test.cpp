@@ -1,6 +1,7 @@
 // orvex-tv record: what it writes is what a run would have heard.
 #include <algorithm>
 #include <cmath>
+#include <tuple>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -33,6 +34,18 @@ protected:
 
   const std::string m_Wave = m_Folder / "room.wav";
 };
+
+TEST_F(TvRecord, RefusesWhatNoRoomHasByTheOptionsName) {
+  for (const auto& [option, value, expected] :
+       {std::tuple("--lock", "-3", "--lock: \"-3\": expected a number of milliseconds from 0 to 10000\n"),
+        std::tuple("--loss", "2", "--loss: \"2\": expected a number from 0 to 1\n"),
+        std::tuple("--noise", "3",
+                   "--noise: \"3\": expected a number of decibels of full scale from -200 to 0 or \"none\"\n")}) {
+    const TvOutcome record = Record({option, value});
+    EXPECT_EQ(2, record.exitCode);
+    EXPECT_THAT(record.error, HasSubstr(expected));
+  }
+}
 
 TEST_F(TvRecord, IsWhatTheReceiverUnderstands) {
   const TvOutcome record = Record({"--optical-latency", "80", "--noise", "-60"});

@@ -65,6 +65,15 @@ constexpr std::size_t kMaxReflections = 64;
 // Throws RoomError, naming `nameForErrors`, when a value is NaN or outside the range given above.
 void CheckRoom(const RoomConfig& config, const std::string& nameForErrors);
 
+// One number of a room by its name in JSON, such as "optical.lock_ms". Throw std::out_of_range for another name.
+struct NumberRange {
+  double minimum;
+  double maximum;
+};
+NumberRange RangeOfNumber(const std::string& name);
+// Does not check the range.
+void SetNumber(RoomConfig& config, const std::string& name, double value);
+
 // The rate at which the microphone samples, its error included.
 double ActualMicrophoneRateHz(const RoomConfig& config);
 
