@@ -36,7 +36,7 @@ void ExplainNothing(const EventsArguments& arguments, const virtual_tv::Televisi
 }
 
 void Events(const EventsArguments& arguments) {
-  const virtual_tv::Television television = TelevisionOf(arguments.directory);
+  const virtual_tv::Television television = ExistingTelevision(arguments.directory);
   const EventRecords events = ReadEventRecords(television.PathOf("events.jsonl").string());
   std::fputs((arguments.json ? EventLines(events.records) : EventTable(events.records)).c_str(), stdout);
   for (const std::string& problem : events.problems) {

@@ -44,7 +44,7 @@ void PrintJson(const virtual_tv::Television& television, const virtual_tv::Telev
 
 void Get(const ValueArguments& arguments) {
   const std::string name = FullValueName(arguments.name);
-  const virtual_tv::Television television = TelevisionOf(arguments.directory);
+  const virtual_tv::Television television = ExistingTelevision(arguments.directory);
   const std::string text = television.Get(name);
   if (arguments.json) {
     PrintJson(television, *virtual_tv::DescribeTelevisionValue(name));
@@ -74,7 +74,7 @@ std::string RangeOf(const virtual_tv::TelevisionValue& value) {
 }
 
 void List(const ValueArguments& arguments) {
-  const virtual_tv::Television television = TelevisionOf(arguments.directory);
+  const virtual_tv::Television television = ExistingTelevision(arguments.directory);
   for (const virtual_tv::TelevisionValue& value : virtual_tv::TelevisionValues()) {
     if (arguments.json) {
       PrintJson(television, value);

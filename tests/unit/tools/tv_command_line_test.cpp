@@ -35,10 +35,16 @@ TEST_F(TvCommandLine, RefusesUnknownNamesAndBadValues) {
 }
 
 TEST_F(TvCommandLine, SaysWhenThereIsNoSuchTelevision) {
-  const TvOutcome get = Call({"get", "--tv", m_Tv.c_str(), "delay"});
-  EXPECT_EQ(1, get.exitCode);
-  EXPECT_THAT(get.error, HasSubstr(m_Tv + "/delay/spdif does not exist"));
-  EXPECT_FALSE(std::filesystem::exists(m_Tv));
+  const std::vector<std::vector<const char*>> calls = {
+      {"get", "--tv", m_Tv.c_str(), "delay"}, {"list", "--tv", m_Tv.c_str()}, {"events", "--tv", m_Tv.c_str()}};
+  for (const std::vector<const char*>& call : calls) {
+    const TvOutcome outcome = Call(call);
+    EXPECT_EQ(1, outcome.exitCode) << call.front();
+    EXPECT_EQ("", outcome.out);
+    EXPECT_EQ("orvex-tv: " + m_Tv + ": no virtual television is there; orvex-tv run --tv " + m_Tv + " makes one\n",
+              outcome.error);
+    EXPECT_FALSE(std::filesystem::exists(m_Tv));
+  }
 }
 
 TEST_F(TvCommandLine, ListsEveryValueWithItsMeaning) {
