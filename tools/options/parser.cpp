@@ -3,7 +3,6 @@
 #include "options/parser.h"
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
 
 namespace orvex::tools {
 namespace {
@@ -20,12 +19,11 @@ public:
     Define(m_App, program);
   }
 
-  CommandLine Split(std::vector<std::string> words) {
+  CommandLine Split(const std::vector<std::string>& words) {
     CommandLine line;
     const std::string last = words.empty() ? "" : words.back();
-    std::reverse(words.begin(), words.end());  // as the library wants them
     try {
-      m_App.parse(words);
+      m_App.parse(std::vector<std::string>(words.rbegin(), words.rend()));  // as the library wants them
       Collect(line);
     } catch (const CLI::CallForHelp&) {
       line.answer = m_App.help();
@@ -37,10 +35,24 @@ public:
     } catch (const CLI::ParseError&) {
       Collect(line);
     }
+    FindEmptyValue(words, line);
     return line;
   }
 
 private:
+  // To the library, "--pause=" is "--pause", and the next word is its value.
+  static void FindEmptyValue(const std::vector<std::string>& words, CommandLine& line) {
+    for (const std::string& word : words) {
+      if (word == "--") {
+        return;
+      }
+      if (word.rfind("--", 0) == 0 && word.back() == '=' && line.command != nullptr && line.unfinished == nullptr) {
+        const Option* const option = line.command->FindOption(word.substr(0, word.size() - 1));
+        line.unfinished = option != nullptr && option->TakesValue() ? option : nullptr;
+      }
+    }
+  }
+
   void Define(CLI::App& app, const Command& command) {
     for (const Option& option : command.GetOptions()) {
       m_Options[&option] = Define(app, option);

@@ -20,7 +20,7 @@ struct CommandLine {
   const Command* command = nullptr;                          // the innermost that is named
   std::map<const Option*, std::vector<std::string>> values;  // of the options that are given, "true" for a flag
   std::vector<SurplusWord> surplus;
-  const Option* unfinished = nullptr;  // the last word: an option that takes a value
+  const Option* unfinished = nullptr;  // an option that takes a value and has none
   std::optional<std::string> answer;   // to --help or --version
 };
 

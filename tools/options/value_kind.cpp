@@ -18,6 +18,12 @@ std::string OfUnit(const std::string& unit) {
   return found == kUnits.end() ? "" : " of " + found->second;
 }
 
+ValueKind Path(const std::string& name, const std::string& expected, PathKind paths) {
+  ValueKind kind{name, expected, "", [](const std::string& text) { return !text.empty(); }};
+  kind.paths = paths;
+  return kind;
+}
+
 }  // namespace
 
 namespace value {
@@ -33,15 +39,11 @@ ValueKind Text(const std::string& name, WordFinder findWords) {
 }
 
 ValueKind File(const std::string& name) {
-  ValueKind kind{name, "a file", ""};
-  kind.paths = PathKind::kFile;
-  return kind;
+  return Path(name, "a file", PathKind::kFile);
 }
 
 ValueKind Folder(const std::string& name) {
-  ValueKind kind{name, "a folder", ""};
-  kind.paths = PathKind::kFolder;
-  return kind;
+  return Path(name, "a folder", PathKind::kFolder);
 }
 
 ValueKind Number(const std::string& unit, double low, double high) {
