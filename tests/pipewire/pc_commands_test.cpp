@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <fstream>
 #include <sstream>
 
 #include "linux/json_text.h"
@@ -154,6 +155,15 @@ TEST_F(PcCommands, StatusShowsTheChain) {
   EXPECT_EQ("television", whole.result["reference"]["name"].asString());
   EXPECT_THAT(whole.result["xruns"].getMemberNames(), testing::ElementsAre("driver")) << whole.log;
   EXPECT_TRUE(whole.result["last_calibration"].isNull());
+}
+
+TEST_F(PcCommands, StatusKnowsNoLastCalibrationFromADamagedFile) {
+  for (const char* const text : {"", "[]", "{}", R"({"verdict":{},"time_utc":"2026"})", R"({"verdict":"aligned"})"}) {
+    std::ofstream(m_Room.GetDaemon().GetStateFolder() / "last_calibration.json") << text;
+    const PcOutcome status = Run({"status"});
+    EXPECT_EQ(0, status.exitCode) << status.log;
+    EXPECT_THAT(status.log, HasSubstr("last calibration  none\n"));
+  }
 }
 
 TEST_F(PcCommands, StatusShowsWhatLacks) {

@@ -29,8 +29,9 @@ void KeepLastCalibration(const Calibration& calibration) {
 
 Json::Value LastCalibration() {
   try {
-    return port::ParseJsonObject(port::ReadSmallFile(pipewire::StateFolder() / kResultName, kMaximumResultBytes),
-                                 "a JSON object");
+    Json::Value last = port::ParseJsonObject(
+        port::ReadSmallFile(pipewire::StateFolder() / kResultName, kMaximumResultBytes), "a JSON object");
+    return last["verdict"].isString() && last["time_utc"].isString() ? last : Json::Value();
   } catch (const std::exception&) {
     return {};
   }

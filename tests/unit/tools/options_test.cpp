@@ -145,7 +145,8 @@ TEST(Options, SayWhatIsMissing) {
   EXPECT_EQ("--pause: expected a number of milliseconds from 0 to 1000 after it",
             RefusalOf({"ring", "great", "--pause"}));
   EXPECT_EQ("--tone: expected TONE after it", RefusalOf({"ring", "great", "--tone"}));
-  EXPECT_EQ("--pause: expected a number of milliseconds from 0 to 1000 after it", RefusalOf({"ring", "--pause=", "great"}));
+  EXPECT_EQ("--pause: expected a number of milliseconds from 0 to 1000 after it",
+            RefusalOf({"ring", "--pause=", "great"}));
   EXPECT_EQ("--sound: \"\": expected a file", RefusalOf({"ring", "--sound", "", "great"}));
 }
 
