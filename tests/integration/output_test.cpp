@@ -2,6 +2,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
+#include <stdlib.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -142,45 +143,55 @@ TEST_F(OutputOfSweep, GoesToStandardOutputWithTheTableOnStandardError) {
   EXPECT_THAT(run.errors, HasSubstr(file.output));
 }
 
-// What a process writes to its standard error, while it runs.
-class ErrorPipe {
+// A terminal that takes a program's messages, for its progress is shown nowhere else.
+class ErrorTerminal {
 public:
-  ErrorPipe() { EXPECT_EQ(0, ::pipe2(m_Ends.data(), O_CLOEXEC)); }
-  ~ErrorPipe() {
-    ::close(m_Ends[0]);
-    ::close(m_Ends[1]);
+  ErrorTerminal() : m_Screen(::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)) {
+    EXPECT_EQ(0, ::grantpt(m_Screen));
+    EXPECT_EQ(0, ::unlockpt(m_Screen));
+    m_Device = ::open(::ptsname(m_Screen), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    EXPECT_GE(m_Device, 0);
   }
-  ErrorPipe(const ErrorPipe&) = delete;
-  ErrorPipe& operator=(const ErrorPipe&) = delete;
+  ~ErrorTerminal() {
+    ::close(m_Device);
+    ::close(m_Screen);
+  }
+  ErrorTerminal(const ErrorTerminal&) = delete;
+  ErrorTerminal& operator=(const ErrorTerminal&) = delete;
 
-  int WriteEnd() const { return m_Ends[1]; }
+  int GetDevice() const { return m_Device; }
   // False: `text` does not come in time.
   bool WaitFor(const std::string& text) {
-    pollfd source{m_Ends[0], POLLIN, 0};
+    pollfd source{m_Screen, POLLIN, 0};
     while (m_Text.find(text) == std::string::npos) {
       std::array<char, 1000> piece{};
       if (::poll(&source, 1, static_cast<int>(std::chrono::milliseconds(kPatience).count())) != 1) {
         return false;
       }
-      m_Text.append(piece.data(), static_cast<std::size_t>(::read(m_Ends[0], piece.data(), piece.size())));
+      const ssize_t count = ::read(m_Screen, piece.data(), piece.size());
+      if (count <= 0) {
+        return false;
+      }
+      m_Text.append(piece.data(), static_cast<std::size_t>(count));
     }
     return true;
   }
 
 private:
-  std::array<int, 2> m_Ends{};
+  const int m_Screen;
+  int m_Device = -1;
   std::string m_Text;
 };
 
 TEST_F(OutputOfSweep, HasTheRoomsThatAreDoneWhenItIsInterrupted) {
   m_Folder.WriteFile("figures.svg", "old figures");
-  ErrorPipe errors;
+  ErrorTerminal errors;
   Process process({ORVEX_SWEEP_PROGRAM,
                    {"--rooms", "100000", "--jobs", "2", "--csv", PathOf("rooms.csv"), "--plot", PathOf("figures.svg")},
                    {},
                    PathOf("table"),
                    {},
-                   errors.WriteEnd()});
+                   errors.GetDevice()});
   ASSERT_TRUE(errors.WaitFor(" of 100000 rooms, "));
   process.Signal(SIGTERM);
   EXPECT_EQ("exit code 1", Describe(process.WaitForEnd()));

@@ -88,7 +88,7 @@ TEST(Tool, TellsByItsExitCodeWhetherItWasDoneRefusedOrWronglyAsked) {
       {{"get", "--tv", directory, "nothing"}, "exit code 2", "\"nothing\" is no value of a television"},
       {{"set", "--tv", directory, "delay", "-1"}, "exit code 2", "\"-1\": expected an integer from 0 to 4294967295"},
       {{"run", "--base-delay", "soon"}, "exit code 2", "--base-delay"},
-      {{"run", "--loss", "2"}, "exit code 2", "\"voice.loss_probability\" is 2, expected"},
+      {{"run", "--loss", "2"}, "exit code 2", "--loss: \"2\": expected a number from 0 to 1"},
       {{"run", "--room", badRoom}, "exit code 2", "bad.json: \"tv.latency_ms\" is \"long\", expected a number"},
       {{"run", "--faults", badFaults}, "exit code 2", "faults: \"voice.begin\": -5: expected a known operation"},
       {{"run", "--room", "/nonexistent/room"}, "exit code 2", "/nonexistent/room"},

@@ -157,9 +157,9 @@ TEST(RunTelevision, RefusesImpossibleAndUnreadableRooms) {
   const TemporaryFolder folder;
   const std::string broken = folder.Write("broken.json", R"({"seed": "many"})");
   EXPECT_THROW(PreparedTelevision(Options("--room " + broken)), sim::RoomError);
-  EXPECT_THROW(PreparedTelevision(Options("--loss 2")), sim::RoomError);
   EXPECT_THROW(PreparedTelevision(Options("--room " + (folder / "missing.json"))), UsageError);
   EXPECT_THROW(Options("--noise loud"), UsageError);
+  EXPECT_THROW(Options("--loss 2"), UsageError);
 }
 
 TEST(RunTelevision, LeavesTheFaultsOfATelevisionAsTheyAreAndRefusesWhatIsNoObject) {
