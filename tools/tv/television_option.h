@@ -21,7 +21,7 @@ inline virtual_tv::Television TelevisionOf(const std::string& directory) {
 
 // One that there is. Throws CommandError.
 inline virtual_tv::Television ExistingTelevision(const std::string& directory) {
-  const virtual_tv::Television television = TelevisionOf(directory);
+  virtual_tv::Television television = TelevisionOf(directory);
   const std::string path = television.GetDirectory().string();
   if (!std::filesystem::is_directory(path)) {
     throw CommandError(path + ": no virtual television is there; orvex-tv run --tv " + path + " makes one");
