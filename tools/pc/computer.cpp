@@ -7,10 +7,10 @@
 #include <algorithm>
 #include <atomic>
 #include <cmath>
-#include <system_error>
 
 #include "pc/sound_player.h"
 #include "pipewire/client/delay_node.h"
+#include "run/debug_files.h"
 #include "testsound/generator.h"
 
 namespace orvex::tools {
@@ -33,14 +33,6 @@ constexpr milliseconds kReportPatience(3000);
 constexpr milliseconds kLook(50);
 // 19 kHz needs twice that, and the filters of converters some room.
 constexpr std::uint32_t kLeastRateHz = 40000;
-
-// What the service has left of its recordings.
-void RemoveFiles(const std::vector<std::string>& files) {
-  for (const std::string& file : files) {
-    std::error_code ignored;
-    std::filesystem::remove(file, ignored);
-  }
-}
 
 }  // namespace
 
@@ -132,6 +124,7 @@ ServiceRun Computer::RunService() {
     }
   });
   LogFollower follower([this] { return DelayInForce(); });
+  const timespec begin = FileTimeNow();
   ServiceRun run;
   run.ending = orvex::tools::RunService({m_Service}, m_Signals, [&](const std::string& line) {
     m_Callbacks.onLogLine(line);
@@ -141,7 +134,8 @@ ServiceRun Computer::RunService() {
     return true;
   });
   run.report = follower.GetReport();
-  RemoveFiles(run.report.debugFiles);
+  ForgetForeignFiles(run.report, begin);
+  RemoveDebugFiles(run.report);
   WaitForLastSound(recorder);
   run.heard = recorder.Finish();
   run.changedAt = std::min<std::size_t>(changedAt, run.heard.size());

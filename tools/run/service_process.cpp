@@ -26,6 +26,9 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr std::size_t kLongestLine = 1u << 20;
+constexpr std::size_t kPieceBytes = 16384;
+// More than a pipe holds. Signals and the limit are looked at in between.
+constexpr int kMostPieces = 80;
 
 struct Pipe {
   Pipe() {
@@ -148,7 +151,7 @@ private:
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(m_Deadline - Clock::now());
     if (left.count() <= 0 && !m_Ending.limitReached) {
       m_Ending.limitReached = true;
-      ::kill(m_Process, SIGKILL);
+      ::kill(-m_Process, SIGKILL);  // what it has started, too
     }
     std::array<pollfd, 2> sources{pollfd{m_Output.read.Get(), POLLIN, 0}, pollfd{m_Signals.Fd(), POLLIN, 0}};
     const int timeoutMs = m_Ending.limitReached ? -1 : static_cast<int>(std::max<std::int64_t>(left.count(), 0));
@@ -182,10 +185,11 @@ private:
   }
 
   void TakeOutput() {
-    std::array<char, 16384> bytes{};
-    ssize_t count = 0;
-    while ((count = ::read(m_Output.read.Get(), bytes.data(), bytes.size())) > 0) {
-      m_Lines.Take(bytes.data(), static_cast<std::size_t>(count));
+    std::array<char, kPieceBytes> bytes{};
+    ssize_t count = 1;
+    for (int piece = 0; piece < kMostPieces && count > 0; ++piece) {
+      count = ::read(m_Output.read.Get(), bytes.data(), bytes.size());
+      m_Lines.Take(bytes.data(), static_cast<std::size_t>(std::max<ssize_t>(0, count)));
     }
     if (count == 0) {
       m_Output.read.Reset();  // its end: poll would report it for ever
@@ -211,8 +215,8 @@ std::string ServiceEnding::Problem() const {
   if (limitReached) {
     return "the service did not end within " + std::to_string(duration.count()) + " ms and was killed";
   }
-  if (exitCode.value_or(0) > kExitSignal) {
-    const int number = *exitCode - kExitSignal;
+  const int number = exitCode.value_or(0) - kExitSignal;
+  if (number > 0 && number <= SIGRTMAX) {
     return "the service was ended by signal " + std::to_string(number) + " (" + ::strsignal(number) + ")";
   }
   return exitCode.value_or(0) == 0 ? "" : "the service ended with exit code " + std::to_string(*exitCode);

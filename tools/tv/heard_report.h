@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "output/output_file.h"
 #include "replay/report_page.h"
@@ -12,8 +13,9 @@ namespace orvex::tools {
 
 class HeardReport {
 public:
-  // `path`: "-" is standard output. Throws OutputError.
-  HeardReport(const std::string& path, std::uint32_t runs) : m_File(path), m_Page(runs) {}
+  // `path`: "-" is standard output. `inputs`: files that it must not be. Throws OutputError.
+  HeardReport(const std::string& path, std::uint32_t runs, const std::vector<std::string>& inputs)
+      : m_File(path, inputs), m_Page(runs) {}
 
   bool TakesStandardOutput() const { return m_File.IsStandardOutput(); }
   // `run`: from 1. Reads the recording that the summary names.

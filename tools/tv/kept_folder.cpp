@@ -7,6 +7,7 @@
 
 #include "linux/small_files.h"
 #include "options/errors.h"
+#include "run/debug_files.h"
 #include "tv/event_records.h"
 
 namespace orvex::tools {
@@ -16,6 +17,9 @@ namespace fs = std::filesystem;
 
 // /tmp may be another file system.
 std::string MoveInto(const fs::path& folder, const std::string& from, const std::string& name) {
+  if (from.empty()) {
+    return "";
+  }
   const fs::path to = folder / name;
   fs::copy_file(from, to);
   fs::remove(from);
@@ -67,9 +71,10 @@ void KeptFolder::Keep(std::uint32_t run, const RunTelevision& television, std::u
     fs::create_directories(folder);
     Fill(folder, television, logStart, summary);
   } catch (const std::system_error& error) {
-    RemoveDebugFiles(summary);
-    for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
-      fs::remove(entry.path());
+    RemoveDebugFiles(summary.report);
+    std::error_code ignored;
+    for (const fs::directory_entry& entry : fs::directory_iterator(folder, ignored)) {
+      fs::remove(entry.path(), ignored);
     }
     throw CommandError(folder.string() + ": the run cannot be kept: " + error.code().message());
   }
@@ -85,16 +90,6 @@ void KeptFolder::Fill(const fs::path& folder, const RunTelevision& television, s
     fs::copy_file(television.FaultsFile(), folder / "faults.json");
   }
   port::ReplaceFile(folder / "run.json", SummaryJson(summary));
-}
-
-void RemoveDebugFiles(RunSummary& summary) {
-  for (const std::string& file : summary.report.debugFiles) {
-    std::error_code ignored;
-    fs::remove(file, ignored);
-  }
-  summary.report.debugFiles.clear();
-  summary.report.dumpFile.clear();
-  summary.report.resultFile.clear();
 }
 
 }  // namespace orvex::tools

@@ -24,7 +24,8 @@ public:
   KeptFolder& operator=(const KeptFolder&) = delete;
 
   // `run`: from 1. `logStart`: where its log begins in the television's. Moves the debug files, and names them in
-  // `summary` where they are now. Throws CommandError; what was kept of this run by then is removed.
+  // `summary` where they are now; those that there are not, the run does without. Throws CommandError; what was kept of
+  // this run by then is removed.
   void Keep(std::uint32_t run, const RunTelevision& television, std::uintmax_t logStart, RunSummary& summary) const;
 
 private:
@@ -35,8 +36,5 @@ private:
   const bool m_IsOfSeveral;
   bool m_IsNew = false;
 };
-
-// Removes the recordings that the service has left in /tmp; the summary names none any more.
-void RemoveDebugFiles(RunSummary& summary);
 
 }  // namespace orvex::tools

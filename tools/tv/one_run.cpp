@@ -6,6 +6,7 @@
 
 #include <fmt/core.h>
 
+#include "run/debug_files.h"
 #include "tv/event_records.h"
 
 namespace orvex::tools {
@@ -23,6 +24,7 @@ RunSummary RunOnce(const std::string& service, const RunTelevision& television, 
                    const RunWatcher& watcher) {
   const std::size_t eventsBefore = ReadEventRecords(television.EventFile()).records.size();
   const auto start = std::chrono::steady_clock::now();
+  const timespec begin = FileTimeNow();
   LogFollower follower([&] { return television.DelayMs(); });
   RunSummary summary;
   summary.misalignmentBeforeMs = television.MisalignmentMs(television.DelayMs());
@@ -35,6 +37,7 @@ RunSummary RunOnce(const std::string& service, const RunTelevision& television, 
         return watcher.onLine(line);
       });
   summary.report = follower.GetReport();
+  ForgetForeignFiles(summary.report, begin);
   summary.delayAfterMs = television.DelayMs();
   summary.misalignmentAfterMs = television.MisalignmentMs(summary.delayAfterMs);
   summary.events = EventsSince(television.EventFile(), eventsBefore);

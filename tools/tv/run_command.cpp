@@ -14,6 +14,7 @@
 #include "linux/json_text.h"
 #include "options/errors.h"
 #include "output/standard_output.h"
+#include "run/debug_files.h"
 #include "run/log_colours.h"
 #include "run/run_signals.h"
 #include "tv/commands.h"
@@ -51,20 +52,20 @@ class Runs {
 public:
   Runs(const RunArguments& arguments, const TelevisionInput& input)
       : m_Arguments(arguments), m_Figures(arguments.times.value_or(1)) {
+    if (!arguments.keep.empty()) {
+      m_Kept.emplace(arguments.keep, arguments.times.has_value());
+    }
     if (!arguments.report.empty()) {
-      m_Report.emplace(arguments.report, Count());
+      m_Report.emplace(arguments.report, Count(), InputFiles(arguments.television));
       if (m_Report->TakesStandardOutput() && arguments.json) {
         throw UsageError("--report -: takes standard output for the page, expected no --json beside it");
       }
-    }
-    if (!arguments.keep.empty()) {
-      m_Kept.emplace(arguments.keep, arguments.times.has_value());
     }
     m_Television.emplace(arguments.television, input);
   }
 
   int Run() {
-    for (std::uint32_t run = 1; run <= Count() && !IsOver(); ++run) {
+    for (std::uint32_t run = 1; run <= Count() && !IsOver() && !m_IsUnkept; ++run) {
       m_Television->Prepare(run - 1);
       Add(run);
     }
@@ -72,7 +73,7 @@ public:
       Say(m_Arguments.json ? port::CompactJson(m_Figures.ToJson()) + "\n" : m_Figures.ToText());
     }
     if (m_Report && !m_Report->Write() && !IsOver()) {
-      PrintProblem("--report " + m_Arguments.report + ": nothing was recorded, so there is no page");
+      PrintProblem("--report " + m_Arguments.report + ": nothing was recorded, so there is no new page");
     }
     return ExitCode();
   }
@@ -90,7 +91,7 @@ private:
       Leave(run, logStart, summary);
     }
     if (isOver || !m_Kept) {
-      RemoveDebugFiles(summary);
+      RemoveDebugFiles(summary.report);
     }
     if (const std::string problem = summary.ending.Problem(); !problem.empty()) {
       PrintProblem(problem);
@@ -106,7 +107,17 @@ private:
       m_Report->Add(run, summary);
     }
     if (m_Kept) {
+      Keep(run, logStart, summary);
+    }
+  }
+
+  // What a run came to is told in any case.
+  void Keep(std::uint32_t run, std::uintmax_t logStart, RunSummary& summary) {
+    try {
       m_Kept->Keep(run, *m_Television, logStart, summary);
+    } catch (const CommandError& problem) {
+      PrintProblem(problem.what());
+      m_IsUnkept = true;
     }
   }
 
@@ -150,7 +161,7 @@ private:
       PrintProblem(m_Out.Problem());
       return kExitFailed;
     }
-    return m_Figures.AreAllGood() ? kExitGood : kExitFailed;
+    return m_Figures.AreAllGood() && !m_IsUnkept ? kExitGood : kExitFailed;
   }
 
   const RunArguments& m_Arguments;
@@ -159,6 +170,7 @@ private:
   RunFigures m_Figures;
   std::optional<HeardReport> m_Report;
   std::optional<KeptFolder> m_Kept;
+  bool m_IsUnkept = false;  // a run could not be kept, and is the last
   std::optional<RunTelevision> m_Television;
 };
 

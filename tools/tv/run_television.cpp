@@ -51,6 +51,16 @@ void CheckTogether(const TelevisionOptions& options) {
 
 }  // namespace
 
+std::vector<std::string> InputFiles(const TelevisionOptions& options) {
+  std::vector<std::string> files;
+  for (const std::string& file : {options.room.GetFile(), options.faultsFile}) {
+    if (!file.empty()) {
+      files.push_back(file);
+    }
+  }
+  return files;
+}
+
 TelevisionInput ReadInput(const TelevisionOptions& options) {
   CheckTogether(options);
   return {options.room.ReadFile(), options.faultsFile.empty() ? "" : FaultsAsGiven(options.faultsFile)};

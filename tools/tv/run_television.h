@@ -28,6 +28,9 @@ struct TelevisionInput {
   std::string faults;
 };
 
+// The files that ReadInput() reads; "-" is standard input.
+std::vector<std::string> InputFiles(const TelevisionOptions& options);
+
 // Throws UsageError or sim::RoomError.
 TelevisionInput ReadInput(const TelevisionOptions& options);
 

@@ -109,6 +109,13 @@ TEST(RunService, EndsTheServiceInOrderWhenASignalAsksForTheEnd) {
   }
 }
 
+TEST(RunService, EndsAServiceThatWritesFasterThanItsLinesAreTaken) {
+  RunSignals signals;
+  const ServiceEnding ending = RunService({"/usr/bin/yes", {}, {}, std::chrono::milliseconds(20)}, signals, kGoOn);
+  EXPECT_TRUE(ending.limitReached);
+  EXPECT_THAT(ending.exitCode, Optional(128 + SIGKILL));
+}
+
 TEST(RunService, PassesASecondSignalOnAndRemembersTheFirst) {
   const Script script(
       "trap 'n=1$n; echo told $n; [ $n = 1 ] || exit 7' TERM\necho ready\nwhile :; do sleep 0.01; done\n");

@@ -54,10 +54,11 @@ protected:
   }
   void TearDown() override { ::unsetenv("TMPDIR"); }
 
-  // A service that names its debug files, then runs `lines`; it exits with 0 on SIGTERM.
+  // A service that opens its debug files and names them, then runs `lines`; it exits with 0 on SIGTERM.
   std::string ServiceWithDebugFiles(const std::string& lines) const {
-    return Service("trap 'exit 0' TERM\necho 'A.cpp: f(1) > Temp file name=[" + m_Folder / "dump" + "][" +
-                   m_Folder / "result.csv" + "]'\n" + lines);
+    return Service("trap 'exit 0' TERM\nchmod 600 " + m_Folder / "dump" + " " + m_Folder / "result.csv" +
+                   "\necho 'A.cpp: f(1) > Temp file name=[" + m_Folder / "dump" + "][" + m_Folder / "result.csv" +
+                   "]'\n" + lines);
   }
   bool HasDebugFiles() const {
     return std::filesystem::exists(m_Folder / "dump") || std::filesystem::exists(m_Folder / "result.csv");

@@ -1,14 +1,17 @@
 // orvex-tv run: several runs, what is kept of them, and how they are interrupted.
 #include <fcntl.h>
 #include <signal.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <sstream>
+#include <tuple>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "linux/json_text.h"
+#include "run/debug_files.h"
 #include "unit/tools/tv_calls.h"
 
 namespace orvex::tools {
@@ -41,6 +44,37 @@ TEST_F(KeptRun, LeavesNothingUnlessItIsToBeKept) {
   EXPECT_THAT(run.out, Not(HasSubstr("dump")));
   EXPECT_FALSE(HasDebugFiles());
   EXPECT_FALSE(HasTelevision());
+}
+
+bool IsOlderThanNow(const std::string& file) {
+  struct stat state {};
+  EXPECT_EQ(0, ::stat(file.c_str(), &state));
+  const timespec now = FileTimeNow();
+  return std::tie(state.st_ctim.tv_sec, state.st_ctim.tv_nsec) < std::tie(now.tv_sec, now.tv_nsec);
+}
+
+// As when the name is taken: the service does without its files then.
+TEST_F(KeptRun, LeavesFilesAloneThatTheServiceHasOnlyNamed) {
+  const std::string service =
+      Service("echo 'A.cpp: f(1) > Temp file name=[" + m_Folder / "dump" + "][" + m_Folder / "missing.csv" + "]'\n");
+  const std::string kept = m_Folder / "kept";
+  while (!IsOlderThanNow(m_Folder / "dump")) {
+    // Some milliseconds.
+  }
+  Call({"run", "--service", service.c_str()});
+  Call({"run", "--keep", kept.c_str(), "--service", service.c_str()});
+  EXPECT_EQ("sound", m_Folder.Read("dump"));
+  EXPECT_THAT(NamesIn(kept), UnorderedElementsAre("service.log", "events.jsonl", "room.json", "run.json"));
+  EXPECT_TRUE(port::ParseJson(m_Folder.Read("kept/run.json"))["dump_file"].isNull());
+}
+
+TEST_F(KeptRun, DoesNotOverwriteWhatItReads) {
+  const std::string room = m_Folder.Write("room.json", "{}");
+  const TvOutcome run = Call({"run", "--room", room.c_str(), "--report", room.c_str(), "--service", "/nonexistent"});
+  EXPECT_NE(0, run.exitCode);
+  EXPECT_EQ("{}", m_Folder.Read("room.json"));
+  EXPECT_EQ(2, Call({"record", "--room", room.c_str(), room.c_str()}).exitCode);
+  EXPECT_EQ("{}", m_Folder.Read("room.json"));
 }
 
 TEST_F(KeptRun, HasAllThatItLeftInOneFolder) {
@@ -83,7 +117,7 @@ TEST_F(KeptRun, HasAPageAboutWhatWasHeard) {
 TEST_F(KeptRun, HasNoPageWhenNothingWasHeard) {
   const std::string page = m_Folder / "page.html";
   const TvOutcome run = Call({"run", "--report", page.c_str(), "--service", "/nonexistent/service"});
-  EXPECT_THAT(run.error, HasSubstr("nothing was recorded, so there is no page"));
+  EXPECT_THAT(run.error, HasSubstr("nothing was recorded, so there is no new page"));
   EXPECT_FALSE(std::filesystem::exists(page));
 }
 
