@@ -35,6 +35,7 @@ public:
         m_Rig({this}),
         m_Late(TimeOfMs(trial.lateMs)),
         m_End(kLongestRun + m_Late) {
+    m_Room.SetSpdifDelayMs(trial.outputDelayMs);
     if (!trial.disturbance.empty()) {
       const bool isAtOwnRate = trial.disturbanceRateHz != 0.0;
       m_Room.SetNoise(trial.disturbance, isAtOwnRate ? trial.disturbanceRateHz : trial.room.microphoneRateHz);

@@ -9,7 +9,8 @@
 namespace orvex::tools {
 
 struct Trial {
-  sim::RoomConfig room;             // its optical latency includes the delay of the output
+  sim::RoomConfig room;
+  double outputDelayMs = 0.0;       // of the optical output, before its own latency; limited as sim::Room does it
   double startMs = 0.0;             // from the end of the ambient phase to the first frame of the sound
   double lateMs = 0.0;              // delay of the main loop on each event
   bool finishedMark = true;         // the receiver's finished mark is set at the first result

@@ -40,7 +40,7 @@ void Events(const EventsArguments& arguments) {
   const EventRecords events = ReadEventRecords(television.PathOf("events.jsonl").string());
   std::fputs((arguments.json ? EventLines(events.records) : EventTable(events.records)).c_str(), stdout);
   for (const std::string& problem : events.problems) {
-    std::fprintf(stderr, "%s\n", problem.c_str());
+    std::fprintf(stderr, "orvex-tv: %s\n", problem.c_str());
   }
   if (events.records.empty()) {
     ExplainNothing(arguments, television);

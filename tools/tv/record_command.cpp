@@ -8,6 +8,7 @@
 #include <memory>
 
 #include "options/errors.h"
+#include "orvex/sim/room.h"
 #include "orvex/sim/truth.h"
 #include "output/input_file.h"
 #include "output/output_file.h"
@@ -55,13 +56,15 @@ double WayMs(const sim::PathConfig& path) {
 // Until the last of the sound has reached the microphone.
 double ListenMs(const Trial& trial) {
   const double frames = static_cast<double>(trial.sound.size()) / kTestSoundFormat.channels;
-  return frames * 1e3 / kTestSoundFormat.rateHz + std::max(WayMs(trial.room.tv), WayMs(trial.room.optical));
+  return frames * 1e3 / kTestSoundFormat.rateHz +
+         std::max(WayMs(trial.room.tv),
+                  WayMs(trial.room.optical) + std::min(trial.outputDelayMs, sim::Room::kMaxSpdifDelayMs));
 }
 
 Trial TrialIn(const sim::RoomConfig& room, double delayMs) {
   Trial trial;
   trial.room = room;
-  trial.room.optical.latencyMs += delayMs;
+  trial.outputDelayMs = delayMs;
   if (!room.noiseFile.empty()) {
     virtual_tv::NoiseFile noise = virtual_tv::ReadNoiseFile(room.noiseFile);
     trial.disturbance = std::move(noise.samples);
@@ -70,11 +73,19 @@ Trial TrialIn(const sim::RoomConfig& room, double delayMs) {
   return trial;
 }
 
+// What is not to be overwritten.
+std::vector<std::string> Inputs(const RecordArguments& arguments) {
+  std::vector<std::string> inputs = InputFiles(arguments.television);
+  inputs.push_back(arguments.sound);
+  inputs.erase(std::remove(inputs.begin(), inputs.end(), ""), inputs.end());
+  return inputs;
+}
+
 void Record(const RecordArguments& arguments) {
   if (arguments.sound == kStandardInput && arguments.television.room.GetFile() == kStandardInput) {
     throw UsageError("--room and --sound are both standard input, expected a file for one of them");
   }
-  const OutputFile file(arguments.output);
+  const OutputFile file(arguments.output, Inputs(arguments));
   const RunTelevision television(arguments.television, ReadInput(arguments.television));
   const std::optional<std::int64_t> delayMs =
       arguments.delayMs ? std::optional<std::int64_t>(*arguments.delayMs) : television.DelayMs();

@@ -11,7 +11,12 @@
 namespace orvex::tools {
 
 ScratchFolder::ScratchFolder() {
-  std::string pattern = (std::filesystem::temp_directory_path() / "orvex_tv_XXXXXX").string();
+  std::error_code error;
+  const std::filesystem::path temporary = std::filesystem::temp_directory_path(error);
+  if (error) {
+    throw CommandError("TMPDIR: expected a folder for temporary files: " + error.message());
+  }
+  std::string pattern = (temporary / "orvex_tv_XXXXXX").string();
   if (::mkdtemp(pattern.data()) == nullptr) {
     throw CommandError(pattern + ": cannot be made: " + std::strerror(errno));
   }

@@ -1,6 +1,7 @@
 // A small file at most; where it cannot be read, the error names it as wrong usage.
 #include "tv/text_files.h"
 
+#include <cerrno>
 #include <iostream>
 #include <iterator>
 #include <system_error>
@@ -19,6 +20,9 @@ std::string ReadStandardInput() {
   std::string text(kLargest + 1, '\0');
   std::cin.read(text.data(), static_cast<std::streamsize>(text.size()));
   text.resize(static_cast<std::size_t>(std::cin.gcount()));
+  if (std::cin.bad()) {
+    throw std::system_error(errno, std::generic_category());
+  }
   return text;
 }
 

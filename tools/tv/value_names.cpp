@@ -1,4 +1,4 @@
-// A name is taken when it is one part of exactly one value's path, or else the end of one.
+// A name is taken when it is one part of exactly one value's path, or else a piece of one.
 #include "tv/value_names.h"
 
 #include <algorithm>
@@ -14,20 +14,19 @@ namespace orvex::tools {
 namespace {
 
 // Shorter ones would be hit by mistake.
-constexpr std::size_t kShortestEnd = 4;
+constexpr std::size_t kShortestPiece = 4;
 
 bool HasPart(const std::string& path, const std::string& part) {
   const std::filesystem::path parts(path);
   return std::find(parts.begin(), parts.end(), std::filesystem::path(part)) != parts.end();
 }
 
-bool HasEnd(const std::string& path, const std::string& end) {
-  return end.size() >= kShortestEnd && path.size() >= end.size() &&
-         path.compare(path.size() - end.size(), end.size(), end) == 0;
+bool HasPiece(const std::string& path, const std::string& piece) {
+  return piece.size() >= kShortestPiece && path.find(piece) != std::string::npos;
 }
 
 std::vector<std::string> ValuesMeant(const std::string& name) {
-  for (const auto has : {HasPart, HasEnd}) {
+  for (const auto has : {HasPart, HasPiece}) {
     std::vector<std::string> meant;
     for (const std::string& value : ValueNames()) {
       if (has(value, name)) {
@@ -48,7 +47,7 @@ std::vector<std::string> WordsLike(const std::string& name) {
     for (const std::filesystem::path& element : std::filesystem::path(value)) {
       const std::string part = element.string();
       words.push_back(part);
-      for (std::size_t length = std::max(kShortestEnd, name.size() - 1); length <= name.size() + 1; ++length) {
+      for (std::size_t length = std::max(kShortestPiece, name.size() - 1); length <= name.size() + 1; ++length) {
         if (length < part.size()) {
           words.push_back(part.substr(part.size() - length));
         }

@@ -23,11 +23,18 @@ TEST_F(TvCommandLine, SetsAndGetsAValueByItsShortName) {
   EXPECT_EQ("120\n", get.out);
 }
 
+TEST_F(TvCommandLine, TakesAPieceOfANameThatOnlyOneHas) {
+  Call({"set", "--tv", m_Tv.c_str(), "delay", "120"});
+  for (const char* const piece : {"spdif", "agree", "disclaimer", "optical", "freq", "volu"}) {
+    EXPECT_EQ(0, Call({"get", "--tv", m_Tv.c_str(), piece}).exitCode) << piece;
+  }
+}
+
 TEST_F(TvCommandLine, RefusesUnknownNamesAndBadValues) {
   const TvOutcome name = Call({"get", "--tv", m_Tv.c_str(), "colour"});
   EXPECT_EQ(2, name.exitCode);
   EXPECT_THAT(name.error, AllOf(HasSubstr("\"colour\""), HasSubstr("delay/spdif")));
-  EXPECT_THAT(Call({"get", "--tv", m_Tv.c_str(), "agre"}).error, HasSubstr(", did you mean \"agree\"?\nKnown "));
+  EXPECT_THAT(Call({"get", "--tv", m_Tv.c_str(), "agere"}).error, HasSubstr(", did you mean \"agree\"?\nKnown "));
   EXPECT_THAT(Call({"get", "--tv", m_Tv.c_str(), "volmue"}).error, HasSubstr(", did you mean \"volume\"?\nKnown "));
   const TvOutcome value = Call({"set", "--tv", m_Tv.c_str(), "mute", "2"});
   EXPECT_EQ(2, value.exitCode);

@@ -47,6 +47,12 @@ TEST_F(TvRecord, RefusesWhatNoRoomHasByTheOptionsName) {
   }
 }
 
+TEST_F(TvRecord, LimitsTheDelayAsARunDoes) {
+  const TvOutcome record = Record({"--base-delay", "4294967295", "--optical-latency", "9000"});
+  EXPECT_EQ(0, record.exitCode) << record.error;
+  EXPECT_THAT(record.out, HasSubstr("optical output +18920.0 ms"));
+}
+
 TEST_F(TvRecord, IsWhatTheReceiverUnderstands) {
   const TvOutcome record = Record({"--optical-latency", "80", "--noise", "-60"});
   EXPECT_EQ(0, record.exitCode) << record.error;
