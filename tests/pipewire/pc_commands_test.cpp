@@ -66,8 +66,7 @@ TEST_F(PcCommands, DevicesAreTheOutputsAndMicrophonesWithoutOurOwn) {
 
 TEST_F(PcCommands, TheShellIsOfferedTheNodesThatSetupCanChoose) {
   EXPECT_EQ("television\t\n", Run({"--complete-words", "setup", "--reference", "tele"}).log);
-  // The log goes on.
-  EXPECT_EQ("television\t\nmicrophone\t\n", Run({"--complete-words", "setup", "--microphone", "mic"}).log);
+  EXPECT_EQ("microphone\t\n", Run({"--complete-words", "setup", "--microphone", "mic"}).log);
 }
 
 // On a terminal of its own, which "script" gives it.
@@ -107,6 +106,30 @@ TEST_F(PcCommands, SetupWritesWhatIsChosenAndRemoveTakesItBack) {
   EXPECT_FALSE(std::filesystem::exists(ConfigFile()));
   EXPECT_FALSE(std::filesystem::exists(m_Room.GetDaemon().GetStateFolder()));
   EXPECT_EQ(before, DefaultOutput());
+}
+
+TEST_F(PcCommands, RemoveKeepsTheOldDefaultOutputUntilItIsPutBack) {
+  const std::filesystem::path kept = m_Room.GetDaemon().GetStateFolder() / "default_output";
+  std::ofstream(kept) << "television\n";
+  m_Room.StopDaemon();
+  EXPECT_EQ(1, Run({"remove"}).exitCode);
+  EXPECT_TRUE(std::filesystem::exists(kept));
+}
+
+TEST_F(PcCommands, SetupDoesNotAskAmongNothing) {
+  m_Room.RemoveMicrophone();
+  const std::string asking =
+      std::string(ORVEX_PC_PROGRAM) + " setup --reference soundbar --delayed television --no-service";
+  const auto process =
+      m_Room.GetDaemon().Run("asking", "/bin/sh", {"-c", "printf '1\\n' | script -qec '" + asking + "' /dev/null"});
+  EXPECT_EQ("exit code 2", Describe(process->WaitForEnd()));
+  EXPECT_THAT(m_Room.GetDaemon().LogOf("asking"), HasSubstr("--microphone: there is nothing to choose from"));
+}
+
+TEST_F(PcCommands, CalibrateDoesNotPutThePageAndTheObjectIntoOneOutput) {
+  const PcOutcome outcome = Run({"calibrate", "--json", "--report", "-"});
+  EXPECT_EQ(2, outcome.exitCode);
+  EXPECT_THAT(outcome.log, HasSubstr("--report -: takes standard output for the page, expected no --json beside it"));
 }
 
 TEST_F(PcCommands, SetupSaysWhatThereIsToChooseAmong) {

@@ -109,6 +109,7 @@ std::unique_ptr<Process> PrivateDaemon::Run(const std::string& name, const fs::p
                                             const std::vector<std::string>& arguments,
                                             const std::map<std::string, std::string>& environment) const {
   const fs::path log = m_Folder / (name + ".log");
+  fs::remove(log);
   std::map<std::string, std::string> whole = environment;
   whole.insert(m_Environment.begin(), m_Environment.end());
   return std::make_unique<Process>(ProcessCommand{program, arguments, whole, log, log});

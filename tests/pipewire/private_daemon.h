@@ -34,7 +34,8 @@ public:
   // Where a room keeps its cards, see room_cards.h.
   std::filesystem::path GetRoomFile() const { return m_Folder / "cards"; }
 
-  // Starts a program that uses this daemon. Its output is in LogOf(name). `environment`: what else it gets.
+  // Starts a program that uses this daemon. Its output is in LogOf(name), without that of an earlier one.
+  // `environment`: what else it gets.
   std::unique_ptr<Process> Run(const std::string& name, const std::filesystem::path& program,
                                const std::vector<std::string>& arguments = {},
                                const std::map<std::string, std::string>& environment = {}) const;

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <memory>
 #include <optional>
+#include <stdexcept>
 #include <string>
 
 #include "output/output_file.h"
@@ -46,8 +47,13 @@ private:
   std::chrono::steady_clock::time_point m_Start = std::chrono::steady_clock::now();
 };
 
+// The page takes all of it.
+bool TakesStandardOutput(const OutputFile* report) {
+  return report != nullptr && report->IsStandardOutput();
+}
+
 Calibration CalibrateThisComputer(const CalibrateArguments& arguments, RunSignals& signals, const OutputFile* report) {
-  News news(!arguments.json);
+  News news(!arguments.json && !TakesStandardOutput(report));
   const auto show = [&](const std::string& text) { news.Show(text); };
   Calibration result;
   try {
@@ -71,7 +77,7 @@ Calibration CalibrateThisComputer(const CalibrateArguments& arguments, RunSignal
   } catch (const MicrophoneProblem& problem) {
     result.verdict = PcVerdict::kNoMicrophone;
     result.words = problem.what();
-  } catch (const CommandError& problem) {
+  } catch (const std::runtime_error& problem) {
     result.words = problem.what();
   }
   return result;
@@ -80,12 +86,18 @@ Calibration CalibrateThisComputer(const CalibrateArguments& arguments, RunSignal
 int RunCalibrate(const CalibrateArguments& arguments) {
   std::optional<OutputFile> report;
   if (!arguments.report.empty()) {
-    report.emplace(arguments.report, std::vector<std::string>{});
+    report.emplace(arguments.report, std::vector<std::string>{pipewire::PcConfigFile().string()});
+    if (report->IsStandardOutput() && arguments.json) {
+      throw UsageError("--report -: takes standard output for the page, expected no --json beside it");
+    }
   }
   RunSignals signals;
-  const Calibration result = CalibrateThisComputer(arguments, signals, report ? &*report : nullptr);
+  const OutputFile* const page = report ? &*report : nullptr;
+  const Calibration result = CalibrateThisComputer(arguments, signals, page);
   StandardOutput out;
-  out.Write(arguments.json ? CalibrationJson(result) : CalibrationText(result));
+  if (!TakesStandardOutput(page)) {
+    out.Write(arguments.json ? CalibrationJson(result) : CalibrationText(result));
+  }
   KeepLastCalibration(result);
   if (const int number = signals.Interruption(); number != 0) {
     return kExitSignal + number;

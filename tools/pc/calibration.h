@@ -31,7 +31,7 @@ struct Calibration {
   std::optional<double> beforeMs;            // difference with the delay that was in force before
   std::optional<double> coarseMs;            // the same, as the service measured it
   std::optional<double> appliedMs;           // delay in force at the end
-  std::optional<double> afterMs;             // difference with that delay
+  std::optional<double> afterMs;             // difference with the delay that was tried last
   std::optional<fine::Interval> intervalMs;  // holds the last of the differences in 95 of 100 rooms
   std::optional<double> level17Db;           // of the last sound that was read
   std::optional<double> level19Db;

@@ -35,7 +35,9 @@ std::string DifferencesInWords(const Calibration& calibration) {
   if (!calibration.afterMs) {
     return "difference " + WithInterval(*calibration.beforeMs, calibration.intervalMs);
   }
-  return fmt::format("before {} ms, now {}", Signed(*calibration.beforeMs),
+  // The delay that is in force is that of before, unless the outputs are aligned.
+  return fmt::format("before {} ms, {} {}", Signed(*calibration.beforeMs),
+                     calibration.verdict == PcVerdict::kAligned ? "now" : "with the delay that was tried",
                      WithInterval(*calibration.afterMs, calibration.intervalMs));
 }
 

@@ -36,7 +36,6 @@ public:
       return events;
     }();
     pw_metadata_add_listener(m_Metadata, &m_Hook, &kEvents, this);
-    daemon.RoundTrip();
   }
   ~DefaultMetadata() {
     spa_hook_remove(&m_Hook);
@@ -45,7 +44,10 @@ public:
   DefaultMetadata(const DefaultMetadata&) = delete;
   DefaultMetadata& operator=(const DefaultMetadata&) = delete;
 
-  const std::string& Get() const { return m_Name; }
+  std::string Get() {
+    m_Daemon.RoundTrip();
+    return m_Name;
+  }
   void Set(const std::string& node) {
     Json::Value value(Json::objectValue);
     value["name"] = node;

@@ -26,11 +26,9 @@ void KeepDefault(const std::string& node) {
   }
 }
 
-std::optional<std::string> TakeKeptDefault() {
+std::optional<std::string> KeptDefault() {
   try {
-    std::string text = port::ReadSmallFile(KeptFile(), kMaximumNameBytes);
-    std::error_code ignored;
-    std::filesystem::remove(KeptFile(), ignored);
+    const std::string text = port::ReadSmallFile(KeptFile(), kMaximumNameBytes);
     return text.substr(0, text.find('\n'));
   } catch (const std::system_error&) {
     return std::nullopt;

@@ -8,7 +8,7 @@ namespace orvex::tools {
 
 // `node`: empty when none was chosen. Throws CommandError.
 void KeepDefault(const std::string& node);
-// Empty: nothing is kept. Forgets it.
-std::optional<std::string> TakeKeptDefault();
+// Empty: nothing is kept.
+std::optional<std::string> KeptDefault();
 
 }  // namespace orvex::tools

@@ -13,8 +13,9 @@
 namespace orvex::tools {
 namespace {
 
+// What is kept is forgotten with the state, when everything else is done.
 void PutDefaultBack() {
-  const std::optional<std::string> kept = TakeKeptDefault();
+  const std::optional<std::string> kept = KeptDefault();
   if (!kept) {
     return;
   }

@@ -53,6 +53,9 @@ std::string Answer(const std::vector<AudioNode>& choices, const std::string& lin
 
 std::string Ask(const std::vector<AudioNode>& nodes, const Role& role) {
   std::vector<AudioNode> choices;
+  if (NamesOf(nodes, role.kind) == NamesOf({}, role.kind)) {
+    throw UsageError(fmt::format("{}: there is nothing to choose from: switch it on, or plug it in", role.option));
+  }
   std::cerr << role.question << '\n';
   for (const AudioNode& node : nodes) {
     if (node.kind == role.kind) {

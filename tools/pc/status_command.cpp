@@ -119,7 +119,7 @@ std::string StatusText(const Json::Value& status) {
   std::string words = "none";
   if (!last.isNull()) {
     words = last["verdict"].asString() + ", " + last["time_utc"].asString().substr(0, 16) + " UTC";
-    if (last["after_ms"].isNumeric()) {
+    if (last["verdict"] == NameOf(PcVerdict::kAligned) && last["after_ms"].isNumeric()) {
       words += fmt::format(", {:+.1f} ms remained", last["after_ms"].asDouble());
     }
   }

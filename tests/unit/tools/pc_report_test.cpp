@@ -49,6 +49,14 @@ TEST(PcReport, OneLineSaysWhyThereIsNoDifference) {
   EXPECT_EQ("no_difference: nothing is heard; delay 5.0 ms\n", CalibrationText(calibration));
 }
 
+TEST(PcReport, WhatRemainedOfADelayThatWasTakenBackIsNotTheDifferenceNow) {
+  Calibration calibration = Aligned();
+  calibration.verdict = PcVerdict::kWorse;
+  calibration.words = "it does not agree";
+  EXPECT_EQ("worse: it does not agree; before +183.2 ms, with the delay that was tried +0.1 ± 0.3 ms; delay 16.8 ms\n",
+            CalibrationText(calibration));
+}
+
 TEST(PcReport, OneLineSaysTheDifferenceThatCannotBeCorrected) {
   Calibration calibration;
   calibration.verdict = PcVerdict::kOutOfRange;
