@@ -102,6 +102,20 @@ bool HasLateToneBefore(const RunRecord& run, std::int32_t buffer) {
                      [=](const SequenceError& error) { return error.buffer < buffer && error.IsTooLate(); });
 }
 
+void MakeDoubtful(Explanation& found, const std::string& reason) {
+  if (found.outcome != Outcome::kDoubtful) {
+    found.headline += ", but that is doubtful";
+  }
+  found.outcome = Outcome::kDoubtful;
+  found.reasons.push_back(reason);
+}
+
+void AddContradiction(const fine::Reading& fine, Explanation& found) {
+  MakeDoubtful(found, fmt::format("The fine reading contradicts it: {:+.2f} ms. The two tones belong to different "
+                                  "bursts then, or one of them was heard as an echo only.",
+                                  *fine.differenceS * 1e3));
+}
+
 Explanation ExplainFound(const RunRecord& run, const RecordedEvent& result) {
   const double differenceMs = result.differenceS * 1e3;
   const Tone first = differenceMs > 0.0 ? Tone::k17000Hz : Tone::k19000Hz;
@@ -120,11 +134,9 @@ Explanation ExplainFound(const RunRecord& run, const RecordedEvent& result) {
       Margins(run, result.first, first), Margins(run, result.buffer, Other(first))};
   AddDisturbances(run, result.buffer, found.reasons);
   if (HasLateToneBefore(run, result.buffer)) {
-    found.outcome = Outcome::kDoubtful;
-    found.headline += ", but that is doubtful";
-    found.reasons.push_back(
-        "A tone came too late before the pair. When one is missing, or the true difference is larger than can be "
-        "measured, tones of two different bursts make a pair, and the difference is false.");
+    MakeDoubtful(found,
+                 "A tone came too late before the pair. When one is missing, or the true difference is larger than can "
+                 "be measured, tones of two different bursts make a pair, and the difference is false.");
   }
   const RecordedEvent* last = nullptr;
   std::int64_t results = 0;
@@ -192,9 +204,20 @@ Explanation ExplainNotFound(const RunRecord& run) {
 
 }  // namespace
 
-Explanation Explain(const RunRecord& run) {
+bool DoContradict(const RunRecord& run, const fine::Reading& fine) {
+  const auto result = run.FindRunResult();
+  return result && fine.differenceS &&
+         (result->differenceS < fine.intervalS.low - detector::kBufferS ||
+          result->differenceS > fine.intervalS.high + detector::kBufferS);
+}
+
+Explanation Explain(const RunRecord& run, const std::optional<fine::Reading>& fine) {
   if (const auto result = run.FindRunResult()) {
-    return ExplainFound(run, *result);
+    Explanation found = ExplainFound(run, *result);
+    if (fine && DoContradict(run, *fine)) {
+      AddContradiction(*fine, found);
+    }
+    return found;
   }
   const auto abnormal = run.FindFirst(EventKind::kAbnormal);
   return abnormal ? ExplainAbnormal(run, *abnormal) : ExplainNotFound(run);

@@ -3,6 +3,7 @@
 #include "replay/findings.h"
 
 #include <algorithm>
+#include <optional>
 
 namespace orvex::tools {
 namespace {
@@ -29,7 +30,11 @@ Verdict Judge(const RunRecord& run, const RecordedBlock& block, Tone tone) {
 
 ToneFindings FindTone(const RunRecord& run, Tone tone) {
   ToneFindings found;
+  const auto abnormal = run.FindRunResult() ? std::nullopt : run.FindFirst(EventKind::kAbnormal);
   for (const RecordedBlock& block : run.GetBlocks()) {
+    if (abnormal && block.buffer > abnormal->buffer) {
+      break;
+    }
     const Verdict verdict = Judge(run, block, tone);
     if (verdict == Verdict::kNotLookedAt) {
       continue;

@@ -1,4 +1,4 @@
-// Says of each block of a recording whether it holds a tone, or why not, and counts that over the recording.
+// Says of each block of a recording whether it holds a tone, or why not, and counts that.
 #pragma once
 
 #include <cstdint>
@@ -29,6 +29,7 @@ struct ToneFindings {
   std::optional<RecordedBlock> strongest;  // of the blocks that were looked at
 };
 
+// Over the whole recording; over the run when it was given up.
 ToneFindings FindTone(const RunRecord& run, Tone tone);
 
 }  // namespace orvex::tools

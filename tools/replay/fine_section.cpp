@@ -14,6 +14,7 @@
 #include "chart/svg.h"
 #include "fine/burst_shape.h"
 #include "replay/chart.h"
+#include "replay/explanation.h"
 #include "replay/page_parts.h"
 #include "replay/text.h"
 
@@ -53,14 +54,16 @@ std::string MakeFineFacts(const fine::Reading& reading) {
          Fact("19 kHz, direct sound", DirectLevelText(reading.arrivals[1])) + "</dl>\n";
 }
 
-std::string CompareWithReceiver(const RunRecord& run, double fineS) {
+std::string CompareWithReceiver(const RunRecord& run, const fine::Reading& reading) {
   const auto result = run.FindRunResult();
   if (!result) {
     return "The service found no difference.";
   }
-  const double more = Ms(result->differenceS - fineS);
-  return fmt::format("The service found {:.2f} ms {} than the fine reading; it counts whole buffers of {:.2f} ms.",
-                     std::abs(more), more < 0.0 ? "less" : "more", kVoiceBlockMs);
+  const double aboveMs = Ms(result->differenceS - *reading.differenceS);
+  return fmt::format(
+      "The service's reading is {:.2f} ms {} the fine one{}", std::abs(aboveMs), aboveMs < 0.0 ? "below" : "above",
+      DoContradict(run, reading) ? ", which is more than counting in whole buffers explains: one of them is wrong."
+                                 : fmt::format("; it counts whole buffers of {:.2f} ms.", kVoiceBlockMs));
 }
 
 std::string MakeCard(const char* title, const std::string& value, const std::string& remark) {
@@ -93,7 +96,7 @@ std::string DrawGrid(const RunRecord& run, const fine::Reading& reading, const P
       {part.prefix + "fine-grid", kGridTitle,
        fmt::format("The fine reading, {:+.2f} ms, with its interval, {}, on the service's grid of {:.2f} ms. {}",
                    Ms(*reading.differenceS), IntervalText(reading.intervalS), kVoiceBlockMs,
-                   CompareWithReceiver(run, *reading.differenceS))},
+                   CompareWithReceiver(run, reading))},
       span, kLanes * Chart::kLaneHeight, {"difference (ms)", kVoiceBlockMs}, ChartAxis{"buffers"});
   for (double buffer = span.low; buffer <= span.high; buffer += 1.0) {
     chart.AddUpright(buffer, "buffer", "");
@@ -199,7 +202,7 @@ std::string MakeOnset(const fine::Arrival& arrival, Tone tone, const PagePart& p
 std::string MakeReadings(const RunRecord& run, const fine::Reading& reading, const PagePart& part) {
   std::string html = MakeCards(run, reading);
   if (reading.differenceS) {
-    html += "<p>" + CompareWithReceiver(run, *reading.differenceS) + "</p>\n" +
+    html += "<p>" + CompareWithReceiver(run, reading) + "</p>\n" +
             Figure(kGridTitle, kReadingsLegend, DrawGrid(run, reading, part)) +
             Figure(kIntervalTitle, "", DrawInterval(reading, part));
   } else {

@@ -129,7 +129,7 @@ int main(int argc, char** argv) {
   orvex::tools::Program program(
       "orvex-replay",
       "Feeds recordings to the receiver, block by block as the remote would, and prints what it reports: one JSON "
-      "object per line. The last one has run_difference_s, the first difference found, by which a run corrects the "
+      "object per line. The summary has run_difference_s, the first difference found, by which a run corrects the "
       "delay, and difference_s, the receiver's last one; null: none.",
       "0 a difference was found in every file, 1 in some file none was found, 2 wrong usage, or a file or standard "
       "output that cannot be read or written",
@@ -139,6 +139,9 @@ int main(int argc, char** argv) {
   program.AddExample("orvex-replay --fine recording.wav");
   program.AddExample("orvex-replay --report heard.html recording.wav");
   program.SetAction([&] {
+    if (std::count(arguments.files.begin(), arguments.files.end(), "-") > 1) {
+      throw orvex::tools::UsageError("- is given more than once, expected standard input to be read once");
+    }
     const std::optional<OutputFile> page = OpenReport(arguments);
     return ReplayAll(arguments, page ? &*page : nullptr);
   });

@@ -35,7 +35,7 @@ OverviewLine MakeOverviewLine(const std::string& part, const std::string& file, 
                               const std::optional<fine::Reading>& fine) {
   static const char* const kStyles[] = {"good", "warn", "warn", "bad"};
   const auto result = run.FindRunResult();
-  const Explanation explanation = Explain(run);
+  const Explanation explanation = Explain(run, fine);
   return {file,
           part,
           explanation.headline,

@@ -48,7 +48,7 @@ th[scope=row] { color: var(--ink); }
 .numbers td:last-child, .numbers th:last-child { text-align: left; }
 thead th.f17 { color: var(--ink-17); font-weight: 600; }
 thead th.f19 { color: var(--ink-19); font-weight: 600; }
-.overview td { min-width: 110px; }
+.overview td { min-width: 110px; } .overview th { min-width: 110px; overflow-wrap: anywhere; }
 td.good { color: var(--ink-good); font-weight: 600; } td.warn { color: var(--ink-warn); font-weight: 600; }
 td.bad { color: var(--ink-bad); font-weight: 600; }
 details { margin: 10px 0; }

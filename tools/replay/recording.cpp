@@ -37,12 +37,19 @@ bool IsWave(const std::vector<std::uint8_t>& bytes) {
   return (kind == "RIFF" || kind == "RIFX" || kind == "RF64") && form == "WAVE";
 }
 
+// Some hours of sound.
+constexpr std::size_t kMostBytes = 1u << 30;
+
 std::vector<std::uint8_t> ReadBytes(const std::string& path) {
   const std::unique_ptr<std::FILE, FileCloser> file(path == "-" ? stdin : std::fopen(path.c_str(), "rb"));
   std::vector<std::uint8_t> bytes;
   std::uint8_t piece[65536];
   for (std::size_t count = 0; file != nullptr && (count = std::fread(piece, 1, sizeof piece, file.get())) > 0;) {
     bytes.insert(bytes.end(), piece, piece + count);
+    if (bytes.size() > kMostBytes) {
+      throw RecordingError(path + ": more than " + std::to_string(kMostBytes) +
+                           " bytes, expected a debug dump or a WAV file");
+    }
   }
   if (file == nullptr || std::ferror(file.get()) != 0) {
     throw RecordingError(path + ": cannot be read: " + std::strerror(errno) + "; expected a debug dump or a WAV file");
@@ -50,8 +57,11 @@ std::vector<std::uint8_t> ReadBytes(const std::string& path) {
   return bytes;
 }
 
-// Full scale is 1.0.
+// Full scale is 1.0. What is no number is silence.
 std::int16_t ToSixteenBits(double sample) {
+  if (std::isnan(sample)) {
+    return 0;
+  }
   return static_cast<std::int16_t>(std::lrint(std::clamp(sample * 32768.0, -32768.0, 32767.0)));
 }
 

@@ -38,8 +38,8 @@ std::string MakeFacts(const RunRecord& run, const ReportSubject& subject) {
          Fact("sequence errors", count(EventKind::kSequence)) + "</dl>\n";
 }
 
-std::string MakeDecision(const RunRecord& run, const PagePart& part) {
-  const Explanation explanation = Explain(run);
+std::string MakeDecision(const RunRecord& run, const std::optional<fine::Reading>& fine, const PagePart& part) {
+  const Explanation explanation = Explain(run, fine);
   static const char* const kStyles[] = {"found", "doubtful", "not-found", "abnormal"};
   std::ostringstream html;
   html << "<section class='decision " << kStyles[static_cast<std::size_t>(explanation.outcome)] << "'>\n"
@@ -72,7 +72,7 @@ std::string MakePart(const RunRecord& run, const ReportSubject& subject, const s
   if (!subject.warning.empty()) {
     html += "<p class='warning'>" + Escaped(subject.warning) + "</p>\n";
   }
-  html += MakeDecision(run, part) + (fine ? MakeReadings(run, *fine, part) : "") +
+  html += MakeDecision(run, fine, part) + (fine ? MakeReadings(run, *fine, part) : "") +
           MakeCharts(run, subject, CloseUp(run), part, false) + MakeFacts(run, subject) + MakeToneTable(run) +
           MakeCharts(run, subject, WholeRecording(run), part, true) + MakeEventTable(run, part);
   return html + (fine ? MakeOnsets(*fine, part) : "");

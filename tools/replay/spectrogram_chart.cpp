@@ -104,7 +104,7 @@ std::vector<Chart::ScaleMark> MakeScaleMarks(const RunRecord& run, Span scale) {
 // Adjacent blocks in which a tone reached its threshold.
 struct Stretch {
   Span buffers;
-  bool isClean;  // one of them holds the tone
+  bool isClean;  // they hold the tone; one of them does, where the chart has no room for each
 };
 
 // Stretches between which the chart has no room are one.
@@ -117,11 +117,13 @@ std::vector<Stretch> FindStretches(const RunRecord& run, const View& view, Tone 
     if (verdict <= Verdict::kWeak || !view.buffers.Holds(end)) {
       continue;
     }
-    if (stretches.empty() || end - 1.0 - stretches.back().buffers.high > nearBuffers) {
-      stretches.push_back({{end - 1.0, end}, false});
+    const bool isClean = verdict == Verdict::kClean;
+    const bool isOther = nearBuffers < 0.5 && !stretches.empty() && stretches.back().isClean != isClean;
+    if (stretches.empty() || isOther || end - 1.0 - stretches.back().buffers.high > nearBuffers) {
+      stretches.push_back({{end - 1.0, end}, isClean});
     }
     stretches.back().buffers.high = end;
-    stretches.back().isClean = stretches.back().isClean || verdict == Verdict::kClean;
+    stretches.back().isClean = stretches.back().isClean || isClean;
   }
   return stretches;
 }

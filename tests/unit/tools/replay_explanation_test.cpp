@@ -115,8 +115,23 @@ TEST(ReplayExplanation, OfAbnormalInput) {
   EXPECT_EQ("Given up: abnormal input", abnormal.headline);
   EXPECT_EQ("The 19 kHz tone in buffer 46 (0.759 s) was one noisy tone too many: a run tolerates 10.",
             abnormal.reasons[0]);
+  EXPECT_THAT(abnormal.reasons[1], testing::Not(HasSubstr("was found in"))) << "of the tone after the end of the run";
   // Here the difference ends the run before the noisy tones come.
   EXPECT_EQ(Outcome::kFound, Of(Ambient() + "7.9" + std::string(12, 'y')).outcome);
+}
+
+TEST(ReplayExplanation, OfAFineReadingThatContradicts) {
+  const RunRecord run = ReplayRecord(MakeRecording(Ambient() + "7.9"));
+  const double differenceS = run.FindRunResult()->differenceS;
+  fine::Reading reading;
+  reading.differenceS = differenceS + 0.016;
+  reading.intervalS = {differenceS + 0.016, differenceS + 0.016};
+  EXPECT_EQ(Outcome::kFound, Explain(run, reading).outcome);
+  reading.intervalS = {differenceS + 0.017, differenceS + 0.018};
+  const Explanation doubtful = Explain(run, reading);
+  EXPECT_EQ(Outcome::kDoubtful, doubtful.outcome);
+  EXPECT_THAT(doubtful.headline, testing::EndsWith("late, but that is doubtful"));
+  EXPECT_THAT(doubtful.reasons.back(), StartsWith("The fine reading contradicts it: +49.00 ms."));
 }
 
 TEST(ReplayExplanation, OfSequenceErrors) {
