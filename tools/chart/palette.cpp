@@ -16,20 +16,30 @@ const char kPalette[] = R"(
   --ink-good: #62d58a; --ink-warn: #f3bb50; --ink-bad: #ff9090; --line: #343c46; --line-strong: #77828e; } }
 )";
 
-std::string WithLightColours(const std::string& style) {
-  static const std::string kPalettes = kPalette;  // the light colours come first
+namespace {
+
+constexpr char kIfDark[] = "@media (prefers-color-scheme: dark) {";
+
+std::string Coloured(const std::string& style, const std::string& palette) {
   const std::string use = "var(";
   std::string coloured = style;
   for (std::size_t at = 0; (at = coloured.find(use, at)) != std::string::npos;) {
     const std::size_t end = coloured.find(')', at);
     const std::string name = coloured.substr(at + use.size(), end - at - use.size()) + ": ";
-    const std::size_t colour = kPalettes.find(name);
+    const std::size_t colour = palette.find(name);
     if (colour == std::string::npos) {
       throw std::logic_error("no colour of the palette: " + name);
     }
-    coloured.replace(at, end + 1 - at, kPalettes, colour + name.size(), std::string("#rrggbb").size());
+    coloured.replace(at, end + 1 - at, palette, colour + name.size(), std::string("#rrggbb").size());
   }
   return coloured;
+}
+
+}  // namespace
+
+std::string WithColours(const std::string& style) {
+  const std::string palettes = kPalette;  // the light one comes first
+  return Coloured(style, palettes) + kIfDark + Coloured(style, palettes.substr(palettes.find(kIfDark))) + "}\n";
 }
 
 }  // namespace orvex::tools

@@ -9,8 +9,8 @@ namespace orvex::tools {
 // test computes the contrasts.
 extern const char kPalette[];
 
-// Puts the light colours in place of their names, var(--ink). For pictures that are files of their own: few programs
-// but browsers know named colours.
-std::string WithLightColours(const std::string& style);
+// `style` with the light colours in place of their names, var(--ink), and once more with the dark ones for readers who
+// have set that. For pictures that are files of their own: few programs but browsers know named colours.
+std::string WithColours(const std::string& style);
 
 }  // namespace orvex::tools

@@ -1,5 +1,6 @@
 // orvex-sweep: measures how well the receiver measures, in thousands of simulated rooms.
-#include <ctime>
+#include <time.h>
+
 #include <iostream>
 #include <map>
 #include <optional>
@@ -48,6 +49,12 @@ struct Arguments {
   std::optional<std::string> csv;
   std::optional<std::string> plot;
 };
+
+double ProcessorS() {
+  timespec used{};
+  ::clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &used);
+  return static_cast<double>(used.tv_sec) + static_cast<double>(used.tv_nsec) * 1e-9;
+}
 
 void DefineAxes(Program& program, Arguments& arguments, const Option& fine) {
   for (std::size_t axis = 0; axis < axis::kCount; ++axis) {
@@ -144,7 +151,7 @@ int Sweep(Arguments& arguments) {
     return kExitInterrupted;
   }
   std::cerr << "orvex-sweep: " << result.recordedS << " s of recordings in " << progress.ElapsedS() << " s, "
-            << result.recordedS * CLOCKS_PER_SEC / static_cast<double>(std::clock()) << " times real time per core\n";
+            << result.recordedS / ProcessorS() << " times real time per core\n";
   return kExitGood;
 }
 

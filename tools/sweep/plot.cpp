@@ -9,6 +9,7 @@
 #include <iterator>
 #include <stdexcept>
 
+#include "linux/printable_text.h"
 #include "sweep/plot_drawing.h"
 #include "sweep/plot_found.h"
 #include "sweep/plot_panels.h"
@@ -46,7 +47,8 @@ std::vector<std::string> Words(const SweepCommand& command) {
   }
   if (!command.recordings.empty()) {
     words.emplace_back("--recording");
-    std::transform(command.recordings.begin(), command.recordings.end(), std::back_inserter(words), Quoted);
+    std::transform(command.recordings.begin(), command.recordings.end(), std::back_inserter(words),
+                   [](const std::string& recording) { return Quoted(port::Printable(recording)); });
   }
   return words;
 }

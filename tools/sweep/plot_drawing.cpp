@@ -84,8 +84,7 @@ std::string PlotDrawing::Finish(const std::string& title, const std::string& des
              "<svg xmlns='http://www.w3.org/2000/svg' viewBox='0 0 {0:.0f} {1:.0f}' width='100%' role='img' "
              "aria-labelledby='title desc'>\n<title id='title'>{2}</title>\n<desc id='desc'>{3}</desc>\n"
              "<style>{4}</style>\n<rect class='paper' width='{0:.0f}' height='{1:.0f}'/>\n",
-             kPictureWidth, m_Bottom + kPlotMargin, Escaped(title), Escaped(description),
-             WithLightColours(kPlotStyle)) +
+             kPictureWidth, m_Bottom + kPlotMargin, Escaped(title), Escaped(description), WithColours(kPlotStyle)) +
          m_Svg + "</svg>\n";
 }
 

@@ -16,7 +16,7 @@ struct SoundFileCloser {
   void operator()(SNDFILE* file) const { sf_close(file); }
 };
 
-Sound Convert(Sound& samples, double ratio) {
+Sound Convert(const std::string& path, const Sound& samples, double ratio) {
   Sound converted(static_cast<std::size_t>(std::ceil(static_cast<double>(samples.size()) * ratio)));
   SRC_DATA data{};
   data.data_in = samples.data();
@@ -26,7 +26,11 @@ Sound Convert(Sound& samples, double ratio) {
   data.src_ratio = ratio;
   const int error = src_simple(&data, SRC_SINC_MEDIUM_QUALITY, 1);
   if (error != 0) {
-    throw std::runtime_error(src_strerror(error));
+    throw std::runtime_error(path + ": cannot be brought to the microphone's rate: " + src_strerror(error));
+  }
+  if (data.output_frames_gen <= 0) {
+    throw std::runtime_error(path + ": " + std::to_string(samples.size()) +
+                             " samples, expected a sound of some length");
   }
   converted.resize(static_cast<std::size_t>(data.output_frames_gen));
   return converted;
@@ -46,7 +50,7 @@ Sound ReadSound(const std::string& path) {
   }
   Sound samples(static_cast<std::size_t>(info.frames));
   samples.resize(static_cast<std::size_t>(sf_read_float(file.get(), samples.data(), info.frames)));
-  return Convert(samples, kVoiceRateHz / info.samplerate);
+  return Convert(path, samples, kVoiceRateHz / info.samplerate);
 }
 
 }  // namespace orvex::tools

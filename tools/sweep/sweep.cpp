@@ -1,11 +1,13 @@
 // Hands the rooms out to threads by number and keeps their results by number.
 #include "sweep/sweep.h"
 
+#include <algorithm>
 #include <atomic>
 #include <condition_variable>
 #include <exception>
+#include <future>
 #include <mutex>
-#include <thread>
+#include <system_error>
 
 #include "sweep/one_room.h"
 
@@ -18,14 +20,8 @@ public:
       : m_Plan(plan), m_Options(options), m_Results(plan.Rows(), std::vector<RoomResult>(options.rooms)) {}
 
   SweepResult Run() {
-    std::vector<std::thread> threads;
-    for (unsigned job = 0; job < m_Options.jobs; ++job) {
-      threads.emplace_back([this] { Work(); });
-    }
-    WatchUntilDone();
-    for (std::thread& thread : threads) {
-      thread.join();
-    }
+    const std::vector<std::future<void>> workers = Start();
+    WatchUntilDone(workers.size());
     if (m_Failure != nullptr) {
       std::rethrow_exception(m_Failure);
     }
@@ -40,6 +36,22 @@ public:
 
 private:
   std::size_t Total() const { return m_Plan.Rows() * m_Options.rooms; }
+
+  // Not more of them than rooms, and fewer where the computer cannot run so many.
+  std::vector<std::future<void>> Start() {
+    std::vector<std::future<void>> workers;
+    const std::size_t wanted = std::min<std::size_t>(m_Options.jobs, Total());
+    try {
+      while (workers.size() < wanted) {
+        workers.push_back(std::async(std::launch::async, [this] { Work(); }));
+      }
+    } catch (const std::system_error&) {
+      if (workers.empty()) {
+        throw;
+      }
+    }
+    return workers;
+  }
 
   void Work() {
     try {
@@ -74,10 +86,10 @@ private:
     }
   }
 
-  void WatchUntilDone() {
+  void WatchUntilDone(std::size_t workers) {
     std::unique_lock<std::mutex> lock(m_Mutex);
     constexpr std::chrono::milliseconds kBetween(200);
-    while (!m_Changed.wait_for(lock, kBetween, [this] { return m_Finished == m_Options.jobs; })) {
+    while (!m_Changed.wait_for(lock, kBetween, [this, workers] { return m_Finished == workers; })) {
       m_Options.progress(m_Done);
     }
   }
@@ -90,7 +102,7 @@ private:
   std::atomic<std::size_t> m_Done{0};
   std::mutex m_Mutex;
   std::condition_variable m_Changed;
-  unsigned m_Finished = 0;
+  std::size_t m_Finished = 0;
   std::exception_ptr m_Failure;
 };
 

@@ -99,7 +99,7 @@ TEST(SweepPlot, HasColoursThatMoreThanBrowsersKnow) {
   EXPECT_THAT(svg, HasSubstr(".l0 { stroke: #0b5cad; fill: #0b5cad; }"));
   EXPECT_THAT(svg, HasSubstr("fill: #1b1f24;"));
   EXPECT_THAT(svg, Not(HasSubstr("var(")));
-  EXPECT_THROW(WithLightColours("stroke: var(--ink-of-no-name)"), std::logic_error);
+  EXPECT_THROW(WithColours("stroke: var(--ink-of-no-name)"), std::logic_error);
 }
 
 TEST(SweepPlot, NamesCommandSeedAndRooms) {
