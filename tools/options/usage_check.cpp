@@ -66,6 +66,9 @@ void CheckValues(const Command& command, const Option& option, const std::vector
     Refuse(command, option.Name() + " is given " + std::to_string(values.size()) + " times, expected once");
   }
   for (const std::string& value : values) {
+    if (option.TakesValue() && value.rfind("--", 0) == 0 && command.FindOption(value) != nullptr) {
+      Refuse(command, option.Name() + ": expected " + option.kind.expected + " after it, not " + value);
+    }
     if (option.TakesValue() && !option.kind.accepts(value)) {
       Refuse(command, option.Name() + ": " + Quoted(value) + ": expected " + option.kind.expected +
                           DidYouMean(value, option.kind.words));

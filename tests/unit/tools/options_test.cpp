@@ -147,6 +147,7 @@ TEST(Options, SayWhatIsMissing) {
   EXPECT_EQ("--tone: expected TONE after it", RefusalOf({"ring", "great", "--tone"}));
   EXPECT_EQ("--pause: expected a number of milliseconds from 0 to 1000 after it",
             RefusalOf({"ring", "--pause=", "great"}));
+  EXPECT_EQ("--tone: expected TONE after it, not --loud", RefusalOf({"ring", "--tone", "--loud", "great"}));
   EXPECT_EQ("--sound: \"\": expected a file", RefusalOf({"ring", "--sound", "", "great"}));
 }
 
