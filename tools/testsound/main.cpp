@@ -44,7 +44,7 @@ void DefineOptions(Program& program, Arguments& arguments) {
 
 int Report(const std::vector<std::string>& reasons) {
   for (const std::string& reason : reasons) {
-    std::fprintf(stderr, "%s\n", reason.c_str());
+    std::fprintf(stderr, "orvex-testsound: %s\n", reason.c_str());
   }
   return reasons.empty() ? kFit : kUnfit;
 }
@@ -71,7 +71,7 @@ int Write(const std::string& path, const SoundDesign& design) {
   const OutputFile file(path);
   const auto samples = GenerateSound(design);
   if (const int result = Report(CheckSound(samples)); result != kFit) {
-    std::fprintf(stderr, "%s: not written, the sound would not be fit\n", path.c_str());
+    std::fprintf(stderr, "orvex-testsound: %s: not written, the sound would not be fit\n", path.c_str());
     return result;
   }
   WriteWaveFile(file, samples);
@@ -97,7 +97,7 @@ int main(int argc, char** argv) {
                   kExitUsage);
   Arguments arguments;
   DefineOptions(program, arguments);
-  program.AddExample("orvex-testsound --level-dbfs -12 --pairs 6 --spacing-ms 450 quiet.wav");
+  program.AddExample("orvex-testsound --level-dbfs -12 --pairs 6 --spacing-ms 620 quiet.wav");
   program.AddExample("orvex-testsound --check sound.wav");
   program.SetAction([&] { return Run(arguments); });
   return program.Run(argc, argv);
