@@ -194,7 +194,8 @@ TEST(Interruption, ASignalWhileItSumsUpLeavesNothing) {
   const std::string dump = folder.PathOf("dump").string();
   OutputPipe sent(folder.PathOf("sent"));
   folder.WriteFile("dump", "sound");
-  folder.WriteFile("service", "#!/bin/sh\necho 'A.cpp: f(1) > Temp file name=[" + dump + "][" + dump +
+  folder.WriteFile("service", "#!/bin/sh\nchmod 600 " + dump + "\necho 'A.cpp: f(1) > Temp file name=[" + dump + "][" +
+                                  dump +
                                   ".csv]'\ntv=$PPID\n(while kill -0 $$ 2>/dev/null; do :; done; kill $tv; echo sent >" +
                                   sent.Path().string() + ") &\n");
   std::filesystem::permissions(folder.PathOf("service"), std::filesystem::perms::owner_all);
