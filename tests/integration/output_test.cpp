@@ -49,6 +49,12 @@ TEST_F(Output, OfTestsoundIsARegularFileOrStandardOutput) {
   EXPECT_THAT(output.errors, HasSubstr("-: 2.738 s, 4 pairs"));
 }
 
+TEST_F(Output, OfReplayIsNotOfStandardInputTwice) {
+  const ToolRun refused = RunProgram(ORVEX_REPLAY_PROGRAM, {"-", "-"});
+  EXPECT_EQ("exit code 2", Describe(refused.ending));
+  EXPECT_THAT(refused.errors, HasSubstr("- is given more than once"));
+}
+
 class OutputOfReplay : public Output {
 protected:
   OutputOfReplay() { m_Folder.WriteFile("recording", kSilence); }

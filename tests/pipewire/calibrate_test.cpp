@@ -63,6 +63,7 @@ TEST_F(CalibrateOptions, CoarseLeavesItAtTheServicesValueAndTheReportShowsTheRun
   const std::string html{std::istreambuf_iterator<char>(file), {}};
   EXPECT_THAT(html, testing::HasSubstr("</html>"));
   EXPECT_THAT(html, testing::HasSubstr("-160."));
+  EXPECT_THAT(html, testing::HasSubstr("The service itself measured -1"));
 }
 
 INSTANTIATE_TEST_SUITE_P(Rooms, Calibrate,

@@ -2,8 +2,10 @@
 #include <fmt/core.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <charconv>
 #include <iostream>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <vector>
@@ -53,15 +55,14 @@ std::string Answer(const std::vector<AudioNode>& choices, const std::string& lin
 
 std::string Ask(const std::vector<AudioNode>& nodes, const Role& role) {
   std::vector<AudioNode> choices;
-  if (NamesOf(nodes, role.kind) == NamesOf({}, role.kind)) {
+  std::copy_if(nodes.begin(), nodes.end(), std::back_inserter(choices),
+               [&](const AudioNode& node) { return node.kind == role.kind; });
+  if (choices.empty()) {
     throw UsageError(fmt::format("{}: there is nothing to choose from: switch it on, or plug it in", role.option));
   }
   std::cerr << role.question << '\n';
-  for (const AudioNode& node : nodes) {
-    if (node.kind == role.kind) {
-      choices.push_back(node);
-      std::cerr << fmt::format("{:>3}  {}  {}\n", choices.size(), node.name, node.description);
-    }
+  for (std::size_t n = 0; n < choices.size(); ++n) {
+    std::cerr << fmt::format("{:>3}  {}  {}\n", n + 1, choices[n].name, choices[n].description);
   }
   std::string line;
   while (true) {

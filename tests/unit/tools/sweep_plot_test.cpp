@@ -100,6 +100,8 @@ TEST(SweepPlot, HasColoursThatMoreThanBrowsersKnow) {
   EXPECT_THAT(svg, HasSubstr("fill: #1b1f24;"));
   EXPECT_THAT(svg, Not(HasSubstr("var(")));
   EXPECT_THROW(WithColours("stroke: var(--ink-of-no-name)"), std::logic_error);
+  EXPECT_EQ("a { fill: #1b1f24; }@media (prefers-color-scheme: dark) {a { fill: #e9edf2; }}\n",
+            WithColours("a { fill: var(--ink); }"));
 }
 
 TEST(SweepPlot, NamesCommandSeedAndRooms) {

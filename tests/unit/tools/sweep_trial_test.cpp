@@ -9,12 +9,16 @@
 #include "orvex/platform/remote_voice.h"
 #include "orvex/sim/room.h"
 #include "orvex/sim/voice_channel.h"
+#include "output/output_file.h"
 #include "receiver/receiver_rig.h"
+#include "sweep/disturbance.h"
 #include "sweep/one_room.h"
 #include "sweep/plan.h"
 #include "sweep/report.h"
 #include "sweep/sweep.h"
 #include "testsound/generator.h"
+#include "testsound/wave_file.h"
+#include "unit/tools/temporary_folder.h"
 
 namespace orvex::tools {
 namespace {
@@ -236,6 +240,9 @@ TEST(Sweep, TellsWhyADesignCannotBeMade) {
 
 TEST(Sweep, NeedsRecordingsForTheDisturbanceOfThatName) {
   EXPECT_THROW(RunOne({{axis::kDisturbance, "recording"}}), std::invalid_argument);
+  const TemporaryFolder folder;
+  WriteWaveFile(OutputFile(folder / "one.wav"), {100}, {192000, 1});
+  EXPECT_THROW(ReadSound(folder / "one.wav"), std::runtime_error) << "nothing is left of it at the microphone's rate";
 }
 
 }  // namespace
