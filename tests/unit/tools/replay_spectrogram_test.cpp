@@ -125,6 +125,12 @@ std::string Draw(const std::string& blocks) {
   return DrawSpectrogram(run, SamplesOf({bytes, ""}), WholeRecording(run));
 }
 
+TEST(ReplaySpectrogramChart, SeparatesATonesBlocksFromThoseThatWereRejectedBefore) {
+  const std::string covered = Draw(Ambient() + "bb9.");
+  EXPECT_THAT(covered, HasSubstr("19 kHz reached its threshold in buffers 36 to 37, and was rejected</title>"));
+  EXPECT_THAT(covered, HasSubstr("19 kHz reached its threshold in buffers 38 to 38</title>"));
+}
+
 TEST(ReplaySpectrogramChart, SaysOfEachToneWhatBecameOfIt) {
   const std::string both = Draw(Ambient() + "77..9.");
   EXPECT_THAT(both, HasSubstr(">17 kHz, television&#39;s speaker: found in 2 blocks</text>"));
