@@ -148,6 +148,16 @@ TEST_F(RunSeries, FailsWhenOneOfItsRunsDoes) {
   EXPECT_THAT(NamesIn(kept), UnorderedElementsAre("run_1", "run_2", "run_3"));
 }
 
+TEST_F(RunSeries, EndsWithWhatItHasWhenARunCannotBeKept) {
+  const std::string kept = m_Folder / "kept";
+  const std::string service = Service("touch " + kept + "/run_2\n" + kAligned);
+  const TvOutcome run = Call({"run", "--times", "3", "--keep", kept.c_str(), "--service", service.c_str()});
+  EXPECT_EQ(1, run.exitCode);
+  EXPECT_THAT(run.error, HasSubstr("orvex-tv: " + kept + "/run_2: the run cannot be kept: "));
+  EXPECT_THAT(run.out, AllOf(HasSubstr("run 2 of 3              aligned: "), HasSubstr("2 of 3, then "),
+                             Not(HasSubstr("run 3 of"))));
+}
+
 TEST_F(RunSeries, ThatIsInterruptedSaysWhatItHasByThenAndLeavesNothingOfTheRest) {
   const std::string service =
       ServiceWithDebugFiles("echo x >>" + m_Folder / "count" + "\nif [ $(wc -l <" + m_Folder / "count" +
